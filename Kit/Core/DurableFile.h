@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+// Files that are either the old one or the new one, whole, whatever interrupts the writing.
+namespace durable {
+
+// The whole file, or nothing when it cannot be read or is larger than `limit` bytes.
+std::optional<std::string> readFile(const std::filesystem::path& path,
+                                    std::size_t limit = std::size_t{64} << 20U);
+
+// Writes the bytes to a new file beside `path`, syncs it, and puts it in the place of `path`. On
+// an error the old file is untouched and nothing is left behind. The permissions of an old file
+// are kept.
+std::error_code writeFile(const std::filesystem::path& path, std::string_view bytes);
+
+// One file of a folder that replaceFolder writes.
+struct FolderEntry {
+  std::string name;  // one path component
+  std::string bytes;
+};
+
+// Makes the folder hold exactly these files: writes and syncs a new folder beside it and lets it
+// take the place of the old one in one step. On an error the old folder is untouched.
+std::error_code replaceFolder(const std::filesystem::path& folder,
+                              std::span<const FolderEntry> entries);
+
+// Cleans up after a replaceFolder that was interrupted: the folder is the old one or the new one
+// afterwards, and nothing of the other is left. Call it before the folder is read.
+void recoverFolder(const std::filesystem::path& folder);
+
+// For tests: called before each step that touches the disk, with the step's name; a non-zero
+// answer is the errno with which that step fails. An empty function ends it.
+using FaultInjector = std::function<int(const char* step)>;
+void setFaultInjector(FaultInjector injector);
+
+}  // namespace durable

@@ -1,0 +1,57 @@
+#include "Kit/Core/LXPlatform.h"
+
+#include <utility>
+
+namespace {
+
+class NoDeviceRequester final : public LXDeviceRequester {
+ public:
+  void setIsPrintMsg(bool) override {}
+  void listenDevWithVid(std::uint16_t, std::uint16_t) override {}
+  bool isDevOn() override { return false; }
+  bool sendDeviceRequest(LXDeviceRequest&) override { return false; }
+  void resetCurrDevice() override {}
+};
+
+class NoNotificationCenter final : public LXNotificationCenter {
+ public:
+  void postNotificationName(const std::string&, const std::string&,
+                            const std::optional<LXUserInfo>&) override {}
+  void addObserver(const std::string&, Observer) override {}
+  void removeObserver(const std::string&) override {}
+};
+
+LXPlatform withHarmlessDefaults(LXPlatform platform) {
+  if (!platform.deviceRequester) {
+    platform.deviceRequester = std::make_shared<NoDeviceRequester>();
+  }
+  if (!platform.notificationCenter) {
+    platform.notificationCenter = std::make_shared<NoNotificationCenter>();
+  }
+  if (!platform.sleep) {
+    platform.sleep = [](std::chrono::microseconds) {};
+  }
+  if (!platform.open) {
+    platform.open = [](const std::string&) { return false; };
+  }
+  return platform;
+}
+
+LXPlatform& installed() {
+  static LXPlatform platform = withHarmlessDefaults({});
+  return platform;
+}
+
+}  // namespace
+
+const LXPlatform& LXPlatform::current() {
+  return installed();
+}
+
+void LXPlatform::install(LXPlatform platform) {
+  installed() = withHarmlessDefaults(std::move(platform));
+}
+
+std::shared_ptr<LXDeviceRequester> LXDeviceRequester::shareDeviceReq() {
+  return LXPlatform::current().deviceRequester;
+}

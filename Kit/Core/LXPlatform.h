@@ -1,0 +1,35 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Kit/Core/LXDeviceRequester.h"
+#include "Kit/Core/LXNotificationCenter.h"
+
+// All that the outside gives to the program: the one seam. `main` installs the real one, a test a
+// fake one; nothing else asks the environment.
+struct LXPlatform {
+  // What "~" stands for.
+  std::filesystem::path homeFolder;
+  // Where the files that came with the program lie.
+  std::filesystem::path resourceFolder;
+  // Names the support folder and the preference file.
+  std::string bundleIdentifier = "com.corvex.NerinOption";
+  // The user's first preferred language as the system names it ("de_AT.UTF-8", "pt-BR"), or none.
+  std::optional<std::string> preferredLanguage;
+  std::shared_ptr<LXDeviceRequester> deviceRequester;
+  std::shared_ptr<LXNotificationCenter> notificationCenter;
+  // Waits between two reports.
+  std::function<void(std::chrono::microseconds)> sleep;
+  // Opens a file or a web address with its default application.
+  std::function<bool(const std::string&)> open;
+
+  // What is installed. Before any install: no mouse, no notifications, no waiting, empty folders.
+  static const LXPlatform& current();
+  // Replaces it. Members left empty get the harmless ones of the first state.
+  static void install(LXPlatform platform);
+};

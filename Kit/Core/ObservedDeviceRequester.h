@@ -1,0 +1,40 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "Kit/Core/LXDeviceRequester.h"
+
+// Passes everything on to another requester and tells of each transfer: for a trace, a progress
+// bar, or to learn afterwards whether everything arrived.
+class ObservedDeviceRequester final : public LXDeviceRequester {
+ public:
+  struct Observer {
+    std::function<void(const LXDeviceRequest&)> willSend;
+    std::function<void(const LXDeviceRequest&, bool isDone)> didSend;
+  };
+
+  ObservedDeviceRequester(std::shared_ptr<LXDeviceRequester> requester, Observer observer)
+      : m_requester(std::move(requester)), m_observer(std::move(observer)) {}
+
+  void setIsPrintMsg(bool isPrintMsg) override { m_requester->setIsPrintMsg(isPrintMsg); }
+  void listenDevWithVid(std::uint16_t vid, std::uint16_t pid) override {
+    m_requester->listenDevWithVid(vid, pid);
+  }
+  bool isDevOn() override { return m_requester->isDevOn(); }
+  bool sendDeviceRequest(LXDeviceRequest& request) override {
+    if (m_observer.willSend) {
+      m_observer.willSend(request);
+    }
+    const bool isDone = m_requester->sendDeviceRequest(request);
+    if (m_observer.didSend) {
+      m_observer.didSend(request, isDone);
+    }
+    return isDone;
+  }
+  void resetCurrDevice() override { m_requester->resetCurrDevice(); }
+
+ private:
+  std::shared_ptr<LXDeviceRequester> m_requester;
+  Observer m_observer;
+};

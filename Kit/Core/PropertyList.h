@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include <plist/plist.h>
+
+// Property lists, binary and XML, on libplist. A handle owns its tree.
+namespace propertylist {
+
+struct Free {
+  void operator()(void* node) const { plist_free(node); }
+};
+using Handle = std::unique_ptr<void, Free>;
+
+enum class Form { Xml, Binary };
+
+// The tree that the bytes describe, or null: for anything that is no property list, for one whose
+// nodes contain themselves, and for one that would unfold to more than four million nodes or 256
+// levels, which is an attack and not a file of ours.
+Handle parse(std::string_view bytes);
+
+// The form of some bytes that parse() takes.
+Form formOf(std::string_view bytes);
+
+std::string serialise(plist_t node, Form form);
+
+// The node's text, or an empty one for a node of another kind.
+std::string stringOf(plist_t node);
+// Integers, reals and booleans as a number; anything else is 0.
+std::int64_t integerOf(plist_t node);
+// A boolean's value; a number is true when it is not 0; anything else is false.
+bool boolOf(plist_t node);
+bool isKind(plist_t node, plist_type kind);
+
+}  // namespace propertylist
