@@ -1,0 +1,52 @@
+#include "Action/CatalogueFile.h"
+
+#include <filesystem>
+#include <sstream>
+
+#include "Action/SupportFolder.h"
+#include "Kit/Core/DurableFile.h"
+#include "Kit/Core/LXLogger.h"
+
+namespace {
+
+// Keeps all that a person wrote, the declaration included, and leaves attribute values alone.
+constexpr unsigned parseOptions =
+    (pugi::parse_full | pugi::parse_ws_pcdata_single) & ~pugi::parse_wconv_attribute;
+
+std::filesystem::path cataloguePath() {
+  return std::filesystem::path(NerinAction::getSysPath()) / "MenuInfo.xml";
+}
+
+}  // namespace
+
+bool CatalogueFile::load() {
+  m_document.reset();
+  const auto bytes = durable::readFile(cataloguePath());
+  if (!bytes) {
+    return false;
+  }
+  const auto result = m_document.load_buffer(bytes->data(), bytes->size(), parseOptions);
+  m_encoding = result.encoding;
+  if (!result) {
+    LXLogger::error(cataloguePath().string() + " is damaged: " + result.description());
+    m_document.reset();
+    return false;
+  }
+  return true;
+}
+
+bool CatalogueFile::save() const {
+  const bool isUtf8 = m_encoding == pugi::encoding_utf8;
+  std::ostringstream text;
+  m_document.save(text, "  ", pugi::format_indent | (isUtf8 ? 0U : pugi::format_write_bom),
+                  m_encoding);
+  const auto error = durable::writeFile(cataloguePath(), text.str());
+  if (error) {
+    LXLogger::error("the catalogue was not saved: " + error.message());
+  }
+  return !error;
+}
+
+pugi::xml_node CatalogueFile::section(const char* name) const {
+  return m_document.document_element().child(name);
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+// The keys of the preference file that this program and the background service share.
+namespace preferencekeys {
+
+inline constexpr const char* osd = "OSDTag";
+inline constexpr const char* linkApp = "LinkApp";
+
+// Counted 1..10 for the link record of a slot, and from 0 inside "LinkApp".
+inline std::string profile(int number) {
+  return "Profile_" + std::to_string(number);
+}
+
+inline std::string linkIsActive(int slot) {
+  return "IsActive_" + profile(slot);
+}
+
+inline std::string launchPath(int slot, int button) {
+  return profile(slot) + "_" + std::to_string(button);
+}
+
+}  // namespace preferencekeys

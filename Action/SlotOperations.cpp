@@ -1,0 +1,68 @@
+#include "Action/SlotOperations.h"
+
+#include "Action/DaemonMessages.h"
+#include "Action/EditState.h"
+#include "Action/ProfieController.h"
+#include "Action/ProfileImage.h"
+
+namespace {
+
+ProfieController& library() {
+  return ProfieController::getShareProCon();
+}
+
+}  // namespace
+
+bool NerinAction::loadSlot(int slot) {
+  library().setCurrFWProfileIndex(slot);
+  const bool hasProfile = loadSlotProfile(slot);
+  loadSlotLink(slot);
+  return hasProfile;
+}
+
+bool NerinAction::loadSlotProfile(int slot) {
+  isHaveNewName = false;
+  if (!getFWProfileData(static_cast<std::uint8_t>(slot))) {
+    return false;
+  }
+  selProfile = currFWProfile;
+  if (const auto profile = library().getProfileByFWProIndex(slot)) {
+    library().setCurrProfile(profile);
+    library().saveSelProfileToData();
+  }
+  return true;
+}
+
+void NerinAction::loadSlotLink(int slot) {
+  bool isActive = false;
+  library().setCurrActivePath(library().getLinkAppPath(slot, isActive));
+  library().setCurrIsActive(isActive);
+}
+
+void NerinAction::bindSlot(std::uint64_t profileId) {
+  library().fwProfileID()[static_cast<std::size_t>(library().currFWProfileIndex())] = profileId;
+  library().setSelectById(profileId);
+  library().refreshSelProfileFromData();
+}
+
+void NerinAction::saveLinkApp() {
+  if (const auto& profile = library().currProfile()) {
+    profile->setIsActiveApp(library().currIsActive());
+    profile->setActiveAppPath(library().currActivePath());
+  }
+  library().setLinkAppPath(library().currActivePath(), library().currFWProfileIndex(),
+                           library().currIsActive());
+}
+
+void NerinAction::writeSlot(int slot) {
+  currFWProfile = selProfile;
+  setFWProfileData(static_cast<std::uint8_t>(slot));
+}
+
+std::error_code NerinAction::applySlot() {
+  saveLinkApp();
+  writeSlot(library().currFWProfileIndex());
+  const auto error = library().saveCurrFWProfileToList();
+  sendMessageToDaemon(MessageProfileApplied);
+  return error;
+}

@@ -1,0 +1,21 @@
+#include "Action/SupportFolder.h"
+
+#include "Kit/Core/LXAction.h"
+#include "Kit/Core/LXLogger.h"
+#include "Kit/Core/LXPlatform.h"
+
+const std::string& NerinAction::getSysPath() {
+  if (sysPath.empty()) {
+    const LXPlatform& platform = LXPlatform::current();
+    sysPath = (platform.homeFolder / "Library" / "Application Support" / platform.bundleIdentifier)
+                  .string();
+    LXAction::creatDirectoryPro(sysPath);
+    LXLogger::debug("sysPath=" + sysPath);
+  }
+  return sysPath;
+}
+
+std::filesystem::path NerinAction::preferenceFilePath() {
+  const LXPlatform& platform = LXPlatform::current();
+  return platform.homeFolder / "Library" / "Preferences" / (platform.bundleIdentifier + ".plist");
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+// The folder that holds the library, the catalogues and nothing of the user's own.
+inline std::string sysPath;
+
+namespace NerinAction {
+
+// The support folder, made when it is missing. It is found out once; sysPath then holds it.
+const std::string& getSysPath();
+
+// The file that the background service reads as well.
+std::filesystem::path preferenceFilePath();
+
+}  // namespace NerinAction
