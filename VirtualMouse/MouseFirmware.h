@@ -1,0 +1,61 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "VirtualMouse/MouseMemory.h"
+#include "VirtualMouse/MouseReport.h"
+#include "VirtualMouse/VirtualMouse.h"
+
+// The rules by which the mouse answers control transfers. What must outlive a power cut is in the
+// memory that each call gets; here is only what the mouse knows while it has power.
+//
+// A transfer or command that the mouse does not know stalls. One that it knows but that asks for
+// what does not exist is acknowledged and dropped. Both are faults. What changes the memory lets
+// its std::system_error through.
+class MouseFirmware {
+ public:
+  // Host to device: `data` is the data stage.
+  TransferStatus receive(MouseMemory& memory, const SetupPacket& setup,
+                         std::span<const std::uint8_t> data);
+  // Device to host: `answer` becomes the data stage.
+  TransferStatus answer(const MouseMemory& memory, const SetupPacket& setup,
+                        std::vector<std::uint8_t>& answer);
+
+  void losePower();
+  bool hasUnrefreshedWrites() const { return m_hasUnrefreshedWrites; }
+
+  void addFault(std::string words) { m_faults.push_back(std::move(words)); }
+  const std::vector<std::string>& faults() const { return m_faults; }
+  void clearFaults() { m_faults.clear(); }
+
+ private:
+  // The last ready command: what the next long transfer is about.
+  struct Ready {
+    std::uint8_t subject = 0;
+    std::uint8_t slot = 0;
+    bool isWrite = false;
+  };
+  using Command = std::array<std::uint8_t, 8>;
+
+  bool obey(MouseMemory& memory, const Command& command);
+  bool obeyControl(MouseMemory& memory, const Command& command);
+  bool makeReady(const Command& command);
+  bool setSetting(MouseMemory& memory, const Command& command);
+  void setButton(MouseMemory& memory, const Command& command);
+  void setLiftHeight(MouseMemory& memory, const Command& command);
+  void writeByte(MouseMemory& memory, const Command& command);
+  void readByte(const MouseMemory& memory, const Command& command);
+  void takeReport(MouseMemory& memory, const MouseReport& form,
+                  std::span<const std::uint8_t> report);
+  bool hasSettings(const MouseMemory& memory, const Command& command);
+
+  Command m_answer{};
+  std::optional<Ready> m_ready;
+  bool m_hasUnrefreshedWrites = false;
+  std::vector<std::string> m_faults;
+};

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "VirtualMouse/MouseMemoryFile.h"
+#include "VirtualMouse/VirtualMouse.h"
+
+// What the mouse keeps without power, as one run of bytes:
+//
+//   11 pages of 256 bytes   page 0: the active slot at address 25; page s + 1: the settings of
+//                           slot s, which are its image report without the header
+//   10 name reports         70 bytes each
+//   190 macro reports       2053 bytes each, byte 0 being 0xB0 when the slot holds a macro, else 4
+//
+// Slots, addresses and sizes given to it must be right; the firmware checks them. When the memory
+// is kept in a file, what changes it throws std::system_error if the file cannot be written, and
+// then changes nothing.
+class MouseMemory {
+ public:
+  static constexpr std::size_t pageSize = 256;
+  static constexpr std::size_t addressCount = pageSize * (VirtualMouse::slotCount + 1);
+  static constexpr std::uint16_t activeSlotAddress = 25;
+  static constexpr std::uint8_t activeSlotMark = 0xA0;
+  static constexpr std::uint8_t macroMark = 0xB0;
+
+  // A memory where nothing was ever written: no names, no macros, settings all 0, slot 0 active.
+  MouseMemory();
+
+  // Keeps the memory in this file from now on. A file that exists replaces what the memory holds,
+  // a missing one is made from it. Throws as MouseMemoryFile does.
+  void keepIn(const std::filesystem::path& file);
+
+  std::uint8_t byteAt(std::uint16_t address) const;
+  void setByteAt(std::uint16_t address, std::uint8_t value);
+
+  // As held, so that a host can have put 10..15 there, which the mouse does not have.
+  int activeSlot() const;
+  void setActiveSlot(int slot);
+
+  // The reports as a read answers them; views into the memory, good until it changes.
+  std::span<const std::uint8_t> name(int slot) const;
+  std::span<const std::uint8_t> macro(int macroSlot) const;
+  // Put together from the settings of the slot.
+  std::array<std::uint8_t, VirtualMouse::imageReportSize> image(int slot) const;
+
+  // Take a whole report; header bytes are set right.
+  void setName(int slot, std::span<const std::uint8_t> report);
+  void setImage(int slot, std::span<const std::uint8_t> report);
+  void setMacro(int macroSlot, std::span<const std::uint8_t> report);
+
+  // Byte `imageByte` (4..153) of the image report and those after it.
+  void setImageBytes(int slot, std::size_t imageByte, std::span<const std::uint8_t> bytes);
+  std::uint8_t imageByte(int slot, std::size_t imageByte) const;
+
+  // No name, settings all 0, no macros.
+  void clearSlot(int slot);
+
+ private:
+  void store(std::size_t offset, std::span<const std::uint8_t> bytes);
+
+  std::vector<std::uint8_t> m_bytes;
+  std::unique_ptr<MouseMemoryFile> m_file;
+};
+
+// Into a memory where nothing was ever written:
+//
+// as the mouse leaves the factory: ten named slots that differ in the colour of their lights, no
+// macros, slot 0 active;
+void fillAsDelivered(MouseMemory& memory);
+// what no program writes: names that fill their field without an end, level count and active level
+// 15, active slot 15, and in each slot two buttons with a macro of 2000 bytes whose last byte
+// begins a delay record that has no room.
+void fillWithGarbage(MouseMemory& memory);

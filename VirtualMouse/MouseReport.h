@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+// One kind of the long reports that go over interface 1: id, 0, number of the slot, checksum, then
+// what it carries.
+struct MouseReport {
+  static constexpr std::size_t headerSize = 4;
+
+  std::uint8_t id = 0;
+  std::size_t size = 0;
+  std::size_t covered = 0;  // how many bytes after the header the checksum covers
+
+  static std::optional<MouseReport> byId(int id);
+
+  // What byte 3 of `report` has to be: with it the covered bytes add up to 0 modulo 256. `report`
+  // has `size` bytes.
+  std::uint8_t checksum(std::span<const std::uint8_t> report) const;
+};
+
+inline constexpr MouseReport mouseMacroReport{4, 2053, 2048};
+inline constexpr MouseReport mouseImageReport{5, 154, 149};
+inline constexpr MouseReport mouseNameReport{6, 70, 65};
+
+// Lower-case hex digits, two for each byte, for messages.
+std::string hexText(std::span<const std::uint8_t> bytes);
+// Four lower-case hex digits.
+std::string hexText(std::uint16_t value);

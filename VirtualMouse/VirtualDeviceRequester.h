@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "Kit/Core/LXDeviceRequester.h"
+#include "VirtualMouse/VirtualMouse.h"
+
+// The requester whose device is a virtual mouse. It shares the mouse with whoever made it, and
+// finds it only when it listens for the ids of the mouse.
+class VirtualDeviceRequester final : public LXDeviceRequester {
+ public:
+  explicit VirtualDeviceRequester(std::shared_ptr<VirtualMouse> mouse);
+
+  void setIsPrintMsg(bool isPrintMsg) override;
+  void listenDevWithVid(std::uint16_t vid, std::uint16_t pid) override;
+  bool isDevOn() override;
+  bool sendDeviceRequest(LXDeviceRequest& request) override;
+  void resetCurrDevice() override;
+
+ private:
+  std::shared_ptr<VirtualMouse> m_mouse;
+  bool m_isListening = false;
+  bool m_isPrintMsg = false;
+};

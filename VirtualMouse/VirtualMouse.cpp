@@ -1,0 +1,222 @@
+#include "VirtualMouse/VirtualMouse.h"
+
+#include <algorithm>
+#include <random>
+#include <stdexcept>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "VirtualMouse/MouseFirmware.h"
+#include "VirtualMouse/MouseMemory.h"
+
+namespace {
+
+void requireBelow(int count, int slot) {
+  if (slot < 0 || slot >= count) {
+    throw std::out_of_range("the mouse has no slot " + std::to_string(slot));
+  }
+}
+
+}  // namespace
+
+struct VirtualMouse::State {
+  MouseMemory kept;
+  std::optional<MouseMemory> garbage;
+  MouseFirmware firmware;
+  MouseScenario scenario;
+  std::uint32_t transfersLeft = 0;
+  bool isPluggedIn = true;
+  std::minstd_rand noise;
+  std::vector<TransferRecord> transcript;
+  // The image has no place of its own in the memory, and a view must point somewhere.
+  std::array<std::array<std::uint8_t, imageReportSize>, slotCount> images{};
+
+  MouseMemory& memory() { return garbage ? *garbage : kept; }
+
+  void unplug() {
+    isPluggedIn = false;
+    firmware.losePower();
+  }
+
+  // Changes the memory at the mouse itself, where no transfer can report a failure.
+  template <typename Change>
+  void changeAtTheMouse(const Change& change) {
+    try {
+      change(memory());
+    } catch (const std::system_error& error) {
+      firmware.addFault(error.what());
+    }
+  }
+
+  TransferStatus perform(const SetupPacket& setup, std::span<const std::uint8_t> sent,
+                         std::vector<std::uint8_t>& answer);
+};
+
+TransferStatus VirtualMouse::State::perform(const SetupPacket& setup,
+                                            std::span<const std::uint8_t> sent,
+                                            std::vector<std::uint8_t>& answer) {
+  if ((setup.requestType & 0x80U) == 0) {
+    try {
+      return firmware.receive(memory(), setup, sent);
+    } catch (const std::system_error& error) {
+      firmware.addFault(error.what());
+      return TransferStatus::Stalled;
+    }
+  }
+  const TransferStatus status = firmware.answer(memory(), setup, answer);
+  if (scenario.kind == MouseScenario::Kind::AnswersShort) {
+    answer.resize(std::min(answer.size(), shortAnswerSize));
+  } else if (scenario.kind == MouseScenario::Kind::AnswersRandom) {
+    std::generate(answer.begin(), answer.end(),
+                  [this] { return static_cast<std::uint8_t>(noise() >> 8U); });
+  }
+  return status;
+}
+
+VirtualMouse::VirtualMouse() : m_state(std::make_unique<State>()) {
+  fillAsDelivered(m_state->kept);
+}
+
+VirtualMouse::VirtualMouse(const std::filesystem::path& memoryFile) : VirtualMouse() {
+  m_state->kept.keepIn(memoryFile);
+}
+
+VirtualMouse::~VirtualMouse() = default;
+
+TransferResult VirtualMouse::controlTransfer(const SetupPacket& setup,
+                                             std::span<std::uint8_t> data) {
+  if (!isAttached()) {
+    return {};
+  }
+  if (m_state->scenario.kind == MouseScenario::Kind::Slow) {
+    std::this_thread::sleep_for(m_state->scenario.pause);
+  }
+  data = data.first(std::min<std::size_t>(data.size(), setup.length));
+  SetupPacket request = setup;
+  request.length = static_cast<std::uint16_t>(data.size());
+
+  const bool isToHost = (setup.requestType & 0x80U) != 0;
+  std::vector<std::uint8_t> answer;
+  TransferResult result;
+  result.status = m_state->perform(request, data, answer);
+  if (result.status == TransferStatus::Done) {
+    std::copy(answer.begin(), answer.end(), data.begin());
+    result.bytes = static_cast<std::uint32_t>(isToHost ? answer.size() : data.size());
+  }
+  if (!isToHost) {
+    answer.assign(data.begin(), data.end());
+  }
+  m_state->transcript.push_back({setup, std::move(answer), result.status});
+
+  if (m_state->scenario.kind == MouseScenario::Kind::UnpluggedAfter &&
+      --m_state->transfersLeft == 0) {
+    m_state->unplug();
+  }
+  return result;
+}
+
+void VirtualMouse::setScenario(MouseScenario scenario) {
+  using Kind = MouseScenario::Kind;
+  m_state->scenario = scenario;
+  m_state->garbage.reset();
+  switch (scenario.kind) {
+    case Kind::Absent:
+      m_state->firmware.losePower();
+      break;
+    case Kind::UnpluggedAfter:
+      m_state->transfersLeft = scenario.transfers;
+      if (scenario.transfers == 0) {
+        m_state->unplug();
+      }
+      break;
+    case Kind::AnswersRandom:
+      m_state->noise.seed();
+      break;
+    case Kind::HoldsGarbage:
+      fillWithGarbage(m_state->garbage.emplace());
+      break;
+    case Kind::Healthy:
+    case Kind::Slow:
+    case Kind::AnswersShort:
+      break;
+  }
+}
+
+bool VirtualMouse::isAttached() const {
+  return m_state->isPluggedIn && m_state->scenario.kind != MouseScenario::Kind::Absent;
+}
+
+void VirtualMouse::detach() {
+  m_state->unplug();
+}
+
+void VirtualMouse::attach() {
+  if (isAttached()) {
+    return;
+  }
+  m_state->isPluggedIn = true;
+  const MouseScenario::Kind kind = m_state->scenario.kind;
+  if (kind == MouseScenario::Kind::Absent ||
+      (kind == MouseScenario::Kind::UnpluggedAfter && m_state->transfersLeft == 0)) {
+    m_state->scenario = {};
+  }
+}
+
+void VirtualMouse::pressSlotButton(int slot) {
+  requireBelow(slotCount, slot);
+  if (isAttached()) {
+    m_state->changeAtTheMouse([slot](MouseMemory& memory) { memory.setActiveSlot(slot); });
+  }
+}
+
+void VirtualMouse::clearSlot(int slot) {
+  requireBelow(slotCount, slot);
+  m_state->changeAtTheMouse([slot](MouseMemory& memory) { memory.clearSlot(slot); });
+}
+
+int VirtualMouse::activeSlot() const {
+  return m_state->memory().activeSlot();
+}
+
+std::span<const std::uint8_t> VirtualMouse::nameReport(int slot) const {
+  requireBelow(slotCount, slot);
+  return m_state->memory().name(slot);
+}
+
+std::span<const std::uint8_t> VirtualMouse::imageReport(int slot) const {
+  requireBelow(slotCount, slot);
+  auto& image = m_state->images[static_cast<std::size_t>(slot)];
+  image = m_state->memory().image(slot);
+  return image;
+}
+
+std::span<const std::uint8_t> VirtualMouse::macroReport(int macroSlot) const {
+  requireBelow(macroSlotCount, macroSlot);
+  return m_state->memory().macro(macroSlot);
+}
+
+std::string VirtualMouse::slotName(int slot) const {
+  const auto characters = nameReport(slot).subspan(5);
+  return {characters.begin(), std::find(characters.begin(), characters.end(), 0)};
+}
+
+bool VirtualMouse::hasUnrefreshedWrites() const {
+  return m_state->firmware.hasUnrefreshedWrites();
+}
+
+const std::vector<TransferRecord>& VirtualMouse::transcript() const {
+  return m_state->transcript;
+}
+
+void VirtualMouse::clearTranscript() {
+  m_state->transcript.clear();
+}
+
+const std::vector<std::string>& VirtualMouse::faults() const {
+  return m_state->firmware.faults();
+}
+
+void VirtualMouse::clearFaults() {
+  m_state->firmware.clearFaults();
+}
