@@ -1,0 +1,371 @@
+#include "Kit/Device/HidDeviceRequester.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <optional>
+#include <span>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <hidapi.h>
+#include <unistd.h>
+
+#include "Kit/Core/LXLogger.h"
+#include "Kit/Device/HidNodes.h"
+#include "Kit/Device/HidPresenceMonitor.h"
+
+namespace {
+
+constexpr std::size_t interfaceCount = 2;
+constexpr std::uint8_t setReportType = 0x21;
+constexpr std::uint8_t setReport = 0x09;
+constexpr std::uint8_t getReportType = 0xA1;
+constexpr std::uint8_t getReport = 0x01;
+constexpr unsigned featureReport = 3;
+// The size has 14 bits in the number of the hidraw call.
+constexpr std::size_t maxReportSize = 0x3FFF;
+constexpr std::size_t loggedBytes = 64;
+constexpr auto lookInterval = std::chrono::milliseconds(500);
+constexpr const char* ruleFile = "/etc/udev/rules.d/60-nerin.rules";
+
+struct CloseHid {
+  void operator()(hid_device* device) const { hid_close(device); }
+};
+using OpenNode = std::unique_ptr<hid_device, CloseHid>;
+
+std::string hex(unsigned value, std::size_t digits) {
+  constexpr std::string_view symbols = "0123456789abcdef";
+  std::string text(digits, '0');
+  for (auto digit = text.rbegin(); digit != text.rend(); ++digit, value >>= 4U) {
+    *digit = symbols[value & 0xFU];
+  }
+  return text;
+}
+
+std::string hex(std::span<const std::uint8_t> bytes) {
+  std::string text;
+  for (const std::uint8_t byte : bytes.first(std::min(bytes.size(), loggedBytes))) {
+    text += hex(byte, 2);
+  }
+  return bytes.size() > loggedBytes ? text + "..." : text;
+}
+
+std::string errorText(int error) {
+  return std::generic_category().message(error);
+}
+
+// What the kernel answers when the mouse was pulled out: at once, while the bus still tries to
+// reach it, and after the transfer's five seconds.
+bool isGone(int error) {
+  return error == ENODEV || error == EPROTO || error == ETIMEDOUT;
+}
+
+bool isDenied(int error) {
+  return error == EACCES || error == EPERM;
+}
+
+}  // namespace
+
+struct HidDeviceRequester::State {
+  using Clock = std::chrono::steady_clock;
+
+  // One mouse's nodes by interface number.
+  using Nodes = std::array<std::optional<HidNode>, interfaceCount>;
+
+  struct Absence {
+    enum class Reason { NotListening, NothingFound, HalfFound, CannotOpen, None };
+    Reason reason = Reason::NotListening;
+    Nodes found;
+    std::string node;  // the one that cannot be opened
+    int error = 0;     // the errno of that
+
+    bool operator==(const Absence&) const = default;
+  };
+
+  explicit State(std::filesystem::path udevControl) : monitor(std::move(udevControl)) {}
+
+  bool isOn() const { return absence.reason == Absence::Reason::None; }
+  void refresh();
+  void look();
+  void close();
+  Absence findAndOpen();
+  Absence openAll(const Nodes& nodes);
+  std::string foundNames() const;
+  std::string explanation() const;
+  std::string idText() const { return hex(vid, 4) + ":" + hex(pid, 4); }
+
+  HidPresenceMonitor monitor;
+  bool isPrintMsg = false;
+  std::uint16_t vid = 0;
+  std::uint16_t pid = 0;
+  bool isLookDue = false;
+  Clock::time_point lastLook;
+  std::array<OpenNode, interfaceCount> devices;
+  Absence absence;
+  Absence logged;  // what the log knows, so that it hears of every change once
+};
+
+void HidDeviceRequester::State::close() {
+  for (OpenNode& device : devices) {
+    device.reset();
+  }
+  if (isOn()) {
+    absence = Absence();
+    absence.reason = Absence::Reason::NothingFound;
+  }
+}
+
+// Brings the open nodes up to date, cheaply when nothing happened.
+void HidDeviceRequester::State::refresh() {
+  if (absence.reason == Absence::Reason::NotListening) {
+    return;
+  }
+  const HidPresenceMonitor::News news = monitor.takeNews();
+  const auto hasGone = [&](const std::optional<HidNode>& node) {
+    return node && std::find(news.goneSysPaths.begin(), news.goneSysPaths.end(), node->sysPath) !=
+                       news.goneSysPaths.end();
+  };
+  if (isOn() && std::any_of(absence.found.begin(), absence.found.end(), hasGone)) {
+    close();
+  }
+  // A mouse that is there but cannot be used may become usable without any news, for example
+  // when the rights of its nodes change.
+  const bool mayChangeSilently =
+      !monitor.isReliable() || (!isOn() && absence.reason != Absence::Reason::NothingFound);
+  const bool isTime = Clock::now() - lastLook >= lookInterval;
+  if (isLookDue || news.isAny || (mayChangeSilently && isTime)) {
+    look();
+  }
+}
+
+void HidDeviceRequester::State::look() {
+  isLookDue = false;
+  lastLook = Clock::now();
+  absence = findAndOpen();
+  if (absence == logged) {
+    return;
+  }
+  logged = absence;
+  if (isOn()) {
+    LXLogger::debug("The mouse " + idText() + " is there: " + foundNames());
+    return;
+  }
+  std::string line = explanation();
+  std::replace(line.begin(), line.end(), '\n', ' ');
+  // Other failures come and go while a mouse is being plugged in or pulled out.
+  if (absence.reason == Absence::Reason::CannotOpen && isDenied(absence.error)) {
+    LXLogger::warning(line);
+  } else {
+    LXLogger::debug(line);
+  }
+}
+
+HidDeviceRequester::State::Absence HidDeviceRequester::State::findAndOpen() {
+  // Sorted by device, so that both halves of one mouse stand together even when there are two.
+  const std::vector<HidNode> nodes = findHidNodes(vid, pid);
+  if (isOn()) {
+    const bool areStillThere = std::all_of(
+        absence.found.begin(), absence.found.end(), [&](const std::optional<HidNode>& node) {
+          return std::find(nodes.begin(), nodes.end(), *node) != nodes.end();
+        });
+    if (areStillThere) {
+      return absence;
+    }
+  }
+  close();
+
+  Absence best;
+  best.reason = Absence::Reason::NothingFound;
+  for (auto first = nodes.begin(); first != nodes.end();) {
+    const auto last = std::find_if(first, nodes.end(), [&](const HidNode& node) {
+      return node.usbDevice != first->usbDevice;
+    });
+    Nodes found;
+    for (; first != last; ++first) {
+      if (first->interfaceNumber >= 0 &&
+          static_cast<std::size_t>(first->interfaceNumber) < interfaceCount) {
+        found[static_cast<std::size_t>(first->interfaceNumber)] = *first;
+      }
+    }
+    Absence absenceOfThis = openAll(found);
+    if (absenceOfThis.reason == Absence::Reason::None) {
+      return absenceOfThis;
+    }
+    // A mouse that only lacks the rights says more than half a mouse.
+    if (best.reason < absenceOfThis.reason) {
+      best = std::move(absenceOfThis);
+    }
+  }
+  return best;
+}
+
+HidDeviceRequester::State::Absence HidDeviceRequester::State::openAll(const Nodes& nodes) {
+  Absence result;
+  result.reason = Absence::Reason::HalfFound;
+  result.found = nodes;
+  if (!std::all_of(nodes.begin(), nodes.end(),
+                   [](const std::optional<HidNode>& node) { return node.has_value(); })) {
+    return result;
+  }
+  std::array<OpenNode, interfaceCount> opened;
+  for (std::size_t index = 0; index < interfaceCount; ++index) {
+    const std::string& path = nodes[index]->path;
+    opened[index].reset(hid_open_path(path.c_str()));
+    if (!opened[index]) {
+      // hidapi only gives a text, in the user's language; the kernel tells the reason once more.
+      const int descriptor = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+      result.error = descriptor < 0 ? errno : EIO;
+      if (descriptor >= 0) {
+        ::close(descriptor);
+      }
+      result.reason = Absence::Reason::CannotOpen;
+      result.node = path;
+      return result;
+    }
+  }
+  devices = std::move(opened);
+  result.reason = Absence::Reason::None;
+  return result;
+}
+
+std::string HidDeviceRequester::State::foundNames() const {
+  std::string names;
+  for (const std::optional<HidNode>& node : absence.found) {
+    if (node) {
+      names += (names.empty() ? "interface " : ", interface ") +
+               std::to_string(node->interfaceNumber) + " (" + node->path + ")";
+    }
+  }
+  return names.empty() ? "no interface" : names;
+}
+
+std::string HidDeviceRequester::State::explanation() const {
+  const std::string lookedFor = "Looked for a USB mouse " + idText();
+  switch (absence.reason) {
+    case Absence::Reason::None:
+      return {};
+    case Absence::Reason::NotListening:
+      return "Not looking for a mouse yet.";
+    case Absence::Reason::NothingFound:
+      return lookedFor + " and found none. Plug the mouse in.";
+    case Absence::Reason::HalfFound:
+      return lookedFor + " and found only a part of it: " + foundNames() +
+             ", but interfaces 0 and 1 are both needed. Unplug the mouse and plug it in again.";
+    case Absence::Reason::CannotOpen:
+      break;
+  }
+  const std::string found = lookedFor + " and found " + foundNames() + ", but " + absence.node;
+  if (!isDenied(absence.error)) {
+    return found + " cannot be opened: " + errorText(absence.error) +
+           ". Unplug the mouse and plug it in again.";
+  }
+  return found + " may not be opened by this user. Write this line into " + ruleFile + ":\n" +
+         udevRule(vid, pid) +
+         "\nand then run: sudo udevadm control --reload-rules && sudo udevadm trigger "
+         "--subsystem-match=hidraw";
+}
+
+HidDeviceRequester::HidDeviceRequester(std::filesystem::path udevControl)
+    : m_state(std::make_unique<State>(std::move(udevControl))) {}
+
+HidDeviceRequester::~HidDeviceRequester() = default;
+
+void HidDeviceRequester::setIsPrintMsg(bool isPrintMsg) {
+  m_state->isPrintMsg = isPrintMsg;
+}
+
+void HidDeviceRequester::listenDevWithVid(std::uint16_t vid, std::uint16_t pid) {
+  State& state = *m_state;
+  if (state.absence.reason != State::Absence::Reason::NotListening) {
+    if (state.vid == vid && state.pid == pid) {
+      return;
+    }
+    state.close();
+  }
+  state.vid = vid;
+  state.pid = pid;
+  state.logged = {};
+  state.look();
+}
+
+bool HidDeviceRequester::isDevOn() {
+  m_state->refresh();
+  return m_state->isOn();
+}
+
+void HidDeviceRequester::resetCurrDevice() {
+  if (m_state->absence.reason == State::Absence::Reason::NotListening) {
+    return;
+  }
+  m_state->close();
+  m_state->look();
+}
+
+bool HidDeviceRequester::sendDeviceRequest(LXDeviceRequest& request) {
+  request.wLenDone = 0;
+  const bool isSet = request.bmRequestType == setReportType && request.bRequest == setReport;
+  const bool isGet = request.bmRequestType == getReportType && request.bRequest == getReport;
+  const auto reportId = static_cast<std::uint8_t>(request.wValue & 0xFFU);
+  // A report without a number travels without an id byte, but hidraw wants one in front.
+  const std::size_t shift = reportId == 0 ? 1 : 0;
+  if ((!isSet && !isGet) || static_cast<unsigned>(request.wValue >> 8U) != featureReport ||
+      request.wIndex >= interfaceCount || request.data.empty() ||
+      request.data.size() + shift > maxReportSize) {
+    return false;
+  }
+  // The kernel takes the report's number from the first byte and nowhere else.
+  if (isSet && shift == 0 && request.data[0] != reportId) {
+    return false;
+  }
+  if (!isDevOn()) {
+    return false;
+  }
+
+  std::vector<std::uint8_t> buffer(request.data.size() + shift);
+  buffer[0] = reportId;
+  if (isSet) {
+    std::copy(request.data.begin(), request.data.end(),
+              buffer.begin() + static_cast<std::ptrdiff_t>(shift));
+  }
+  hid_device* device = m_state->devices[request.wIndex].get();
+  errno = 0;
+  const int result = isSet ? hid_send_feature_report(device, buffer.data(), buffer.size())
+                           : hid_get_feature_report(device, buffer.data(), buffer.size());
+  const int error = errno;
+
+  if (result >= 0) {
+    const auto count = static_cast<std::size_t>(result);
+    const std::size_t done = std::min(count - std::min(count, shift), request.data.size());
+    if (isGet) {
+      std::copy_n(buffer.begin() + static_cast<std::ptrdiff_t>(shift), done, request.data.begin());
+    }
+    request.wLenDone = static_cast<std::uint32_t>(done);
+  }
+  if (m_state->isPrintMsg) {
+    const std::string name = (isSet ? "SET " : "GET ") + hex(request.wValue, 4) + " " +
+                             std::to_string(request.wIndex) + " ";
+    LXLogger::debug(result < 0 ? name + "failed: " + errorText(error)
+                               : name + hex(isSet ? std::span<const std::uint8_t>(request.data)
+                                                  : request.data.first(request.wLenDone)));
+  }
+  if (result < 0 && isGone(error)) {
+    LXLogger::debug("The mouse " + m_state->idText() + " has gone: " + errorText(error));
+    m_state->close();
+    m_state->isLookDue = true;
+  }
+  return result >= 0;
+}
+
+std::string HidDeviceRequester::explainAbsence() {
+  m_state->refresh();
+  return m_state->explanation();
+}
+
+std::string HidDeviceRequester::udevRule(std::uint16_t vid, std::uint16_t pid) {
+  return R"(KERNEL=="hidraw*", SUBSYSTEM=="hidraw", ATTRS{idVendor}==")" + hex(vid, 4) +
+         R"(", ATTRS{idProduct}==")" + hex(pid, 4) + R"(", TAG+="uaccess")";
+}
