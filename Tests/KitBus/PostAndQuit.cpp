@@ -1,0 +1,7 @@
+#include "Kit/Bus/SessionBusNotificationCenter.h"
+
+int main() {
+  SessionBusNotificationCenter center;
+  center.postNotificationName("NerinSettingChange", "121", std::nullopt);
+  return 0;
+}
