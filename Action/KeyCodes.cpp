@@ -208,7 +208,7 @@ void NerinAction::getMacroRepeatType(std::uint8_t& type, std::uint8_t& count,
     case 2:
       type = 4;
       // The mouse counts the repetitions after the first run.
-      count = static_cast<std::uint8_t>(times == 0 || times == endless ? times : times - 1);
+      count = static_cast<std::uint8_t>(times >= 1 && times < endless ? times - 1 : times);
       break;
     case 3:
       type = 7;

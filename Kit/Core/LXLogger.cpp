@@ -34,29 +34,28 @@ spdlog::level::level_enum levelOf(LXLogger::Level level) {
   return spdlog::level::err;
 }
 
-void write(LXLogger::Level level, std::string_view line, const std::source_location& where) {
+void write(LXLogger::Level level, std::string_view line, const LXSourcePlace& where) {
   Log& log = theLog();
   if (log.observer) {
     log.observer(level, line);
   }
   if (log.file && level >= log.level) {
-    const spdlog::source_loc place{where.file_name(), static_cast<int>(where.line()),
-                                   where.function_name()};
+    const spdlog::source_loc place{where.file, where.line, ""};
     log.file->log(place, levelOf(level), spdlog::string_view_t(line.data(), line.size()));
   }
 }
 
 }  // namespace
 
-void LXLogger::debug(std::string_view line, std::source_location where) {
+void LXLogger::debug(std::string_view line, LXSourcePlace where) {
   write(Level::Debug, line, where);
 }
 
-void LXLogger::warning(std::string_view line, std::source_location where) {
+void LXLogger::warning(std::string_view line, LXSourcePlace where) {
   write(Level::Warning, line, where);
 }
 
-void LXLogger::error(std::string_view line, std::source_location where) {
+void LXLogger::error(std::string_view line, LXSourcePlace where) {
   write(Level::Error, line, where);
 }
 

@@ -2,9 +2,19 @@
 
 #include <filesystem>
 #include <functional>
-#include <source_location>
 #include <string>
 #include <string_view>
+
+// The line that calls, taken where a parameter of this type has its default.
+struct LXSourcePlace {
+  const char* file = "";
+  int line = 0;
+
+  static constexpr LXSourcePlace current(const char* file = __builtin_FILE(),
+                                         int line = __builtin_LINE()) {
+    return {file, line};
+  }
+};
 
 // The program's log. Every line carries the file and line that wrote it. Until a file is set,
 // lines go nowhere, except to the observer of a test.
@@ -13,12 +23,9 @@ class LXLogger {
   enum class Level { Debug, Warning, Error };
   using Observer = std::function<void(Level, std::string_view line)>;
 
-  static void debug(std::string_view line,
-                    std::source_location where = std::source_location::current());
-  static void warning(std::string_view line,
-                      std::source_location where = std::source_location::current());
-  static void error(std::string_view line,
-                    std::source_location where = std::source_location::current());
+  static void debug(std::string_view line, LXSourcePlace where = LXSourcePlace::current());
+  static void warning(std::string_view line, LXSourcePlace where = LXSourcePlace::current());
+  static void error(std::string_view line, LXSourcePlace where = LXSourcePlace::current());
 
   // Lines below this level are dropped. Debug at first.
   static void setLevel(Level level);
