@@ -1,0 +1,252 @@
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <memory>
+
+#include "Action/EditState.h"
+#include "Action/NerinAction.h"
+#include "CommandLine/CommandError.h"
+#include "CommandLine/Commands.h"
+#include "Kit/Core/DurableFile.h"
+#include "Kit/Core/LXAction.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// What one slot of the mouse holds, and the files it is kept in.
+struct SlotBackup {
+  ProfileValue profile;
+  std::map<int, std::shared_ptr<MacroInfo>> macros;  // by button index
+};
+
+std::string profileFile(int slot) {
+  char name[32];
+  std::snprintf(name, sizeof name, "slot-%02d.pro", slot + 1);
+  return name;
+}
+
+std::string macroFile(int slot, int button) {
+  char name[48];
+  std::snprintf(name, sizeof name, "slot-%02d-button-%02d.mac", slot + 1, button + 1);
+  return name;
+}
+
+std::string place(int slot, int button) {
+  return "slot " + std::to_string(slot + 1) + ", button " + std::to_string(button + 1);
+}
+
+bool playsMacro(const _BTN_INFO& button) {
+  return button.FuncTableId == NerinAction::FunctionMacro && button.btnType == ButtonTypeMacro;
+}
+
+// Unlike reading a slot into the edit, a backup keeps mouse buttons: their codes are the ones that
+// macros of the library have, too.
+std::shared_ptr<MacroInfo> macroOf(const NerinAction::MacroStream& stream) {
+  auto macro = std::make_shared<MacroInfo>();
+  macro->setNameStr(stream.name.value_or(NerinAction::generatedMacroName));
+  for (const auto& event : stream.events) {
+    const bool isMouse = event.isMouseButton();
+    const std::int32_t code =
+        isMouse ? event.code : static_cast<std::int32_t>(NerinAction::GetKeyCodeByFW(event.code));
+    const std::int32_t press = isMouse ? MacroKeyInfo::MousePress : MacroKeyInfo::KeyPress;
+    macro->keyInfoArr().push_back(
+        std::make_shared<MacroKeyInfo>(code, press + (event.isRelease ? 1 : 0), event.delay));
+  }
+  return macro;
+}
+
+bool isKept(const NerinAction::MacroStreamEvent& event) {
+  return event.isMouseButton() ||
+         NerinAction::GetFWKeyCode(NerinAction::GetKeyCodeByFW(event.code)) == event.code;
+}
+
+void readMacro(int slot, int index, _BTN_INFO& button, SlotBackup& backup,
+               std::vector<std::string>& notes) {
+  const auto stream = NerinAction::readMacroStream(static_cast<std::uint8_t>(slot), index);
+  if (!stream) {
+    notes.push_back(place(slot, index) + ": the mouse holds no macro for it");
+    return;
+  }
+  button.KeyBit[0] = NerinAction::getMacroRepeatTypeFromFW(stream->repeatType, stream->repeatCount);
+  button.KeyBit[1] = NerinAction::getMacroRepeatCountFromFW(stream->repeatCount);
+  if (!std::all_of(stream->events.begin(), stream->events.end(), isKept)) {
+    notes.push_back(place(slot, index) + ": its macro has keys that a macro file cannot name");
+  }
+  backup.macros[index] = macroOf(*stream);
+}
+
+SlotBackup readSlot(int slot, std::vector<std::string>& notes) {
+  const auto number = static_cast<std::uint8_t>(slot);
+  SlotBackup backup;
+  const auto name = NerinAction::getFWProfileName(number);
+  if (!name) {
+    notes.push_back("slot " + std::to_string(slot + 1) + ": its name is not ASCII and is left out");
+  }
+  backup.profile.setName(name.value_or(""));
+  _Nerin_PROFILE record{};
+  NerinAction::decodeProfileImage(NerinAction::readProfileImage(number), record, [&](int index) {
+    readMacro(slot, index, record.btnInfo[index], backup, notes);
+  });
+  backup.profile.setProfileData(record);
+  return backup;
+}
+
+std::vector<durable::FolderEntry> filesOf(int slot, SlotBackup& backup) {
+  const ConfigBytes bytes = backup.profile.fileBytes();
+  std::vector<durable::FolderEntry> files{
+      {profileFile(slot), std::string(bytes.data(), bytes.size())}};
+  for (const auto& [index, macro] : backup.macros) {
+    files.push_back({macroFile(slot, index), keyedarchive::archive(*macro)});
+  }
+  return files;
+}
+
+// Writes all files into the folder, or none.
+void writeFiles(const fs::path& folder, const std::vector<durable::FolderEntry>& files) {
+  std::vector<fs::path> written;
+  for (const auto& file : files) {
+    written.push_back(folder / file.name);
+    if (const auto failure = durable::writeFile(written.back(), file.bytes)) {
+      for (const fs::path& path : written) {
+        std::error_code ignored;
+        fs::remove(path, ignored);
+      }
+      require(failure, "the backup could not be written to " + folder.string());
+    }
+  }
+}
+
+void requireEmptyFolder(const fs::path& folder) {
+  std::error_code error;
+  if (fs::exists(folder, error) && !fs::is_directory(folder, error)) {
+    throw CommandError(ExitCode::Failed, "not a folder: " + folder.string());
+  }
+  if (!LXAction::creatDirectoryPro(folder)) {
+    throw CommandError(ExitCode::Failed, "the folder cannot be made: " + folder.string());
+  }
+  if (!fs::is_empty(folder, error) || error) {
+    throw CommandError(ExitCode::Failed, "the folder is not empty: " + folder.string());
+  }
+}
+
+void backup(Session& session, const std::string& folder) {
+  session.openMouse();
+  requireEmptyFolder(folder);
+  std::vector<durable::FolderEntry> files;
+  std::vector<std::string> notes;
+  std::size_t macros = 0;
+  for (int slot = 0; slot < ProfieController::slotCount; ++slot) {
+    SlotBackup slotBackup = readSlot(slot, notes);
+    macros += slotBackup.macros.size();
+    for (auto& file : filesOf(slot, slotBackup)) {
+      files.push_back(std::move(file));
+    }
+  }
+  session.checkTransfers();
+  writeFiles(folder, files);
+  std::vector<std::string> lines{"10 slots and " + std::to_string(macros) + " macros are in " +
+                                 printable(folder)};
+  lines.insert(lines.end(), notes.begin(), notes.end());
+  session.output.print(lines,
+                       {{"folder", folder}, {"slots", 10}, {"macros", macros}, {"notes", notes}});
+}
+
+std::shared_ptr<MacroInfo> loadMacro(const fs::path& file) {
+  std::error_code error;
+  if (!fs::exists(file, error)) {
+    return nullptr;
+  }
+  auto macro = LXAction::CopyObject<MacroInfo>(file);
+  if (!macro) {
+    throw CommandError(ExitCode::Failed, "no macro file: " + file.string());
+  }
+  return macro;
+}
+
+// The backup of a slot; nothing when the folder has none of it.
+std::unique_ptr<SlotBackup> loadSlotBackup(const fs::path& folder, int slot) {
+  const fs::path file = folder / profileFile(slot);
+  std::error_code error;
+  if (!fs::exists(file, error)) {
+    return nullptr;
+  }
+  requireReadableFile(file.string());
+  const auto profile = ProfileValue::initWithPath(file);
+  if (!profile || fs::file_size(file, error) < sizeof(_Nerin_CONFIG) || error) {
+    throw CommandError(ExitCode::Failed, "no profile file: " + file.string());
+  }
+  auto backup = std::make_unique<SlotBackup>();
+  backup->profile = *profile;
+  for (int index = 0; index < static_cast<int>(buttonCount); ++index) {
+    if (playsMacro(profile->profileData().btnInfo[index])) {
+      if (auto macro = loadMacro(folder / macroFile(slot, index))) {
+        backup->macros[index] = std::move(macro);
+      }
+    }
+  }
+  return backup;
+}
+
+// The macros join the catalogue for this run only, hidden, so that the slot's buttons can name
+// them.
+void writeSlotBackup(int slot, const SlotBackup& backup) {
+  _Nerin_PROFILE record = backup.profile.profileData();
+  for (_BTN_INFO& button : record.btnInfo) {
+    if (playsMacro(button)) {
+      button.MacroID = ~std::uint32_t{0};
+    }
+  }
+  for (const auto& [index, macro] : backup.macros) {
+    macro->setMacroId(NerinAction::getNewMacorId());
+    macro->setIsNoDisplay(true);
+    NerinAction::macroListArrs.push_back(macro);
+    record.btnInfo[index].MacroID = static_cast<std::uint32_t>(macro->macroId());
+  }
+  const auto number = static_cast<std::uint8_t>(slot);
+  currFWProfile = record;
+  NerinAction::setFWProfileName(number, backup.profile.name());
+  NerinAction::setFWProfileDataPro(number);
+  NerinAction::refreshDeviceData();
+}
+
+void restore(Session& session, const std::string& folder) {
+  session.openLibrary();
+  std::error_code error;
+  if (!fs::is_directory(folder, error)) {
+    throw CommandError(ExitCode::Failed, "no such folder: " + printable(folder));
+  }
+  // Everything is read before anything is written.
+  std::map<int, std::unique_ptr<SlotBackup>> slots;
+  std::size_t macros = 0;
+  for (int slot = 0; slot < ProfieController::slotCount; ++slot) {
+    if (auto slotBackup = loadSlotBackup(folder, slot)) {
+      macros += slotBackup->macros.size();
+      slots[slot] = std::move(slotBackup);
+    }
+  }
+  if (slots.empty()) {
+    throw CommandError(ExitCode::Failed, "no backup in " + printable(folder));
+  }
+  session.openMouse();
+  session.showProgress(macros);
+  for (const auto& [slot, slotBackup] : slots) {
+    writeSlotBackup(slot, *slotBackup);
+  }
+  session.checkTransfers();
+  NerinAction::sendMessageToDaemon(NerinAction::MessageProfileApplied);
+  session.output.print({std::to_string(slots.size()) + " slots and " + std::to_string(macros) +
+                        " macros are on the mouse again"},
+                       {{"folder", folder}, {"slots", slots.size()}, {"macros", macros}});
+}
+
+}  // namespace
+
+void addBackupCommands(CLI::App& program, Command& chosen) {
+  addWithWord(program, chosen, "backup",
+              "Keep all ten slots with their names and macros as files in an empty folder",
+              "backup mouse-before-update", "folder", backup);
+  addWithWord(program, chosen, "restore", "Write the slots of a backup to the mouse",
+              "restore mouse-before-update", "folder", restore);
+}

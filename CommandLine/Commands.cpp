@@ -1,0 +1,110 @@
+#include "CommandLine/Commands.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <utility>
+
+#include <unistd.h>
+
+#include "Action/ProfileImage.h"
+#include "CommandLine/CommandError.h"
+#include "Kit/Core/Utf8.h"
+
+namespace {
+
+bool isFactoryName(const std::string& name) {
+  const std::string lower = utf8::lowercased(name);
+  for (int n = 1; n <= ProfieController::slotCount; ++n) {
+    if (lower == "profile#" + std::to_string(n)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+CLI::App* addCommand(CLI::App& parent, const std::string& name, const std::string& description,
+                     const std::string& example) {
+  CLI::App* command = parent.add_subcommand(name, description);
+  command->fallthrough();
+  command->footer("Example:\n  nerinctl " + example);
+  return command;
+}
+
+int slotOf(int number) {
+  if (number < 1 || number > ProfieController::slotCount) {
+    throw CommandError(ExitCode::NotFound, "no such slot: " + std::to_string(number) +
+                                               " (the mouse has slots 1 to 10)");
+  }
+  return number - 1;
+}
+
+ProfieController::Profile profileNamed(const ProfieController& library, const std::string& name) {
+  auto profile = library.getProfileByName(name);
+  if (!profile) {
+    throw CommandError(ExitCode::NotFound, "no such profile: " + printable(name));
+  }
+  return profile;
+}
+
+void require(const std::error_code& error, const std::string& what) {
+  if (error) {
+    throw CommandError(ExitCode::Failed, what + ": " + error.message());
+  }
+}
+
+void requireProfileName(const ProfieController& library, const std::string& name,
+                        const ProfieController::Profile& profile) {
+  const bool isPrintable = std::all_of(name.begin(), name.end(), [](char byte) {
+    return byte >= 0x20 && byte < 0x7F && byte != '/' && byte != ':';
+  });
+  if (name.empty() || name.size() > NerinAction::maximumNameLength || !isPrintable) {
+    throw CommandError(ExitCode::Usage,
+                       "a profile's name has 1 to 65 ASCII characters, as the mouse keeps it, and "
+                       "neither / nor :");
+  }
+  if (isFactoryName(name)) {
+    throw CommandError(ExitCode::Failed, name + " is the name of a factory profile");
+  }
+  if (!library.checkProfileName(name, profile)) {
+    throw CommandError(ExitCode::Failed, "there is a profile of this name already: " + name);
+  }
+}
+
+void requireReadableFile(const std::string& path) {
+  std::error_code error;
+  if (!std::filesystem::exists(path, error)) {
+    throw CommandError(ExitCode::Failed, "no such file: " + printable(path));
+  }
+  if (std::filesystem::is_directory(path, error)) {
+    throw CommandError(ExitCode::Failed, "a folder, not a file: " + printable(path));
+  }
+  if (::access(path.c_str(), R_OK) != 0) {
+    throw CommandError(ExitCode::Failed, "the file cannot be read: " + printable(path));
+  }
+}
+
+void addWithWord(CLI::App& group, Command& chosen, const std::string& name,
+                 const std::string& description, const std::string& example,
+                 const std::string& word, void (*action)(Session&, const std::string&)) {
+  CLI::App* command = addCommand(group, name, description, example);
+  auto value = std::make_shared<std::string>();
+  command->add_option(word, *value)->required();
+  command->callback(
+      [&chosen, value, action] { chosen = [=](Session& session) { action(session, *value); }; });
+}
+
+void addWithWords(CLI::App& group, Command& chosen, const std::string& name,
+                  const std::string& description, const std::string& example,
+                  const std::string& first, const std::string& second,
+                  void (*action)(Session&, const std::string&, const std::string&)) {
+  CLI::App* command = addCommand(group, name, description, example);
+  auto values = std::make_shared<std::pair<std::string, std::string>>();
+  command->add_option(first, values->first)->required();
+  command->add_option(second, values->second)->required();
+  command->callback([&chosen, values, action] {
+    chosen = [=](Session& session) { action(session, values->first, values->second); };
+  });
+}

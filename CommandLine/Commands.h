@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "Action/ProfieController.h"
+#include "CommandLine/Session.h"
+
+// The command that the user chose; run after the whole line was read.
+using Command = std::function<void(Session&)>;
+
+// Each adds a group of commands to the program. The chosen one ends up in `chosen`.
+void addSlotCommands(CLI::App& program, Command& chosen);
+void addProfileCommands(CLI::App& program, Command& chosen);
+void addShowCommand(CLI::App& program, Command& chosen);
+void addSettingCommands(CLI::App& program, Command& chosen);
+void addMacroCommands(CLI::App& program, Command& chosen);
+void addBackupCommands(CLI::App& program, Command& chosen);
+
+// A command with its example, which its help shows.
+CLI::App* addCommand(CLI::App& parent, const std::string& name, const std::string& description,
+                     const std::string& example);
+
+// The same for a command with one word, or two, behind it.
+void addWithWord(CLI::App& group, Command& chosen, const std::string& name,
+                 const std::string& description, const std::string& example,
+                 const std::string& word, void (*action)(Session&, const std::string&));
+void addWithWords(CLI::App& group, Command& chosen, const std::string& name,
+                  const std::string& description, const std::string& example,
+                  const std::string& first, const std::string& second,
+                  void (*action)(Session&, const std::string&, const std::string&));
+
+// The slot 0..9 for a number as on the tabs, 1..10. Throws CommandError.
+int slotOf(int number);
+// The library's profile of that name. Throws CommandError when there is none.
+ProfieController::Profile profileNamed(const ProfieController& library, const std::string& name);
+// Throws CommandError when the error is one.
+void require(const std::error_code& error, const std::string& what);
+// Throws CommandError unless a profile may be called that: 1 to 65 printable ASCII characters
+// without "/" and ":", none of the factory names, and no name of another profile than `profile`.
+void requireProfileName(const ProfieController& library, const std::string& name,
+                        const ProfieController::Profile& profile);
+// Throws CommandError unless the file can be read.
+void requireReadableFile(const std::string& path);

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+// What this system tells about the user and the program.
+namespace hostenvironment {
+
+// The user's home folder; "/" when nobody knows one.
+std::filesystem::path homeFolder();
+// The data that came with the program: beside the build, or where it was installed.
+std::filesystem::path resourceFolder();
+// The language of the user's messages, as the locale names it.
+std::optional<std::string> preferredLanguage();
+
+}  // namespace hostenvironment

@@ -1,0 +1,176 @@
+#include "CommandLine/Session.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <system_error>
+#include <thread>
+
+#include <unistd.h>
+
+#include "Action/NerinAction.h"
+#include "Action/TooltipManager.h"
+#include "CommandLine/CommandError.h"
+#include "CommandLine/HostEnvironment.h"
+#include "Kit/Bus/SessionBusNotificationCenter.h"
+#include "Kit/Core/LXPlatform.h"
+#include "Kit/Core/ObservedDeviceRequester.h"
+#include "VirtualMouse/VirtualDeviceRequester.h"
+
+namespace {
+
+bool isWrite(const LXDeviceRequest& request) {
+  return (request.bmRequestType & 0x80U) == 0;
+}
+
+std::string hex(std::span<const std::uint8_t> bytes) {
+  constexpr const char* digits = "0123456789abcdef";
+  std::string text;
+  for (const std::uint8_t byte : bytes) {
+    text += digits[byte >> 4U];
+    text += digits[byte & 0x0FU];
+  }
+  return text;
+}
+
+std::shared_ptr<LXDeviceRequester> virtualMouse(const SessionOptions& options) {
+  MouseScenario scenario;
+  if (options.scenario) {
+    const auto parsed = MouseScenario::parse(*options.scenario);
+    if (!parsed) {
+      throw CommandError(ExitCode::Usage, "no such scenario: " + printable(*options.scenario));
+    }
+    scenario = *parsed;
+  }
+  try {
+    auto mouse = std::make_shared<VirtualMouse>(std::filesystem::path(*options.virtualFile));
+    mouse->setScenario(scenario);
+    return std::make_shared<VirtualDeviceRequester>(std::move(mouse));
+  } catch (const std::exception& error) {
+    throw CommandError(ExitCode::Failed, "the virtual mouse " + printable(*options.virtualFile) +
+                                             " cannot be used: " + error.what());
+  }
+}
+
+}  // namespace
+
+Session::~Session() {
+  // The platform refers to this session, and the bus must be gone before Qt's own globals are.
+  NerinAction::sysDeviceReq.reset();
+  LXPlatform::install({});
+}
+
+void Session::begin(const SessionOptions& options) {
+  m_isVirtual = options.virtualFile.has_value();
+  if (options.scenario && !m_isVirtual) {
+    throw CommandError(ExitCode::Usage, "--scenario needs --virtual");
+  }
+  if (options.traceFile) {
+    m_trace.open(*options.traceFile, std::ios::trunc);
+    if (!m_trace) {
+      throw CommandError(ExitCode::Failed,
+                         "the trace cannot be written: " + printable(*options.traceFile));
+    }
+  }
+  std::shared_ptr<LXDeviceRequester> requester;
+  if (m_isVirtual) {
+    requester = virtualMouse(options);
+  } else {
+    m_usbMouse = std::make_shared<HidDeviceRequester>();
+    requester = m_usbMouse;
+  }
+  LXPlatform platform;
+  platform.homeFolder = hostenvironment::homeFolder();
+  platform.resourceFolder = hostenvironment::resourceFolder();
+  platform.preferredLanguage = hostenvironment::preferredLanguage();
+  platform.deviceRequester = observed(std::move(requester));
+  platform.notificationCenter = std::make_shared<SessionBusNotificationCenter>();
+  platform.sleep = [this](std::chrono::microseconds time) {
+    traceSleep(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
+    std::this_thread::sleep_for(time);
+  };
+  LXPlatform::install(std::move(platform));
+}
+
+std::shared_ptr<LXDeviceRequester> Session::observed(std::shared_ptr<LXDeviceRequester> requester) {
+  ObservedDeviceRequester::Observer observer;
+  observer.willSend = [this](const LXDeviceRequest& request) { willSend(request); };
+  observer.didSend = [this](const LXDeviceRequest& request, bool isDone) {
+    didSend(request, isDone);
+  };
+  return std::make_shared<ObservedDeviceRequester>(std::move(requester), std::move(observer));
+}
+
+ProfieController& Session::openLibrary() {
+  const std::filesystem::path support = NerinAction::getSysPath();
+  std::error_code error;
+  if (!std::filesystem::is_directory(support, error)) {
+    throw CommandError(ExitCode::Failed, "the folder cannot be made: " + support.string());
+  }
+  NerinAction::initMenuList();
+  NerinAction::refreshMenuList();
+  return ProfieController::getShareProCon();
+}
+
+void Session::openMouse() {
+  NerinAction::startListenDev();
+  if (NerinAction::checkListenDev()) {
+    return;
+  }
+  throw CommandError(ExitCode::NoMouse, m_usbMouse ? m_usbMouse->explainAbsence()
+                                                   : "the virtual mouse is not plugged in");
+}
+
+void Session::checkTransfers() {
+  if (m_failedTransfers == 0) {
+    return;
+  }
+  if (!NerinAction::checkListenDev()) {
+    throw CommandError(ExitCode::NoMouse, "the mouse went away before everything was done");
+  }
+  throw CommandError(ExitCode::Failed, "the mouse did not answer as it should (" +
+                                           std::to_string(m_failedTransfers) + " transfers)");
+}
+
+void Session::showProgress(std::size_t macros) {
+  m_isShowingProgress = ::isatty(STDERR_FILENO) != 0;
+  m_macros = macros;
+}
+
+void Session::willSend(const LXDeviceRequest& request) {
+  if (!m_isShowingProgress || !isWrite(request) || request.wIndex != 1) {
+    return;
+  }
+  switch (request.wValue & 0xFFU) {
+    case 4:
+      std::cerr << "writing macro " << ++m_macrosWritten << " of " << m_macros << '\n';
+      break;
+    case 5:
+      std::cerr << "writing image\n";
+      break;
+    case 6:
+      std::cerr << "writing name\n";
+      break;
+    default:
+      break;
+  }
+}
+
+void Session::didSend(const LXDeviceRequest& request, bool isDone) {
+  if (!isDone || request.wLenDone < request.data.size()) {
+    ++m_failedTransfers;
+  }
+  if (m_trace.is_open()) {
+    char head[32];
+    std::snprintf(head, sizeof head, "%s %04x %u ", isWrite(request) ? "SET" : "GET",
+                  static_cast<unsigned>(request.wValue), static_cast<unsigned>(request.wIndex));
+    m_trace << head << hex(request.data) << (isDone ? "" : " failed") << std::endl;
+  }
+}
+
+void Session::traceSleep(std::int64_t milliseconds) {
+  if (m_trace.is_open()) {
+    m_trace << "SLEEP " << milliseconds << std::endl;
+  }
+}

@@ -1,0 +1,239 @@
+#include <algorithm>
+#include <charconv>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "Action/EditState.h"
+#include "Action/NerinAction.h"
+#include "CommandLine/CommandError.h"
+#include "CommandLine/Commands.h"
+#include "CommandLine/Descriptions.h"
+
+namespace {
+
+constexpr int dpiUnit = 50;
+constexpr int lowestDpi = 100;
+constexpr int highestDpi = 8200;
+constexpr int highestLift = 31;
+constexpr int hexadecimal = 16;
+
+// A setting of the whole command line, "3=1600x800".
+struct Assignment {
+  std::string_view left;
+  std::string_view right;
+};
+
+[[noreturn]] void refuse(const std::string& what) {
+  throw CommandError(ExitCode::Usage, what);
+}
+
+Assignment split(std::string_view text, char separator) {
+  const std::size_t at = text.find(separator);
+  return at == std::string_view::npos ? Assignment{text, {}}
+                                      : Assignment{text.substr(0, at), text.substr(at + 1)};
+}
+
+std::uint32_t number(std::string_view text, int lowest, int highest, const std::string& what,
+                     int base = 10) {
+  int value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
+  if (error != std::errc() || end != text.data() + text.size() || value < lowest ||
+      value > highest) {
+    refuse(what + ": " + printable(text));
+  }
+  return static_cast<std::uint32_t>(value);
+}
+
+std::uint32_t dpiUnits(std::string_view text) {
+  const std::uint32_t dpi = number(text, lowestDpi, highestDpi, "no DPI value from 100 to 8200");
+  if (dpi % dpiUnit != 0) {
+    refuse("the mouse knows DPI values in steps of 50: " + printable(text));
+  }
+  return dpi / dpiUnit;
+}
+
+_LightColorInfo colourOf(std::string_view text) {
+  if (text.starts_with('#')) {
+    text.remove_prefix(1);
+  }
+  if (text.size() != 6) {
+    refuse("no colour as rrggbb: " + printable(text));
+  }
+  const std::uint32_t rgb = number(text, 0, 0xFFFFFF, "no colour as rrggbb", hexadecimal);
+  return {rgb >> 16U, rgb >> 8U & 0xFFU, rgb & 0xFFU};
+}
+
+// Takes the active slot's settings as the working copy, so that a live command changes only what
+// it was asked to. Macros are left alone.
+void takeActiveProfile(Session& session) {
+  session.openMouse();
+  const std::uint8_t slot = NerinAction::getProfileIndexByDevice();
+  if (slot >= ProfieController::slotCount) {
+    throw CommandError(ExitCode::Failed, "the mouse is on a slot that it does not have");
+  }
+  currSetProfile = {};
+  NerinAction::decodeProfileImage(NerinAction::readProfileImage(slot), currSetProfile, [](int) {});
+  session.checkTransfers();
+}
+
+void report(Session& session, const std::string& line, const Json& document) {
+  session.checkTransfers();
+  session.output.print({line}, document);
+}
+
+void rate(Session& session, int hertz) {
+  for (std::uint32_t index = 0; rateInHz(index); ++index) {
+    if (*rateInHz(index) == hertz) {
+      session.openMouse();
+      NerinAction::setRateToDevice(index);
+      report(session, "report rate " + std::to_string(hertz) + " Hz", {{"rate", hertz}});
+      return;
+    }
+  }
+  refuse("the mouse reports at 125, 250, 500 or 1000 Hz");
+}
+
+struct DpiOptions {
+  std::optional<int> levels;
+  std::optional<int> active;
+  std::vector<std::string> values;
+};
+
+void setLevel(const std::string& value) {
+  const auto [level, dpi] = split(value, '=');
+  const std::size_t index = number(level, 1, static_cast<int>(levelCount), "no DPI level") - 1;
+  const auto [x, y] = split(dpi, 'x');
+  currSetProfile.xSensArr[index] = dpiUnits(x);
+  currSetProfile.ySensArr[index] = dpiUnits(y.empty() ? x : y);
+}
+
+void requireLevel(const std::optional<int>& level) {
+  if (level && (*level < 1 || *level > static_cast<int>(levelCount))) {
+    refuse("the mouse has 1 to 5 DPI levels");
+  }
+}
+
+// A level that was not in use has no values in the mouse.
+void requireValuesOfLevels() {
+  const std::size_t used = std::min<std::size_t>(currSetProfile.dpiLevel, levelCount);
+  for (std::size_t level = 0; level < used; ++level) {
+    if (currSetProfile.xSensArr[level] == 0 || currSetProfile.ySensArr[level] == 0) {
+      const std::string name = std::to_string(level + 1);
+      refuse("DPI level " + name + " has no value yet: give --set " + name + "=DPI");
+    }
+  }
+}
+
+void dpi(Session& session, const DpiOptions& options) {
+  requireLevel(options.levels);
+  requireLevel(options.active);
+  takeActiveProfile(session);
+  if (options.levels) {
+    currSetProfile.dpiLevel = static_cast<std::uint32_t>(*options.levels);
+  }
+  if (options.active) {
+    currSetProfile.currSelectDPI = static_cast<std::uint32_t>(*options.active) - 1;
+  }
+  std::for_each(options.values.begin(), options.values.end(), setLevel);
+  requireValuesOfLevels();
+  if (options.active && currSetProfile.currSelectDPI >= currSetProfile.dpiLevel) {
+    refuse("that DPI level is not in use");
+  }
+  currSetProfile.currSelectDPI =
+      std::min(currSetProfile.currSelectDPI, currSetProfile.dpiLevel - 1);
+  NerinAction::setSettingToDevice();
+  const Json profile = asJson(currSetProfile, RecordSource::Mouse);
+  report(session, "DPI levels set",
+         {{"levels", profile["levels"]}, {"activeLevel", profile["activeLevel"]}});
+}
+
+void lift(Session& session, int height) {
+  if (height < 0 || height > highestLift) {
+    refuse("the lift height is 0 to 31");
+  }
+  takeActiveProfile(session);
+  currSetProfile.liftHeight = static_cast<std::uint32_t>(height);
+  NerinAction::setSettingToDevice();
+  report(session, "lift height " + std::to_string(height), {{"lift", height}});
+}
+
+struct LedOptions {
+  std::optional<std::string> all;
+  std::vector<std::string> zones;
+};
+
+void leds(Session& session, const LedOptions& options) {
+  if (!options.all && options.zones.empty()) {
+    refuse("which colour? Give --all RRGGBB or --zone N=RRGGBB");
+  }
+  takeActiveProfile(session);
+  if (options.all) {
+    std::fill(std::begin(currSetProfile.lightColorArr), std::end(currSetProfile.lightColorArr),
+              colourOf(*options.all));
+  }
+  for (const std::string& zone : options.zones) {
+    const auto [index, colour] = split(zone, '=');
+    currSetProfile.lightColorArr[number(index, 1, static_cast<int>(zoneCount), "no LED zone") - 1] =
+        colourOf(colour);
+  }
+  NerinAction::setColorToDevice2();
+  report(session, "colours set", {{"zones", asJson(currSetProfile, RecordSource::Mouse)["zones"]}});
+}
+
+void mode(Session& session, bool isBattle) {
+  session.openMouse();
+  currSetProfile = {};
+  currSetProfile.modeType = isBattle ? 1 : 0;
+  NerinAction::setModelToDevice();
+  const std::string name = isBattle ? "battle" : "normal";
+  report(session, "LED mode " + name, {{"mode", name}});
+}
+
+}  // namespace
+
+void addSettingCommands(CLI::App& program, Command& chosen) {
+  CLI::App* command =
+      addCommand(program, "rate", "The report rate of the active slot, at once", "rate 1000");
+  auto hertz = std::make_shared<int>();
+  command->add_option("hz", *hertz, "125, 250, 500 or 1000")->required();
+  command->callback(
+      [&chosen, hertz] { chosen = [hertz](Session& session) { rate(session, *hertz); }; });
+
+  command = addCommand(program, "dpi", "The DPI levels of the active slot, at once",
+                       "dpi --levels 2 --set 1=800 --set 2=1600x800 --active 1");
+  auto dpiOptions = std::make_shared<DpiOptions>();
+  command->add_option("--levels", dpiOptions->levels, "How many levels are in use, 1 to 5");
+  command->add_option("--active", dpiOptions->active, "The active level, 1 to 5");
+  command->add_option("--set", dpiOptions->values, "LEVEL=DPI, or LEVEL=XxY for two axes")
+      ->type_name("LEVEL=DPI");
+  command->callback([&chosen, dpiOptions] {
+    chosen = [dpiOptions](Session& session) { dpi(session, *dpiOptions); };
+  });
+
+  command =
+      addCommand(program, "lift", "The lift-off height of the active slot, at once", "lift 15");
+  auto height = std::make_shared<int>();
+  command->add_option("height", *height, "0 to 31")->required();
+  command->callback(
+      [&chosen, height] { chosen = [height](Session& session) { lift(session, *height); }; });
+
+  command = addCommand(program, "leds", "The colours of the active slot, at once",
+                       "leds --all e5262f --zone 3=0000ff");
+  auto ledOptions = std::make_shared<LedOptions>();
+  command->add_option("--all", ledOptions->all, "The colour of all four zones")
+      ->type_name("RRGGBB");
+  command->add_option("--zone", ledOptions->zones, "The colour of one zone, 1 to 4")
+      ->type_name("N=RRGGBB");
+  command->callback([&chosen, ledOptions] {
+    chosen = [ledOptions](Session& session) { leds(session, *ledOptions); };
+  });
+
+  command = addCommand(program, "mode", "The LED mode of the active slot, at once", "mode battle");
+  auto name = std::make_shared<std::string>();
+  command->add_option("mode", *name, "battle or normal")
+      ->required()
+      ->check(CLI::IsMember({"battle", "normal"}));
+  command->callback(
+      [&chosen, name] { chosen = [name](Session& session) { mode(session, *name == "battle"); }; });
+}

@@ -1,0 +1,161 @@
+#include <algorithm>
+#include <memory>
+
+#include "Action/EditState.h"
+#include "Action/NerinAction.h"
+#include "CommandLine/CommandError.h"
+#include "CommandLine/Commands.h"
+#include "CommandLine/Descriptions.h"
+
+namespace {
+
+std::string shownName(const std::optional<std::string>& name) {
+  return name && !name->empty() ? printable(*name) : "(no profile)";
+}
+
+Json nameJson(const std::optional<std::string>& name) {
+  return name && !name->empty() ? Json(*name) : Json(nullptr);
+}
+
+bool isInLibrary(const ProfieController& library, const std::optional<std::string>& name) {
+  return library.getProfileByName(name) != nullptr;
+}
+
+void status(Session& session) {
+  ProfieController& library = session.openLibrary();
+  session.openMouse();
+  const int slot = NerinAction::getProfileIndexByDevice();
+  const auto name = NerinAction::getFWProfileName(static_cast<std::uint8_t>(slot));
+  session.checkTransfers();
+  session.output.print(
+      table({{"mouse", session.isVirtual() ? "virtual" : "USB"},
+             {"active slot", std::to_string(slot + 1) + " " + shownName(name)},
+             {"in the library", isInLibrary(library, name) ? "yes" : "no"},
+             {"profiles", std::to_string(library.getProfileCount())},
+             {"macros", std::to_string(NerinAction::macroNode->children().size())}}),
+      {{"mouse", session.isVirtual() ? "virtual" : "usb"},
+       {"activeSlot", slot + 1},
+       {"name", nameJson(name)},
+       {"inLibrary", isInLibrary(library, name)},
+       {"profiles", library.getProfileCount()},
+       {"macros", NerinAction::macroNode->children().size()}});
+}
+
+void slots(Session& session) {
+  ProfieController& library = session.openLibrary();
+  session.openMouse();
+  const int active = NerinAction::getProfileIndexByDevice();
+  std::vector<std::vector<std::string>> rows;
+  Json document = Json::array();
+  for (int slot = 0; slot < ProfieController::slotCount; ++slot) {
+    const auto name = NerinAction::getFWProfileName(static_cast<std::uint8_t>(slot));
+    rows.push_back({slot == active ? "*" : " ", std::to_string(slot + 1), shownName(name),
+                    isInLibrary(library, name) ? "in the library" : ""});
+    document.push_back({{"slot", slot + 1},
+                        {"active", slot == active},
+                        {"name", nameJson(name)},
+                        {"inLibrary", isInLibrary(library, name)}});
+  }
+  session.checkTransfers();
+  session.output.print(table(rows), document);
+}
+
+void switchSlot(Session& session, int slot) {
+  session.openMouse();
+  NerinAction::setProfileIndexToDevice(static_cast<std::uint8_t>(slot));
+  session.checkTransfers();
+  NerinAction::sendProfileChangeToDaemon(slot);
+  session.output.print({"slot " + std::to_string(slot + 1) + " is active"},
+                       {{"activeSlot", slot + 1}});
+}
+
+std::size_t macroButtonsOf(const _Nerin_PROFILE& profile) {
+  return static_cast<std::size_t>(std::count_if(
+      std::begin(profile.btnInfo), std::end(profile.btnInfo), [](const _BTN_INFO& button) {
+        return button.FuncTableId == NerinAction::FunctionMacro &&
+               NerinAction::getMacroById(static_cast<std::int32_t>(button.MacroID));
+      }));
+}
+
+void apply(Session& session, const std::string& name, int slot) {
+  ProfieController& library = session.openLibrary();
+  const auto profile = profileNamed(library, name);
+  session.openMouse();
+  library.setCurrFWProfileIndex(slot);
+  NerinAction::loadSlotLink(slot);
+  NerinAction::bindSlot(profile->profileId());
+  session.showProgress(macroButtonsOf(selProfile));
+  const auto error = NerinAction::applySlot();
+  session.checkTransfers();
+  require(error, "the mouse has the profile, but the library could not be saved");
+  session.output.print({printable(name) + " is in slot " + std::to_string(slot + 1)},
+                       {{"profile", name}, {"slot", slot + 1}});
+}
+
+void saveReadProfile(const std::string& file, const std::string& name) {
+  ProfileValue profile;
+  profile.setName(name);
+  profile.setProfileData(currFWProfile);
+  require(profile.saveToPath(file), "the profile could not be written to " + printable(file));
+}
+
+void read(Session& session, int slot, const std::optional<std::string>& file) {
+  ProfieController& library = session.openLibrary();
+  session.openMouse();
+  library.setCurrFWProfileIndex(slot);
+  isHaveNewName = false;
+  const bool hasProfile = NerinAction::getFWProfileData(static_cast<std::uint8_t>(slot));
+  session.checkTransfers();
+  if (!hasProfile) {
+    throw CommandError(ExitCode::NotFound,
+                       "slot " + std::to_string(slot + 1) + " holds no profile");
+  }
+  const std::string name = library.currFWProfileName().value_or("");
+  if (file) {
+    saveReadProfile(*file, name);
+  }
+  std::vector<std::string> lines =
+      table({{"slot", std::to_string(slot + 1)}, {"name", printable(name)}});
+  const auto words = describe(currFWProfile, RecordSource::Mouse);
+  lines.insert(lines.end(), words.begin(), words.end());
+  Json document{{"slot", slot + 1}, {"name", name}};
+  document.update(asJson(currFWProfile, RecordSource::Mouse));
+  session.output.print(lines, document);
+}
+
+}  // namespace
+
+void addSlotCommands(CLI::App& program, Command& chosen) {
+  addCommand(program, "status", "What the mouse and the library hold now", "status")
+      ->callback([&chosen] { chosen = status; });
+  addCommand(program, "slots", "The ten slots of the mouse", "slots --json")->callback([&chosen] {
+    chosen = slots;
+  });
+
+  CLI::App* command = addCommand(program, "switch", "Make another slot the active one", "switch 3");
+  auto number = std::make_shared<int>();
+  command->add_option("slot", *number, "The slot, 1 to 10")->required();
+  command->callback([&chosen, number] {
+    chosen = [number](Session& session) { switchSlot(session, slotOf(*number)); };
+  });
+
+  command = addCommand(program, "apply", "Write a profile of the library into a slot",
+                       "apply Office --slot 2");
+  auto name = std::make_shared<std::string>();
+  auto applySlotNumber = std::make_shared<int>();
+  command->add_option("name", *name, "The profile")->required();
+  command->add_option("--slot", *applySlotNumber, "The slot, 1 to 10")->required();
+  command->callback([&chosen, name, applySlotNumber] {
+    chosen = [=](Session& session) { apply(session, *name, slotOf(*applySlotNumber)); };
+  });
+
+  command = addCommand(program, "read", "Show what a slot of the mouse holds",
+                       "read --slot 2 --output office.pro");
+  auto readSlotNumber = std::make_shared<int>();
+  auto file = std::make_shared<std::optional<std::string>>();
+  command->add_option("--slot", *readSlotNumber, "The slot, 1 to 10")->required();
+  command->add_option("--output", *file, "Write it to this profile file, too")->type_name("FILE");
+  command->callback([&chosen, readSlotNumber, file] {
+    chosen = [=](Session& session) { read(session, slotOf(*readSlotNumber), *file); };
+  });
+}

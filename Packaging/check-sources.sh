@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# What a compiler does not see: the format of the sources, and that an include never points up the
+# list of layers.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
+
+# layer -> the folders that its includes may name.
+declare -A allowed=(
+  [Kit/Core]='Kit/Core'
+  [Kit/Bus]='Kit/Bus Kit/Core'
+  [Kit/Device]='Kit/Device Kit/Core'
+  [VirtualMouse]='VirtualMouse Kit/Core'
+  [Action]='Action Kit/Core'
+  [CommandLine]='CommandLine Action VirtualMouse Kit/Device Kit/Bus Kit/Core'
+)
+status=0
+for layer in "${!allowed[@]}"; do
+  pattern=$(tr ' ' '|' <<<"${allowed[$layer]}")
+  if git ls-files "$layer/*.cpp" "$layer/*.h" | xargs grep -HnE '^#include "' |
+    grep -vE "#include \"($pattern)/[A-Za-z0-9]+\.h\"" |
+    grep -vE '#include "[A-Za-z0-9]+\.(moc|h)"$'; then
+    echo "$layer may include only: ${allowed[$layer]}" >&2
+    status=1
+  fi
+  if [ "$layer" != Kit/Bus ] && git ls-files "$layer/*.cpp" "$layer/*.h" |
+    xargs grep -HnE '^#include <Q'; then
+    echo "$layer knows no Qt" >&2
+    status=1
+  fi
+done
+exit "$status"

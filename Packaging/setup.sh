@@ -1,0 +1,47 @@
+# Sourced by run and test: the packages of Debian 12 that they need, and the build.
+
+build_packages=(
+  cmake g++ ninja-build pkg-config
+  libcli11-dev libhidapi-dev libplist-dev libpugixml-dev libspdlog-dev libudev-dev
+  nlohmann-json3-dev qt6-base-dev
+)
+test_packages=(
+  clang-format clang-tidy dbus libglib2.0-bin libgmock-dev libgtest-dev libumockdev-dev python3
+  umockdev
+)
+bench_packages=(libbenchmark-dev)
+fuzz_packages=(clang libclang-rt-14-dev)
+
+# install_packages KIND...: installs what is missing of the named kinds, and says so.
+install_packages() {
+  local missing=() kind package
+  for kind in "$@"; do
+    local -n packages="${kind}_packages"
+    for package in "${packages[@]}"; do
+      if [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" != installed ]; then
+        missing+=("$package")
+      fi
+    done
+  done
+  if [ "${#missing[@]}" -eq 0 ]; then
+    return
+  fi
+  local as_root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    as_root=(sudo)
+  fi
+  echo "Installing packages: ${missing[*]}"
+  "${as_root[@]}" apt-get update -qq
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# configure_and_build PRESET TARGET: quiet unless something fails.
+configure_and_build() {
+  local log="build/$1.log"
+  mkdir -p build
+  if [ ! -f "build/$1/build.ninja" ]; then
+    cmake --preset "$1" >"$log" 2>&1 || { cat "$log"; return 1; }
+  fi
+  cmake --build --preset "$1" --target "$2" >"$log" 2>&1 || { cat "$log"; return 1; }
+}
