@@ -20,6 +20,9 @@
 
 namespace {
 
+// Long enough for another command to finish, short enough for a person.
+constexpr std::chrono::seconds lockLimit(5);
+
 bool isWrite(const LXDeviceRequest& request) {
   return (request.bmRequestType & 0x80U) == 0;
 }
@@ -107,6 +110,10 @@ ProfieController& Session::openLibrary() {
   std::error_code error;
   if (!std::filesystem::is_directory(support, error)) {
     throw CommandError(ExitCode::Failed, "the folder cannot be made: " + support.string());
+  }
+  m_libraryLock = FolderLock::acquire(support, lockLimit);
+  if (!m_libraryLock) {
+    throw CommandError(ExitCode::Failed, "the library is in use by another program");
   }
   NerinAction::initMenuList();
   NerinAction::refreshMenuList();

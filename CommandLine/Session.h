@@ -8,6 +8,7 @@
 
 #include "Action/ProfieController.h"
 #include "CommandLine/Output.h"
+#include "Kit/Core/FolderLock.h"
 #include "Kit/Core/LXDeviceRequester.h"
 #include "Kit/Device/HidDeviceRequester.h"
 
@@ -32,7 +33,8 @@ class Session {
   // Installs the platform, with the mouse that the options name. Throws CommandError.
   void begin(const SessionOptions& options);
 
-  // Loads the catalogues and the library.
+  // Loads the catalogues and the library, and keeps other programs out of them until the end.
+  // Throws CommandError when another one holds them.
   ProfieController& openLibrary();
   // Waits for nothing: throws CommandError with what was looked for when the mouse is not there.
   void openMouse();
@@ -49,6 +51,7 @@ class Session {
   void didSend(const LXDeviceRequest& request, bool isDone);
   void traceSleep(std::int64_t milliseconds);
 
+  std::unique_ptr<FolderLock> m_libraryLock;
   bool m_isVirtual = false;
   std::shared_ptr<HidDeviceRequester> m_usbMouse;
   std::ofstream m_trace;

@@ -5,18 +5,33 @@
 #include <optional>
 #include <vector>
 
+#include "Kit/Core/Utf8.h"
+
 namespace {
 
 constexpr std::size_t headerSize = 8;
 constexpr std::size_t trailerSize = 32;
 
 // The high four bits of an object's first byte.
-enum Marker : unsigned { Integer = 0x1, Array = 0xA, Set = 0xC, Dictionary = 0xD };
+enum Marker : unsigned {
+  Simple = 0x0,
+  Integer = 0x1,
+  Real = 0x2,
+  Date = 0x3,
+  Data = 0x4,
+  Ascii = 0x5,
+  Utf16 = 0x6,
+  Uid = 0x8,
+  Array = 0xA,
+  Dictionary = 0xD
+};
 
-// The objects that one object refers to.
-struct References {
-  std::size_t begin = 0;  // of the first reference, from the start of the file
-  std::size_t count = 0;
+// An object as it lies in the file.
+struct Object {
+  std::size_t begin = 0;   // of what follows the marker and the count
+  std::size_t length = 0;  // of its own text or data
+  std::size_t references = 0;
+  std::size_t keys = 0;  // how many of the references, from the front, name texts
 };
 
 class Document {
@@ -46,19 +61,55 @@ class Document {
   std::size_t objects() const { return m_objects; }
   std::size_t root() const { return m_root; }
 
-  // Nothing when the object does not lie inside the file.
-  std::optional<References> referencesOf(std::size_t object) const {
-    const auto offset = numberAt(m_table + object * m_offsetSize, m_offsetSize);
+  // Nothing when the object does not lie inside the file or is of no kind that is known.
+  std::optional<Object> objectAt(std::size_t index) const {
+    const auto offset = numberAt(m_table + index * m_offsetSize, m_offsetSize);
     if (offset < headerSize || offset >= m_table) {
       return std::nullopt;
     }
-    const unsigned kind = byteAt(offset) >> 4U;
-    if (kind != Array && kind != Set && kind != Dictionary) {
-      return References{};
+    const unsigned marker = byteAt(offset) >> 4U;
+    const unsigned low = byteAt(offset) & 0x0FU;
+    switch (marker) {
+      case Simple:
+        return low == 8 || low == 9 ? within(offset + 1, 0, 1) : std::nullopt;
+      case Integer:
+        return low <= 4 ? within(offset + 1, 1, std::size_t{1} << low) : std::nullopt;
+      case Real:
+        return low == 2 || low == 3 ? within(offset + 1, 1, std::size_t{1} << low) : std::nullopt;
+      case Date:
+        return low == 3 ? within(offset + 1, 1, 8) : std::nullopt;
+      case Uid:
+        return low < 4 ? within(offset + 1, 1, low + 1) : std::nullopt;
+      default:
+        return countedAt(offset, marker, low);
     }
-    std::size_t count = byteAt(offset) & 0x0FU;
+  }
+
+  // Whether the object can stand for the key of a dictionary.
+  bool isText(std::size_t index) const {
+    const auto offset = numberAt(m_table + index * m_offsetSize, m_offsetSize);
+    const unsigned marker = offset < m_table ? byteAt(offset) >> 4U : 0;
+    return marker == Ascii || marker == Utf16;
+  }
+
+  std::size_t reference(const Object& object, std::size_t index) const {
+    return numberAt(object.begin + index * m_referenceSize, m_referenceSize);
+  }
+
+ private:
+  // An object whose content is `count` times `size` bytes, when they lie inside the file.
+  std::optional<Object> within(std::size_t begin, std::size_t count, std::size_t size) const {
+    if (begin > m_table || count > (m_table - begin) / size) {
+      return std::nullopt;
+    }
+    return Object{begin, count * size, 0, 0};
+  }
+
+  // The kinds of objects that come with a count.
+  std::optional<Object> countedAt(std::size_t offset, unsigned marker, unsigned low) const {
+    std::size_t count = low;
     std::size_t begin = offset + 1;
-    if (count == 0x0F) {
+    if (low == 0x0F) {
       // A longer count follows as an integer object of its own.
       const std::size_t width = std::size_t{1} << (byteAt(begin) & 0x0FU);
       if (byteAt(begin) >> 4U != Integer || width > 8 || begin + 1 + width > m_table) {
@@ -67,18 +118,46 @@ class Document {
       count = numberAt(begin + 1, width);
       begin += 1 + width;
     }
-    const std::size_t perEntry = kind == Dictionary ? 2 : 1;
-    if (begin > m_table || count > (m_table - begin) / (perEntry * m_referenceSize)) {
-      return std::nullopt;
+    std::optional<Object> object;
+    switch (marker) {
+      case Data:
+        return within(begin, count, 1);
+      case Ascii:
+        object = within(begin, count, 1);
+        return object && isPlainAscii(*object) ? object : std::nullopt;
+      case Utf16:
+        object = within(begin, count, 2);
+        return object && isWellFormedUtf16(*object) ? object : std::nullopt;
+      case Array:
+        object = within(begin, count, m_referenceSize);
+        return object ? std::optional(Object{begin, 0, count, 0}) : std::nullopt;
+      case Dictionary:
+        object = within(begin, count, 2 * m_referenceSize);
+        return object ? std::optional(Object{begin, 0, 2 * count, count}) : std::nullopt;
+      default:
+        return std::nullopt;
     }
-    return References{begin, count * perEntry};
   }
 
-  std::size_t reference(const References& references, std::size_t index) const {
-    return numberAt(references.begin + index * m_referenceSize, m_referenceSize);
+  // Inside libplist texts are ended by a NUL, so that none may hold one.
+  bool isPlainAscii(const Object& text) const {
+    const std::string_view bytes = m_bytes.substr(text.begin, text.length);
+    return utf8::isAscii(bytes) && bytes.find('\0') == std::string_view::npos;
   }
 
- private:
+  bool isWellFormedUtf16(const Object& text) const {
+    bool isPairOpen = false;
+    for (std::size_t at = 0; at < text.length; at += 2) {
+      const auto unit = numberAt(text.begin + at, 2);
+      const bool isSecond = unit >= 0xDC00 && unit <= 0xDFFF;
+      if (unit == 0 || isSecond != isPairOpen) {
+        return false;
+      }
+      isPairOpen = unit >= 0xD800 && unit <= 0xDBFF;
+    }
+    return !isPairOpen;
+  }
+
   unsigned byteAt(std::size_t at) const { return static_cast<unsigned char>(m_bytes[at]); }
 
   std::size_t numberAt(std::size_t at, std::size_t width) const {
@@ -98,15 +177,15 @@ class Document {
 };
 
 // What an object is worth once its references are unfolded.
-struct Weight {
+struct Unfolded {
   enum class State : std::uint8_t { Unknown, Open, Known } state = State::Unknown;
-  std::uint32_t nodes = 0;
   std::uint32_t depth = 0;
+  std::size_t weight = 0;
 };
 
 struct Visit {
-  std::size_t object = 0;
-  References references;
+  std::size_t index = 0;
+  Object object;
   std::size_t next = 0;
 };
 
@@ -117,15 +196,15 @@ bool propertylist::isBinaryPropertyListSafe(std::string_view bytes) {
   if (!document.readTrailer()) {
     return false;
   }
-  std::vector<Weight> weights(document.objects());
+  std::vector<Unfolded> known(document.objects());
   std::vector<Visit> path;
-  const auto enter = [&](std::size_t object) {
-    const auto references = document.referencesOf(object);
-    if (!references || path.size() >= maximumDepth) {
+  const auto enter = [&](std::size_t index) {
+    const auto object = document.objectAt(index);
+    if (!object || path.size() >= maximumDepth) {
       return false;
     }
-    weights[object] = {Weight::State::Open, 1, 1};
-    path.push_back({object, *references, 0});
+    known[index] = {Unfolded::State::Open, 1, nodeWeight + object->length};
+    path.push_back({index, *object, 0});
     return true;
   };
   if (!enter(document.root())) {
@@ -133,25 +212,26 @@ bool propertylist::isBinaryPropertyListSafe(std::string_view bytes) {
   }
   while (!path.empty()) {
     Visit& visit = path.back();
-    if (visit.next == visit.references.count) {
-      weights[visit.object].state = Weight::State::Known;
+    if (visit.next == visit.object.references) {
+      known[visit.index].state = Unfolded::State::Known;
       path.pop_back();
       continue;
     }
-    const std::size_t child = document.reference(visit.references, visit.next);
-    if (child >= document.objects() || weights[child].state == Weight::State::Open) {
+    const std::size_t child = document.reference(visit.object, visit.next);
+    if (child >= document.objects() || known[child].state == Unfolded::State::Open ||
+        (visit.next < visit.object.keys && !document.isText(child))) {
       return false;
     }
-    if (weights[child].state == Weight::State::Unknown) {
+    if (known[child].state == Unfolded::State::Unknown) {
       if (!enter(child)) {
         return false;
       }
       continue;
     }
-    Weight& weight = weights[visit.object];
-    weight.nodes += weights[child].nodes;
-    weight.depth = std::max(weight.depth, weights[child].depth + 1);
-    if (weight.nodes > maximumNodes || weight.depth > maximumDepth) {
+    Unfolded& parent = known[visit.index];
+    parent.weight += known[child].weight;
+    parent.depth = std::max(parent.depth, known[child].depth + 1);
+    if (parent.weight > maximumWeight || parent.depth > maximumDepth) {
       return false;
     }
     ++visit.next;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <fstream>
 #include <utility>
 
 #include <fcntl.h>
@@ -114,6 +113,19 @@ void removeQuietly(const fs::path& path) {
   fs::remove_all(path, ignored);
 }
 
+// Where a path leads in the end, which need not exist; nothing for links in a circle.
+std::optional<fs::path> withoutLinks(fs::path path) {
+  std::error_code error;
+  for (int links = 0; links < 40; ++links) {
+    const fs::path next = fs::read_symlink(path, error);
+    if (error) {
+      return path;
+    }
+    path = parentOf(path) / next;
+  }
+  return std::nullopt;
+}
+
 fs::path sibling(const fs::path& path, const char* suffix) {
   return parentOf(path) / ("." + path.filename().string() + suffix);
 }
@@ -188,32 +200,39 @@ void durable::setFaultInjector(FaultInjector injector) {
 }
 
 std::optional<std::string> durable::readFile(const fs::path& path, std::size_t limit) {
-  std::error_code error;
-  if (fs::is_directory(path, error)) {
-    return std::nullopt;
-  }
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
+  Descriptor descriptor;
+  struct stat status {};
+  // Without O_NONBLOCK a pipe of that name would make this wait for a writer.
+  if (descriptor.open("open to read", path, O_RDONLY | O_NONBLOCK | O_NOCTTY) ||
+      ::fstat(descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
     return std::nullopt;
   }
   std::string bytes;
-  constexpr std::size_t blockSize = 64 * 1024;
-  while (file && bytes.size() <= limit) {
+  constexpr std::size_t blockSize = std::size_t{64} * 1024;
+  while (bytes.size() <= limit) {
     const std::size_t before = bytes.size();
     bytes.resize(before + blockSize);
-    file.read(bytes.data() + before, blockSize);
-    bytes.resize(before + static_cast<std::size_t>(file.gcount()));
+    ssize_t got = 0;
+    if (step("read", [&] {
+          got = ::read(descriptor.number(), bytes.data() + before, blockSize);
+          return got < 0 ? -1 : 0;
+        })) {
+      return std::nullopt;
+    }
+    bytes.resize(before + static_cast<std::size_t>(got));
+    if (got == 0) {
+      return bytes;
+    }
   }
-  if (file.bad() || bytes.size() > limit) {
-    return std::nullopt;
-  }
-  return bytes;
+  return std::nullopt;
 }
 
 std::error_code durable::writeFile(const fs::path& path, std::string_view bytes) {
-  std::error_code ignored;
-  const fs::path target =
-      fs::is_symlink(path, ignored) ? fs::weakly_canonical(path, ignored) : path;
+  const auto resolved = withoutLinks(path);
+  if (!resolved) {
+    return {ELOOP, std::generic_category()};
+  }
+  const fs::path& target = *resolved;
   // Not made from the name of the file, so that a name of 255 bytes has room too.
   const fs::path fresh = parentOf(target) / (".nerin-" + std::to_string(::getpid()) + ".new");
   removeQuietly(fresh);

@@ -13,13 +13,15 @@
 // Files that are either the old one or the new one, whole, whatever interrupts the writing.
 namespace durable {
 
-// The whole file, or nothing when it cannot be read or is larger than `limit` bytes.
+// The whole file, or nothing when it cannot be read, is larger than `limit` bytes or is no ordinary
+// file: a device has no end, and a pipe may never begin.
 std::optional<std::string> readFile(const std::filesystem::path& path,
-                                    std::size_t limit = std::size_t{64} << 20U);
+                                    std::size_t limit = std::size_t{16} << 20U);
 
 // Writes the bytes to a new file beside `path`, syncs it, and puts it in the place of `path`. On
-// an error the old file is untouched and nothing is left behind. The permissions of an old file
-// are kept.
+// an error nothing is left behind and the old file is untouched, unless it was the very last step,
+// the sync of the folder, that failed: then the new one is there. The permissions of an old file
+// are kept, and a symbolic link stays one.
 std::error_code writeFile(const std::filesystem::path& path, std::string_view bytes);
 
 // One file of a folder that replaceFolder writes.
@@ -29,7 +31,8 @@ struct FolderEntry {
 };
 
 // Makes the folder hold exactly these files: writes and syncs a new folder beside it and lets it
-// take the place of the old one in one step. On an error the old folder is untouched.
+// take the place of the old one in one step. On an error the old folder is untouched, unless the
+// very last step failed, as above.
 std::error_code replaceFolder(const std::filesystem::path& folder,
                               std::span<const FolderEntry> entries);
 

@@ -4,6 +4,7 @@
 #include <map>
 
 #include "Kit/Core/PropertyList.h"
+#include "Kit/Core/Utf8.h"
 
 namespace {
 
@@ -63,7 +64,8 @@ class ObjectArchiver final : public LXKeyedArchiver {
     plist_dict_set_item(m_entry, key, plist_new_bool(value ? 1 : 0));
   }
   void encodeString(const std::optional<std::string>& value, const char* key) override {
-    const std::uint64_t index = value ? m_table.append(plist_new_string(value->c_str())) : 0;
+    const std::uint64_t index =
+        value ? m_table.append(plist_new_string(utf8::repaired(*value).c_str())) : 0;
     plist_dict_set_item(m_entry, key, plist_new_uid(index));
   }
   void encodeObject(const LXCoding& value, const char* key) override {
@@ -114,11 +116,14 @@ class ReadTable {
 
   // What a reference stands for; null for nil, for no reference and for one that leads nowhere.
   plist_t follow(plist_t reference) const {
-    if (!propertylist::isKind(reference, PLIST_UID)) {
-      return nullptr;
-    }
     std::uint64_t index = 0;
-    plist_get_uid_val(reference, &index);
+    if (propertylist::isKind(reference, PLIST_UID)) {
+      plist_get_uid_val(reference, &index);
+    } else if (propertylist::isKind(reference, PLIST_DICT)) {
+      // XML has no element for references.
+      plist_t number = plist_dict_get_item(reference, "CF$UID");
+      index = static_cast<std::uint64_t>(propertylist::integerOf(number));
+    }
     return index > 0 && index < m_nodes.size() ? m_nodes[index] : nullptr;
   }
 

@@ -1,11 +1,13 @@
 #include "Kit/Core/PreferenceFile.h"
 
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
 #include "Kit/Core/DurableFile.h"
 #include "Kit/Core/LXLogger.h"
 #include "Kit/Core/PropertyList.h"
+#include "Kit/Core/Utf8.h"
 
 namespace fs = std::filesystem;
 
@@ -44,6 +46,15 @@ void store(plist_t dictionary, const std::string& key, const PreferenceFile::Val
                      ? plist_new_bool(std::get<bool>(value) ? 1 : 0)
                      : plist_new_string(std::get<std::string>(value).c_str());
   plist_dict_set_item(dictionary, key.c_str(), node);
+}
+
+// Whether both forms of a property list can hold the text.
+bool isStorable(const PreferenceFile::Value& value) {
+  const auto* text = std::get_if<std::string>(&value);
+  return text == nullptr ||
+         (utf8::isValid(*text) && std::none_of(text->begin(), text->end(), [](char byte) {
+            return static_cast<unsigned char>(byte) < 0x20U && byte != '\t' && byte != '\n';
+          }));
 }
 
 // Moves a file that is no property list out of the way, so that the user still has it.
@@ -102,11 +113,21 @@ std::optional<std::string> PreferenceFile::stringFor(const std::string& dictiona
 }
 
 bool PreferenceFile::setValue(const std::string& key, const Value& value) {
+  if (!isStorable(value)) {
+    LXLogger::warning("no text for the preference file: " + key);
+    return false;
+  }
   return change([&](plist_t root) { store(root, key, value); });
 }
 
 bool PreferenceFile::setValues(const std::string& dictionary,
                                const std::map<std::string, Value>& values) {
+  for (const auto& [key, value] : values) {
+    if (!isStorable(value)) {
+      LXLogger::warning("no text for the preference file: " + key);
+      return false;
+    }
+  }
   return change([&](plist_t root) {
     if (!propertylist::isKind(itemOf(root, dictionary), PLIST_DICT)) {
       plist_dict_set_item(root, dictionary.c_str(), plist_new_dict());
@@ -143,7 +164,12 @@ bool PreferenceFile::change(const std::function<void(void* root)>& edit) {
     root.reset(plist_new_dict());
   }
   edit(root.get());
-  error = durable::writeFile(m_path, propertylist::serialise(root.get(), form));
+  const std::string bytes = propertylist::serialise(root.get(), form);
+  if (bytes.empty()) {
+    LXLogger::warning("the preference file was not written: it cannot be put into its form");
+    return false;
+  }
+  error = durable::writeFile(m_path, bytes);
   if (error) {
     LXLogger::warning("the preference file was not written: " + error.message());
   }

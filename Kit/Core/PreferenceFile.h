@@ -28,8 +28,9 @@ class PreferenceFile {
   std::optional<bool> boolFor(const std::string& dictionary, const std::string& key) const;
   std::optional<std::string> stringFor(const std::string& dictionary, const std::string& key) const;
 
-  // Stores one value. False when the file could not be written; the old one is then still there. A
-  // file that is no property list is set aside under another name first.
+  // Stores one value. False when the file could not be written, or when the value is no text that a
+  // property list can hold (UTF-8 without control characters); the old file is then still there.
+  // A file that is no property list is set aside under another name first.
   bool setValue(const std::string& key, const Value& value);
   // Stores values in the dictionary under `dictionary`, which is made when it is missing; its
   // other keys stay.

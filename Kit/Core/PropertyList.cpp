@@ -4,32 +4,13 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <limits>
 
 #include "Kit/Core/BinaryPropertyListGuard.h"
+#include "Kit/Core/XmlPropertyListGuard.h"
 
 namespace {
 
 constexpr std::string_view binaryMagic = "bplist00";
-
-// libplist descends one call a level into an XML document, so that a deep one would end the
-// process. Counting the opening tags bounds the depth from above, cheaply.
-bool isXmlTooDeep(std::string_view bytes) {
-  std::size_t depth = 0;
-  for (std::size_t at = bytes.find('<'); at != std::string_view::npos;
-       at = bytes.find('<', at + 1)) {
-    const std::string_view rest = bytes.substr(at + 1);
-    if (rest.starts_with("dict") || rest.starts_with("array")) {
-      ++depth;
-    } else if ((rest.starts_with("/dict") || rest.starts_with("/array")) && depth > 0) {
-      --depth;
-    }
-    if (depth > propertylist::maximumDepth) {
-      return true;
-    }
-  }
-  return false;
-}
 
 std::string taken(char* bytes, std::uint32_t length) {
   std::string result(bytes != nullptr ? bytes : "", bytes != nullptr ? length : 0);
@@ -45,18 +26,18 @@ propertylist::Form propertylist::formOf(std::string_view bytes) {
 }
 
 propertylist::Handle propertylist::parse(std::string_view bytes) {
-  if (bytes.empty() || bytes.size() > std::numeric_limits<std::uint32_t>::max()) {
+  if (bytes.size() > maximumSize) {
     return nullptr;
   }
-  const auto length = static_cast<std::uint32_t>(bytes.size());
   plist_t node = nullptr;
   if (formOf(bytes) == Form::Binary) {
     if (!isBinaryPropertyListSafe(bytes)) {
       return nullptr;
     }
-    plist_from_bin(bytes.data(), length, &node);
-  } else if (!isXmlTooDeep(bytes)) {
-    plist_from_xml(bytes.data(), length, &node);
+    plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &node);
+  } else if (const auto plain = plainXmlPropertyList(bytes)) {
+    // libplist trusts XML too much: it is given none but what was taken apart and put together.
+    plist_from_xml(plain->data(), static_cast<std::uint32_t>(plain->size()), &node);
   }
   return Handle(node);
 }

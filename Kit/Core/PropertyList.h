@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -16,14 +18,18 @@ using Handle = std::unique_ptr<void, Free>;
 
 enum class Form { Xml, Binary };
 
+// The largest file that is taken, in bytes.
+inline constexpr std::size_t maximumSize = std::size_t{16} << 20U;
+
 // The tree that the bytes describe, or null: for anything that is no property list, for one whose
-// nodes contain themselves, and for one that would unfold to more than four million nodes or 256
-// levels, which is an attack and not a file of ours.
+// nodes contain themselves, and for one beyond the limits of BinaryPropertyListGuard.h, which is an
+// attack and not a file of ours. All texts of the tree are UTF-8.
 Handle parse(std::string_view bytes);
 
 // The form of some bytes that parse() takes.
 Form formOf(std::string_view bytes);
 
+// The bytes of a tree whose texts are UTF-8; empty when there is no such form.
 std::string serialise(plist_t node, Form form);
 
 // The node's text, or an empty one for a node of another kind.

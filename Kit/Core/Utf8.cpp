@@ -42,25 +42,40 @@ bool isSecondByteAllowed(unsigned char lead, unsigned char second) {
   }
 }
 
+// Length of the character that the text begins with, 0 when it begins with none.
+std::size_t characterLength(std::string_view text) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  const std::size_t length = sequenceLength(lead);
+  if (length == 0 || length > text.size() ||
+      (length > 1 && !isSecondByteAllowed(lead, static_cast<unsigned char>(text[1])))) {
+    return 0;
+  }
+  const std::string_view rest = text.substr(1, length - 1);
+  return std::all_of(rest.begin(), rest.end(), isContinuation) ? length : 0;
+}
+
 }  // namespace
 
 bool utf8::isValid(std::string_view text) {
-  for (std::size_t at = 0; at < text.size();) {
-    const auto lead = static_cast<unsigned char>(text[at]);
-    const std::size_t length = sequenceLength(lead);
-    if (length == 0 || length > text.size() - at) {
+  while (!text.empty()) {
+    const std::size_t length = characterLength(text);
+    if (length == 0) {
       return false;
     }
-    if (!std::all_of(text.begin() + static_cast<std::ptrdiff_t>(at) + 1,
-                     text.begin() + static_cast<std::ptrdiff_t>(at + length), isContinuation)) {
-      return false;
-    }
-    if (length > 1 && !isSecondByteAllowed(lead, static_cast<unsigned char>(text[at + 1]))) {
-      return false;
-    }
-    at += length;
+    text.remove_prefix(length);
   }
   return true;
+}
+
+std::string utf8::repaired(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  while (!text.empty()) {
+    const std::size_t length = characterLength(text);
+    result += length != 0 ? text.substr(0, length) : "\uFFFD";
+    text.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return result;
 }
 
 bool utf8::isAscii(std::string_view text) {

@@ -9,6 +9,9 @@ namespace utf8 {
 // Whether the bytes are well-formed UTF-8 (no overlong forms, surrogates or values past 10FFFF).
 bool isValid(std::string_view text);
 
+// The text with every byte that belongs to no character replaced by U+FFFD.
+std::string repaired(std::string_view text);
+
 // Whether every byte is ASCII.
 bool isAscii(std::string_view text);
 

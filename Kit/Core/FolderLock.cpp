@@ -1,0 +1,33 @@
+#include "Kit/Core/FolderLock.h"
+
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+std::unique_ptr<FolderLock> FolderLock::acquire(const std::filesystem::path& folder,
+                                                std::chrono::milliseconds limit) {
+  using Clock = std::chrono::steady_clock;
+  const std::filesystem::path file = folder / ".lock";
+  std::unique_ptr<FolderLock> lock(
+      new FolderLock(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)));
+  if (lock->m_descriptor < 0) {
+    return lock;
+  }
+  constexpr std::chrono::milliseconds pause(10);
+  const auto end = Clock::now() + limit;
+  while (::flock(lock->m_descriptor, LOCK_EX | LOCK_NB) != 0) {
+    if (Clock::now() >= end) {
+      return nullptr;
+    }
+    std::this_thread::sleep_for(pause);
+  }
+  return lock;
+}
+
+FolderLock::~FolderLock() {
+  if (m_descriptor >= 0) {
+    ::close(m_descriptor);
+  }
+}
