@@ -18,6 +18,7 @@ inline constexpr std::size_t buttonCount = 16;
 inline constexpr std::size_t zoneCount = 4;
 inline constexpr std::size_t levelCount = 5;
 inline constexpr std::size_t textSize = 256;
+inline constexpr std::size_t wordSize = 4;
 
 // What one button does.
 struct _BTN_INFO {
@@ -73,19 +74,19 @@ enum ButtonType : std::uint32_t {
 };
 
 static_assert(sizeof(_BTN_INFO) == 288);
-static_assert(offsetof(_BTN_INFO, app_path) == 7U * 4U);
-static_assert(offsetof(_BTN_INFO, MacroID) == 71U * 4U);
+static_assert(offsetof(_BTN_INFO, app_path) == 7 * wordSize);
+static_assert(offsetof(_BTN_INFO, MacroID) == 71 * wordSize);
 static_assert(sizeof(_LightColorInfo) == 12);
 static_assert(sizeof(_Nerin_PROFILE) == 4732);
-static_assert(offsetof(_Nerin_PROFILE, modeType) == 1152U * 4U);
-static_assert(offsetof(_Nerin_PROFILE, islightOnArr) == 1153U * 4U);
-static_assert(offsetof(_Nerin_PROFILE, lightColorArr) == 1157U * 4U);
-static_assert(offsetof(_Nerin_PROFILE, dpiLevel) == 1169U * 4U);
-static_assert(offsetof(_Nerin_PROFILE, currSelectDPI) == 1170U * 4U);
-static_assert(offsetof(_Nerin_PROFILE, xSensArr) == 1171U * 4U);
-static_assert(offsetof(_Nerin_PROFILE, ySensArr) == 1176U * 4U);
-static_assert(offsetof(_Nerin_PROFILE, liftHeight) == 1181U * 4U);
-static_assert(offsetof(_Nerin_PROFILE, poRate) == 1182U * 4U);
+static_assert(offsetof(_Nerin_PROFILE, modeType) == 1152 * wordSize);
+static_assert(offsetof(_Nerin_PROFILE, islightOnArr) == 1153 * wordSize);
+static_assert(offsetof(_Nerin_PROFILE, lightColorArr) == 1157 * wordSize);
+static_assert(offsetof(_Nerin_PROFILE, dpiLevel) == 1169 * wordSize);
+static_assert(offsetof(_Nerin_PROFILE, currSelectDPI) == 1170 * wordSize);
+static_assert(offsetof(_Nerin_PROFILE, xSensArr) == 1171 * wordSize);
+static_assert(offsetof(_Nerin_PROFILE, ySensArr) == 1176 * wordSize);
+static_assert(offsetof(_Nerin_PROFILE, liftHeight) == 1181 * wordSize);
+static_assert(offsetof(_Nerin_PROFILE, poRate) == 1182 * wordSize);
 static_assert(sizeof(_Nerin_CONFIG) == 5264);
 static_assert(offsetof(_Nerin_CONFIG, isDefault) == 8);
 static_assert(offsetof(_Nerin_CONFIG, profileName) == 9);
