@@ -11,7 +11,7 @@ namespace {
 
 // Keeps all that a person wrote, the declaration included, and leaves attribute values alone.
 constexpr unsigned parseOptions =
-    (pugi::parse_full | pugi::parse_ws_pcdata_single) & ~pugi::parse_wconv_attribute;
+    (pugi::parse_full | pugi::parse_ws_pcdata) & ~pugi::parse_wconv_attribute;
 
 std::filesystem::path cataloguePath() {
   return std::filesystem::path(NerinAction::getSysPath()) / "MenuInfo.xml";
@@ -23,6 +23,7 @@ bool CatalogueFile::load() {
   m_document.reset();
   const auto bytes = durable::readFile(cataloguePath());
   if (!bytes) {
+    LXLogger::warning(cataloguePath().string() + " cannot be read");
     return false;
   }
   const auto result = m_document.load_buffer(bytes->data(), bytes->size(), parseOptions);
@@ -40,7 +41,11 @@ bool CatalogueFile::save() const {
   std::ostringstream text;
   m_document.save(text, "  ", pugi::format_indent | (isUtf8 ? 0U : pugi::format_write_bom),
                   m_encoding);
-  const auto error = durable::writeFile(cataloguePath(), text.str());
+  const std::string bytes = text.str();
+  // What could not be read again is not written.
+  const auto error = bytes.size() > durable::maximumFileSize
+                         ? std::make_error_code(std::errc::file_too_large)
+                         : durable::writeFile(cataloguePath(), bytes);
   if (error) {
     LXLogger::error("the catalogue was not saved: " + error.message());
   }

@@ -98,6 +98,10 @@ std::string launchCaption(const _BTN_INFO& btnInfo, int index) {
 
 void NerinAction::initMenuList() {
   macroListArrs.clear();
+  for (MenuRoot* root : {&macroInsertMenuNode, &keyAssignMenuNode, &singleMenuNode, &repeatMenuNode,
+                         &sensitivityMenuNode, &levelMenuNode}) {
+    root->reset();
+  }
   LXAction::checkAddCopyFileFromResourceWithPath(getSysPath(), "MenuInfo.xml");
   CatalogueFile file;
   if (!file.load()) {

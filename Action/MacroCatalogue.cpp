@@ -1,6 +1,7 @@
 #include "Action/MacroCatalogue.h"
 
 #include <algorithm>
+#include <limits>
 
 #include <pugixml.hpp>
 
@@ -58,7 +59,15 @@ std::int32_t NerinAction::getNewMacorId() {
   for (const auto& macro : macroListArrs) {
     largest = std::max(largest, macro->macroId());
   }
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(largest) + 1U);
+  if (largest < std::numeric_limits<std::int32_t>::max()) {
+    return largest + 1;
+  }
+  // Only a damaged file has such an id; a free one is found below it.
+  std::int32_t id = 1;
+  while (getMacroById(id)) {
+    ++id;
+  }
+  return id;
 }
 
 bool NerinAction::checkMacroName(const std::string& name) {

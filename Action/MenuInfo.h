@@ -42,7 +42,11 @@ class MenuInfo final : public LXMenuData, public LXCoding {
   void setToolTipTag(std::string tag) { m_toolTipTag = std::move(tag); }
   // Never null: an entry that is no macro's has an empty one.
   const std::shared_ptr<MacroInfo>& macroInfo() const { return m_macroInfo; }
-  void setMacroInfo(std::shared_ptr<MacroInfo> macro) { m_macroInfo = std::move(macro); }
+  void setMacroInfo(std::shared_ptr<MacroInfo> macro) {
+    if (macro) {
+      m_macroInfo = std::move(macro);
+    }
+  }
 
   // The Mac key codes of the combination: the key bits up to the first one that is unused (255).
   std::vector<std::int32_t> usedKeys() const;

@@ -29,14 +29,17 @@ bool hasProfileExtension(const fs::path& path) {
          std::string(".") + ProfileFileNames::extension;
 }
 
-std::vector<fs::path> profileFilesIn(const fs::path& folder) {
+// In byte order. `error` tells why a list may be incomplete; a missing folder is an empty one.
+std::vector<fs::path> profileFilesIn(const fs::path& folder, std::error_code& error) {
   std::vector<fs::path> files;
-  std::error_code error;
   for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
        entry.increment(error)) {
     if (hasProfileExtension(entry->path())) {
       files.push_back(entry->path());
     }
+  }
+  if (error == std::errc::no_such_file_or_directory) {
+    error.clear();
   }
   std::sort(files.begin(), files.end());
   return files;
@@ -76,8 +79,12 @@ void ProfieController::loadDefaults() {
 void ProfieController::refreshProfile() {
   m_currProfile = nullptr;
   m_profileArr.clear();
-  for (const fs::path& file : profileFilesIn(m_sysProPath)) {
+  m_loadError.clear();
+  for (const fs::path& file : profileFilesIn(m_sysProPath, m_loadError)) {
     addByPath(file);
+  }
+  if (m_loadError) {
+    LXLogger::error("the library cannot be read: " + m_loadError.message());
   }
   sortProfile();
   // The records are stored under 1 to 10 and read under 0 to 9: slot 0 never has one.
@@ -127,7 +134,11 @@ std::uint64_t ProfieController::getNewProfileId() const {
 
 std::string ProfieController::freeName(const std::string& stem) const {
   for (int n = 1;; ++n) {
-    if (std::string name = stem + "_" + std::to_string(n); checkProfileName(name, nullptr)) {
+    const std::string suffix = "_" + std::to_string(n);
+    // As much of the stem as a profile's file has room for.
+    std::string name(utf8::prefixOfBytes(stem, textSize - 1 - suffix.size()));
+    name += suffix;
+    if (checkProfileName(name, nullptr)) {
       return name;
     }
   }
@@ -191,6 +202,11 @@ std::error_code ProfieController::saveToPath(const fs::path& folder) {
 }
 
 std::error_code ProfieController::saveToSys() {
+  if (m_loadError) {
+    // What could not be listed would be lost.
+    LXLogger::error("the library is not saved, since it was not read: " + m_loadError.message());
+    return m_loadError;
+  }
   std::vector<durable::FolderEntry> entries;
   entries.reserve(m_profileArr.size());
   ProfileFileNames names;
@@ -332,6 +348,9 @@ ProfieController::Profile ProfieController::getNextProfieWithNodef(const Profile
 
 void ProfieController::removeAllNoDefault() {
   std::erase_if(m_profileArr, [](const Profile& profile) { return !profile->isDefault(); });
+  if (getCurrProfileIndex() == notFound) {
+    m_currProfile = nullptr;
+  }
 }
 
 void ProfieController::getNoDefaultProArr(Profiles& list) const {

@@ -163,6 +163,8 @@ class ProfieController {
   std::ptrdiff_t positionOf(const Profile& profile) const;
 
   Profiles m_profileArr;
+  // Why the list may lack profiles that are on disk; then it is not written over them.
+  std::error_code m_loadError;
   Profile m_currProfile;
   Profile m_currDefProfile;
   std::filesystem::path m_sysProPath;

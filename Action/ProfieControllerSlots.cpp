@@ -58,7 +58,8 @@ std::error_code ProfieController::saveCurrFWProfileToList() {
     m_currProfile->setName(m_currFWProfileName);
   }
   saveFWProfileIdByIndex(m_currFWProfileIndex);
-  saveSelProfile();
+  // Not by itself first: between two writes a kill would find neither the old library nor the new.
+  saveSelProfileToData();
   return saveToSys();
 }
 

@@ -26,18 +26,27 @@ std::shared_ptr<ProfileValue> ProfileValue::initWithPath(const fs::path& path) {
   auto profile = std::make_shared<ProfileValue>();
   profile->m_pathName = path.filename().string();
   std::ifstream file;
-  if (!fs::is_directory(path, error)) {
+  // A pipe would be waited for, for ever.
+  if (fs::is_regular_file(path, error)) {
     file.open(path, std::ios::binary);
   }
   ConfigBytes bytes{};
   if (file.is_open()) {
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  } else {
+  }
+  if (!file.is_open() || file.bad()) {
     LXLogger::warning(path.string() + " cannot be read");
   }
   profile->m_configPro = configOf(bytes);
   profile->takeFields();
   return profile;
+}
+
+void ProfileValue::setName(std::optional<std::string> name) {
+  m_name = std::move(name);
+  if (m_name) {
+    m_name->resize(utf8::prefixOfBytes(*m_name, textSize - 1).size());
+  }
 }
 
 void ProfileValue::takeFields() {

@@ -25,9 +25,10 @@ class ProfileValue {
 
   std::uint64_t profileId() const { return m_profileId; }
   void setProfileId(std::uint64_t profileId) { m_profileId = profileId; }
-  // UTF-8; nothing for a field that held no valid text. In the file at most 255 bytes of it.
+  // UTF-8, cut to the 255 bytes that a file has room for; nothing for a field that held no valid
+  // text.
   const std::optional<std::string>& name() const { return m_name; }
-  void setName(std::optional<std::string> name) { m_name = std::move(name); }
+  void setName(std::optional<std::string> name);
   // The file name that the profile was loaded from; nothing for one made in memory.
   const std::optional<std::string>& pathName() const { return m_pathName; }
   void setPathName(std::optional<std::string> pathName) { m_pathName = std::move(pathName); }

@@ -72,7 +72,9 @@ ConfigBytes bytesOf(const _Nerin_CONFIG& config) {
 
 _Nerin_CONFIG configOf(std::span<const char> bytes) {
   _Nerin_CONFIG config{};
-  std::memcpy(&config, bytes.data(), std::min(bytes.size(), sizeof config));
+  if (!bytes.empty()) {
+    std::memcpy(&config, bytes.data(), std::min(bytes.size(), sizeof config));
+  }
   if constexpr (std::endian::native == std::endian::big) {
     swapNumbers(config);
   }

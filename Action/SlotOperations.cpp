@@ -11,9 +11,17 @@ ProfieController& library() {
   return ProfieController::getShareProCon();
 }
 
+// The mouse has four bits for its active slot and can name slots that it does not have.
+bool isSlot(int slot) {
+  return slot >= 0 && slot < ProfieController::slotCount;
+}
+
 }  // namespace
 
 bool NerinAction::loadSlot(int slot) {
+  if (!isSlot(slot)) {
+    return false;
+  }
   library().setCurrFWProfileIndex(slot);
   const bool hasProfile = loadSlotProfile(slot);
   loadSlotLink(slot);
@@ -22,7 +30,7 @@ bool NerinAction::loadSlot(int slot) {
 
 bool NerinAction::loadSlotProfile(int slot) {
   isHaveNewName = false;
-  if (!getFWProfileData(static_cast<std::uint8_t>(slot))) {
+  if (!isSlot(slot) || !getFWProfileData(static_cast<std::uint8_t>(slot))) {
     return false;
   }
   selProfile = currFWProfile;
@@ -55,6 +63,9 @@ void NerinAction::saveLinkApp() {
 }
 
 void NerinAction::writeSlot(int slot) {
+  if (!isSlot(slot)) {
+    return;
+  }
   currFWProfile = selProfile;
   setFWProfileData(static_cast<std::uint8_t>(slot));
 }

@@ -8,7 +8,8 @@ namespace NerinAction {
 
 // Makes the slot (0..9) the current one and reads it: its image into selProfile, its linked program
 // into the library's scratch values. A linked profile becomes the selected one and takes over what
-// the mouse holds. False for a slot without a name; then the edited profile stays as it was.
+// the mouse holds. False for a slot without a name, and for one that it does not have; then the
+// edited profile stays as it was.
 bool loadSlot(int slot);
 // The part of it that reads the mouse.
 bool loadSlotProfile(int slot);

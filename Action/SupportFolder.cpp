@@ -1,5 +1,6 @@
 #include "Action/SupportFolder.h"
 
+#include "Kit/Core/DurableFile.h"
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXLogger.h"
 #include "Kit/Core/LXPlatform.h"
@@ -10,6 +11,7 @@ const std::string& NerinAction::getSysPath() {
     sysPath = (platform.homeFolder / "Library" / "Application Support" / platform.bundleIdentifier)
                   .string();
     LXAction::creatDirectoryPro(sysPath);
+    durable::sweepTemporaries(sysPath);
     LXLogger::debug("sysPath=" + sysPath);
   }
   return sysPath;

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-// The folder that holds the library, the catalogues and nothing of the user's own.
+// The folder that holds the library and the catalogues; empty until getSysPath.
 inline std::string sysPath;
 
 namespace NerinAction {

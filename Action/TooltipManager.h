@@ -6,19 +6,7 @@
 #include <string>
 #include <vector>
 
-// One text of one language.
-struct TooltipData {
-  std::optional<std::string> name;    // the text's key
-  std::optional<std::string> text;    // without its closing period
-  std::int32_t viewId = 0;            // the view that it belongs to
-  std::optional<std::string> btnTag;  // the control's tag within that view
-};
-
-// One language.
-struct LanData {
-  std::optional<std::string> name;  // as "Tooltip.xml" calls it: "US", "German"
-  std::vector<TooltipData> tooltips;
-};
+#include "Action/LanData.h"
 
 // The texts of "Tooltip.xml" in the user's language, and in the file's first one where a text is
 // missing there.

@@ -113,7 +113,7 @@ void writeFiles(const fs::path& folder, const std::vector<durable::FolderEntry>&
         std::error_code ignored;
         fs::remove(path, ignored);
       }
-      require(failure, "the backup could not be written to " + folder.string());
+      require(failure, "the backup could not be written to " + printable(folder.string()));
     }
   }
 }
@@ -121,13 +121,14 @@ void writeFiles(const fs::path& folder, const std::vector<durable::FolderEntry>&
 void requireEmptyFolder(const fs::path& folder) {
   std::error_code error;
   if (fs::exists(folder, error) && !fs::is_directory(folder, error)) {
-    throw CommandError(ExitCode::Failed, "not a folder: " + folder.string());
+    throw CommandError(ExitCode::Failed, "not a folder: " + printable(folder.string()));
   }
   if (!LXAction::creatDirectoryPro(folder)) {
-    throw CommandError(ExitCode::Failed, "the folder cannot be made: " + folder.string());
+    throw CommandError(ExitCode::Failed,
+                       "the folder cannot be made: " + printable(folder.string()));
   }
   if (!fs::is_empty(folder, error) || error) {
-    throw CommandError(ExitCode::Failed, "the folder is not empty: " + folder.string());
+    throw CommandError(ExitCode::Failed, "the folder is not empty: " + printable(folder.string()));
   }
 }
 
@@ -160,7 +161,7 @@ std::shared_ptr<MacroInfo> loadMacro(const fs::path& file) {
   }
   auto macro = LXAction::CopyObject<MacroInfo>(file);
   if (!macro) {
-    throw CommandError(ExitCode::Failed, "no macro file: " + file.string());
+    throw CommandError(ExitCode::Failed, "no macro file: " + printable(file.string()));
   }
   return macro;
 }
@@ -172,11 +173,7 @@ std::unique_ptr<SlotBackup> loadSlotBackup(const fs::path& folder, int slot) {
   if (!fs::exists(file, error)) {
     return nullptr;
   }
-  requireReadableFile(file.string());
-  const auto profile = ProfileValue::initWithPath(file);
-  if (!profile || fs::file_size(file, error) < sizeof(_Nerin_CONFIG) || error) {
-    throw CommandError(ExitCode::Failed, "no profile file: " + file.string());
-  }
+  const auto profile = profileInFile(file.string());
   auto backup = std::make_unique<SlotBackup>();
   backup->profile = *profile;
   for (int index = 0; index < static_cast<int>(buttonCount); ++index) {
@@ -211,6 +208,16 @@ void writeSlotBackup(int slot, const SlotBackup& backup) {
   NerinAction::refreshDeviceData();
 }
 
+std::vector<std::string> missingMacros(int slot, const SlotBackup& backup) {
+  std::vector<std::string> notes;
+  for (int index = 0; index < static_cast<int>(buttonCount); ++index) {
+    if (playsMacro(backup.profile.profileData().btnInfo[index]) && !backup.macros.contains(index)) {
+      notes.push_back(place(slot, index) + ": disabled, since the backup has no macro for it");
+    }
+  }
+  return notes;
+}
+
 void restore(Session& session, const std::string& folder) {
   session.openLibrary();
   std::error_code error;
@@ -231,14 +238,19 @@ void restore(Session& session, const std::string& folder) {
   }
   session.openMouse();
   session.showProgress(macros);
+  std::vector<std::string> notes;
   for (const auto& [slot, slotBackup] : slots) {
     writeSlotBackup(slot, *slotBackup);
+    const auto missing = missingMacros(slot, *slotBackup);
+    notes.insert(notes.end(), missing.begin(), missing.end());
   }
   session.checkTransfers();
   NerinAction::sendMessageToDaemon(NerinAction::MessageProfileApplied);
-  session.output.print({std::to_string(slots.size()) + " slots and " + std::to_string(macros) +
-                        " macros are on the mouse again"},
-                       {{"folder", folder}, {"slots", slots.size()}, {"macros", macros}});
+  std::vector<std::string> lines{std::to_string(slots.size()) + " slots and " +
+                                 std::to_string(macros) + " macros are on the mouse again"};
+  lines.insert(lines.end(), notes.begin(), notes.end());
+  session.output.print(
+      lines, {{"folder", folder}, {"slots", slots.size()}, {"macros", macros}, {"notes", notes}});
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 
 #include <unistd.h>
 
-#include "Action/ProfileImage.h"
+#include "Action/NerinAction.h"
 #include "CommandLine/CommandError.h"
 #include "Kit/Core/Utf8.h"
 
@@ -42,11 +42,15 @@ int slotOf(int number) {
 }
 
 ProfieController::Profile profileNamed(const ProfieController& library, const std::string& name) {
-  auto profile = library.getProfileByName(name);
-  if (!profile) {
+  // Files can bring profiles whose name is no text.
+  const auto& profiles = library.profileArr();
+  const auto found = std::find_if(profiles.begin(), profiles.end(), [&](const auto& profile) {
+    return profile->name().value_or("") == name;
+  });
+  if (found == profiles.end()) {
     throw CommandError(ExitCode::NotFound, "no such profile: " + printable(name));
   }
-  return profile;
+  return *found;
 }
 
 void require(const std::error_code& error, const std::string& what) {
@@ -84,6 +88,25 @@ void requireReadableFile(const std::string& path) {
   if (::access(path.c_str(), R_OK) != 0) {
     throw CommandError(ExitCode::Failed, "the file cannot be read: " + printable(path));
   }
+}
+
+ProfieController::Profile profileInFile(const std::string& path) {
+  requireReadableFile(path);
+  std::error_code error;
+  auto profile = ProfileValue::initWithPath(path);
+  if (!profile || std::filesystem::file_size(path, error) < sizeof(_Nerin_CONFIG) || error) {
+    throw CommandError(ExitCode::Failed, "no profile file: " + printable(path));
+  }
+  return profile;
+}
+
+int activeSlotOf(Session& session) {
+  const int slot = NerinAction::getProfileIndexByDevice();
+  session.checkTransfers();
+  if (slot >= ProfieController::slotCount) {
+    throw CommandError(ExitCode::Failed, "the mouse is on a slot that it does not have");
+  }
+  return slot;
 }
 
 void addWithWord(CLI::App& group, Command& chosen, const std::string& name,

@@ -34,7 +34,8 @@ void addWithWords(CLI::App& group, Command& chosen, const std::string& name,
 
 // The slot 0..9 for a number as on the tabs, 1..10. Throws CommandError.
 int slotOf(int number);
-// The library's profile of that name. Throws CommandError when there is none.
+// The library's profile of that name, for an empty name the first one without any. Throws
+// CommandError when there is none.
 ProfieController::Profile profileNamed(const ProfieController& library, const std::string& name);
 // Throws CommandError when the error is one.
 void require(const std::error_code& error, const std::string& what);
@@ -44,3 +45,7 @@ void requireProfileName(const ProfieController& library, const std::string& name
                         const ProfieController::Profile& profile);
 // Throws CommandError unless the file can be read.
 void requireReadableFile(const std::string& path);
+// The profile in a file. Throws CommandError when there is no file, or none as long as a profile.
+ProfieController::Profile profileInFile(const std::string& path);
+// The mouse's active slot, 0..9. Throws CommandError when the mouse names another.
+int activeSlotOf(Session& session);

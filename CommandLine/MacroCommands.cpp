@@ -41,7 +41,7 @@ Json summary(const MacroInfo& macro) {
 }
 
 void list(Session& session) {
-  session.openLibrary();
+  session.openLibraryWithMacros();
   std::vector<std::vector<std::string>> rows;
   Json document = Json::array();
   for (const auto& macro : NerinAction::macroListArrs) {
@@ -53,13 +53,13 @@ void list(Session& session) {
 }
 
 void show(Session& session, const std::string& name) {
-  session.openLibrary();
+  session.openLibraryWithMacros();
   const auto macro = macroNamed(name);
   session.output.print(describe(*macro), asJson(*macro));
 }
 
 void import(Session& session, const std::string& file) {
-  session.openLibrary();
+  session.openLibraryWithMacros();
   requireReadableFile(file);
   const auto macro = LXAction::CopyObject<MacroInfo>(std::filesystem::path(file));
   if (!macro) {
@@ -80,7 +80,7 @@ void import(Session& session, const std::string& file) {
 }
 
 void exportTo(Session& session, const std::string& name, const std::string& file) {
-  session.openLibrary();
+  session.openLibraryWithMacros();
   const auto macro = macroNamed(name);
   if (!LXAction::SaveObject(*macro, file)) {
     throw CommandError(ExitCode::Failed, "the macro could not be written to " + printable(file));
@@ -89,7 +89,7 @@ void exportTo(Session& session, const std::string& name, const std::string& file
 }
 
 void rename(Session& session, const std::string& oldName, const std::string& newName) {
-  session.openLibrary();
+  session.openLibraryWithMacros();
   const auto macro = macroNamed(oldName);
   requireMacroName(newName);
   macro->setNameStr(newName);
@@ -98,7 +98,7 @@ void rename(Session& session, const std::string& oldName, const std::string& new
 }
 
 void remove(Session& session, const std::string& name) {
-  session.openLibrary();
+  session.openLibraryWithMacros();
   const auto macro = macroNamed(name);
   std::erase(NerinAction::macroListArrs, macro);
   save();

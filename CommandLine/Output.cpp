@@ -31,7 +31,8 @@ std::string line(const std::vector<std::string>& row, const std::vector<std::siz
 
 void Output::print(const std::vector<std::string>& lines, const Json& document) const {
   if (m_isJson) {
-    std::cout << document.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    // Nothing but ASCII, since control characters have forms beyond it.
+    std::cout << document.dump(2, ' ', true, Json::error_handler_t::replace) << '\n';
   } else {
     for (const std::string& text : lines) {
       std::cout << text << '\n';

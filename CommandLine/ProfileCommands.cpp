@@ -75,11 +75,7 @@ void remove(Session& session, const std::string& name) {
 
 void import(Session& session, const std::string& file) {
   ProfieController& library = session.openLibrary();
-  requireReadableFile(file);
-  std::error_code error;
-  if (std::filesystem::file_size(file, error) < sizeof(_Nerin_CONFIG) || error) {
-    throw CommandError(ExitCode::Failed, "no profile file: " + printable(file));
-  }
+  profileInFile(file);
   if (library.addByPath(file, true) != ProfieController::Added) {
     throw CommandError(ExitCode::Failed, "Profile data destruction");
   }
@@ -99,8 +95,7 @@ void show(Session& session, const std::string& nameOrFile) {
   auto profile = library.getProfileByName(nameOrFile);
   std::error_code error;
   if (!profile && std::filesystem::exists(nameOrFile, error)) {
-    requireReadableFile(nameOrFile);
-    profile = ProfileValue::initWithPath(nameOrFile);
+    profile = profileInFile(nameOrFile);
   }
   if (!profile) {
     throw CommandError(ExitCode::NotFound, "no such profile or file: " + printable(nameOrFile));

@@ -9,6 +9,7 @@
 
 #include <unistd.h>
 
+#include "Action/CatalogueFile.h"
 #include "Action/NerinAction.h"
 #include "Action/TooltipManager.h"
 #include "CommandLine/CommandError.h"
@@ -69,19 +70,16 @@ void Session::begin(const SessionOptions& options) {
   if (options.scenario && !m_isVirtual) {
     throw CommandError(ExitCode::Usage, "--scenario needs --virtual");
   }
-  if (options.traceFile) {
-    m_trace.open(*options.traceFile, std::ios::trunc);
-    if (!m_trace) {
-      throw CommandError(ExitCode::Failed,
-                         "the trace cannot be written: " + printable(*options.traceFile));
-    }
-  }
   std::shared_ptr<LXDeviceRequester> requester;
   if (m_isVirtual) {
     requester = virtualMouse(options);
   } else {
     m_usbMouse = std::make_shared<HidDeviceRequester>();
     requester = m_usbMouse;
+  }
+  // The memory of the virtual mouse is there by now, so that the trace cannot take its place.
+  if (options.traceFile) {
+    openTrace(options);
   }
   LXPlatform platform;
   platform.homeFolder = hostenvironment::homeFolder();
@@ -94,6 +92,25 @@ void Session::begin(const SessionOptions& options) {
     std::this_thread::sleep_for(time);
   };
   LXPlatform::install(std::move(platform));
+}
+
+void Session::openTrace(const SessionOptions& options) {
+  m_traceFile = *options.traceFile;
+  std::error_code error;
+  if (m_isVirtual && std::filesystem::equivalent(m_traceFile, *options.virtualFile, error)) {
+    throw CommandError(ExitCode::Usage, "the trace would overwrite the virtual mouse");
+  }
+  m_trace.open(m_traceFile, std::ios::trunc);
+  if (!m_trace) {
+    throw CommandError(ExitCode::Failed, "the trace cannot be written: " + printable(m_traceFile));
+  }
+}
+
+void Session::end() {
+  if (m_trace.is_open() && !m_trace.flush()) {
+    throw CommandError(ExitCode::Failed,
+                       "done, but the trace could not be written to " + printable(m_traceFile));
+  }
 }
 
 std::shared_ptr<LXDeviceRequester> Session::observed(std::shared_ptr<LXDeviceRequester> requester) {
@@ -109,15 +126,40 @@ ProfieController& Session::openLibrary() {
   const std::filesystem::path support = NerinAction::getSysPath();
   std::error_code error;
   if (!std::filesystem::is_directory(support, error)) {
-    throw CommandError(ExitCode::Failed, "the folder cannot be made: " + support.string());
+    throw CommandError(ExitCode::Failed,
+                       "the folder cannot be made: " + printable(support.string()));
   }
-  m_libraryLock = FolderLock::acquire(support, lockLimit);
+  m_libraryLock = FileLock::acquire(support / ".lock", lockLimit);
   if (!m_libraryLock) {
     throw CommandError(ExitCode::Failed, "the library is in use by another program");
   }
   NerinAction::initMenuList();
   NerinAction::refreshMenuList();
-  return ProfieController::getShareProCon();
+  ProfieController& library = ProfieController::getShareProCon();
+  // What is not seen would be lost when the library is saved.
+  const std::filesystem::directory_iterator files(library.sysProPath(), error);
+  if (error) {
+    throw CommandError(ExitCode::Failed, "the library " + printable(library.sysProPath().string()) +
+                                             " cannot be read: " + error.message());
+  }
+  return library;
+}
+
+ProfieController& Session::openLibraryWithMacros() {
+  ProfieController& library = openLibrary();
+  CatalogueFile catalogue;
+  if (!catalogue.load() || !catalogue.section("MacroList")) {
+    const std::filesystem::path file =
+        std::filesystem::path(NerinAction::getSysPath()) / "MenuInfo.xml";
+    std::error_code error;
+    throw CommandError(ExitCode::Failed,
+                       std::filesystem::exists(file, error)
+                           ? "the macros cannot be read from " + printable(file.string()) +
+                                 " (moved away, it is made anew without them)"
+                           : "there are no macros, since this file could not be made: " +
+                                 printable(file.string()));
+  }
+  return library;
 }
 
 void Session::openMouse() {
@@ -136,8 +178,8 @@ void Session::checkTransfers() {
   if (!NerinAction::checkListenDev()) {
     throw CommandError(ExitCode::NoMouse, "the mouse went away before everything was done");
   }
-  throw CommandError(ExitCode::Failed, "the mouse did not answer as it should (" +
-                                           std::to_string(m_failedTransfers) + " transfers)");
+  throw CommandError(ExitCode::Failed, "the mouse did not answer as it should (failed transfers: " +
+                                           std::to_string(m_failedTransfers) + ")");
 }
 
 void Session::showProgress(std::size_t macros) {

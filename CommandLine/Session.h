@@ -8,7 +8,7 @@
 
 #include "Action/ProfieController.h"
 #include "CommandLine/Output.h"
-#include "Kit/Core/FolderLock.h"
+#include "Kit/Core/FileLock.h"
 #include "Kit/Core/LXDeviceRequester.h"
 #include "Kit/Device/HidDeviceRequester.h"
 
@@ -34,27 +34,34 @@ class Session {
   void begin(const SessionOptions& options);
 
   // Loads the catalogues and the library, and keeps other programs out of them until the end.
-  // Throws CommandError when another one holds them.
+  // Throws CommandError when another one holds them, or when the library cannot be read.
   ProfieController& openLibrary();
+  // The same for what would go wrong without the macros: throws CommandError when their file is
+  // damaged.
+  ProfieController& openLibraryWithMacros();
   // Waits for nothing: throws CommandError with what was looked for when the mouse is not there.
   void openMouse();
   // Throws CommandError when a transfer of this run failed or came back short.
   void checkTransfers();
+  // To be called when the command is done. Throws CommandError when the trace is not whole.
+  void end();
   // Says on a terminal what long report is being written; `macros` of them are macros.
   void showProgress(std::size_t macros);
 
   bool isVirtual() const { return m_isVirtual; }
 
  private:
+  void openTrace(const SessionOptions& options);
   std::shared_ptr<LXDeviceRequester> observed(std::shared_ptr<LXDeviceRequester> requester);
   void willSend(const LXDeviceRequest& request);
   void didSend(const LXDeviceRequest& request, bool isDone);
   void traceSleep(std::int64_t milliseconds);
 
-  std::unique_ptr<FolderLock> m_libraryLock;
+  std::unique_ptr<FileLock> m_libraryLock;
   bool m_isVirtual = false;
   std::shared_ptr<HidDeviceRequester> m_usbMouse;
   std::ofstream m_trace;
+  std::string m_traceFile;
   std::size_t m_failedTransfers = 0;
   bool m_isShowingProgress = false;
   std::size_t m_macros = 0;

@@ -12,9 +12,9 @@
 
 namespace {
 
-constexpr int dpiUnit = 50;
-constexpr int lowestDpi = 100;
-constexpr int highestDpi = 8200;
+constexpr std::uint32_t dpiUnit = 50;
+constexpr std::uint32_t lowestDpi = 100;
+constexpr std::uint32_t highestDpi = 8200;
 constexpr int highestLift = 31;
 constexpr int hexadecimal = 16;
 
@@ -34,15 +34,15 @@ Assignment split(std::string_view text, char separator) {
                                       : Assignment{text.substr(0, at), text.substr(at + 1)};
 }
 
-std::uint32_t number(std::string_view text, int lowest, int highest, const std::string& what,
-                     int base = 10) {
-  int value = 0;
+std::uint32_t number(std::string_view text, std::uint32_t lowest, std::uint32_t highest,
+                     const std::string& what, int base = 10) {
+  std::uint32_t value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
   if (error != std::errc() || end != text.data() + text.size() || value < lowest ||
       value > highest) {
     refuse(what + ": " + printable(text));
   }
-  return static_cast<std::uint32_t>(value);
+  return value;
 }
 
 std::uint32_t dpiUnits(std::string_view text) {
@@ -68,10 +68,7 @@ _LightColorInfo colourOf(std::string_view text) {
 // it was asked to. Macros are left alone.
 void takeActiveProfile(Session& session) {
   session.openMouse();
-  const std::uint8_t slot = NerinAction::getProfileIndexByDevice();
-  if (slot >= ProfieController::slotCount) {
-    throw CommandError(ExitCode::Failed, "the mouse is on a slot that it does not have");
-  }
+  const auto slot = static_cast<std::uint8_t>(activeSlotOf(session));
   currSetProfile = {};
   NerinAction::decodeProfileImage(NerinAction::readProfileImage(slot), currSetProfile, [](int) {});
   session.checkTransfers();
@@ -102,7 +99,7 @@ struct DpiOptions {
 
 void setLevel(const std::string& value) {
   const auto [level, dpi] = split(value, '=');
-  const std::size_t index = number(level, 1, static_cast<int>(levelCount), "no DPI level") - 1;
+  const std::size_t index = number(level, 1, levelCount, "no DPI level") - 1;
   const auto [x, y] = split(dpi, 'x');
   currSetProfile.xSensArr[index] = dpiUnits(x);
   currSetProfile.ySensArr[index] = dpiUnits(y.empty() ? x : y);
@@ -126,6 +123,9 @@ void requireValuesOfLevels() {
 }
 
 void dpi(Session& session, const DpiOptions& options) {
+  if (!options.levels && !options.active && options.values.empty()) {
+    refuse("which levels? Give --levels N, --active N or --set LEVEL=DPI");
+  }
   requireLevel(options.levels);
   requireLevel(options.active);
   takeActiveProfile(session);
@@ -174,8 +174,7 @@ void leds(Session& session, const LedOptions& options) {
   }
   for (const std::string& zone : options.zones) {
     const auto [index, colour] = split(zone, '=');
-    currSetProfile.lightColorArr[number(index, 1, static_cast<int>(zoneCount), "no LED zone") - 1] =
-        colourOf(colour);
+    currSetProfile.lightColorArr[number(index, 1, zoneCount, "no LED zone") - 1] = colourOf(colour);
   }
   NerinAction::setColorToDevice2();
   report(session, "colours set", {{"zones", asJson(currSetProfile, RecordSource::Mouse)["zones"]}});

@@ -6,6 +6,7 @@
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
 #include "CommandLine/Descriptions.h"
+#include "Kit/Core/Utf8.h"
 
 namespace {
 
@@ -24,7 +25,7 @@ bool isInLibrary(const ProfieController& library, const std::optional<std::strin
 void status(Session& session) {
   ProfieController& library = session.openLibrary();
   session.openMouse();
-  const int slot = NerinAction::getProfileIndexByDevice();
+  const int slot = activeSlotOf(session);
   const auto name = NerinAction::getFWProfileName(static_cast<std::uint8_t>(slot));
   session.checkTransfers();
   session.output.print(
@@ -69,17 +70,42 @@ void switchSlot(Session& session, int slot) {
                        {{"activeSlot", slot + 1}});
 }
 
+bool hasMacro(const _BTN_INFO& button) {
+  return NerinAction::getMacroById(static_cast<std::int32_t>(button.MacroID)) != nullptr;
+}
+
 std::size_t macroButtonsOf(const _Nerin_PROFILE& profile) {
   return static_cast<std::size_t>(std::count_if(
       std::begin(profile.btnInfo), std::end(profile.btnInfo), [](const _BTN_INFO& button) {
-        return button.FuncTableId == NerinAction::FunctionMacro &&
-               NerinAction::getMacroById(static_cast<std::int32_t>(button.MacroID));
+        return button.FuncTableId == NerinAction::FunctionMacro && hasMacro(button);
       }));
 }
 
+// What of the profile the mouse does not take.
+std::vector<std::string> lossesOf(const std::string& name, const _Nerin_PROFILE& profile) {
+  std::vector<std::string> losses;
+  if (!utf8::isAscii(name)) {
+    losses.push_back("the slot keeps its old name, since the mouse knows only ASCII");
+  } else if (name.size() > NerinAction::maximumNameLength) {
+    losses.push_back("the mouse keeps only " + std::to_string(NerinAction::maximumNameLength) +
+                     " characters of the name");
+  }
+  for (std::size_t index = 0; index < buttonCount; ++index) {
+    const _BTN_INFO& button = profile.btnInfo[index];
+    if (button.FuncTableId == NerinAction::FunctionMacro && !hasMacro(button)) {
+      losses.push_back("button " + std::to_string(index + 1) +
+                       " is disabled, since there is no such macro");
+    }
+  }
+  return losses;
+}
+
 void apply(Session& session, const std::string& name, int slot) {
-  ProfieController& library = session.openLibrary();
+  ProfieController& library = session.openLibraryWithMacros();
   const auto profile = profileNamed(library, name);
+  if (name.empty()) {
+    throw CommandError(ExitCode::Failed, "a profile needs a name before a slot can have it");
+  }
   session.openMouse();
   library.setCurrFWProfileIndex(slot);
   NerinAction::loadSlotLink(slot);
@@ -88,8 +114,10 @@ void apply(Session& session, const std::string& name, int slot) {
   const auto error = NerinAction::applySlot();
   session.checkTransfers();
   require(error, "the mouse has the profile, but the library could not be saved");
-  session.output.print({printable(name) + " is in slot " + std::to_string(slot + 1)},
-                       {{"profile", name}, {"slot", slot + 1}});
+  const auto losses = lossesOf(name, selProfile);
+  std::vector<std::string> lines{printable(name) + " is in slot " + std::to_string(slot + 1)};
+  lines.insert(lines.end(), losses.begin(), losses.end());
+  session.output.print(lines, {{"profile", name}, {"slot", slot + 1}, {"notes", losses}});
 }
 
 void saveReadProfile(const std::string& file, const std::string& name) {

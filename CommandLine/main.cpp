@@ -1,8 +1,12 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <sstream>
+#include <string>
 
 #include <CLI/CLI.hpp>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
@@ -14,6 +18,36 @@ namespace {
 constexpr const char* exitCodes =
     "Exit codes: 0 done, 1 failed, 2 usage, 3 no mouse, 4 no such profile, macro or slot.\n"
     "Slots are 1 to 10, as on the tabs.";
+
+// A file that is opened while a standard stream is closed would take its place, and get what is
+// written to it.
+void occupyStandardStreams() {
+  int descriptor = 0;
+  do {
+    descriptor = ::open("/dev/null", O_RDONLY);
+  } while (descriptor >= STDIN_FILENO && descriptor <= STDERR_FILENO);
+  if (descriptor > STDERR_FILENO) {
+    ::close(descriptor);
+  }
+}
+
+// The word that stands where a command was expected; empty when there is none.
+std::string unknownCommand(const CLI::App& program) {
+  const CLI::App* group = &program;
+  while (!group->get_subcommands().empty()) {
+    group = group->get_subcommands().front();
+  }
+  const auto words = program.remaining(true);
+  return group->get_require_subcommand_min() > 0 && !words.empty() ? words.front() : std::string();
+}
+
+// The lines of a message are the program's own; what came from elsewhere has none.
+void complain(const std::string& message) {
+  std::istringstream lines("nerinctl: " + message);
+  for (std::string line; std::getline(lines, line);) {
+    std::cerr << printable(line) << '\n';
+  }
+}
 
 int run(int argc, char** argv) {
   CLI::App program(
@@ -47,6 +81,10 @@ int run(int argc, char** argv) {
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
+    if (const std::string word = unknownCommand(program); !word.empty()) {
+      throw CommandError(ExitCode::Usage,
+                         "no such command: " + printable(word) + " (see nerinctl --help)");
+    }
     const int code = program.exit(error);
     return static_cast<int>(code == 0 ? ExitCode::Done : ExitCode::Usage);
   }
@@ -55,20 +93,22 @@ int run(int argc, char** argv) {
   session.output.setJson(isJson);
   session.begin(options);
   chosen(session);
+  session.end();
   return static_cast<int>(ExitCode::Done);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  occupyStandardStreams();
   ExitCode code = ExitCode::Failed;
   try {
     return run(argc, argv);
   } catch (const CommandError& error) {
-    std::cerr << "nerinctl: " << error.what() << '\n';
+    complain(error.what());
     code = error.code();
   } catch (const std::exception& error) {
-    std::cerr << "nerinctl: " << error.what() << '\n';
+    complain(error.what());
   }
   return static_cast<int>(code);
 }

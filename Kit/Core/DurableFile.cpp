@@ -2,13 +2,16 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
+#include <random>
 #include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "Kit/Core/FileLock.h"
 #include "Kit/Core/LXLogger.h"
 
 namespace fs = std::filesystem;
@@ -72,8 +75,19 @@ std::error_code syncFile(const fs::path& path) {
   return sync(path, O_RDONLY);
 }
 
+// Some file systems cannot sync a folder and need not.
 std::error_code syncFolder(const fs::path& folder) {
-  return sync(folder, O_RDONLY | O_DIRECTORY);
+  const std::error_code error = sync(folder, O_RDONLY | O_DIRECTORY);
+  const bool cannot = error == std::errc::invalid_argument || error == std::errc::not_supported ||
+                      error == std::errc::bad_file_descriptor;
+  return cannot ? std::error_code() : error;
+}
+
+// After the new version is in place, a failing sync takes nothing back.
+void syncAfterwards(const fs::path& folder) {
+  if (const auto error = syncFolder(folder)) {
+    LXLogger::warning(folder.string() + " was not synced: " + error.message());
+  }
 }
 
 fs::path parentOf(const fs::path& path) {
@@ -95,17 +109,25 @@ std::error_code writeAll(int descriptor, std::string_view bytes) {
 }
 
 // Writes a new file that nobody reads yet. It is not synced.
-std::error_code writeNew(const fs::path& path, std::string_view bytes, mode_t mode) {
+std::error_code writeNew(const fs::path& path, std::string_view bytes) {
   Descriptor descriptor;
-  if (const auto error = descriptor.open("create", path, O_WRONLY | O_CREAT | O_EXCL, mode)) {
+  if (const auto error = descriptor.open("create", path, O_WRONLY | O_CREAT | O_EXCL, 0666)) {
     return error;
   }
   return writeAll(descriptor.number(), bytes);
 }
 
-mode_t modeFor(const fs::path& path) {
+// The permissions of what is replaced; nothing when there is nothing yet.
+std::optional<mode_t> modeOf(const fs::path& path) {
   struct stat status {};
-  return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 0777U : 0666U;
+  return ::stat(path.c_str(), &status) == 0 ? std::optional(status.st_mode & 07777U) : std::nullopt;
+}
+
+// The mode of open and mkdir goes through the user's mask, that of an old file does not.
+void keepMode(const fs::path& fresh, const fs::path& old) {
+  if (const auto mode = modeOf(old)) {
+    static_cast<void>(::chmod(fresh.c_str(), *mode));
+  }
 }
 
 void removeQuietly(const fs::path& path) {
@@ -129,6 +151,23 @@ std::optional<fs::path> withoutLinks(fs::path path) {
 fs::path sibling(const fs::path& path, const char* suffix) {
   return parentOf(path) / ("." + path.filename().string() + suffix);
 }
+
+constexpr std::string_view temporaryPrefix = ".nerin-";
+constexpr std::string_view temporarySuffix = ".new";
+
+// Not made from the name of the file, so that a name of 255 bytes has room too; and nobody else's.
+std::string temporaryName() {
+  std::random_device random;
+  return std::string(temporaryPrefix) + std::to_string(::getpid()) + "-" +
+         std::to_string(random()) + std::string(temporarySuffix);
+}
+
+fs::path lockOf(const fs::path& folder) {
+  return sibling(folder, ".lock");
+}
+
+// A save of a large library on a slow disk may take this long.
+constexpr std::chrono::seconds lockLimit(10);
 
 // The new folder while it is written, and afterwards the old one while it is removed.
 fs::path newFolderOf(const fs::path& folder) {
@@ -175,12 +214,35 @@ std::error_code takePlace(const fs::path& fresh, const fs::path& folder) {
   return takePlaceInTwoSteps(fresh, folder);
 }
 
+// Brings back what an interrupted replacement left beside the folder, and removes the rest. Nothing
+// is removed unless the folder is certainly there.
+std::error_code finishInterrupted(const fs::path& folder) {
+  std::error_code error;
+  const fs::path fresh = newFolderOf(folder);
+  const fs::path old = oldFolderOf(folder);
+  const auto status = fs::status(folder, error);
+  if (status.type() == fs::file_type::not_found && fs::exists(old, error)) {
+    // Interrupted between the two renames: the new folder was complete by then.
+    LXLogger::warning("recovering the interrupted replacement of " + folder.string());
+    if (const auto failed =
+            renameFolder("recover", fs::exists(fresh, error) ? fresh : old, folder)) {
+      LXLogger::error(folder.string() + " was not recovered: " + failed.message());
+      return failed;
+    }
+  } else if (status.type() != fs::file_type::not_found && !fs::is_directory(status)) {
+    return error ? error : std::make_error_code(std::errc::not_a_directory);
+  }
+  removeQuietly(fresh);
+  removeQuietly(old);
+  return {};
+}
+
 std::error_code writeFolder(const fs::path& folder, std::span<const durable::FolderEntry> entries) {
   if (const auto error = step("make folder", [&] { return ::mkdir(folder.c_str(), 0777); })) {
     return error;
   }
   for (const auto& entry : entries) {
-    if (const auto error = writeNew(folder / entry.name, entry.bytes, 0666)) {
+    if (const auto error = writeNew(folder / entry.name, entry.bytes)) {
       return error;
     }
   }
@@ -228,16 +290,21 @@ std::optional<std::string> durable::readFile(const fs::path& path, std::size_t l
 }
 
 std::error_code durable::writeFile(const fs::path& path, std::string_view bytes) {
-  const auto resolved = withoutLinks(path);
-  if (!resolved) {
-    return {ELOOP, std::generic_category()};
+  const auto leadsTo = withoutLinks(path);
+  if (!leadsTo) {
+    return std::make_error_code(std::errc::too_many_symbolic_link_levels);
   }
-  const fs::path& target = *resolved;
-  // Not made from the name of the file, so that a name of 255 bytes has room too.
-  const fs::path fresh = parentOf(target) / (".nerin-" + std::to_string(::getpid()) + ".new");
-  removeQuietly(fresh);
-  std::error_code error = writeNew(fresh, bytes, modeFor(target));
+  const fs::path& target = *leadsTo;
+  std::error_code ignored;
+  if (fs::exists(target, ignored) && !fs::is_regular_file(target, ignored)) {
+    // A device or a folder is not ours to replace.
+    return std::make_error_code(fs::is_directory(target, ignored) ? std::errc::is_a_directory
+                                                                  : std::errc::invalid_argument);
+  }
+  const fs::path fresh = parentOf(target) / temporaryName();
+  std::error_code error = writeNew(fresh, bytes);
   if (!error) {
+    keepMode(fresh, target);
     error = syncFile(fresh);
   }
   if (!error) {
@@ -247,34 +314,59 @@ std::error_code durable::writeFile(const fs::path& path, std::string_view bytes)
     removeQuietly(fresh);
     return error;
   }
-  return syncFolder(parentOf(target));
+  syncAfterwards(parentOf(target));
+  return {};
+}
+
+void durable::sweepTemporaries(const fs::path& folder) {
+  std::error_code error;
+  const auto now = fs::file_time_type::clock::now();
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    std::error_code ignored;
+    const std::string name = entry->path().filename().string();
+    const bool isOurs = name.starts_with(temporaryPrefix) && name.ends_with(temporarySuffix);
+    // A young one may still be written by another process.
+    if (isOurs && now - entry->last_write_time(ignored) > std::chrono::hours(1)) {
+      removeQuietly(entry->path());
+    }
+  }
 }
 
 std::error_code durable::replaceFolder(const fs::path& folder,
                                        std::span<const FolderEntry> entries) {
-  recoverFolder(folder);
-  const fs::path fresh = newFolderOf(folder);
+  const auto leadsTo = withoutLinks(folder);
+  if (!leadsTo) {
+    return std::make_error_code(std::errc::too_many_symbolic_link_levels);
+  }
+  const fs::path& target = *leadsTo;
+  const auto lock = FileLock::acquire(lockOf(target), lockLimit);
+  if (!lock) {
+    return std::make_error_code(std::errc::device_or_resource_busy);
+  }
+  if (const auto error = finishInterrupted(target)) {
+    return error;
+  }
+  const fs::path fresh = newFolderOf(target);
   std::error_code error = writeFolder(fresh, entries);
   if (!error) {
-    error = takePlace(fresh, folder);
+    keepMode(fresh, target);
+    error = takePlace(fresh, target);
   }
   if (!error) {
-    error = syncFolder(parentOf(folder));
+    syncAfterwards(parentOf(target));
   }
   removeQuietly(fresh);
   return error;
 }
 
 void durable::recoverFolder(const fs::path& folder) {
-  std::error_code error;
-  const fs::path fresh = newFolderOf(folder);
-  const fs::path old = oldFolderOf(folder);
-  if (!fs::exists(folder, error) && fs::exists(old, error)) {
-    // Interrupted between the two renames: the new folder was complete by then.
-    const fs::path& whole = fs::exists(fresh, error) ? fresh : old;
-    LXLogger::warning("recovering the interrupted replacement of " + folder.string());
-    std::rename(whole.c_str(), folder.c_str());
+  const auto target = withoutLinks(folder);
+  if (!target) {
+    return;
   }
-  removeQuietly(fresh);
-  removeQuietly(old);
+  // Whoever holds the lock is at work there, and will leave it whole.
+  if (const auto lock = FileLock::acquire(lockOf(*target), std::chrono::milliseconds(0))) {
+    finishInterrupted(*target);
+  }
 }

@@ -1,6 +1,6 @@
 #include "Kit/Core/KeyedArchive.h"
 
-#include <array>
+#include <cstdlib>
 #include <map>
 
 #include "Kit/Core/PropertyList.h"
@@ -97,22 +97,22 @@ std::uint64_t ObjectTable::appendObject(const LXCoding& object) {
   return index;
 }
 
+// libplist walks an array from its start for every access, so the nodes are listed once.
+std::vector<plist_t> elementsOf(plist_t array) {
+  std::vector<plist_t> elements(plist_array_get_size(array));
+  plist_array_iter cursor = nullptr;
+  plist_array_new_iter(array, &cursor);
+  for (plist_t& element : elements) {
+    plist_array_next_item(array, cursor, &element);
+  }
+  std::free(cursor);  // NOLINT(cppcoreguidelines-no-malloc)
+  return elements;
+}
+
 // The table of objects of an archive that is read.
 class ReadTable {
  public:
-  explicit ReadTable(plist_t objects) {
-    // libplist walks an array from its start for every access, so the nodes are listed once.
-    plist_array_iter cursor = nullptr;
-    plist_array_new_iter(objects, &cursor);
-    const std::uint32_t size = plist_array_get_size(objects);
-    m_nodes.reserve(size);
-    for (std::uint32_t i = 0; i < size; ++i) {
-      plist_t node = nullptr;
-      plist_array_next_item(objects, cursor, &node);
-      m_nodes.push_back(node);
-    }
-    std::free(cursor);  // NOLINT(cppcoreguidelines-no-malloc)
-  }
+  explicit ReadTable(plist_t objects) : m_nodes(elementsOf(objects)) {}
 
   // What a reference stands for; null for nil, for no reference and for one that leads nowhere.
   plist_t follow(plist_t reference) const {
@@ -203,16 +203,10 @@ class ObjectUnarchiver final : public LXKeyedUnarchiver {
       m_table.setBroken();
       return;
     }
-    plist_array_iter cursor = nullptr;
-    plist_array_new_iter(references, &cursor);
-    const std::uint32_t size = plist_array_get_size(references);
-    m_elements.reserve(size);
-    for (std::uint32_t i = 0; i < size; ++i) {
-      plist_t reference = nullptr;
-      plist_array_next_item(references, cursor, &reference);
-      m_elements.push_back(m_table.follow(reference));
+    m_elements = elementsOf(references);
+    for (plist_t& element : m_elements) {
+      element = m_table.follow(element);
     }
-    std::free(cursor);  // NOLINT(cppcoreguidelines-no-malloc)
   }
 
   ReadTable& m_table;

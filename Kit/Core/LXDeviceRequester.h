@@ -29,7 +29,7 @@ class LXDeviceRequester {
   virtual void setIsPrintMsg(bool isPrintMsg) = 0;
 
   // Begins to watch for the device with these ids and opens it at once when it is there. Calling
-  // it again with the same ids changes nothing.
+  // it again with the same ids only looks again, when the device is not open.
   virtual void listenDevWithVid(std::uint16_t vid, std::uint16_t pid) = 0;
 
   // Whether the device is there and open, as of now: a call notices arrival and removal.

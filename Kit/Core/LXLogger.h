@@ -16,7 +16,7 @@ struct LXSourcePlace {
   }
 };
 
-// The program's log. Every line carries the file and line that wrote it. Until a file is set,
+// The program's log, for one thread. Every line carries the file and line that wrote it. Until a file is set,
 // lines go nowhere, except to the observer of a test.
 class LXLogger {
  public:

@@ -24,7 +24,8 @@ class LXNotificationCenter {
                                     const std::optional<LXUserInfo>& userInfo) = 0;
 
   // Calls `observer` for every notification of that name, on whatever thread it arrives, until
-  // removeObserver of the name. One observer for each name.
+  // removeObserver of the name. One observer for each name. It
+  // hands its work over and returns: it must not wait for the thread that calls removeObserver.
   virtual void addObserver(const std::string& name, Observer observer) = 0;
   virtual void removeObserver(const std::string& name) = 0;
 };

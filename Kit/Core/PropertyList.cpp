@@ -5,12 +5,33 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include <locale.h>
+
 #include "Kit/Core/BinaryPropertyListGuard.h"
 #include "Kit/Core/XmlPropertyListGuard.h"
 
 namespace {
 
 constexpr std::string_view binaryMagic = "bplist00";
+
+// libplist reads and writes numbers as the user's language does, with a comma for some, but a file
+// is the same in every language. While this lives, the calling thread uses the plain form.
+class PlainNumbers {
+ public:
+  PlainNumbers()
+      : m_plain(::newlocale(LC_NUMERIC_MASK, "C", static_cast<locale_t>(nullptr))),
+        m_before(::uselocale(m_plain)) {}
+  ~PlainNumbers() {
+    ::uselocale(m_before);
+    ::freelocale(m_plain);
+  }
+  PlainNumbers(const PlainNumbers&) = delete;
+  PlainNumbers& operator=(const PlainNumbers&) = delete;
+
+ private:
+  locale_t m_plain;
+  locale_t m_before;
+};
 
 std::string taken(char* bytes, std::uint32_t length) {
   std::string result(bytes != nullptr ? bytes : "", bytes != nullptr ? length : 0);
@@ -29,6 +50,7 @@ propertylist::Handle propertylist::parse(std::string_view bytes) {
   if (bytes.size() > maximumSize) {
     return nullptr;
   }
+  const PlainNumbers plainNumbers;
   plist_t node = nullptr;
   if (formOf(bytes) == Form::Binary) {
     if (!isBinaryPropertyListSafe(bytes)) {
@@ -43,6 +65,7 @@ propertylist::Handle propertylist::parse(std::string_view bytes) {
 }
 
 std::string propertylist::serialise(plist_t node, Form form) {
+  const PlainNumbers plainNumbers;
   char* bytes = nullptr;
   std::uint32_t length = 0;
   if (form == Form::Binary) {

@@ -95,9 +95,7 @@ class Writer {
     }
     const std::string text = textOf(element);
     if (kind == "string" || kind == "key") {
-      // Inside libplist texts are ended by a NUL.
-      return utf8::isValid(text) && text.find('\0') == std::string::npos &&
-             put(kind, escaped(text));
+      return utf8::isValid(text) && put(kind, escaped(text));
     }
     const std::string word = withoutBlanks(text);
     if (kind == "true" || kind == "false") {

@@ -282,6 +282,9 @@ void HidDeviceRequester::listenDevWithVid(std::uint16_t vid, std::uint16_t pid) 
   State& state = *m_state;
   if (state.absence.reason != State::Absence::Reason::NotListening) {
     if (state.vid == vid && state.pid == pid) {
+      if (!state.isOn()) {
+        state.look();
+      }
       return;
     }
     state.close();

@@ -1,4 +1,4 @@
-#include "Kit/Core/FolderLock.h"
+#include "Kit/Core/FileLock.h"
 
 #include <thread>
 
@@ -6,12 +6,11 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-std::unique_ptr<FolderLock> FolderLock::acquire(const std::filesystem::path& folder,
-                                                std::chrono::milliseconds limit) {
+std::unique_ptr<FileLock> FileLock::acquire(const std::filesystem::path& file,
+                                            std::chrono::milliseconds limit) {
   using Clock = std::chrono::steady_clock;
-  const std::filesystem::path file = folder / ".lock";
-  std::unique_ptr<FolderLock> lock(
-      new FolderLock(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)));
+  std::unique_ptr<FileLock> lock(
+      new FileLock(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)));
   if (lock->m_descriptor < 0) {
     return lock;
   }
@@ -26,7 +25,7 @@ std::unique_ptr<FolderLock> FolderLock::acquire(const std::filesystem::path& fol
   return lock;
 }
 
-FolderLock::~FolderLock() {
+FileLock::~FileLock() {
   if (m_descriptor >= 0) {
     ::close(m_descriptor);
   }
