@@ -1,0 +1,22 @@
+#include "Action/DeviceLink.h"
+#include "Action/MacroCatalogue.h"
+#include "Action/ProfieController.h"
+#include "Action/ProfileImage.h"
+#include "Action/SlotOperations.h"
+#include "Fuzz/FuzzInput.h"
+
+// Any answers, short ones too, to the reads of single bytes, and the slot that they name.
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::home();
+  NerinAction::startListenDev();
+  NerinAction::macroListArrs.clear();
+  NerinAction::refreshMenuList();
+  fuzz::answerReadsWith({data, size});
+  NerinAction::resetDevPro();
+  const int slot = NerinAction::getProfileIndexByDevice();
+  fuzz::require(slot >= 0 && slot <= 15);
+  NerinAction::loadSlot(slot);
+  fuzz::require(ProfieController::getShareProCon().currFWProfileIndex() < 10);
+  NerinAction::getAdrrDataWithAddr(NerinAction::getOffsetAdrBy(255, 10));
+  return 0;
+}

@@ -1,0 +1,22 @@
+#include "Action/DeviceLink.h"
+#include "Action/EditState.h"
+#include "Action/MacroCatalogue.h"
+#include "Action/MacroImage.h"
+#include "Fuzz/FuzzInput.h"
+
+// Any answer to the read of a macro: taken into the catalogue and written to the mouse again.
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::home();
+  NerinAction::startListenDev();
+  NerinAction::macroListArrs.clear();
+  NerinAction::refreshMenuList();
+  for (const int button : {0, 15}) {
+    fuzz::answerReadsWith({data, size});
+    NerinAction::getFWMacroData(0, button);
+    NerinAction::setFWMacroData(0, button);
+  }
+  for (const auto& macro : NerinAction::macroListArrs) {
+    fuzz::require(macro->keyInfoArr().size() <= 2000);
+  }
+  return 0;
+}

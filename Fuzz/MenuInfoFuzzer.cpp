@@ -1,0 +1,24 @@
+#include "Action/FunctionCatalogue.h"
+#include "Action/MacroCatalogue.h"
+#include "Action/SupportFolder.h"
+#include "Fuzz/FuzzInput.h"
+
+// Any bytes as the function catalogue: loaded, looked up, its macros written back and read again.
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const std::string folder = (fuzz::home(), NerinAction::getSysPath());
+  fuzz::putFile(folder + "/MenuInfo.xml", fuzz::textOf(data, size));
+  NerinAction::initMenuList();
+  NerinAction::getSingleById(1);
+  NerinAction::getMacroMenuByFunid(1);
+  NerinAction::getBtnCaption({.FuncID = 1, .FuncTableId = 1, .btnType = ButtonTypeSingle}, 0);
+  NerinAction::refreshMenuList();
+  const std::size_t macros = NerinAction::macroListArrs.size();
+  for (const auto& macro : NerinAction::macroListArrs) {
+    macro->getMacroCount();
+  }
+  if (NerinAction::saveMenuList()) {
+    NerinAction::initMenuList();
+    fuzz::require(NerinAction::macroListArrs.size() == macros);
+  }
+  return 0;
+}

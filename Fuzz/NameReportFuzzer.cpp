@@ -1,0 +1,21 @@
+#include "Action/DeviceLink.h"
+#include "Action/MacroCatalogue.h"
+#include "Action/ProfieController.h"
+#include "Action/ProfileImage.h"
+#include "Action/SlotOperations.h"
+#include "Fuzz/FuzzInput.h"
+
+// Any answer to the read of a slot's name, which then goes the way of all names.
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  fuzz::home();
+  NerinAction::startListenDev();
+  NerinAction::macroListArrs.clear();
+  NerinAction::refreshMenuList();
+  fuzz::answerReadsWith({data, size});
+  const auto name = NerinAction::getFWProfileName(0);
+  fuzz::require(!name || name->size() <= NerinAction::maximumNameLength);
+  fuzz::answerReadsWith({data, size});
+  NerinAction::loadSlot(9);
+  NerinAction::setFWProfileName(9, name);
+  return 0;
+}
