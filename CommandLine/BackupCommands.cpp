@@ -69,8 +69,15 @@ void readMacro(int slot, int index, _BTN_INFO& button, SlotBackup& backup,
     notes.push_back(place(slot, index) + ": the mouse holds no macro for it");
     return;
   }
-  button.KeyBit[0] = NerinAction::getMacroRepeatTypeFromFW(stream->repeatType, stream->repeatCount);
-  button.KeyBit[1] = NerinAction::getMacroRepeatCountFromFW(stream->repeatCount);
+  // The parameters of the image stay where they say the same, so that they come back to the byte.
+  std::uint8_t type = 0;
+  std::uint8_t count = 0;
+  NerinAction::getMacroRepeatType(type, count, button);
+  if (type != stream->repeatType || count != stream->repeatCount) {
+    button.KeyBit[0] =
+        NerinAction::getMacroRepeatTypeFromFW(stream->repeatType, stream->repeatCount);
+    button.KeyBit[1] = NerinAction::getMacroRepeatCountFromFW(stream->repeatCount);
+  }
   if (!std::all_of(stream->events.begin(), stream->events.end(), isKept)) {
     notes.push_back(place(slot, index) + ": its macro has keys that a macro file cannot name");
   }

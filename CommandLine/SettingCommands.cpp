@@ -101,8 +101,9 @@ void setLevel(const std::string& value) {
   const auto [level, dpi] = split(value, '=');
   const std::size_t index = number(level, 1, levelCount, "no DPI level") - 1;
   const auto [x, y] = split(dpi, 'x');
+  const bool isOneValue = x.size() == dpi.size();
   currSetProfile.xSensArr[index] = dpiUnits(x);
-  currSetProfile.ySensArr[index] = dpiUnits(y.empty() ? x : y);
+  currSetProfile.ySensArr[index] = dpiUnits(isOneValue ? x : y);
 }
 
 void requireLevel(const std::optional<int>& level) {

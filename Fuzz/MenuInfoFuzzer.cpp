@@ -1,4 +1,5 @@
 #include "Action/FunctionCatalogue.h"
+#include "Action/KeyCodes.h"
 #include "Action/MacroCatalogue.h"
 #include "Action/SupportFolder.h"
 #include "Fuzz/FuzzInput.h"
@@ -10,7 +11,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   NerinAction::initMenuList();
   NerinAction::getSingleById(1);
   NerinAction::getMacroMenuByFunid(1);
-  NerinAction::getBtnCaption({.FuncID = 1, .FuncTableId = 1, .btnType = ButtonTypeSingle}, 0);
+  _BTN_INFO leftClick{};
+  leftClick.FuncID = 1;
+  leftClick.FuncTableId = NerinAction::FunctionMouse;
+  leftClick.btnType = ButtonTypeSingle;
+  NerinAction::getBtnCaption(leftClick, 0);
   NerinAction::refreshMenuList();
   const std::size_t macros = NerinAction::macroListArrs.size();
   for (const auto& macro : NerinAction::macroListArrs) {

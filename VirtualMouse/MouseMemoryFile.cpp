@@ -16,6 +16,22 @@
 
 namespace {
 
+// Another command may be about to finish. On failure errno tells why.
+bool lockSoon(int descriptor) {
+  constexpr int tries = 100;
+  constexpr useconds_t pause = 10'000;
+  for (int n = 0; n < tries; ++n) {
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0) {
+      return true;
+    }
+    if (errno != EWOULDBLOCK && errno != EINTR) {
+      return false;
+    }
+    ::usleep(pause);
+  }
+  return false;
+}
+
 constexpr std::array<std::uint8_t, 16> header{'N', 'E', 'R', 'I', 'N', 'M', 'E', 'M', 1};
 constexpr std::size_t versionOffset = 8;
 
@@ -144,7 +160,7 @@ void MouseMemoryFile::load(std::span<std::uint8_t> contents) const {
   if (!S_ISREG(status.st_mode)) {
     refuse(m_path, "it is no ordinary file");
   }
-  if (::flock(m_descriptor, LOCK_EX | LOCK_NB) != 0) {
+  if (!lockSoon(m_descriptor)) {
     failWith(errno,
              errno == EWOULDBLOCK ? "another program is using the memory file"
                                   : "cannot lock the memory file",

@@ -1,0 +1,69 @@
+#include <chrono>
+#include <thread>
+
+#include <benchmark/benchmark.h>
+
+#include "Action/DeviceLink.h"
+#include "Action/EditState.h"
+#include "Action/FunctionCatalogue.h"
+#include "Action/MacroCatalogue.h"
+#include "Action/SlotOperations.h"
+#include "Benchmarks/BenchmarkHome.h"
+#include "VirtualMouse/VirtualDeviceRequester.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// Each button plays a macro of its own, forty presses and releases long with a pause after each.
+void giveEveryButtonAMacro() {
+  NerinAction::initMenuList();
+  NerinAction::refreshMenuList();
+  for (_BTN_INFO& button : selProfile.btnInfo) {
+    const auto macro = NerinAction::addMacorByName(NerinAction::getNewMacroName());
+    for (int i = 0; i < 40; ++i) {
+      macro->keyInfoArr().push_back(std::make_shared<MacroKeyInfo>(i / 2, i % 2, 10));
+    }
+    NerinAction::refreshMenuList();
+    button = {.FuncID = 6, .FuncTableId = 6, .btnType = ButtonTypeMacro, .KeyBit = {1}};
+    button.MacroID = static_cast<std::uint32_t>(macro->macroId());
+  }
+}
+
+// With the real pauses between reports, in a library of 50 profiles.
+void applySlot(benchmark::State& state) {
+  std::chrono::microseconds stated{};
+  LXPlatform platform;
+  platform.deviceRequester =
+      std::make_shared<VirtualDeviceRequester>(std::make_shared<VirtualMouse>());
+  platform.sleep = [&](std::chrono::microseconds pause) {
+    stated += pause;
+    std::this_thread::sleep_for(pause);
+  };
+  const BenchmarkHome home(std::move(platform));
+  BenchmarkHome::fillLibrary(50);
+  BenchmarkHome::loadLibrary();
+  NerinAction::startListenDev();
+  NerinAction::loadSlot(0);
+  giveEveryButtonAMacro();
+  stated = {};
+  Clock::duration taken{};
+  for (auto iteration : state) {
+    static_cast<void>(iteration);
+    selProfile.poRate = (selProfile.poRate + 1) % 4;
+    const auto begin = Clock::now();
+    if (NerinAction::applySlot()) {
+      state.SkipWithError("the library was not saved");
+      break;
+    }
+    taken += Clock::now() - begin;
+  }
+  state.counters["pauses_ms"] =
+      benchmark::Counter(std::chrono::duration<double, std::milli>(stated).count(),
+                         benchmark::Counter::kAvgIterations);
+  state.counters["ratio"] = std::chrono::duration<double>(taken) / stated;
+  state.SetLabel("ratio at most 1.02");
+}
+BENCHMARK(applySlot)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(5);
+
+}  // namespace

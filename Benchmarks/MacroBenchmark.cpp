@@ -1,0 +1,42 @@
+#include <benchmark/benchmark.h>
+
+#include "Action/MacroImage.h"
+
+namespace {
+
+constexpr _BTN_INFO runsOnce{
+    .FuncID = 6, .FuncTableId = 6, .btnType = ButtonTypeMacro, .KeyBit = {1}};
+
+// Presses and releases of all keys by turns, as long as the mouse's memory of a macro allows
+// without pauses.
+MacroInfo macroOf(int events) {
+  MacroInfo macro;
+  macro.setNameStr("NewMacro_1");
+  for (int i = 0; i < events; ++i) {
+    macro.keyInfoArr().push_back(std::make_shared<MacroKeyInfo>(i / 2 % 127, i % 2, 0));
+  }
+  return macro;
+}
+
+void encodeMacro(benchmark::State& state) {
+  const MacroInfo macro = macroOf(static_cast<int>(state.range(0)));
+  for (auto iteration : state) {
+    static_cast<void>(iteration);
+    benchmark::DoNotOptimize(NerinAction::encodeMacroReport(0, runsOnce, macro));
+  }
+  state.SetLabel("1000 events at most 20 us");
+}
+BENCHMARK(encodeMacro)->Arg(40)->Arg(1000);
+
+void decodeMacro(benchmark::State& state) {
+  auto report =
+      NerinAction::encodeMacroReport(0, runsOnce, macroOf(static_cast<int>(state.range(0))));
+  report[0] = 0xB0;
+  for (auto iteration : state) {
+    static_cast<void>(iteration);
+    benchmark::DoNotOptimize(NerinAction::decodeMacroReport(report));
+  }
+}
+BENCHMARK(decodeMacro)->Arg(40)->Arg(1000);
+
+}  // namespace

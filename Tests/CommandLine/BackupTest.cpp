@@ -1,0 +1,252 @@
+#include <algorithm>
+#include <set>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "Action/MacroImage.h"
+#include "Action/ProfileImage.h"
+#include "Tests/CommandLine/TestHome.h"
+#include "Tests/KitBus/PrivateBus.h"
+
+// Keeping the whole mouse as files, and bringing it back.
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using testing::ElementsAre;
+
+// Everything that the mouse holds for its slots.
+Lines reportsOf(const fs::path& mouseFile) {
+  const VirtualMouse mouse(mouseFile);
+  Lines reports;
+  for (int slot = 0; slot < VirtualMouse::slotCount; ++slot) {
+    reports.push_back(hex(mouse.nameReport(slot)));
+    reports.push_back(hex(mouse.imageReport(slot)));
+  }
+  for (int slot = 0; slot < VirtualMouse::macroSlotCount; ++slot) {
+    reports.push_back(hex(mouse.macroReport(slot)));
+  }
+  return reports;
+}
+
+// Keys, all mouse buttons that the mouse knows, delays of every size.
+MacroInfo busyMacro(const std::string& name, int seed) {
+  MacroInfo macro;
+  macro.setNameStr(name);
+  const auto add = [&](std::int32_t code, std::int32_t flag, std::int32_t delay) {
+    macro.keyInfoArr().push_back(std::make_shared<MacroKeyInfo>(code, flag, delay));
+  };
+  for (std::int32_t button = 120; button <= 126; ++button) {
+    add(button, MacroKeyInfo::MousePress, seed);
+    add(button, MacroKeyInfo::MouseRelease, 0);
+  }
+  for (std::int32_t key = 1; key <= 9; ++key) {
+    add(key, MacroKeyInfo::KeyPress, key == 9 ? 65535 : key * 100);
+    add(key, MacroKeyInfo::KeyRelease, 0);
+  }
+  return macro;
+}
+
+// Fills a slot by the same reports that any host sends.
+void fillSlot(VirtualMouse& mouse, int slot, const std::string& name, const ProfileValue& profile,
+              const std::map<int, MacroInfo>& macros) {
+  const _Nerin_PROFILE& record = profile.profileData();
+  MouseHost::write(mouse, MouseHost::nameReport(slot, name));
+  for (const auto& [button, macro] : macros) {
+    const std::uint8_t macroSlot =
+        NerinAction::macroSlotOf(static_cast<std::uint8_t>(slot), button);
+    MouseHost::announceMacro(mouse, macroSlot);
+    MouseHost::write(mouse, MouseHost::copyOf(NerinAction::encodeMacroReport(
+                                macroSlot, record.btnInfo[button], macro)));
+  }
+  MouseHost::write(mouse, MouseHost::copyOf(NerinAction::encodeProfileImage(
+                              static_cast<std::uint8_t>(slot), record,
+                              [&](int button) { return macros.contains(button); })));
+  ASSERT_THAT(mouse.faults(), testing::IsEmpty());
+}
+
+// Ten slots that differ in everything, twelve macros, some of them without a name.
+void fillMouse(const fs::path& file) {
+  VirtualMouse mouse(file);
+  for (int slot = 0; slot < VirtualMouse::slotCount; ++slot) {
+    const auto word = static_cast<std::uint32_t>(slot);
+    ProfileValue profile = profileNamed("");
+    _Nerin_PROFILE record = profile.profileData();
+    record.poRate = word % 4;
+    record.liftHeight = word * 3;
+    record.modeType = word % 2;
+    record.dpiLevel = 1 + word % 5;
+    record.currSelectDPI = word % record.dpiLevel;
+    record.xSensArr[0] = 2 + word;
+    record.lightColorArr[2] = {word, 255 - word, 17 * word};
+    profile.setProfileData(record);
+    std::map<int, MacroInfo> macros;
+    if (slot % 2 == 1) {
+      setMacro(profile, 14, 1, 1 + word / 2 % 4, 200);
+      macros[14] = busyMacro("M" + std::to_string(slot), slot + 1);
+    }
+    if (slot % 3 == 0) {
+      setMacro(profile, word, 1, 2, 1 + 7 * word);
+      // This is how a macro is called that has no name in the mouse.
+      macros[slot] = busyMacro(NerinAction::generatedMacroName, 65535 - slot);
+    }
+    if (slot == 5) {
+      for (const std::size_t button : {8U, 9U, 10U}) {
+        setMacro(profile, button, 1, 4);
+        macros[static_cast<int>(button)] = busyMacro(std::string(21, 'x'), 1);
+      }
+    }
+    const std::string name = slot == 4 ? std::string(65, 'n') : "Slot " + std::to_string(slot + 1);
+    fillSlot(mouse, slot, name, profile, macros);
+  }
+}
+
+TEST(NerinctlBackup, BringsTenSlotsWithTheirMacrosBackByteForByte) {
+  const TestHome user;
+  fillMouse(user.mouseFile);
+  const Lines before = reportsOf(user.mouseFile);
+  EXPECT_EQ(user.json({"backup", "kept"}),
+            json({{"folder", "kept"}, {"slots", 10}, {"macros", 12}, {"notes", json::array()}}));
+
+  fs::remove(user.mouseFile);
+  user.prepare({"status"});
+  EXPECT_NE(reportsOf(user.mouseFile), before);
+  EXPECT_EQ(user.json({"restore", "kept"}),
+            json({{"folder", "kept"}, {"slots", 10}, {"macros", 12}, {"notes", json::array()}}));
+  EXPECT_EQ(reportsOf(user.mouseFile), before);
+  // The user's own library has no part in it.
+  EXPECT_TRUE(user.json({"profiles", "list"}).empty());
+  EXPECT_TRUE(user.json({"macros", "list"}).empty());
+}
+
+TEST(NerinctlBackup, WritesFilesThatTheLibraryTakes) {
+  const TestHome user;
+  fillMouse(user.mouseFile);
+  EXPECT_THAT(user.lines({"backup", "kept"}), ElementsAre("10 slots and 12 macros are in kept"));
+  std::set<std::string> names;
+  for (const auto& entry : fs::directory_iterator(user.files / "kept")) {
+    names.insert(entry.path().filename().string());
+  }
+  EXPECT_EQ(names.size(), 22U);
+  EXPECT_THAT(names, testing::IsSupersetOf({"slot-01.pro", "slot-10.pro", "slot-01-button-01.mac",
+                                            "slot-06-button-11.mac", "slot-10-button-15.mac"}));
+  EXPECT_EQ(user.json({"profiles", "import", "kept/slot-02.pro"})["name"], "Slot 2");
+  user.prepare({"macros", "import", "kept/slot-02-button-15.mac"});
+  EXPECT_EQ(user.json({"macros", "show", "slot-02-button-15"})["events"].size(), 32U);
+}
+
+TEST(NerinctlBackup, RefusesAFolderThatIsNotEmpty) {
+  const TestHome user;
+  fs::create_directories(user.files / "full");
+  writeFile(user.files / "full" / "letter", "to keep");
+  writeFile(user.files / "file", "to keep");
+  expectComplaint(user.runWithMouse({"backup", "full"}), 1, "not empty");
+  expectComplaint(user.runWithMouse({"backup", "file"}), 1, "not a folder");
+  expectComplaint(user.runWithMouse({"backup", "file/below"}), 1, "cannot be made");
+  EXPECT_EQ(readFile(user.files / "full" / "letter"), "to keep");
+  EXPECT_EQ(readFile(user.files / "file"), "to keep");
+}
+
+// A backup of one slot with one macro, quick to bring back.
+class NerinctlRestore : public testing::Test {
+ protected:
+  void SetUp() override {
+    ProfileValue profile = profileNamed("Kept");
+    setMacro(profile, 8, 1, 1);
+    fs::create_directories(folder);
+    ASSERT_FALSE(profile.saveToPath(folder / "slot-05.pro"));
+    writeFile(macroFile, keyedarchive::archive(clickMacro("Reload")));
+    user.prepare({"profiles", "add", "Office"});
+  }
+
+  void expectNothingWritten(const std::string& complaint) {
+    const auto library = user.library();
+    const std::string memory = user.mouseMemory();
+    expectComplaint(user.runWithMouse({"restore", folder.string()}), 1, complaint);
+    EXPECT_EQ(user.library(), library);
+    EXPECT_EQ(user.mouseMemory(), memory);
+  }
+
+  TestHome user;
+  fs::path folder = user.files / "kept";
+  fs::path macroFile = folder / "slot-05-button-09.mac";
+};
+
+TEST_F(NerinctlRestore, WritesTheSlotsThatTheFolderHas) {
+  const std::string before = hex(VirtualMouse(user.mouseFile).imageReport(3));
+  PrivateBus bus;
+  RunSettings settings;
+  settings.hasTerminal = true;
+  settings.environment["DBUS_SESSION_BUS_ADDRESS"] = getenv("DBUS_SESSION_BUS_ADDRESS");
+  const RunResult result = user.runWithMouse({"restore", folder.string()}, settings);
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.output, "1 slots and 1 macros are on the mouse again\n");
+  EXPECT_EQ(result.errors, "writing name\r\nwriting macro 1 of 1\r\nwriting image\r\n");
+  const auto message = bus.nextNotification();
+  ASSERT_TRUE(message);
+  EXPECT_EQ(message->body, "s:101");
+  const json slot = user.json({"read", "--slot", "5"});
+  EXPECT_EQ(slot["name"], "Kept");
+  EXPECT_EQ(slot["buttons"][8]["function"], "Macro Reload, once");
+  EXPECT_EQ(hex(VirtualMouse(user.mouseFile).imageReport(3)), before);
+}
+
+TEST_F(NerinctlRestore, SaysWhichMacroTheBackupLacks) {
+  fs::remove(macroFile);
+  EXPECT_THAT(user.lines({"restore", folder.string()}),
+              ElementsAre("1 slots and 0 macros are on the mouse again",
+                          "slot 5, button 9: disabled, since the backup has no macro for it"));
+  EXPECT_EQ(user.json({"read", "--slot", "5"})["buttons"][8]["type"], "disabled");
+}
+
+TEST_F(NerinctlRestore, ChecksEverythingBeforeItWrites) {
+  ASSERT_FALSE(profileNamed("Other").saveToPath(folder / "slot-01.pro"));
+  writeFile(macroFile, "no macro");
+  expectNothingWritten("no macro file");
+  writeFile(macroFile, "");
+  expectNothingWritten("no macro file");
+  fs::remove(macroFile);
+  fs::create_directories(macroFile);
+  expectNothingWritten("no macro file");
+  fs::remove(macroFile);
+  fs::resize_file(folder / "slot-05.pro", 5263);
+  expectNothingWritten("no profile file");
+  fs::remove(folder / "slot-05.pro");
+  fs::create_directories(folder / "slot-05.pro");
+  expectNothingWritten("a folder, not a file");
+}
+
+TEST_F(NerinctlRestore, RefusesAFolderWithoutABackup) {
+  fs::remove_all(folder);
+  expectNothingWritten("no such folder");
+  fs::create_directories(folder);
+  expectNothingWritten("no backup");
+  writeFile(folder / "slot-11.pro", readFile(fs::path(NERIN_RESOURCES) / "Profile#1.pro"));
+  expectNothingWritten("no backup");
+  fs::remove_all(folder);
+  writeFile(folder, "a file");
+  expectNothingWritten("no such folder");
+}
+
+TEST(NerinctlBackup, NotesWhatNoFileCanHold) {
+  const TestHome user;
+  fillMouse(user.mouseFile);
+  {
+    VirtualMouse mouse(user.mouseFile);
+    MouseHost::write(mouse, MouseHost::nameReport(0, "M\xC3\xBCnchen"));
+    ProfileValue profile = profileNamed("");
+    setMacro(profile, 2, 1, 1);
+    // The image names a macro that was never written.
+    auto image = MouseHost::copyOf(
+        NerinAction::encodeProfileImage(1, profile.profileData(), [](int) { return true; }));
+    MouseHost::write(mouse, image);
+  }
+  EXPECT_THAT(user.lines({"backup", "kept"}),
+              ElementsAre("10 slots and 11 macros are in kept",
+                          "slot 1: its name is not ASCII and is left out",
+                          "slot 2, button 3: the mouse holds no macro for it"));
+}
+
+}  // namespace

@@ -1,0 +1,219 @@
+#include <fstream>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "Tests/CommandLine/SmallDisk.h"
+#include "Tests/CommandLine/TestHome.h"
+
+// Disks that are full or may not be written to. Whatever is asked for, the user keeps what was
+// there, and hears about it in one line.
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* fileToImport = "import.pro";
+constexpr const char* macroToImport = "Fire.mac";
+
+// A library that every command finds something in.
+void fillLibrary(const TestHome& user) {
+  user.addMacro("Reload", clickMacro("Reload"));
+  user.addProfile(profileNamed("Office"));
+  user.addProfile(profileNamed("Game"));
+  user.prepare({"apply", "Office", "--slot", "1"});
+  ASSERT_FALSE(profileNamed("New").saveToPath(user.files / fileToImport));
+  writeFile(user.files / macroToImport, keyedarchive::archive(clickMacro("Fire")));
+}
+
+// Runs every command that writes into the home folder; `settings` make the trouble.
+void expectEveryWriteToFailAndLoseNothing(const TestHome& user, const RunSettings& settings) {
+  const auto before = user.library();
+  const std::string target = (user.home / "new").string();
+  for (const Words& command : std::vector<Words>{{"profiles", "add", "More"},
+                                                 {"profiles", "copy", "Office"},
+                                                 {"profiles", "rename", "Office", "Work"},
+                                                 {"profiles", "delete", "Office"},
+                                                 {"profiles", "import", fileToImport},
+                                                 {"profiles", "export", "Office", target},
+                                                 {"macros", "import", macroToImport},
+                                                 {"macros", "rename", "Reload", "Fire"},
+                                                 {"macros", "delete", "Reload"},
+                                                 {"macros", "export", "Reload", target},
+                                                 {"apply", "Office", "--slot", "1"},
+                                                 {"read", "--slot", "1", "--output", target},
+                                                 {"backup", target}}) {
+    SCOPED_TRACE(command[0] + " " + command[1]);
+    expectComplaint(user.runWithMouse(command, settings), 1);
+    EXPECT_EQ(user.library(), before);
+    std::error_code ignored;
+    fs::remove(target, ignored);  // the empty folder of the backup
+  }
+}
+
+void expectReadingToWork(const TestHome& user, const RunSettings& settings) {
+  for (const Words& command : std::vector<Words>{{"profiles", "list"},
+                                                 {"show", "Office"},
+                                                 {"macros", "list"},
+                                                 {"macros", "show", "Reload"},
+                                                 {"status"},
+                                                 {"read", "--slot", "1"}}) {
+    const RunResult result = user.runWithMouse(command, settings);
+    EXPECT_EQ(result.exitCode, 0) << command[0] << result.errors;
+    EXPECT_NE(result.output, "");
+    EXPECT_EQ(result.errors, "");
+  }
+}
+
+// While it exists nothing in the folder can be changed.
+class WriteProtection {
+ public:
+  explicit WriteProtection(fs::path folder) : m_folder(std::move(folder)) {
+    change(fs::perm_options::remove);
+  }
+  ~WriteProtection() { change(fs::perm_options::add); }
+  WriteProtection(const WriteProtection&) = delete;
+  WriteProtection& operator=(const WriteProtection&) = delete;
+
+ private:
+  void change(fs::perm_options how) {
+    constexpr fs::perms all =
+        fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    const fs::perms changed = how == fs::perm_options::add ? fs::perms::owner_write : all;
+    fs::permissions(m_folder, changed, how);
+    for (const auto& entry : fs::recursive_directory_iterator(m_folder)) {
+      fs::permissions(entry.path(), changed, how);
+    }
+  }
+
+  fs::path m_folder;
+};
+
+TEST(NerinctlReadOnlyHome, LosesNothing) {
+  const TestHome user;
+  fillLibrary(user);
+  RunSettings settings;
+  settings.obeysPermissions = true;
+  const WriteProtection protection(user.home);
+  expectReadingToWork(user, settings);
+  expectEveryWriteToFailAndLoseNothing(user, settings);
+}
+
+TEST(NerinctlReadOnlyHome, IsNoHomeForANewUser) {
+  const TestHome user;
+  RunSettings settings;
+  settings.obeysPermissions = true;
+  const WriteProtection protection(user.home);
+  expectComplaint(user.run({"profiles", "list"}, settings), 1, "cannot be made");
+  EXPECT_THAT(user.library(), IsEmpty());
+}
+
+TEST(NerinctlReadOnlyHome, IsNoReasonToForgetALibraryThatCannotBeRead) {
+  const TestHome user;
+  fillLibrary(user);
+  const auto before = user.library();
+  RunSettings settings;
+  settings.obeysPermissions = true;
+  fs::permissions(user.profileFolder(), fs::perms::none);
+  expectComplaint(user.run({"profiles", "list"}, settings), 1, "cannot be read");
+  expectComplaint(user.run({"profiles", "add", "More"}, settings), 1, "cannot be read");
+  fs::permissions(user.profileFolder(), fs::perms::owner_all);
+  EXPECT_EQ(user.library(), before);
+}
+
+TEST(NerinctlFileThatMayNotBeRead, IsNamed) {
+  const TestHome user;
+  fillLibrary(user);
+  RunSettings settings;
+  settings.obeysPermissions = true;
+  fs::permissions(user.files / fileToImport, fs::perms::none);
+  for (const Words& command :
+       std::vector<Words>{{"show", fileToImport}, {"profiles", "import", fileToImport}}) {
+    expectComplaint(user.run(command, settings), 1, "cannot be read: import.pro");
+  }
+}
+
+// Where no byte can be written any more, but names can still be made and removed.
+TEST(NerinctlFullDisk, LosesNothing) {
+  const TestHome user;
+  fillLibrary(user);
+  RunSettings settings;
+  settings.fileSizeLimit = 0;
+  expectReadingToWork(user, settings);
+  expectEveryWriteToFailAndLoseNothing(user, settings);
+}
+
+TEST(NerinctlFullDisk, LosesNothingWhenItFillsUpHalfwayThroughAFile) {
+  const TestHome user;
+  fillLibrary(user);
+  const auto before = user.library();
+  RunSettings settings;
+  settings.fileSizeLimit = 4000;
+  expectComplaint(user.run({"profiles", "add", "More"}, settings), 1, "could not be saved");
+  expectComplaint(user.run({"macros", "delete", "Reload"}, settings), 1, "could not be saved");
+  EXPECT_EQ(user.library(), before);
+}
+
+TEST(NerinctlFullDisk, StopsANewUserInOneLine) {
+  const TestHome user;
+  RunSettings settings;
+  settings.fileSizeLimit = 0;
+  expectComplaint(user.run({"profiles", "add", "Office"}, settings), 1, "could not be saved");
+  expectComplaint(user.run({"macros", "list"}, settings), 1, "could not be made");
+  expectComplaint(user.runWithMouse({"status"}, settings), 1, "cannot make the memory file");
+  EXPECT_FALSE(fs::exists(user.mouseFile));
+  // With room again all is well.
+  user.prepare({"profiles", "add", "Office"});
+  EXPECT_EQ(user.json({"macros", "list"}).size(), 0U);
+}
+
+TEST(NerinctlFullDisk, LeavesTheMouseAsItWas) {
+  const TestHome user;
+  fillLibrary(user);
+  const std::string before = user.mouseMemory();
+  RunSettings settings;
+  settings.fileSizeLimit = 0;
+  expectComplaint(user.runWithMouse({"apply", "Game", "--slot", "2"}, settings), 1,
+                  "did not answer as it should");
+  EXPECT_EQ(user.mouseMemory(), before);
+}
+
+// Takes all the room that is left.
+void fillUp(const fs::path& file) {
+  std::ofstream filler(file, std::ios::binary);
+  filler << std::unitbuf;
+  for (const std::size_t block : {4096U, 1U}) {
+    while (filler << std::string(block, 'x')) {
+    }
+    filler.clear();
+  }
+}
+
+TEST(NerinctlFullDisk, LosesNothingOnAVerySmallOne) {
+  if (!canMountSmallDisk()) {
+    GTEST_SKIP() << "no file system can be mounted here; the tests with a file size limit stand "
+                    "for this one";
+  }
+  const TestHome user;
+  constexpr std::size_t size = 512 * 1024;
+  onSmallDisk(user.home, size, [&] {
+    fillLibrary(user);
+    fillUp(user.home / "filler");
+    expectReadingToWork(user, {});
+    expectEveryWriteToFailAndLoseNothing(user, {});
+    fs::remove(user.home / "filler");
+    user.prepare({"profiles", "add", "More"});
+    EXPECT_EQ(user.json({"profiles", "list"}).size(), 3U);
+  });
+}
+
+TEST(NerinctlFullDisk, IsNoticedBehindTheAnswerAndTheTrace) {
+  const TestHome user;
+  const RunResult result = user.runWithMouse({"--trace", "/dev/full", "status"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors, HasSubstr("nerinctl: done, but the trace could not be written"));
+}
+
+}  // namespace
