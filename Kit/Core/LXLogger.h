@@ -16,8 +16,8 @@ struct LXSourcePlace {
   }
 };
 
-// The program's log, for one thread. Every line carries the file and line that wrote it. Until a file is set,
-// lines go nowhere, except to the observer of a test.
+// The program's log, for one thread. Every line carries the file and line that wrote it. Until a
+// file is set, lines go nowhere, except to the observer of a test.
 class LXLogger {
  public:
   enum class Level { Debug, Warning, Error };

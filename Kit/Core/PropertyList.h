@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
