@@ -6,6 +6,7 @@
 #include "Action/DeviceLink.h"
 #include "Action/EditState.h"
 #include "Action/FunctionCatalogue.h"
+#include "Action/KeyCodes.h"
 #include "Action/MacroCatalogue.h"
 #include "Action/SlotOperations.h"
 #include "Benchmarks/BenchmarkHome.h"
@@ -25,7 +26,11 @@ void giveEveryButtonAMacro() {
       macro->keyInfoArr().push_back(std::make_shared<MacroKeyInfo>(i / 2, i % 2, 10));
     }
     NerinAction::refreshMenuList();
-    button = {.FuncID = 6, .FuncTableId = 6, .btnType = ButtonTypeMacro, .KeyBit = {1}};
+    button = {};
+    button.FuncID = NerinAction::FunctionMacro;
+    button.FuncTableId = NerinAction::FunctionMacro;
+    button.btnType = ButtonTypeMacro;
+    button.KeyBit[0] = 1;
     button.MacroID = static_cast<std::uint32_t>(macro->macroId());
   }
 }

@@ -4,8 +4,8 @@
 
 namespace {
 
-constexpr _BTN_INFO runsOnce{
-    .FuncID = 6, .FuncTableId = 6, .btnType = ButtonTypeMacro, .KeyBit = {1}};
+// A button that plays its macro once.
+constexpr _BTN_INFO runsOnce{6, 6, ButtonTypeMacro, {1, 0, 0, 0}, {}, 1};
 
 // Presses and releases of all keys by turns, as long as the mouse's memory of a macro allows
 // without pauses.

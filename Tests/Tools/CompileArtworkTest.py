@@ -1,0 +1,348 @@
+"""What the artwork compiler makes of good masters, and how it refuses bad ones."""
+
+import contextlib
+import io
+import json
+import os
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree as ElementTree
+import zlib
+
+ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.join(ROOT, "Tools"))
+sys.dont_write_bytecode = True
+
+import compile_artwork as compiler  # noqa: E402
+
+THEME_CSS = """
+:root { --ink: #000000; --glow: #FF0000; }
+.key { fill: #00FF00; }
+.Over .key { fill: var(--glow); }
+.wordKey { font-size: 12px; font-weight: 500; fill: #FFFFFF; }
+.Over .wordKey { fill: var(--glow); }
+"""
+THEME_SVG = """<svg xmlns="http://www.w3.org/2000/svg"><defs><path id="tick" d="M0 0L4 4"/></defs></svg>"""
+MASTER = """<svg xmlns="http://www.w3.org/2000/svg" width="40" height="30" viewBox="0 0 40 30">
+  <defs><polyline id="lead" points="2,20 30,20 30,25"/></defs>
+  <rect width="40" height="30" fill="var(--ink)"/>
+  <g id="okBtn" data-kind="button" transform="translate(4 2)">
+    <rect class="frame key" width="16" height="10" rx="3"/>
+  </g>
+  <rect id="barView" data-kind="image" x="24" y="2" width="8" height="8" class="key"/>
+  <text data-text-key="OK" data-for="okBtn" data-padding="2 2" class="wordKey">OK</text>
+  <text data-text-key="Title" data-box="0 14 40 4" data-align="left" class="wordKey">Title</text>
+  <g id="Line1"><use href="#lead" stroke="#FFFFFF" fill="none"/></g>
+</svg>"""
+SCREENS = {"Panel": {"controls": ["okBtn", "barView"], "lines": ["Line1"]}}
+
+
+def decoded(path):
+    """Width, height and rows of RGBA pixels of a picture with eight bits a channel."""
+    with open(path, "rb") as file:
+        content = file.read()
+    position, data = 8, b""
+    while position < len(content):
+        length = int.from_bytes(content[position:position + 4], "big")
+        kind = content[position + 4:position + 8]
+        body = content[position + 8:position + 8 + length]
+        if kind == b"IHDR":
+            width, height = int.from_bytes(body[:4], "big"), int.from_bytes(body[4:8], "big")
+            channels = {2: 3, 6: 4}[body[9]]
+        elif kind == b"IDAT":
+            data += body
+        position += 12 + length
+    data = zlib.decompress(data)
+    stride = width * channels
+    previous, rows = bytearray(stride), []
+    for y in range(height):
+        mode = data[y * (stride + 1)]
+        row = bytearray(data[y * (stride + 1) + 1:(y + 1) * (stride + 1)])
+        for index in range(stride):
+            left = row[index - channels] if index >= channels else 0
+            above = previous[index]
+            corner = previous[index - channels] if index >= channels else 0
+            if mode == 1:
+                row[index] = (row[index] + left) & 255
+            elif mode == 2:
+                row[index] = (row[index] + above) & 255
+            elif mode == 3:
+                row[index] = (row[index] + (left + above) // 2) & 255
+            elif mode == 4:
+                guess = left + above - corner
+                nearest = min((abs(guess - left), 0, left), (abs(guess - above), 1, above),
+                              (abs(guess - corner), 2, corner))[2]
+                row[index] = (row[index] + nearest) & 255
+        previous = row
+        rows.append([tuple(row[x:x + channels]) + ((255,) if channels == 3 else ())
+                     for x in range(0, stride, channels)])
+    return width, height, rows
+
+
+class CompilerTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+        self.output = os.path.join(self.folder, "output")
+        self.write("theme.css", THEME_CSS)
+        self.write("theme.svg", THEME_SVG)
+        self.write("screens.json", json.dumps(SCREENS))
+        self.write("Panel.svg", MASTER)
+
+    def write(self, name, content):
+        with open(os.path.join(self.folder, name), "w", encoding="utf-8") as file:
+            file.write(content)
+
+    def read(self, name):
+        with open(os.path.join(self.folder, name), "rb") as file:
+            return file.read()
+
+    def change(self, old, new):
+        self.assertIn(old, MASTER)
+        self.write("Panel.svg", MASTER.replace(old, new))
+
+    def screen(self):
+        return compiler.readScreens(self.folder)[1][0]
+
+    def assertRefused(self, *parts):
+        """The compiler as a program ends with 1 and says what is wrong with what."""
+        errors = io.StringIO()
+        with contextlib.redirect_stderr(errors):
+            self.assertEqual(compiler.main([self.folder]), 1)
+        for part in parts:
+            self.assertIn(part, errors.getvalue())
+
+
+class Frames(CompilerTest):
+    def testComeFromTheDrawing(self):
+        frame = self.screen().controls[0].frame
+        self.assertEqual((frame.x, frame.y, frame.width, frame.height, frame.radius),
+                         (4, 2, 16, 10, 3))
+
+    def testFollowAMovedGroup(self):
+        self.change("translate(4 2)", "translate(5 6)")
+        frame = self.screen().controls[0].frame
+        self.assertEqual((frame.x, frame.y), (5, 6))
+
+    def testAMissingControlIsNamed(self):
+        self.change("id=\"okBtn\"", "id=\"okButton\"")
+        self.assertRefused("Panel.svg", "missing control", "\"okBtn\"")
+
+    def testAnUnknownControlIsNamed(self):
+        self.write("screens.json", json.dumps({"Panel": {"controls": ["barView"]}}))
+        self.write("Panel.svg", MASTER.replace("data-for=\"okBtn\"", "data-for=\"barView\""))
+        self.assertRefused("Panel.svg", "\"okBtn\" is no control")
+
+    def testAnIdThatIsThereTwiceIsRefused(self):
+        self.change("id=\"lead\"", "id=\"okBtn\"")
+        self.assertRefused("\"okBtn\" is there twice")
+
+    def testAControlOutsideItsScreenIsRefused(self):
+        self.change("translate(4 2)", "translate(4 21)")
+        self.assertRefused("\"okBtn\"", "outside its screen of 40x30")
+
+    def testOverlappingControlsAreRefused(self):
+        self.change("x=\"24\"", "x=\"19\"")
+        self.assertRefused("\"okBtn\"", "\"barView\"", "overlap")
+
+    def testControlsThatTouchAreFine(self):
+        self.change("x=\"24\"", "x=\"20\"")
+        self.assertEqual(len(self.screen().controls), 2)
+
+    def testControlsOfDifferentPagesMayShareAPlace(self):
+        self.write("Panel.svg", MASTER
+                   .replace("id=\"okBtn\"", "id=\"okBtn\" data-page=\"a\"")
+                   .replace("x=\"24\"", "data-page=\"b\" x=\"19\""))
+        self.assertEqual(len(self.screen().controls), 2)
+
+    def testAHalfPixelIsRefused(self):
+        self.change("translate(4 2)", "translate(4.5 2)")
+        self.assertRefused("\"okBtn\"", "4.5 is not a whole number")
+
+    def testARotatedControlIsRefused(self):
+        self.change("translate(4 2)", "rotate(4)")
+        self.assertRefused("\"okBtn\"", "rotate(4)")
+
+    def testAGroupWithoutFrameIsRefused(self):
+        self.change("frame key", "key")
+        self.assertRefused("\"okBtn\"", "no rectangle")
+
+    def testAViewBoxThatScalesIsRefused(self):
+        self.change("0 0 40 30", "0 0 80 60")
+        self.assertRefused("viewBox")
+
+    def testABrokenMasterIsNamed(self):
+        self.write("Panel.svg", MASTER[:-8])
+        self.assertRefused("Panel.svg")
+
+    def testTheHeaderHasThem(self):
+        theme, screens = compiler.readScreens(self.folder)
+        text = compiler.header(theme, screens)
+        self.assertIn("namespace Panel {", text)
+        self.assertIn("inline constexpr Frame okBtn{4, 2, 16, 10, 3};", text)
+        self.assertIn("inline constexpr std::uint32_t glow = 0xFF0000;", text)
+        self.assertIn("{\"Line1\", {0, 16, 35, 14, 0}},", text)
+
+
+class Words(CompilerTest):
+    def testStandInTheirControlLessThePadding(self):
+        word = self.screen().words[0]
+        self.assertEqual([word[name] for name in ("key", "x", "y", "width", "height", "align")],
+                         ["OK", 6, 2, 12, 10, "center"])
+
+    def testHaveAColourForEachState(self):
+        colors = self.screen().words[0]["colors"]
+        self.assertEqual((colors["Normal"], colors["Over"], colors["Down"]),
+                         ("#FFFFFF", "#FF0000", "#FFFFFF"))
+
+    def testOutsideControlsAreOnlyInTheNormalPicture(self):
+        self.assertEqual(list(self.screen().words[1]["colors"]), ["Normal"])
+
+    def testWithoutKeyAreRefused(self):
+        self.change("data-text-key=\"Title\"", "")
+        self.assertRefused("\"Title\" has no data-text-key")
+
+    def testOfAnUnknownClassAreRefused(self):
+        self.change("class=\"wordKey\">Title", "class=\"wordLost\">Title")
+        self.assertRefused(".wordLost")
+
+    def testForAnUnknownControlAreRefused(self):
+        self.change("data-for=\"okBtn\"", "data-for=\"noBtn\"")
+        self.assertRefused("\"noBtn\"")
+
+    def testMustBeInTheCatalogue(self):
+        catalogue = os.path.join(self.folder, "Tooltip.xml")
+        self.write("Tooltip.xml", "<T><Lan name='US'><Item name='OK' text='OK'/></Lan></T>")
+        errors = io.StringIO()
+        with contextlib.redirect_stderr(errors):
+            self.assertEqual(compiler.main([self.folder, "--catalogue", catalogue]), 1)
+        self.assertIn("\"Title\" is not in Tooltip.xml", errors.getvalue())
+
+
+class Variants(CompilerTest):
+    def testKeepTheirOwnElementsOnly(self):
+        self.write("Panel.svg", MASTER.replace("id=\"barView\"",
+                                               "id=\"barView\" data-in=\"WarningA\""))
+        self.write("screens.json", json.dumps({"Panel": {"variants": {
+            "WarningA": ["okBtn", "barView"], "WarningB": ["okBtn"]}}}))
+        screens = compiler.readScreens(self.folder)[1]
+        self.assertEqual([(screen.name, [control.name for control in screen.controls])
+                          for screen in screens],
+                         [("WarningA", ["okBtn", "barView"]), ("WarningB", ["okBtn"])])
+
+
+class Pictures(CompilerTest):
+    def compile(self, folder="output"):
+        self.assertEqual(compiler.main([self.folder, "--pictures",
+                                        os.path.join(self.folder, folder)]), 0)
+
+    def picture(self, name):
+        return decoded(os.path.join(self.output, name))
+
+    def testAreThereForEveryStateAndScale(self):
+        self.compile()
+        self.assertEqual(sorted(os.listdir(self.output)), sorted(
+            name + suffix + ".png" for suffix in ("", "@2x") for name in
+            ["Panel_" + state for state in compiler.STATES] + ["Line1"]))
+        self.assertEqual(self.picture("Panel_Normal.png")[:2], (40, 30))
+        self.assertEqual(self.picture("Panel_Normal@2x.png")[:2], (80, 60))
+
+    def testShowTheirState(self):
+        self.compile()
+        self.assertEqual(self.picture("Panel_Normal.png")[2][7][12], (0, 255, 0, 255))
+        self.assertEqual(self.picture("Panel_Over.png")[2][7][12], (255, 0, 0, 255))
+
+    def testOfOtherStatesHoldOnlyTheControls(self):
+        self.compile()
+        self.assertEqual(self.picture("Panel_Normal.png")[2][25][5], (0, 0, 0, 255))
+        self.assertEqual(self.picture("Panel_Over.png")[2][25][5], (0, 0, 0, 0))
+
+    def testHaveNoWords(self):
+        self.compile()
+        drawn = self.read("output/Panel_Normal.png")
+        for text in ("OK</text>", "Title</text>"):
+            self.assertIn(text, MASTER)
+        without = ElementTree.fromstring(MASTER)
+        for element in without.findall(compiler.svgTag("text")):
+            without.remove(element)
+        self.write("Panel.svg", ElementTree.tostring(without, encoding="unicode"))
+        self.compile()
+        self.assertEqual(self.read("output/Panel_Normal.png"), drawn)
+
+    def testOfALineHoldNothingElse(self):
+        self.compile()
+        rows = self.picture("Line1.png")[2]
+        self.assertEqual(rows[7][12], (0, 0, 0, 0))
+        self.assertGreater(rows[20][10][3], 0)
+
+    def testAreTheSameEveryTime(self):
+        self.compile()
+        self.compile("again")
+        for name in os.listdir(self.output):
+            self.assertEqual(self.read("output/" + name), self.read("again/" + name), name)
+
+    def testThatAreRightAlreadyAreNotWrittenAgain(self):
+        self.compile()
+        path = os.path.join(self.output, "Panel_Normal.png")
+        os.utime(path, (1000, 1000))
+        self.compile()
+        self.assertEqual(os.stat(path).st_mtime, 1000)
+
+
+class ShippedArtwork(unittest.TestCase):
+    """The masters of this tree."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.theme, cls.screens = compiler.readScreens(os.path.join(ROOT, "Resources", "artwork"))
+
+    def testHasEveryScreen(self):
+        self.assertEqual([screen.name for screen in self.screens][:4],
+                         ["MainView", "MainViewSub1", "MainViewSub2", "WarningNoDevice"])
+
+    def testPicturesOfTheMouseFillTheirPlace(self):
+        sizes = {screen.name: (screen.width, screen.height) for screen in self.screens}
+        places = {control.name: control.frame for control in self.screens[0].controls}
+        for view, screen in (("subView1", "MainViewSub1"), ("subView2", "MainViewSub2")):
+            self.assertEqual((places[view].width, places[view].height), sizes[screen])
+
+    def testDialogsHaveTheirSize(self):
+        for screen in self.screens:
+            if screen.name.startswith("Warning"):
+                self.assertEqual((screen.width, screen.height), (545, 155))
+
+    def testTypeHasThreeSizes(self):
+        self.assertEqual({word["fontSize"] for screen in self.screens for word in screen.words},
+                         {15, 12, 10.5})
+
+
+class Contrast(unittest.TestCase):
+    """Words can be read on the surfaces that they stand on."""
+
+    def setUp(self):
+        self.colours = compiler.readTheme(os.path.join(ROOT, "Resources", "artwork")).colours
+
+    @staticmethod
+    def luminance(colour):
+        parts = [int(colour[index:index + 2], 16) / 255 for index in (1, 3, 5)]
+        red, green, blue = (part / 12.92 if part <= 0.04045 else ((part + 0.055) / 1.055) ** 2.4
+                            for part in parts)
+        return 0.2126 * red + 0.7152 * green + 0.0722 * blue
+
+    def ratio(self, one, other):
+        light, dark = sorted((self.luminance(self.colours[one]),
+                              self.luminance(self.colours[other])), reverse=True)
+        return (light + 0.05) / (dark + 0.05)
+
+    def testIsEnough(self):
+        for word, surface in (("snow", "steel"), ("snow", "steelLit"), ("snow", "emberDeep"),
+                              ("snow", "selection"), ("mist", "ink"), ("mist", "graphite"),
+                              ("mist", "steel"), ("ink", "paper")):
+            with self.subTest(word=word, surface=surface):
+                self.assertGreaterEqual(self.ratio(word, surface), 4.5)
+
+
+if __name__ == "__main__":
+    unittest.main()
