@@ -1,6 +1,9 @@
 #include "Action/KeyCodes.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <iterator>
 
 #include "Action/FunctionCatalogue.h"
@@ -41,6 +44,33 @@ struct ModifierCode {
 constexpr ModifierCode macroModifiers[] = {
     {59, 112}, {56, 113}, {58, 114}, {55, 115}, {60, 117}, {61, 118}, {62, 119},
 };
+
+constexpr std::size_t codeCount = 256;
+using CodeTable = std::array<std::uint8_t, codeCount>;
+
+// A macro of a thousand events looks up a thousand codes, so the searches are done beforehand. A
+// table is filled from the back, so that what a search would find first is written last.
+template <typename Rows, typename Member>
+constexpr void fillFromTheBack(CodeTable& table, const Rows& rows, Member from, Member to) {
+  for (auto row = std::rbegin(rows); row != std::rend(rows); ++row) {
+    table[(*row).*from] = static_cast<std::uint8_t>((*row).*to);
+  }
+}
+
+// The modifiers come last, because they are looked for before the keys. 0 stands for neither.
+constexpr CodeTable deviceCodeOfKey = [] {
+  CodeTable codes{};
+  fillFromTheBack(codes, UsageID_MacVk, &UsageAndKey::macKey, &UsageAndKey::usage);
+  fillFromTheBack(codes, macroModifiers, &ModifierCode::macKey, &ModifierCode::code);
+  return codes;
+}();
+
+constexpr CodeTable keyOfDeviceCode = [] {
+  CodeTable keys{};
+  fillFromTheBack(keys, UsageID_MacVk, &UsageAndKey::usage, &UsageAndKey::macKey);
+  fillFromTheBack(keys, macroModifiers, &ModifierCode::code, &ModifierCode::macKey);
+  return keys;
+}();
 
 // The modifier bits of a key entry are the mouse's own, not the HID order.
 constexpr ModifierCode modifierBits[] = {
@@ -96,31 +126,11 @@ void setSensitivity(_BTN_INFO& button, std::uint32_t functionId) {
 }  // namespace
 
 std::uint32_t NerinAction::GetFWKeyCode(std::uint32_t macKey) {
-  for (const ModifierCode& modifier : macroModifiers) {
-    if (modifier.macKey == macKey) {
-      return modifier.code;
-    }
-  }
-  for (const UsageAndKey& row : UsageID_MacVk) {
-    if (row.macKey == macKey) {
-      return row.usage;
-    }
-  }
-  return 0;
+  return macKey < codeCount ? deviceCodeOfKey[macKey] : 0;
 }
 
 std::uint32_t NerinAction::GetKeyCodeByFW(std::uint32_t deviceCode) {
-  for (const ModifierCode& modifier : macroModifiers) {
-    if (modifier.code == deviceCode) {
-      return modifier.macKey;
-    }
-  }
-  for (const UsageAndKey& row : UsageID_MacVk) {
-    if (row.usage == deviceCode) {
-      return row.macKey;
-    }
-  }
-  return 0;
+  return deviceCode < codeCount ? keyOfDeviceCode[deviceCode] : 0;
 }
 
 std::uint32_t NerinAction::getFWKeyCodeFlag(std::uint32_t macKey) {

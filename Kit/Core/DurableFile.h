@@ -36,8 +36,9 @@ struct FolderEntry {
 };
 
 // Makes the folder hold exactly these files: writes and syncs a new folder beside it and lets it
-// take the place of the old one in one step. On an error the old folder is untouched. Another
-// process that replaces the same folder is waited for.
+// take the place of the old one in one step. A file that is there already with the same bytes is
+// taken over as it is. On an error the old folder is untouched. Another process that replaces the
+// same folder is waited for.
 std::error_code replaceFolder(const std::filesystem::path& folder,
                               std::span<const FolderEntry> entries);
 

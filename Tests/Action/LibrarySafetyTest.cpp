@@ -36,17 +36,17 @@ class LibrarySafety : public ActionTest {
 TEST_F(LibrarySafety, AFailureAtAnyStepLeavesTheOldLibraryOrTheNewOne) {
   library().delProByName("a");
   library().addProfileByName("c", nullptr);
-  bool hasFailed = true;
-  int steps = 0;
-  for (int failing = 0; hasFailed; ++failing) {
+  bool isReached = true;
+  int failures = 0;
+  for (int failing = 0; isReached; ++failing) {
     fs::remove_all(libraryFolder());
     putProfile("a.pro", 1, "a", 1);
     putProfile("b.pro", 2, "b", 1);
     int step = 0;
     durable::setFaultInjector([&](const char*) { return step++ == failing ? ENOSPC : 0; });
-    hasFailed = static_cast<bool>(library().saveToSys());
+    failures += library().saveToSys() ? 1 : 0;
     durable::setFaultInjector({});
-    steps = failing;
+    isReached = step > failing;
     SCOPED_TRACE("step " + std::to_string(failing));
     endProgram();
     EXPECT_THAT(names(), AnyOf(ElementsAre("a", "b"), ElementsAre("b", "c")));
@@ -57,7 +57,7 @@ TEST_F(LibrarySafety, AFailureAtAnyStepLeavesTheOldLibraryOrTheNewOne) {
     }
     ASSERT_LT(failing, 1000);
   }
-  EXPECT_GT(steps, 6);
+  EXPECT_GT(failures, 6);
   EXPECT_THAT(names(), ElementsAre("b", "c"));
 }
 

@@ -3,6 +3,7 @@
 #include <map>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "Kit/Core/DurableFile.h"
@@ -91,6 +92,40 @@ TEST_F(DurableFolder, TakesNamesAsLongAsNamesCanBe) {
   EXPECT_EQ(held(), (Files{{std::string(255, 'n'), "long"}}));
 }
 
+TEST_F(DurableFolder, TakesOverTheFilesThatStayTheSame) {
+  makeOld();
+  const auto fileOf = [&](const char* name) {
+    struct stat status {};
+    EXPECT_EQ(::stat((m_folder / name).c_str(), &status), 0);
+    return status.st_ino;
+  };
+  const auto before = fileOf("a.pro");
+  const std::vector<durable::FolderEntry> entries{{"a.pro", oldFiles.at("a.pro")}, {"n.pro", "n"}};
+  EXPECT_FALSE(durable::replaceFolder(m_folder, entries));
+  EXPECT_EQ(held(), (Files{{"a.pro", oldFiles.at("a.pro")}, {"n.pro", "n"}}));
+  EXPECT_EQ(fileOf("a.pro"), before);
+}
+
+TEST_F(DurableFolder, WritesAnewWhatCannotBeTakenOver) {
+  makeOld();
+  durable::setFaultInjector(
+      [](const char* step) { return std::string_view(step) == "link" ? EPERM : 0; });
+  const std::vector<durable::FolderEntry> entries{{"a.pro", oldFiles.at("a.pro")}};
+  EXPECT_FALSE(durable::replaceFolder(m_folder, entries));
+  durable::setFaultInjector({});
+  EXPECT_EQ(held(), (Files{{"a.pro", oldFiles.at("a.pro")}}));
+}
+
+TEST_F(DurableFolder, WritesAFileWhereALinkWas) {
+  makeOld();
+  fs::rename(m_folder / "a.pro", m_scratch / "elsewhere");
+  fs::create_symlink(m_scratch / "elsewhere", m_folder / "a.pro");
+  const std::vector<durable::FolderEntry> entries{{"a.pro", oldFiles.at("a.pro")}};
+  EXPECT_FALSE(durable::replaceFolder(m_folder, entries));
+  EXPECT_FALSE(fs::is_symlink(m_folder / "a.pro"));
+  EXPECT_EQ(contentsOf(m_folder / "a.pro"), oldFiles.at("a.pro"));
+}
+
 TEST_F(DurableFolder, StaysTheOldOneWhenAFileCannotBeWritten) {
   makeOld();
   const std::vector<durable::FolderEntry> tooLong{{"a.pro", "new a"}, {std::string(256, 'n'), ""}};
@@ -114,8 +149,9 @@ TEST_F(DurableFolder, IsTheOldOneOrTheNewOneWhicheverStepFails) {
               expectOneOfBoth(step);
             });
         EXPECT_EQ(held(), newFiles);
-        // One folder, three files of which one has nothing to write, all synced, put in place.
-        EXPECT_EQ(steps, 1 + 3 + 2 + 2 * 3 + 2 + (canExchange ? 1 : 2) + 2);
+        // One folder, one old file read for comparison, three files of which one has nothing to
+        // write, all synced, put in place.
+        EXPECT_EQ(steps, 1 + 3 + 3 + 2 + 2 * 3 + 2 + (canExchange ? 1 : 2) + 2);
       }
     }
   }
