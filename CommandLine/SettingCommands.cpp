@@ -118,7 +118,9 @@ void requireValuesOfLevels() {
   for (std::size_t level = 0; level < used; ++level) {
     if (currSetProfile.xSensArr[level] == 0 || currSetProfile.ySensArr[level] == 0) {
       const std::string name = std::to_string(level + 1);
-      refuse("DPI level " + name + " has no value yet: give --set " + name + "=DPI");
+      std::string message = "DPI level ";
+      message.append(name).append(" has no value yet: give --set ").append(name).append("=DPI");
+      refuse(message);
     }
   }
 }

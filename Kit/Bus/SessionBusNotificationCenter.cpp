@@ -23,7 +23,6 @@
 #include "Kit/Core/LXLogger.h"
 
 using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 
 namespace {
 

@@ -147,6 +147,14 @@ bool LXAction::openPage(const std::string& address) {
   return LXPlatform::current().open(address);
 }
 
+void LXAction::showInfoMessage(const std::string& text) {
+  LXPlatform::current().showInfoMessage(text);
+}
+
+bool LXAction::ChooseInfoMessage(const std::string& text) {
+  return LXPlatform::current().chooseInfoMessage(text);
+}
+
 void LXAction::setLoggerTempLevel() {
   LXLogger::setLevel(LXLogger::Level::Debug);
 }

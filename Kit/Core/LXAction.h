@@ -62,6 +62,10 @@ class LXAction {
   static bool openFile(const std::string& path);
   static bool openPage(const std::string& address);
 
+  // Shows a text and waits until the user has read it; a question, and waits for yes or no.
+  static void showInfoMessage(const std::string& text);
+  static bool ChooseInfoMessage(const std::string& text);
+
   // The log writes every line, or none below a warning; into the file of this program or nowhere.
   static void setLoggerTempLevel();
   static void setLoggerHasFile(bool hasFile);

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t fileSize = 1024 * 1024;
+constexpr std::size_t fileSize = std::size_t{1024} * 1024;
 constexpr std::size_t oldFiles = 2;
 
 struct Log {

@@ -34,6 +34,12 @@ LXPlatform withHarmlessDefaults(LXPlatform platform) {
   if (!platform.open) {
     platform.open = [](const std::string&) { return false; };
   }
+  if (!platform.showInfoMessage) {
+    platform.showInfoMessage = [](const std::string&) {};
+  }
+  if (!platform.chooseInfoMessage) {
+    platform.chooseInfoMessage = [](const std::string&) { return false; };
+  }
   return platform;
 }
 

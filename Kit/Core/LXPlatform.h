@@ -27,8 +27,13 @@ struct LXPlatform {
   std::function<void(std::chrono::microseconds)> sleep;
   // Opens a file or a web address with its default application.
   std::function<bool(const std::string&)> open;
+  // Shows a text and waits until the user has read it.
+  std::function<void(const std::string&)> showInfoMessage;
+  // Shows a question and waits for yes or no.
+  std::function<bool(const std::string&)> chooseInfoMessage;
 
-  // What is installed. Before any install: no mouse, no notifications, no waiting, empty folders.
+  // What is installed. Before any install: no mouse, no notifications, no waiting, empty folders,
+  // messages that nobody sees and questions answered with no.
   static const LXPlatform& current();
   // Replaces it. Members left empty get the harmless ones of the first state.
   static void install(LXPlatform platform);

@@ -28,21 +28,19 @@ void fillLibrary(const TestHome& user) {
   writeFile(user.files / macroToImport, keyedarchive::archive(clickMacro("Fire")));
 }
 
-// Runs every command that writes into the home folder; `settings` make the trouble.
+// Runs every command that writes new bytes into the home folder; `settings` make the trouble.
 void expectEveryWriteToFailAndLoseNothing(const TestHome& user, const RunSettings& settings) {
   const auto before = user.library();
   const std::string target = (user.home / "new").string();
   for (const Words& command : std::vector<Words>{{"profiles", "add", "More"},
                                                  {"profiles", "copy", "Office"},
                                                  {"profiles", "rename", "Office", "Work"},
-                                                 {"profiles", "delete", "Office"},
                                                  {"profiles", "import", fileToImport},
                                                  {"profiles", "export", "Office", target},
                                                  {"macros", "import", macroToImport},
                                                  {"macros", "rename", "Reload", "Fire"},
                                                  {"macros", "delete", "Reload"},
                                                  {"macros", "export", "Reload", target},
-                                                 {"apply", "Office", "--slot", "1"},
                                                  {"read", "--slot", "1", "--output", target},
                                                  {"backup", target}}) {
     SCOPED_TRACE(command[0] + " " + command[1]);
@@ -97,8 +95,12 @@ TEST(NerinctlReadOnlyHome, LosesNothing) {
   RunSettings settings;
   settings.obeysPermissions = true;
   const WriteProtection protection(user.home);
+  const auto before = user.library();
   expectReadingToWork(user, settings);
   expectEveryWriteToFailAndLoseNothing(user, settings);
+  expectComplaint(user.runWithMouse({"profiles", "delete", "Office"}, settings), 1);
+  expectComplaint(user.runWithMouse({"apply", "Office", "--slot", "1"}, settings), 1);
+  EXPECT_EQ(user.library(), before);
 }
 
 TEST(NerinctlReadOnlyHome, IsNoHomeForANewUser) {
@@ -143,6 +145,28 @@ TEST(NerinctlFullDisk, LosesNothing) {
   settings.fileSizeLimit = 0;
   expectReadingToWork(user, settings);
   expectEveryWriteToFailAndLoseNothing(user, settings);
+}
+
+// What is in the library already needs no room there.
+TEST(NerinctlFullDisk, LetsAStoredProfileBeAppliedAgain) {
+  const TestHome user;
+  fillLibrary(user);
+  const auto before = user.library();
+  RunSettings settings;
+  settings.fileSizeLimit = 0;
+  EXPECT_EQ(user.runWithMouse({"apply", "Office", "--slot", "1"}, settings).exitCode, 0);
+  EXPECT_EQ(user.library(), before);
+}
+
+// The profiles that stay are taken over as they are, so that room can be made.
+TEST(NerinctlFullDisk, LetsAProfileBeDeleted) {
+  const TestHome user;
+  fillLibrary(user);
+  RunSettings settings;
+  settings.fileSizeLimit = 0;
+  EXPECT_EQ(user.runWithMouse({"profiles", "delete", "Office"}, settings).exitCode, 0);
+  EXPECT_EQ(user.runWithMouse({"show", "Game"}, {}).exitCode, 0);
+  expectComplaint(user.runWithMouse({"show", "Office"}, {}), 4);
 }
 
 TEST(NerinctlFullDisk, LosesNothingWhenItFillsUpHalfwayThroughAFile) {

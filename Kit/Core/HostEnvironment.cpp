@@ -1,4 +1,4 @@
-#include "CommandLine/HostEnvironment.h"
+#include "Kit/Core/HostEnvironment.h"
 
 #include <cstdlib>
 #include <system_error>
