@@ -11,6 +11,9 @@
 #include <nlohmann/json.hpp>
 #include <pugixml.hpp>
 
+#include "Tests/Resources/CatalogueFile.h"
+#include "Tests/Resources/WindowWords.h"
+
 // The catalogues as they ship, compared with what the product says they hold.
 
 namespace {
@@ -22,31 +25,12 @@ Json fixture(const std::string& name) {
   return Json::parse(stream);
 }
 
-pugi::xml_document resource(const std::string& name) {
-  pugi::xml_document document;
-  const auto result = document.load_file((std::string(NERIN_RESOURCES "/") + name).c_str());
-  EXPECT_TRUE(result) << name << ": " << result.description();
-  return document;
-}
-
-std::vector<pugi::xml_node> items(const pugi::xml_node& parent) {
-  const auto range = parent.children("Item");
-  return {range.begin(), range.end()};
-}
-
 // Reads the whole attribute as a number; -1 for anything else, so that "0x10" or " 1" fails.
 int number(const pugi::xml_node& item, const char* name, int base) {
   const std::string text = item.attribute(name).value();
   int value = -1;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
   return error == std::errc() && end == text.data() + text.size() ? value : -1;
-}
-
-// An attribute that is there, though it may be empty; one that is missing answers a text that no
-// catalogue holds.
-std::string text(const pugi::xml_node& item, const char* name) {
-  const auto attribute = item.attribute(name);
-  return attribute ? attribute.value() : "(missing)";
 }
 
 TEST(MenuInfoFile, HasTheSectionsInOrderAndNoMacros) {
@@ -127,7 +111,25 @@ TEST(TooltipFile, HoldsEveryTextOfEveryControlInEnglish) {
     EXPECT_EQ(text(found->second, "text"), entry.at("text").get<std::string>());
   }
   EXPECT_EQ(byControl.size(), expected.at("by_control").size());
-  EXPECT_EQ(general, expected.at("general").size());
+  EXPECT_EQ(general,
+            expected.at("general").size() + std::size(pictureWords) + std::size(plainWords));
+}
+
+TEST(TooltipFile, HoldsTheWordsOfTheWindowInEnglish) {
+  const auto document = resource("Tooltip.xml");
+  const auto english = document.document_element().child("Lan");
+  const auto expectWord = [&](const char* name, const char* expected) {
+    const auto item = english.find_child_by_attribute("Item", "name", name);
+    EXPECT_EQ(text(item, "text"), expected) << name;
+    EXPECT_EQ(text(item, "viewID"), "0") << name;
+    EXPECT_EQ(text(item, "btnID"), "") << name;
+  };
+  for (const auto& word : pictureWords) {
+    expectWord(word.name, word.text);
+  }
+  for (const char* word : plainWords) {
+    expectWord(word, word);
+  }
 }
 
 TEST(TooltipFile, AnswersEveryKeyWithOneText) {
@@ -150,6 +152,10 @@ TEST(TooltipFile, AnswersEveryKeyWithOneText) {
   for (const Json& key : expected.at("distinct_keys")) {
     EXPECT_TRUE(texts.contains(key.get<std::string>())) << key;
   }
+  for (const auto& word : pictureWords) {
+    keys.insert(word.name);
+  }
+  keys.insert(std::begin(plainWords), std::end(plainWords));
   EXPECT_EQ(texts.size(), keys.size());
 }
 

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <pugixml.hpp>
+
+// Reading the catalogues as they ship.
+
+// A file of the product data; one that is no XML fails the test.
+inline pugi::xml_document resource(const std::string& name) {
+  pugi::xml_document document;
+  const auto result = document.load_file((std::string(NERIN_RESOURCES "/") + name).c_str());
+  EXPECT_TRUE(result) << name << ": " << result.description();
+  return document;
+}
+
+inline std::vector<pugi::xml_node> items(const pugi::xml_node& parent) {
+  const auto range = parent.children("Item");
+  return {range.begin(), range.end()};
+}
+
+// An attribute that is there, though it may be empty; one that is missing answers a text that no
+// catalogue holds.
+inline std::string text(const pugi::xml_node& item, const char* name) {
+  const auto attribute = item.attribute(name);
+  return attribute ? attribute.value() : "(missing)";
+}
