@@ -1,8 +1,8 @@
 # Sourced by run and test: the packages of Debian 12 that they need, and the build.
 
 build_packages=(
-  cmake g++ ninja-build pkg-config
-  libcli11-dev libhidapi-dev libplist-dev libpugixml-dev libspdlog-dev libudev-dev
+  cmake fonts-inter g++ librsvg2-bin ninja-build pkg-config python3
+  libcli11-dev libhidapi-dev libplist-dev libpng-dev libpugixml-dev libspdlog-dev libudev-dev
   nlohmann-json3-dev qt6-base-dev
 )
 test_packages=(

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QColor>
+#include <QString>
+#include <functional>
+
+#include "Kit/Widgets/LXImage.h"
+
+class LXButton;
+
+// Hears how the pointer moves over a button.
+class LXButtonDelegate {
+ public:
+  // The kinds of reports.
+  enum MouseEventType { Entered = 1, Moved = 2, Left = 3 };
+
+  virtual ~LXButtonDelegate() = default;
+  virtual void onMouseEvent(LXButton& button, QEvent& event, int type) = 0;
+};
+
+// A button, check box or step item that shows one picture for each of its states and a caption
+// over it. Space and Return press it.
+class LXButton : public QAbstractButton {
+  Q_OBJECT
+
+ public:
+  using Action = std::function<void(LXButton&)>;
+  struct StateImages {
+    LXImage normal;
+    LXImage over;
+    LXImage hight;  // pressed
+    LXImage disable;
+    LXImage active;  // selected, or checked
+  };
+
+  explicit LXButton(QWidget* parent = nullptr);
+
+  void setImages(StateImages images);
+  const StateImages& images() const { return m_images; }
+  // The picture of the state that the button is in now; none when that one, and the normal one,
+  // are missing.
+  const LXImage& currentImage() const;
+
+  void setTitle(const QString& title);
+  QString title() const { return text(); }
+  void setToolTip(const QString& toolTip);
+  void setTag(int tag) { m_tag = tag; }
+  int tag() const { return m_tag; }
+  // A second number, for whoever listens to the pointer.
+  void setBtnTag(int btnTag) { m_btnTag = btnTag; }
+  int btnTag() const { return m_btnTag; }
+
+  // What a click with the left button, and with the right one, does.
+  void setAction(Action action) { m_action = std::move(action); }
+  void setRightAction(Action action) { m_rightAction = std::move(action); }
+  void setLXBtnDelege(LXButtonDelegate* delegate) { m_delegate = delegate; }
+
+  void setIsEnable(bool isEnable) { setEnabled(isEnable); }
+  void setIsCheckBox(bool isCheckBox);
+  bool isCheckBox() const { return m_isCheckBox; }
+  bool Checked() const { return isChecked(); }
+  // A step item shows the picture of its selection, and is told to the user as one of a group.
+  void setIsStepItem(bool isStepItem);
+  bool isStepItem() const { return m_isStepItem; }
+  // Its pictures are its own, not slices of the parent's.
+  void setIsNoanomaly(bool isNoanomaly) { m_isNoanomaly = isNoanomaly; }
+  bool isNoanomaly() const { return m_isNoanomaly; }
+
+  // Shows the picture of the hovered button although the pointer is elsewhere, and ends that.
+  void setOverImagePro();
+  void setExitImagePro();
+  bool isShownOver() const;
+
+  void setBtnColor(const QColor& color);
+  QColor btnColor() const { return m_color; }
+  void setBtnFont(const QFont& font) { setFont(font); }
+  void setBtnTextAlignment(Qt::Alignment alignment);
+  void setLeftPad(int pixels);
+  void setRightPad(int pixels);
+  // Colour, font and alignment in one.
+  void setBtnAtr(const QColor& color, const QFont& font, Qt::Alignment alignment);
+  // Corner radius of the focus ring.
+  void setFocusRadius(int pixels) { m_focusRadius = pixels; }
+
+  QSize sizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void enterEvent(QEnterEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  void nextCheckState() override;
+
+ private:
+  bool isSelected() const;
+
+  StateImages m_images;
+  Action m_action;
+  Action m_rightAction;
+  LXButtonDelegate* m_delegate = nullptr;
+  int m_tag = 0;
+  int m_btnTag = 0;
+  bool m_isCheckBox = false;
+  bool m_isStepItem = false;
+  bool m_isNoanomaly = false;
+  bool m_isPointerIn = false;
+  bool m_isLit = false;
+  bool m_isRightPressed = false;
+  bool m_showsFocus = false;
+  QColor m_color = Qt::white;
+  Qt::Alignment m_alignment = Qt::AlignCenter;
+  int m_leftPad = 0;
+  int m_rightPad = 0;
+  int m_focusRadius = 6;
+};

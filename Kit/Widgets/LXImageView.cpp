@@ -1,0 +1,41 @@
+#include "Kit/Widgets/LXImageView.h"
+
+#include <QPainter>
+#include <utility>
+
+LXImageView::LXImageView(QWidget* parent) : QWidget(parent) {
+  setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+QRect LXImageView::imageRect() const {
+  return {m_position, m_image.size()};
+}
+
+void LXImageView::setImage(LXImage image, const QPoint& position) {
+  update(imageRect());
+  m_image = std::move(image);
+  m_position = position;
+  update(imageRect());
+}
+
+void LXImageView::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  m_image.draw(painter, m_position);
+}
+
+void LXImageBgView::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::SmoothPixmapTransform);
+  painter.drawPixmap(rect(), image().pixmap());
+}
+
+LXColorView::LXColorView(QWidget* parent) : QWidget(parent) {}
+
+void LXColorView::setColor(const QColor& color) {
+  m_color = color;
+  update();
+}
+
+void LXColorView::paintEvent(QPaintEvent* /*event*/) {
+  QPainter(this).fillRect(rect(), m_color);
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QListWidget>
+#include <memory>
+
+#include "Kit/Core/LXTreeNode.h"
+
+class LXMenulist;
+
+// Hears which entry of a menu list was chosen.
+class LXMenulistDelegate {
+ public:
+  virtual ~LXMenulistDelegate() = default;
+  virtual void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) = 0;
+};
+
+// A pop-up list of the entries below a tree node. Keeps the nodes alive that it shows.
+class LXMenulist : public QListWidget {
+  Q_OBJECT
+
+ public:
+  // The entries of the node, in type of this many pixels.
+  LXMenulist(std::shared_ptr<LXTreeNode> node, int fontSize, QWidget* parent = nullptr);
+
+  void setMenuNode(std::shared_ptr<LXTreeNode> node);
+  const std::shared_ptr<LXTreeNode>& menuNode() const { return m_node; }
+  // One at a time; who opens a list that is shared makes itself its delegate.
+  void setDelegate(LXMenulistDelegate* delegate) { m_delegate = delegate; }
+  LXMenulistDelegate* menuDelegate() const { return m_delegate; }
+  void setMenuWidth(int width) { m_width = width; }
+  int menuWidth() const { return m_width; }
+
+  // The top left corner in screen coordinates; moved where it would leave the screen. An empty
+  // list does not open.
+  void showMenulist(const QPoint& position);
+  void hideMenulist() { hide(); }
+  bool isShowMenu() const { return isVisible(); }
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  void choose(const QListWidgetItem* item);
+  int fullHeight() const;
+
+  std::shared_ptr<LXTreeNode> m_node;
+  LXMenulistDelegate* m_delegate = nullptr;
+  int m_width = 0;
+};

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QWidget>
+
+class LXNoTitleWindow;
+
+// Hears that a window closes. It is still whole then.
+class LXWindowDelegate {
+ public:
+  virtual ~LXWindowDelegate() = default;
+  virtual void windowWillClose(LXNoTitleWindow& window) = 0;
+};
+
+// A window without a frame. A strip at its top moves it. Owns its content.
+class LXNoTitleWindow : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit LXNoTitleWindow(const QSize& contentSize, QWidget* parent = nullptr);
+
+  void setContentView(QWidget* view);
+  QWidget* contentView() const { return m_content; }
+  void setIsCanDrag(bool isCanDrag) { m_isCanDrag = isCanDrag; }
+  bool isCanDrag() const { return m_isCanDrag; }
+  // Pixels from the top.
+  void setDragHeight(int height) { m_dragHeight = height; }
+  int dragHeight() const { return m_dragHeight; }
+  // Whether a press here, between the controls, moves the window.
+  bool isInDragStrip(const QPoint& position) const;
+  void setWindowDelegate(LXWindowDelegate* delegate) { m_delegate = delegate; }
+  // Whether Esc closes the window.
+  void setClosesOnEscape(bool closes) { m_closesOnEscape = closes; }
+  // Over the middle of another window, or of the screen without one.
+  void center(const QWidget* over = nullptr);
+
+ signals:
+  void closed();
+  // The right button in the drag strip, in screen coordinates.
+  void menuRequested(const QPoint& position);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  QWidget* m_content = nullptr;
+  LXWindowDelegate* m_delegate = nullptr;
+  bool m_isCanDrag = false;
+  bool m_closesOnEscape = false;
+  int m_dragHeight = 0;
+};

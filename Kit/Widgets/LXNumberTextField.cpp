@@ -1,0 +1,38 @@
+#include "Kit/Widgets/LXNumberTextField.h"
+
+#include <QRegularExpressionValidator>
+#include <algorithm>
+
+LXNumberTextField::LXNumberTextField(QWidget* parent) : LXTextField(parent) {
+  setHasNegative(false);
+}
+
+// Not QIntValidator: it would refuse to type a number that only becomes large enough with the next
+// digit, and the limits are for the finished number.
+void LXNumberTextField::setHasNegative(bool hasNegative) {
+  const QRegularExpression pattern(hasNegative ? QStringLiteral("-?[0-9]*")
+                                               : QStringLiteral("[0-9]*"));
+  const QValidator* old = validator();
+  setValidator(new QRegularExpressionValidator(pattern, this));
+  delete old;
+}
+
+void LXNumberTextField::resetFormat() {
+  setValue(value());
+}
+
+int LXNumberTextField::value() const {
+  const QString digits = text();
+  bool isNumber = false;
+  const qlonglong number = digits.toLongLong(&isNumber);
+  if (!isNumber) {
+    // Digits beyond 64 bits are a number all the same, and too large a one.
+    const bool isHuge = digits.size() > 1 && !digits.startsWith(u'-');
+    return isHuge ? m_maximum : m_minimum;
+  }
+  return static_cast<int>(std::clamp<qlonglong>(number, m_minimum, std::max(m_minimum, m_maximum)));
+}
+
+void LXNumberTextField::setValue(int value) {
+  setText(QString::number(value));
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QAbstractSlider>
+#include <functional>
+
+#include "Kit/Widgets/LXImage.h"
+
+// A slider drawn from a background, a background under the pointer and a knob. A larger value is
+// further right, or further up. Setting the value tells nobody; the user's change does.
+class LXProgressBar : public QAbstractSlider {
+  Q_OBJECT
+
+ public:
+  using Action = std::function<void(LXProgressBar&)>;
+
+  explicit LXProgressBar(QWidget* parent = nullptr);
+
+  void setBackgroundImage(LXImage image);
+  void setOverImage(LXImage image);
+  void setIndicateImage(LXImage image);
+  void setChangeAction(Action action) { m_action = std::move(action); }
+  void setMaxValue(int maximum) { setMaximum(maximum); }
+  void setMinValue(int minimum) { setMinimum(minimum); }
+  void setTag(int tag) { m_tag = tag; }
+  int tag() const { return m_tag; }
+  // 1 is the one there is: a bar with a knob.
+  void setBarStyle(int style) { m_barStyle = style; }
+  int barStyle() const { return m_barStyle; }
+
+  // Where the middle of the knob is: pixels from the left, or from the bottom.
+  int indicatePosition() const;
+  QRect indicateRect() const;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void enterEvent(QEnterEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+
+ private:
+  QSize knobSize() const;
+  int travel() const;
+  void moveTo(const QPoint& point);
+  template <typename Change>
+  void change(Change apply);
+
+  LXImage m_background;
+  LXImage m_over;
+  LXImage m_indicate;
+  Action m_action;
+  int m_tag = 0;
+  int m_barStyle = 1;
+  bool m_isPointerIn = false;
+};

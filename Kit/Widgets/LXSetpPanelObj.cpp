@@ -1,0 +1,87 @@
+#include "Kit/Widgets/LXSetpPanelObj.h"
+
+#include <QKeyEvent>
+#include <algorithm>
+
+#include "Kit/Widgets/LXButton.h"
+
+LXSetpPanelObj::LXSetpPanelObj(QObject* parent) : QObject(parent) {}
+
+void LXSetpPanelObj::addItem(LXButton* button, QWidget* panBox) {
+  m_items.push_back({button, panBox});
+  button->setIsStepItem(true);
+  button->installEventFilter(this);
+  connect(button, &QAbstractButton::clicked, this,
+          [this, button] { selectindex(indexOf(button)); });
+  show();
+}
+
+void LXSetpPanelObj::selectindex(int index) {
+  const int old = m_current;
+  if (index < 1 || index > itemCount() || index == old) {
+    show();
+    return;
+  }
+  if (m_delegate != nullptr && !m_delegate->shouldSelectIndex(index, old, *this)) {
+    show();
+    return;
+  }
+  m_current = index;
+  show();
+  if (m_delegate != nullptr) {
+    m_delegate->onSelectIndex(index, old, *this);
+  }
+}
+
+void LXSetpPanelObj::resetSetp() {
+  m_current = 0;
+  show();
+}
+
+int LXSetpPanelObj::indexOf(const QObject* button) const {
+  const auto item = std::find_if(m_items.begin(), m_items.end(),
+                                 [&](const Item& one) { return one.button == button; });
+  return item == m_items.end() ? 0 : static_cast<int>(item - m_items.begin()) + 1;
+}
+
+// Buttons and views as the selection has them. Tab stops once in the group: on the selected one.
+void LXSetpPanelObj::show() {
+  for (int index = 1; index <= itemCount(); ++index) {
+    const Item& item = m_items[static_cast<std::size_t>(index - 1)];
+    const bool isSelected = index == m_current;
+    item.button->setChecked(isSelected);
+    const bool isTabStop = isSelected || (m_current == 0 && index == 1);
+    item.button->setFocusPolicy(isTabStop ? Qt::StrongFocus : Qt::ClickFocus);
+    if (item.panBox != nullptr) {
+      item.panBox->setVisible(isSelected);
+    }
+  }
+}
+
+bool LXSetpPanelObj::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::KeyPress) {
+    return QObject::eventFilter(watched, event);
+  }
+  int step = 0;
+  switch (static_cast<QKeyEvent*>(event)->key()) {
+    case Qt::Key_Left:
+    case Qt::Key_Up:
+      step = -1;
+      break;
+    case Qt::Key_Right:
+    case Qt::Key_Down:
+      step = 1;
+      break;
+    default:
+      return QObject::eventFilter(watched, event);
+  }
+  const int next = indexOf(watched) + step;
+  if (next >= 1 && next <= itemCount()) {
+    selectindex(next);
+    // The delegate may have refused: the focus goes where the selection is.
+    if (m_current >= 1) {
+      m_items[static_cast<std::size_t>(m_current - 1)].button->setFocus(Qt::TabFocusReason);
+    }
+  }
+  return true;
+}

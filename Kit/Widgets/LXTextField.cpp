@@ -1,0 +1,49 @@
+#include "Kit/Widgets/LXTextField.h"
+
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <QPalette>
+
+LXTextField::LXTextField(QWidget* parent) : QLineEdit(parent) {
+  setFrame(false);
+  setTextColor(Qt::white);
+  setStyleSheet(QStringLiteral("QLineEdit { background: transparent; }"));
+}
+
+void LXTextField::setTextColor(const QColor& color) {
+  QPalette colors = palette();
+  colors.setColor(QPalette::Text, color);
+  setPalette(colors);
+}
+
+void LXTextField::commit() {
+  if (isModified()) {
+    commitNow();
+  }
+}
+
+void LXTextField::commitNow() {
+  setModified(false);
+  convert();
+  if (m_action) {
+    m_action(*this);
+  }
+}
+
+void LXTextField::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+    if (!isReadOnly()) {
+      commitNow();
+    }
+    return;
+  }
+  QLineEdit::keyPressEvent(event);
+}
+
+// A menu of the field itself takes the focus only for a while.
+void LXTextField::focusOutEvent(QFocusEvent* event) {
+  QLineEdit::focusOutEvent(event);
+  if (event->reason() != Qt::PopupFocusReason) {
+    commit();
+  }
+}

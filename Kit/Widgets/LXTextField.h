@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QLineEdit>
+#include <functional>
+
+// A line of text. What was typed counts when it is committed: on Return, and on leaving the field
+// when it was changed.
+class LXTextField : public QLineEdit {
+  Q_OBJECT
+
+ public:
+  using Action = std::function<void(LXTextField&)>;
+
+  explicit LXTextField(QWidget* parent = nullptr);
+
+  void setAction(Action action) { m_action = std::move(action); }
+  // Colour of the text and of the insertion point.
+  void setTextColor(const QColor& color);
+  void setTag(int tag) { m_tag = tag; }
+  int tag() const { return m_tag; }
+  // Commits what was typed since the last time; nothing when nothing was.
+  void commit();
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  // Before the action hears of it.
+  virtual void convert() {}
+
+ private:
+  void commitNow();
+
+  Action m_action;
+  int m_tag = 0;
+};
