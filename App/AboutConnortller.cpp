@@ -1,0 +1,101 @@
+#include "App/AboutConnortller.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "Action/TooltipManager.h"
+#include "View/NestedLoop.h"
+#include "View/Pictures.h"
+
+namespace {
+
+constexpr QSize aboutSize(384, 216);
+constexpr int dragStrip = 64;
+constexpr int margin = 24;
+constexpr qreal titleSize = 15;
+constexpr qreal textSize = 12;
+
+QString localized(const std::string& key) {
+  return QString::fromStdString(
+      TooltipManager::shareTooltipManager().getTooltip(key).value_or(key));
+}
+
+QLabel* label(const QString& text, qreal size, int weight, const char* color) {
+  auto* made = new QLabel(text);
+  made->setFont(pictures::font(size, weight));
+  made->setStyleSheet(QStringLiteral("color: %1").arg(QString::fromLatin1(color)));
+  made->setWordWrap(true);
+  return made;
+}
+
+}  // namespace
+
+// A dark sheet with a hairline around it.
+class AboutConnortller::Content : public QWidget {
+ protected:
+  void paintEvent(QPaintEvent* /*event*/) override {
+    QPainter painter(this);
+    painter.fillRect(rect(), QColor(0x15, 0x17, 0x1C));
+    painter.setPen(QColor(0x34, 0x39, 0x43));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+  }
+};
+
+AboutConnortller& AboutConnortller::shareAboutController() {
+  static AboutConnortller* const controller = new AboutConnortller;
+  return *controller;
+}
+
+AboutConnortller::AboutConnortller() : m_window(aboutSize) {
+  auto* content = new Content;
+  auto* rows = new QVBoxLayout(content);
+  rows->setContentsMargins(margin, margin, margin, margin);
+  rows->setSpacing(margin / 3);
+  rows->addWidget(label(QStringLiteral("NerinOption"), titleSize, QFont::DemiBold, "#F2F4F7"));
+  rows->addWidget(label(localized("Version") + u' ' + QCoreApplication::applicationVersion(),
+                        textSize, QFont::Normal, "#9AA3B2"));
+  rows->addWidget(label(localized("Configures the Corvex NERIN gaming mouse."), textSize,
+                        QFont::Normal, "#9AA3B2"));
+  rows->addStretch();
+  auto* close = new QPushButton(localized("Close"));
+  close->setObjectName(QStringLiteral("closeBtn"));
+  close->setDefault(true);
+  close->setAutoDefault(true);
+  close->setMinimumSize(112, 40);
+  QObject::connect(close, &QPushButton::clicked, &m_window, &QWidget::close);
+  rows->addWidget(close, 0, Qt::AlignRight);
+  m_window.setObjectName(QStringLiteral("About"));
+  m_window.setWindowTitle(localized("About NerinOption"));
+  m_window.setContentView(content);
+  m_window.setIsCanDrag(true);
+  m_window.setDragHeight(dragStrip);
+  m_window.setClosesOnEscape(true);
+  m_window.setWindowModality(Qt::ApplicationModal);
+  m_window.setWindowDelegate(this);
+}
+
+void AboutConnortller::runModal(const QWidget* over) {
+  if (m_loop != nullptr) {
+    m_window.raise();
+    return;
+  }
+  const NestedLoop scope;
+  QEventLoop loop;
+  m_loop = &loop;
+  m_window.center(over);
+  m_window.show();
+  loop.exec();
+  m_loop = nullptr;
+  // The loop also ends with the program.
+  m_window.hide();
+}
+
+void AboutConnortller::windowWillClose(LXNoTitleWindow& /*window*/) {
+  if (m_loop != nullptr) {
+    m_loop->quit();
+  }
+}

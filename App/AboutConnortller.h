@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include "Kit/Widgets/LXNoTitleWindow.h"
+
+// The About window. One for the life of the program.
+class AboutConnortller : public LXWindowDelegate {
+ public:
+  // Makes it at the first call.
+  static AboutConnortller& shareAboutController();
+
+  AboutConnortller();
+  AboutConnortller(const AboutConnortller&) = delete;
+  AboutConnortller& operator=(const AboutConnortller&) = delete;
+
+  // Shows the window over another one and returns when it was closed. While it is open, a second
+  // call only brings it to the front.
+  void runModal(const QWidget* over);
+  void windowWillClose(LXNoTitleWindow& window) override;
+  LXNoTitleWindow& window() { return m_window; }
+
+ private:
+  class Content;
+
+  LXNoTitleWindow m_window;
+  class QEventLoop* m_loop = nullptr;
+};

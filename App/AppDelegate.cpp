@@ -1,0 +1,114 @@
+#include "App/AppDelegate.h"
+
+#include <QElapsedTimer>
+#include <QPalette>
+#include <QSessionManager>
+#include <QStyleFactory>
+#include <QWindow>
+
+#include "App/AboutConnortller.h"
+#include "Kit/Widgets/ButtonAccessibility.h"
+#include "View/MainView.h"
+#include "View/Pictures.h"
+#include "View/Termination.h"
+
+namespace {
+
+constexpr int dragStrip = 130;
+constexpr qreal typeSize = 12;
+// A window that nobody shows, on another desktop say, is not waited for longer.
+constexpr int longestPaintMilliseconds = 500;
+
+QPalette darkColors() {
+  const QColor graphite(0x15, 0x17, 0x1C);
+  const QColor steel(0x22, 0x25, 0x2C);
+  const QColor snow(0xF2, 0xF4, 0xF7);
+  const QColor mist(0x9A, 0xA3, 0xB2);
+  QPalette colors(steel, graphite);
+  colors.setColor(QPalette::WindowText, snow);
+  colors.setColor(QPalette::Text, snow);
+  colors.setColor(QPalette::ButtonText, snow);
+  colors.setColor(QPalette::Base, steel);
+  colors.setColor(QPalette::AlternateBase, graphite);
+  colors.setColor(QPalette::ToolTipBase, steel);
+  colors.setColor(QPalette::ToolTipText, snow);
+  colors.setColor(QPalette::PlaceholderText, mist);
+  colors.setColor(QPalette::Highlight, QColor(0x7D, 0x06, 0x08));
+  colors.setColor(QPalette::HighlightedText, snow);
+  colors.setColor(QPalette::Link, QColor(0xE5, 0x26, 0x2F));
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+    colors.setColor(QPalette::Disabled, role, QColor(0x59, 0x60, 0x6C));
+  }
+  return colors;
+}
+
+// Lets the window come up with its picture. No transfer goes on yet.
+void waitForFirstPicture(const QWidget& window) {
+  QElapsedTimer time;
+  time.start();
+  while (!(window.windowHandle() != nullptr && window.windowHandle()->isExposed()) &&
+         time.elapsed() < longestPaintMilliseconds) {
+    QCoreApplication::processEvents(
+        QEventLoop::ExcludeUserInputEvents | QEventLoop::WaitForMoreEvents,
+        longestPaintMilliseconds);
+  }
+  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+}  // namespace
+
+AppDelegate::AppDelegate() = default;
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::start() {
+  m_mainView = new MainView;
+  m_window = std::make_unique<LXNoTitleWindow>(m_mainView->size());
+  m_window->setObjectName(QStringLiteral("window"));
+  m_window->setWindowTitle(QCoreApplication::applicationName());
+  m_window->setWindowDelegate(this);
+  m_mainView->constructControls();
+  m_window->setContentView(m_mainView);
+  QObject::connect(m_mainView, &MainView::aboutRequested, m_window.get(),
+                   [this] { showAboutPro(); });
+  QObject::connect(
+      m_window.get(), &LXNoTitleWindow::menuRequested, m_mainView,
+      [this](const QPoint& position) { m_mainView->applicationMenu().popup(position); });
+  m_window->center();
+  m_window->show();
+  waitForFirstPicture(*m_window);
+  m_mainView->finishConstruction();
+  applicationDidFinishLaunching();
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+  m_window->setIsCanDrag(true);
+  m_window->setDragHeight(dragStrip);
+}
+
+void AppDelegate::showAboutPro() {
+  AboutConnortller::shareAboutController().runModal(m_window.get());
+}
+
+void AppDelegate::windowWillClose(LXNoTitleWindow& /*window*/) {
+  termination::terminate();
+}
+
+void prepareApplication(QApplication& application) {
+  QCoreApplication::setOrganizationDomain(QStringLiteral("corvex.com"));
+  QCoreApplication::setApplicationVersion(QStringLiteral(NERIN_VERSION));
+  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+  QApplication::setPalette(darkColors());
+  QApplication::setFont(pictures::font(typeSize, QFont::Normal));
+  QApplication::setQuitOnLastWindowClosed(
+      AppDelegate::applicationShouldTerminateAfterLastWindowClosed());
+  // The program is not started again at the next login.
+  QObject::connect(
+      &application, &QGuiApplication::saveStateRequest, &application,
+      [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); });
+  buttonaccessibility::install();
+}
+
+int runApplication(AppDelegate& delegate) {
+  delegate.start();
+  return termination::isTerminating() ? 0 : QApplication::exec();
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <memory>
+
+#include "Kit/Core/LXNotificationCenter.h"
+#include "VirtualMouse/VirtualMouse.h"
+
+class QComboBox;
+class QPlainTextEdit;
+class QPushButton;
+
+// Stands beside the demonstration and does to the virtual mouse what hands do to a real one: pulls
+// the plug, puts it back, presses the mouse's own slot button. Shows what a slot holds. Tells the
+// program as the background service would.
+class DemoPanel : public QWidget {
+  Q_OBJECT
+
+ public:
+  using Report = std::function<void(const LXUserInfo& userInfo)>;
+
+  DemoPanel(std::shared_ptr<VirtualMouse> mouse, Report report);
+
+  // What the slot (0..9) holds, in words and bytes.
+  QString describe(int slot) const;
+
+ private:
+  void unplug();
+  void plug();
+  void pressSlotButton();
+  void refresh();
+
+  std::shared_ptr<VirtualMouse> m_mouse;
+  Report m_report;
+  QPushButton* m_unplugBtn;
+  QPushButton* m_plugBtn;
+  QPushButton* m_slotBtn;
+  QComboBox* m_slotBox;
+  QPlainTextEdit* m_memory;
+};

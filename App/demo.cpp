@@ -1,0 +1,59 @@
+// NerinOption on a virtual mouse, with a panel beside it that plays the user's hands and the
+// background service. Keeps its library apart from that of the real program.
+
+#include <iostream>
+#include <memory>
+
+#include "Action/SupportFolder.h"
+#include "App/AppDelegate.h"
+#include "App/DemoNotificationCenter.h"
+#include "App/DemoPanel.h"
+#include "App/RealPlatform.h"
+#include "View/Termination.h"
+#include "VirtualMouse/VirtualDeviceRequester.h"
+
+namespace {
+
+int run(QApplication& application) {
+  prepareApplication(application);
+  auto center = std::make_shared<DemoNotificationCenter>();
+  const std::weak_ptr<DemoNotificationCenter> service = center;
+  LXPlatform platform = realPlatform(nullptr, std::move(center));
+  platform.bundleIdentifier = "com.corvex.NerinOptionDemo";
+  LXPlatform::install(platform);
+  NerinAction::getSysPath();
+  const auto mouse = std::make_shared<VirtualMouse>(std::filesystem::path(sysPath) / "mouse");
+  platform.deviceRequester = std::make_shared<VirtualDeviceRequester>(mouse);
+  LXPlatform::install(platform);
+  // Two owners, and the centre would not flush at the end.
+  platform = {};
+
+  AppDelegate delegate;
+  DemoPanel panel(mouse, [service](const LXUserInfo& userInfo) {
+    if (const auto centre = service.lock()) {
+      centre->report("NerinDevStatus", userInfo);
+    }
+  });
+  panel.show();
+  delegate.start();
+  if (termination::isTerminating()) {
+    return 0;
+  }
+  panel.move(delegate.window().frameGeometry().topRight() + QPoint(16, 0));
+  return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  QCoreApplication::setApplicationName(QStringLiteral("NerinOptionDemo"));
+  int code = 1;
+  try {
+    code = run(application);
+  } catch (const std::exception& error) {
+    std::cerr << "NerinOptionDemo: the virtual mouse cannot be used: " << error.what() << '\n';
+  }
+  LXPlatform::install({});
+  return code;
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <optional>
+
+// The notifications that stay inside the program.
+class LocalNotifications : public QObject {
+  Q_OBJECT
+
+ public:
+  static LocalNotifications& shared();
+
+  void post(const QString& name) { emit posted(name, {}, {}); }
+  void post(const QString& name, int type, const std::optional<QString>& value) {
+    emit posted(name, type, value);
+  }
+
+ signals:
+  void posted(const QString& name, std::optional<int> type, std::optional<QString> value);
+};
+
+namespace NerinAction {
+
+inline const QString notifyCloseWindow = QStringLiteral("Notify_CloseWindow_Event");
+inline const QString notifyOutPlus = QStringLiteral("Notify_OutPlus");
+inline const QString notifyOutPlusEnd = QStringLiteral("Notify_OutPlusEnd");
+inline const QString notifyShowTip = QStringLiteral("LXNotifyShowTipNameStr");
+inline const QString notifyHideTip = QStringLiteral("LXNotifyHideTipNameStr");
+
+// Tells the owner of a child window how it ended.
+void sendFinishWinMsg(int type, const std::optional<QString>& value);
+
+}  // namespace NerinAction

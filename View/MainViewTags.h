@@ -1,0 +1,32 @@
+#pragma once
+
+// The tags of the main window's buttons.
+enum MainViewTag : int {
+  TagReset = 100,
+  TagHome = 101,
+  TagHelp = 102,
+  TagClose = 103,
+  TagFirstSlot = 104,
+  TagNormalMode = 114,
+  TagBattleMode = 115,
+  TagMacros = 117,
+  TagProfileMenu = 118,
+  TagNew = 119,
+  TagDelete = 120,
+  TagDuplicate = 121,
+  TagImport = 122,
+  TagExport = 123,
+  TagPerformance = 124,
+  TagLight = 125,
+  TagLinkSwitch = 126,
+  TagLinkProgram = 127,
+  TagApply = 128,
+  TagOk = 129,
+  TagCancel = 130,
+  TagTopView = 131,
+  TagSideView = 132,
+  TagMenu = 133,
+  TagFirstHotSpot = 140,
+  TagLastHotSpot = 155,
+  TagLastSlot = 209,
+};

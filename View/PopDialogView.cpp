@@ -1,0 +1,150 @@
+#include "View/PopDialogView.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QKeyEvent>
+#include <utility>
+
+#include "ArtworkFrames.h"
+#include "Kit/Widgets/LXNoTitleWindow.h"
+#include "View/ControlFactory.h"
+#include "View/Frames.h"
+#include "View/NestedLoop.h"
+#include "View/Termination.h"
+
+namespace {
+
+namespace frames = Artwork::WarningNoDevice;
+constexpr QSize dialogSize(frames::screenWidth, frames::screenHeight);
+constexpr int dragStrip = 50;
+
+std::function<bool(const std::string&, bool)>& answererInUse() {
+  static std::function<bool(const std::string&, bool)> answerer;
+  return answerer;
+}
+
+// The window that the message belongs to: the topmost one of the program that is open.
+QWidget* owner() {
+  if (QWidget* modal = QApplication::activeModalWidget()) {
+    return modal;
+  }
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (window->isVisible() && qobject_cast<LXNoTitleWindow*>(window) != nullptr) {
+      return window;
+    }
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+PopDialogView::PopDialogView(const QSize& frame, std::string imageNameStr,
+                             std::optional<std::string> showStr, bool isChoose)
+    : TavImageView(frame),
+      m_imageNameStr(std::move(imageNameStr)),
+      m_showStr(std::move(showStr)),
+      m_isChoose(isChoose) {}
+
+void PopDialogView::initData2() {
+  setImageByName(QString::fromStdString(m_imageNameStr) + QStringLiteral("_Normal.png"));
+}
+
+void PopDialogView::initControls2() {
+  m_inPutTxt = NerinAction::AddLabTextField(frameRect(frames::inPutTxt), *this);
+  m_inPutTxt->setObjectName(QStringLiteral("inPutTxt"));
+  addOkBtnByRect(frameRect(frames::okBtn));
+  if (m_isChoose) {
+    addCancelBtnByRect(frameRect(frames::cancelBtn));
+  }
+  fillSettingData();
+}
+
+LXButton* PopDialogView::addButton(const QRect& rect, int tag, const char* name,
+                                   const char* tooltipKey) {
+  LXButton* button = NerinAction::AddButton(
+      rect, [this](LXButton& sender) { buttonAction(sender); }, {}, *this);
+  button->setTag(tag);
+  NerinAction::initTooltip(*button, QString::fromLatin1(name), tooltipKey);
+  return button;
+}
+
+void PopDialogView::addOkBtnByRect(const QRect& rect) {
+  m_okBtn = addButton(rect, okTag, "okBtn", "YES");
+}
+
+void PopDialogView::addCancelBtnByRect(const QRect& rect) {
+  m_cancelBtn = addButton(rect, cancelTag, "cancelBtn", "NO");
+}
+
+void PopDialogView::setTextRect(const QRect& rect) {
+  m_inPutTxt->setGeometry(rect);
+}
+
+void PopDialogView::setOkBtnRect(const QRect& rect) {
+  m_okBtn->setGeometry(rect);
+}
+
+void PopDialogView::setCancelBtnRect(const QRect& rect) {
+  if (m_cancelBtn != nullptr) {
+    m_cancelBtn->setGeometry(rect);
+  }
+}
+
+void PopDialogView::fillSettingData() {
+  m_inPutTxt->setText(QString::fromStdString(m_showStr.value_or("")));
+}
+
+void PopDialogView::buttonAction(LXButton& sender) {
+  if (sender.tag() == okTag || sender.tag() == cancelTag) {
+    emit ended(sender.tag() == okTag ? 1 : 0);
+  }
+}
+
+void PopDialogView::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      emit ended(1);
+      return;
+    case Qt::Key_Escape:
+      emit ended(m_isChoose ? 0 : 1);
+      return;
+    default:
+      TavImageView::keyPressEvent(event);
+  }
+}
+
+bool NerinAction::showPopView(const std::string& key, bool isChoose) {
+  if (termination::isTerminating()) {
+    return !isChoose;
+  }
+  const NestedLoop scope;
+  if (answererInUse()) {
+    return answererInUse()(key, isChoose);
+  }
+  QWidget* parent = owner();
+  LXNoTitleWindow window(dialogSize, parent);
+  window.setIsCanDrag(true);
+  window.setDragHeight(dragStrip);
+  window.setWindowModality(Qt::WindowModal);
+  window.setWindowTitle(QCoreApplication::applicationName());
+  auto* view = new PopDialogView(dialogSize, key, std::nullopt, isChoose);
+  view->construct();
+  window.setContentView(view);
+  int code = 0;
+  QEventLoop loop;
+  QObject::connect(view, &PopDialogView::ended, &loop, [&](int endCode) {
+    code = endCode;
+    loop.quit();
+  });
+  QObject::connect(&window, &LXNoTitleWindow::closed, &loop, &QEventLoop::quit);
+  window.center(parent);
+  window.show();
+  view->okBtn()->setFocus(Qt::OtherFocusReason);
+  loop.exec();
+  return !isChoose || code != 0;
+}
+
+void NerinAction::setPopViewAnswerer(std::function<bool(const std::string&, bool)> answerer) {
+  answererInUse() = std::move(answerer);
+}

@@ -1,0 +1,83 @@
+#include "View/TavImageView.h"
+
+#include <QEvent>
+#include <QFileInfo>
+#include <QPaintEvent>
+#include <QPainter>
+
+#include "View/Pictures.h"
+
+TavImageView::TavImageView(const QSize& frame, QWidget* parent)
+    : QWidget(parent), m_frmHeight(frame.height()) {
+  resize(frame);
+}
+
+void TavImageView::construct() {
+  constructControls();
+  finishConstruction();
+}
+
+void TavImageView::constructControls() {
+  initData();
+  initControls();
+}
+
+void TavImageView::finishConstruction() {
+  refreshData();
+  m_isConstructed = true;
+  viewDidMoveToSuperview();
+}
+
+void TavImageView::setImageByName(const QString& name) {
+  if (name.isEmpty()) {
+    return;
+  }
+  m_bgImage = pictures::load(name);
+  const QFileInfo file(name);
+  const qsizetype underscore = name.indexOf(u'_');
+  const QString stem = underscore < 0 ? file.completeBaseName() : name.left(underscore);
+  const QString extension = file.suffix();
+  m_overImage = getImageByName(stem, QStringLiteral("Over"), extension);
+  m_downImage = getImageByName(stem, QStringLiteral("Down"), extension);
+  m_disableImage = getImageByName(stem, QStringLiteral("Disable"), extension);
+  m_activeImage = getImageByName(stem, QStringLiteral("Active"), extension);
+  update();
+}
+
+LXImage TavImageView::getImageByName(const QString& stem, const QString& tag,
+                                     const QString& exeStr) {
+  return pictures::load(stem + u'_' + tag + u'.' + exeStr);
+}
+
+void TavImageView::setBgColor(const QColor& color) {
+  m_bgColor = color;
+  update();
+}
+
+void TavImageView::paintEvent(QPaintEvent* event) {
+  QPainter painter(this);
+  painter.fillRect(event->rect(), m_bgColor);
+  // Only what changed: the picture is large and a hovered button is small.
+  m_bgImage.slice(event->rect()).draw(painter, event->rect().topLeft());
+}
+
+bool TavImageView::event(QEvent* event) {
+  if (event->type() == QEvent::ParentChange) {
+    viewDidMoveToSuperview();
+  }
+  return QWidget::event(event);
+}
+
+void TavImageView::viewDidMoveToSuperview() {
+  if (!m_isConstructed) {
+    return;
+  }
+  const bool isPlaced = parentWidget() != nullptr;
+  if (isPlaced && !m_isAddNotify) {
+    m_isAddNotify = true;
+    initNotify();
+  } else if (!isPlaced && m_isAddNotify) {
+    m_isAddNotify = false;
+    deallocNotify();
+  }
+}

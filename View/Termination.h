@@ -1,0 +1,14 @@
+#pragma once
+
+// The end of the program, at every moment: before the main loop, inside a dialog, inside the main
+// loop.
+namespace termination {
+
+// Ends every loop that runs. What was posted reaches the bus first; after that nothing is sent any
+// more, neither to the mouse nor to the service.
+void terminate();
+bool isTerminating();
+// For tests: as if nothing had been ended.
+void revive();
+
+}  // namespace termination
