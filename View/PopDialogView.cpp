@@ -5,7 +5,9 @@
 #include <QKeyEvent>
 #include <utility>
 
+#include "Action/TooltipManager.h"
 #include "ArtworkFrames.h"
+#include "Kit/Core/LXAction.h"
 #include "Kit/Widgets/LXNoTitleWindow.h"
 #include "View/ControlFactory.h"
 #include "View/Frames.h"
@@ -47,6 +49,11 @@ PopDialogView::PopDialogView(const QSize& frame, std::string imageNameStr,
 
 void PopDialogView::initData2() {
   setImageByName(QString::fromStdString(m_imageNameStr) + QStringLiteral("_Normal.png"));
+  // The words are part of the picture, which nobody hears.
+  setAccessibleName(QString::fromStdString(
+      LXAction::getNonullStr(TooltipManager::shareTooltipManager().getTooltip(m_imageNameStr))));
+  setAccessibleDescription(QString::fromStdString(LXAction::getNonullStr(
+      TooltipManager::shareTooltipManager().getTooltip(m_imageNameStr + "Detail"))));
 }
 
 void PopDialogView::initControls2() {
@@ -127,9 +134,11 @@ bool NerinAction::showPopView(const std::string& key, bool isChoose) {
   window.setIsCanDrag(true);
   window.setDragHeight(dragStrip);
   window.setWindowModality(Qt::WindowModal);
-  window.setWindowTitle(QCoreApplication::applicationName());
   auto* view = new PopDialogView(dialogSize, key, std::nullopt, isChoose);
   view->construct();
+  window.setWindowTitle(QCoreApplication::applicationName());
+  window.setAccessibleName(view->accessibleName());
+  window.setAccessibleDescription(view->accessibleDescription());
   window.setContentView(view);
   int code = 0;
   QEventLoop loop;

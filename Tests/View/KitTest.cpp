@@ -179,6 +179,8 @@ TEST_F(Kit, OnlyAQuestionHasACancelButton) {
   EXPECT_EQ(question.cancelBtn()->tag(), 6001);
   EXPECT_EQ(question.okBtn()->tag(), 6000);
   EXPECT_EQ(notice.cancelBtn(), nullptr);
+  EXPECT_EQ(notice.accessibleName(), QStringLiteral("No profile is selected"));
+  EXPECT_EQ(notice.accessibleDescription(), QStringLiteral("Select a profile first"));
 }
 
 TEST_F(Kit, TheWheelsMarkerLightsItsThreeCaptions) {
