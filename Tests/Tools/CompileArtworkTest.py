@@ -14,6 +14,7 @@ ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)
 sys.path.insert(0, os.path.join(ROOT, "Tools"))
 sys.dont_write_bytecode = True
 
+import artwork_masters as masters  # noqa: E402
 import compile_artwork as compiler  # noqa: E402
 
 THEME_CSS = """
@@ -104,7 +105,7 @@ class CompilerTest(unittest.TestCase):
         self.write("Panel.svg", MASTER.replace(old, new))
 
     def screen(self):
-        return compiler.readScreens(self.folder)[1][0]
+        return masters.readScreens(self.folder)[1][0]
 
     def assertRefused(self, *parts):
         """The compiler as a program ends with 1 and says what is wrong with what."""
@@ -178,7 +179,7 @@ class Frames(CompilerTest):
         self.assertRefused("Panel.svg")
 
     def testTheHeaderHasThem(self):
-        theme, screens = compiler.readScreens(self.folder)
+        theme, screens = masters.readScreens(self.folder)
         text = compiler.header(theme, screens)
         self.assertIn("namespace Panel {", text)
         self.assertIn("inline constexpr Frame okBtn{4, 2, 16, 10, 3};", text)
@@ -227,7 +228,7 @@ class Variants(CompilerTest):
                                                "id=\"barView\" data-in=\"WarningA\""))
         self.write("screens.json", json.dumps({"Panel": {"variants": {
             "WarningA": ["okBtn", "barView"], "WarningB": ["okBtn"]}}}))
-        screens = compiler.readScreens(self.folder)[1]
+        screens = masters.readScreens(self.folder)[1]
         self.assertEqual([(screen.name, [control.name for control in screen.controls])
                           for screen in screens],
                          [("WarningA", ["okBtn", "barView"]), ("WarningB", ["okBtn"])])
@@ -245,7 +246,7 @@ class Pictures(CompilerTest):
         self.compile()
         self.assertEqual(sorted(os.listdir(self.output)), sorted(
             name + suffix + ".png" for suffix in ("", "@2x") for name in
-            ["Panel_" + state for state in compiler.STATES] + ["Line1"]))
+            ["Panel_" + state for state in masters.STATES] + ["Line1"]))
         self.assertEqual(self.picture("Panel_Normal.png")[:2], (40, 30))
         self.assertEqual(self.picture("Panel_Normal@2x.png")[:2], (80, 60))
 
@@ -265,7 +266,7 @@ class Pictures(CompilerTest):
         for text in ("OK</text>", "Title</text>"):
             self.assertIn(text, MASTER)
         without = ElementTree.fromstring(MASTER)
-        for element in without.findall(compiler.svgTag("text")):
+        for element in without.findall(masters.svgTag("text")):
             without.remove(element)
         self.write("Panel.svg", ElementTree.tostring(without, encoding="unicode"))
         self.compile()
@@ -296,7 +297,7 @@ class ShippedArtwork(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.theme, cls.screens = compiler.readScreens(os.path.join(ROOT, "Resources", "artwork"))
+        cls.theme, cls.screens = masters.readScreens(os.path.join(ROOT, "Resources", "artwork"))
 
     def testHasEveryScreen(self):
         self.assertEqual([screen.name for screen in self.screens][:4],
@@ -322,7 +323,7 @@ class Contrast(unittest.TestCase):
     """Words can be read on the surfaces that they stand on."""
 
     def setUp(self):
-        self.colours = compiler.readTheme(os.path.join(ROOT, "Resources", "artwork")).colours
+        self.colours = masters.readTheme(os.path.join(ROOT, "Resources", "artwork")).colours
 
     @staticmethod
     def luminance(colour):
