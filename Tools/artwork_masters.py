@@ -140,7 +140,8 @@ class Control:
 class Screen:
     """One master, or one variant of it: the drawing and what was read from it."""
 
-    def __init__(self, name, fileName, root, theme, expectedControls, expectedLines=()):
+    def __init__(self, name, fileName, root, theme, expectedControls, expectedLines=(),
+                 isSingle=False):
         self.name = name
         self.fileName = fileName
         self.root = root
@@ -156,6 +157,12 @@ class Screen:
         for state in self.states:
             if state not in STATES:
                 raise ArtworkError("%s: there is no state \"%s\"" % (fileName, state))
+        # A picture that has no states is named after its master alone.
+        self.isSingle = isSingle
+        if isSingle:
+            self.states = self.states[:1]
+        # The views of such screens show another picture as a whole when their state changes.
+        self.isWhole = root.get("data-whole") == "yes"
         self.elements = self.readIds()
         self.controls = self.readControls(expectedControls)
         self.lines = self.readLines(expectedLines)
@@ -240,7 +247,8 @@ class Screen:
         raise ArtworkError("%s: there is no control \"%s\"" % (where, name))
 
     def pointsOf(self, element):
-        """The corners of a connecting line, which consists of polylines and of uses of them."""
+        """The corners of a connecting line, which consists of polylines, of rectangles and
+        of uses of them."""
         if element.tag == svgTag("use"):
             target = (element.get("href") or element.get("{%s}href" % XLINK) or "")[1:]
             if target not in self.elements:
@@ -250,6 +258,10 @@ class Screen:
         if element.tag == svgTag("polyline"):
             numbers = numbersIn(element.get("points", ""))
             return list(zip(numbers[0::2], numbers[1::2]))
+        if element.tag == svgTag("rect"):
+            x, y, width, height = (float(element.get(name, "0"))
+                                   for name in ("x", "y", "width", "height"))
+            return [(x, y), (x + width, y + height)]
         return [point for child in element for point in self.pointsOf(child)]
 
     def readLines(self, expected):
@@ -299,8 +311,8 @@ class Screen:
             names = [name for name in classesOf(element) if name.startswith("word")]
             if len(names) != 1:
                 raise ArtworkError("%s needs one word class" % where)
-            # Pictures of the other states are only ever seen through the frames of controls.
-            states = self.states if control else self.states[:1]
+            # Pictures of the other states are mostly only seen through the frames of controls.
+            states = self.states if control or self.isWhole else self.states[:1]
             style = self.theme.wordStyle(names[0], states[0], where)
             words.append({
                 "key": key,
@@ -340,6 +352,9 @@ class Screen:
         root.insert(1, copy.deepcopy(self.theme.definitions))
         return root
 
+    def pictureName(self, state):
+        return self.name if self.isSingle else "%s_%s" % (self.name, state)
+
     @staticmethod
     def removeWhere(root, isUnwanted):
         for parent in list(root.iter()):
@@ -349,13 +364,14 @@ class Screen:
 
     def picture(self, state, withWords=False):
         """The drawing of a state without words and lines. Only the Normal picture is shown whole,
-        so the others hold nothing but the controls: small files that are quickly decoded."""
+        so the others hold nothing but the controls: small files that are quickly decoded. A
+        screen that changes as a whole has whole pictures in all states."""
         root = self.drawing(state)
         lines = {name for name, _ in self.lines}
         self.removeWhere(root, lambda element: element.get("id") in lines)
         if not withWords:
             self.removeWhere(root, lambda element: element.tag == svgTag("text"))
-        if state != self.states[0] and not withWords:
+        if state != self.states[0] and not withWords and not self.isWhole:
             clip = ElementTree.Element(svgTag("clipPath"), {"id": "controlFrames"})
             for control in self.controls:
                 if not control.overlay and not control.page:
@@ -436,11 +452,11 @@ def readScreens(folder):
         variants = content.get("variants")
         if variants is None:
             screens.append(Screen(stem, fileName, root, theme, content["controls"],
-                                  content.get("lines", ())))
+                                  content.get("lines", ()), content.get("single", False)))
         else:
             for variant, controls in variants.items():
                 copied = copy.deepcopy(root)
                 keepVariant(copied, variant)
                 screens.append(Screen(variant, "%s (%s)" % (fileName, variant), copied, theme,
-                                      controls))
+                                      controls, isSingle=content.get("single", False)))
     return theme, screens

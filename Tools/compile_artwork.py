@@ -80,7 +80,8 @@ def header(theme, screens):
                   "inline constexpr int screenHeight = %d;" % screen.height]
         lines += ["inline constexpr Frame %s%s;" % (control.name, braces(control.frame))
                   for control in screen.controls]
-        table("controls", [(control.name, control.name) for control in screen.controls])
+        if screen.controls:
+            table("controls", [(control.name, control.name) for control in screen.controls])
         if screen.lines:
             table("lines", [(name, braces(frame)) for name, frame in screen.lines])
         lines.append("}  // namespace %s" % screen.name)
@@ -133,7 +134,7 @@ def pictures(screens):
     """File name and drawing of every picture, at 1x."""
     for screen in screens:
         for state in screen.states:
-            yield "%s_%s" % (screen.name, state), screen.picture, (state,)
+            yield screen.pictureName(state), screen.picture, (state,)
         for name, _ in screen.lines:
             yield name, screen.linePicture, (name,)
 
@@ -182,7 +183,7 @@ def main(arguments=None):
         if options.preview:
             for screen in screens:
                 for state in screen.states:
-                    name = "%s_%s" % (screen.name, state)
+                    name = screen.pictureName(state)
                     if options.only is None or re.fullmatch(options.only, name):
                         render(screen.preview(state),
                                os.path.join(options.preview, name + ".png"), 1)

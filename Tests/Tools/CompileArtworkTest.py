@@ -186,6 +186,20 @@ class Frames(CompilerTest):
         self.assertIn("inline constexpr std::uint32_t glow = 0xFF0000;", text)
         self.assertIn("{\"Line1\", {0, 16, 35, 14, 0}},", text)
 
+    def testOfAPictureWithoutControlsAreNoTable(self):
+        self.write("screens.json", json.dumps({"Panel": {"controls": []}}))
+        self.write("Panel.svg", MASTER.replace("data-kind", "data-part")
+                   .replace("data-for=\"okBtn\" data-padding=\"2 2\"", "data-box=\"0 0 9 9\""))
+        theme, screens = masters.readScreens(self.folder)
+        text = compiler.header(theme, screens)
+        self.assertIn("namespace Panel {", text)
+        self.assertNotIn("> controls", text)
+
+    def testOfALineHoldItsRectangles(self):
+        self.change("<g id=\"Line1\">", "<g id=\"Line1\"><rect x=\"24\" y=\"4\" width=\"10\" "
+                    "height=\"8\"/>")
+        self.assertEqual(repr(self.screen().lines[0][1]), "0,0 39x30")
+
 
 class Words(CompilerTest):
     def testStandInTheirControlLessThePadding(self):
@@ -233,6 +247,20 @@ class Variants(CompilerTest):
                           for screen in screens],
                          [("WarningA", ["okBtn", "barView"]), ("WarningB", ["okBtn"])])
 
+    def testMayHaveTheNameOfTheirMaster(self):
+        self.write("Panel.svg", MASTER.replace("id=\"barView\"",
+                                               "id=\"barView\" data-in=\"Panel\""))
+        self.write("screens.json", json.dumps({"Panel": {"variants": {
+            "Panel": ["okBtn", "barView"], "PanelPlain": ["okBtn"]}}}))
+        self.assertEqual([screen.name for screen in masters.readScreens(self.folder)[1]],
+                         ["Panel", "PanelPlain"])
+
+    def testWithoutStatesHaveTheirOwnNames(self):
+        self.write("screens.json", json.dumps({"Panel": {"single": True, "variants": {
+            "IconA": ["okBtn", "barView"], "IconB": ["okBtn", "barView"]}}}))
+        screens = masters.readScreens(self.folder)[1]
+        self.assertEqual([name for name, _, _ in compiler.pictures(screens)], ["IconA", "IconB"])
+
 
 class Pictures(CompilerTest):
     def compile(self, folder="output"):
@@ -259,6 +287,19 @@ class Pictures(CompilerTest):
         self.compile()
         self.assertEqual(self.picture("Panel_Normal.png")[2][25][5], (0, 0, 0, 255))
         self.assertEqual(self.picture("Panel_Over.png")[2][25][5], (0, 0, 0, 0))
+
+    def testOfAScreenThatChangesAsAWholeAreWhole(self):
+        self.change("viewBox=\"0 0 40 30\">", "viewBox=\"0 0 40 30\" data-whole=\"yes\">")
+        self.compile()
+        self.assertEqual(self.picture("Panel_Over.png")[2][25][5], (0, 0, 0, 255))
+        self.assertEqual(list(self.screen().words[1]["colors"]), list(masters.STATES))
+
+    def testWithoutStatesHaveTheNameOfTheirMaster(self):
+        self.write("screens.json", json.dumps({"Panel": {
+            "single": True, "controls": ["okBtn", "barView"]}}))
+        self.compile()
+        self.assertEqual(sorted(os.listdir(self.output)), ["Panel.png", "Panel@2x.png"])
+        self.assertEqual(self.picture("Panel.png")[2][7][12], (0, 255, 0, 255))
 
     def testHaveNoWords(self):
         self.compile()
@@ -314,6 +355,102 @@ class ShippedArtwork(unittest.TestCase):
             if screen.name.startswith("Warning"):
                 self.assertEqual((screen.width, screen.height), (545, 155))
 
+    def frames(self, name):
+        """The size of a screen and the frames of its controls."""
+        screen = next(screen for screen in self.screens if screen.name == name)
+        return ((screen.width, screen.height),
+                {control.name: control.frame for control in screen.controls})
+
+    def testWindowsOfKeysAndLevelsHaveTheirSize(self):
+        self.assertEqual(self.frames("KeyAssignView")[0], (548, 359))
+        self.assertEqual(self.frames("PerformanceView")[0], (545, 493))
+        self.assertEqual(self.frames("PerformanceView")[1]["levelSelBtn"].width, 73)
+
+    def testPanelsFillTheirPlace(self):
+        for window, place, panel in (
+                ("KeyAssignView", "tkeyView", "SubTKeyView"),
+                ("KeyAssignView", "singleKeyView", "SubSingleKeyView"),
+                ("KeyAssignView", "sensitivityView", "SubSensitivityView"),
+                ("KeyAssignView", "sensitivityView", "SubSensitivityViewPlain"),
+                ("KeyAssignView", "launchProView", "SubLaunchProgramView"),
+                ("SubSensitivityView", "subView", "SubSensitivityViewSub"),
+                ("SubSensitivityViewSub", "enableXYTxt", "EnableXYText"),
+                ("SubSensitivityViewSub", "sliderView", "DpiSliderView"),
+                ("PerformanceView", "sliderView", "DpiSliderView"),
+                ("LevelSettingView", "sliderView", "DpiSliderViewXY")):
+            with self.subTest(window=window, panel=panel):
+                frame = self.frames(window)[1][place]
+                self.assertEqual((frame.width, frame.height), self.frames(panel)[0])
+
+    def testPanelsShareOnePlace(self):
+        places = self.frames("KeyAssignView")[1]
+        self.assertEqual(len({repr(places[name]) for name in (
+            "tkeyView", "singleKeyView", "sensitivityView", "launchProView")}), 1)
+
+    def testLevelsFillTheirPlaces(self):
+        for window in ("PerformanceView", "LevelSettingView"):
+            frames = self.frames(window)[1]
+            for number in range(1, 6):
+                frame = frames["level%d" % number]
+                for level in ("LevelView", "LevelXYView"):
+                    self.assertEqual((frame.width, frame.height), self.frames(level)[0])
+
+    def testKnobFitsIntoTheSliders(self):
+        knob = self.frames("Slider")[0]
+        for screen, slider in (("DpiSliderView", "dpiPro"), ("DpiSliderViewXY", "dpiXPro"),
+                               ("DpiSliderViewXY", "dpiYPro"), ("PerformanceView", "liftPro")):
+            self.assertGreaterEqual(self.frames(screen)[1][slider].height, knob[1])
+
+    def testMacroAndLightWindowsHaveTheirSize(self):
+        self.assertEqual(self.frames("MacroView")[0], (1048, 633))
+        self.assertEqual(self.frames("LightOptionView")[0], (678, 493))
+
+    def testInsertControlsThatComeAndGoFillTheirPlace(self):
+        places = self.frames("MacroView")[1]
+        for name, screen in (("insertIntBtn", "MacroInsertDelay"),
+                             ("insertAutoDelayChk", "MacroInsertAuto"),
+                             ("insertLgnoreDelayChk", "MacroInsertWithout")):
+            with self.subTest(name=name):
+                size, frames = self.frames(screen)
+                self.assertEqual((places[name].width, places[name].height), size)
+                self.assertEqual((frames[name].width, frames[name].height), size)
+
+    def testTheInsertButtonCoversThoseThatRecord(self):
+        places = self.frames("MacroView")[1]
+        cover, record, stop = (places[name] for name in
+                               ("insertIntBtn", "insertRecordBtn", "insertStopBtn"))
+        self.assertEqual((cover.x, cover.y, cover.height), (record.x, record.y, record.height))
+        self.assertEqual((cover.x + cover.width, cover.y, cover.height),
+                         (stop.x + stop.width, stop.y, stop.height))
+
+    def testTheCommandListShowsWholeRows(self):
+        self.assertEqual(self.frames("MacroView")[1]["commandTable"].height % 20, 0)
+
+    def testLightsFillTheStage(self):
+        stage = self.frames("LightOptionView")[1]["stageView"]
+        for number in range(1, 5):
+            self.assertEqual((stage.width, stage.height), self.frames("LightZone%d" % number)[0])
+
+    def testTheColourBarShowsWhatItsValuesGive(self):
+        with tempfile.TemporaryDirectory() as folder:
+            compiler.renderAll(self.screens, folder, 2, "ColorBar|LightOptionView_Normal")
+            width, height, rows = decoded(os.path.join(folder, "ColorBar.png"))
+            window = decoded(os.path.join(folder, "LightOptionView_Normal.png"))[2]
+        self.assertEqual((width, height), (40, 266))
+        self.assertEqual((rows[0][20][:3], rows[265][20][:3]), ((0, 0, 0), (255, 255, 255)))
+        self.assertEqual(len({row[20] for row in rows}), len(rows))
+        frame = self.frames("LightOptionView")[1]["colorBarView"]
+        half = self.frames("ColorKnob")[0][0] // 2
+        self.assertEqual(frame.width - 2 * half, height)
+        for value in range(height):
+            shown = window[frame.y + frame.height // 2][frame.x + half + value]
+            for one, other in zip(shown, rows[value][20]):
+                self.assertLessEqual(abs(one - other), 1, value)
+
+    def testPictureNamesAreUnique(self):
+        names = [name for name, _, _ in compiler.pictures(self.screens)]
+        self.assertEqual(len(names), len(set(names)))
+
     def testTypeHasThreeSizes(self):
         self.assertEqual({word["fontSize"] for screen in self.screens for word in screen.words},
                          {15, 12, 10.5})
@@ -340,7 +477,7 @@ class Contrast(unittest.TestCase):
     def testIsEnough(self):
         for word, surface in (("snow", "steel"), ("snow", "steelLit"), ("snow", "emberDeep"),
                               ("snow", "selection"), ("mist", "ink"), ("mist", "graphite"),
-                              ("mist", "steel"), ("ink", "paper")):
+                              ("mist", "steel"), ("ink", "paper"), ("emberLit", "ink")):
             with self.subTest(word=word, surface=surface):
                 self.assertGreaterEqual(self.ratio(word, surface), 4.5)
 
