@@ -1,6 +1,9 @@
 #include "Kit/Desktop/FilePanel.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QFileSystemModel>
+#include <QSortFilterProxyModel>
 #include <utility>
 
 namespace {
@@ -10,7 +13,49 @@ std::function<filepanel::Answer(const filepanel::Request&)>& answererInUse() {
   return answerer;
 }
 
-filepanel::Answer run(QFileDialog& dialog, const filepanel::Request& request) {
+bool isProgram(const QFileInfo& file) {
+  const QString suffix = file.suffix();
+  return file.isExecutable() || suffix == u"app" || suffix == u"desktop" || suffix == u"AppImage";
+}
+
+// Leaves folders and programs. No pattern of names could: most programs have no extension.
+class ProgramFilter : public QSortFilterProxyModel {
+ public:
+  using QSortFilterProxyModel::QSortFilterProxyModel;
+
+ protected:
+  bool filterAcceptsRow(int row, const QModelIndex& parent) const override {
+    const auto* files = qobject_cast<const QFileSystemModel*>(sourceModel());
+    const QFileInfo file = files->fileInfo(files->index(row, 0, parent));
+    return file.isDir() || isProgram(file);
+  }
+};
+
+class Panel : public QFileDialog {
+ public:
+  Panel(QWidget* parent, filepanel::Kind kind) : QFileDialog(parent), m_kind(kind) {
+    if (m_kind == filepanel::Kind::Program) {
+      // The desktop's own panel takes no filter.
+      setOption(QFileDialog::DontUseNativeDialog);
+      setProxyModel(new ProgramFilter(this));
+    }
+  }
+
+ protected:
+  // The name of another file can be typed; the panel stays then.
+  void accept() override {
+    const QStringList files = selectedFiles();
+    const QFileInfo file(files.isEmpty() ? QString() : files.constFirst());
+    if (m_kind != filepanel::Kind::Program || !file.isFile() || isProgram(file)) {
+      QFileDialog::accept();
+    }
+  }
+
+ private:
+  filepanel::Kind m_kind;
+};
+
+filepanel::Answer run(Panel& dialog, const filepanel::Request& request) {
   if (answererInUse()) {
     return answererInUse()(request);
   }
@@ -31,13 +76,13 @@ filepanel::Answer run(QFileDialog& dialog, const filepanel::Request& request) {
 }  // namespace
 
 filepanel::Answer filepanel::openFile(QWidget* parent, const Request& request) {
-  QFileDialog dialog(parent);
+  Panel dialog(parent, request.kind);
   dialog.setFileMode(QFileDialog::ExistingFile);
   return run(dialog, request);
 }
 
 filepanel::Answer filepanel::saveFile(QWidget* parent, const Request& request) {
-  QFileDialog dialog(parent);
+  Panel dialog(parent, request.kind);
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setFileMode(QFileDialog::AnyFile);
   dialog.setOption(QFileDialog::DontConfirmOverwrite);

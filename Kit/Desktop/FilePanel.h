@@ -12,12 +12,18 @@ class QWidget;
 // when the user cancelled.
 namespace filepanel {
 
+enum class Kind {
+  File,
+  Program,  // an application (".app", ".desktop", ".AppImage") or anything that can be executed
+};
+
 struct Request {
   bool isSave = false;
   std::filesystem::path folder{};  // where the panel starts
   std::string name{};              // proposed, for saving
   // Patterns of the names that can be chosen ("*.pro"); all names without one.
   std::vector<std::string> patterns{};
+  Kind kind = Kind::File;
 };
 
 using Answer = std::optional<std::filesystem::path>;

@@ -1,0 +1,17 @@
+#include "Kit/Desktop/KeyRepeat.h"
+
+#include <QGuiApplication>
+
+// Behind Qt's headers, because X's are full of macros.
+#include <X11/XKBlib.h>
+
+void keyrepeat::withoutReleases() {
+  auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
+  if (application == nullptr) {
+    return;
+  }
+  const auto* x11 = application->nativeInterface<QNativeInterface::QX11Application>();
+  if (x11 != nullptr && x11->display() != nullptr) {
+    XkbSetDetectableAutoRepeat(x11->display(), True, nullptr);
+  }
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QInputDevice>
+#include <QKeyEvent>
+#include <cstdint>
+
+// A key event as X and Wayland make it, the key told by its scan code. It has a keyboard of its
+// own, because Qt's needs an application object.
+inline QKeyEvent scannedEvent(QEvent::Type type, std::uint32_t scanCode,
+                              std::uint32_t nativeModifiers = 0, bool isAutoRepeat = false) {
+  static const QInputDevice keyboard;
+  return {type, Qt::Key_unknown, Qt::NoModifier, scanCode,
+          0,    nativeModifiers, QString(),      isAutoRepeat,
+          1,    &keyboard};
+}
+
+// The same by its evdev code.
+inline QKeyEvent nativeEvent(QEvent::Type type, std::uint32_t evdevCode,
+                             std::uint32_t nativeModifiers = 0, bool isAutoRepeat = false) {
+  return scannedEvent(type, evdevCode + 8, nativeModifiers, isAutoRepeat);
+}

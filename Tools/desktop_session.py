@@ -1,0 +1,425 @@
+"""A private desktop for the programs of this product: a display, a session bus and a window manager
+of their own, real clicks and keys, and pictures of what the screen shows. Nothing of the session
+that it is used from is seen inside, and nothing is left running behind it.
+
+Positions and sizes are pixels at 1x, as the masters have them, whatever the scale.
+"""
+
+import collections
+import mmap
+import os
+import re
+import shutil
+import signal
+import struct
+import subprocess
+import tempfile
+import time
+import zlib
+
+from gi.repository import Gio, GLib
+
+POLL_SECONDS = 0.02
+# How long a program may take to end before it is killed.
+STOP_SECONDS = 10
+# What a program may know of the outside besides what the desktop gives it.
+INHERITED = ("PATH", "TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")
+
+NOTIFICATION_PATH = "/com/corvex/NerinOption"
+NOTIFICATION_INTERFACE = "com.corvex.NerinOption.Notification"
+
+# Without folders of services nothing is started behind the programs' backs.
+BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:tmpdir=/tmp</listen>
+  %s
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+"""
+
+# member: the notification's name. object: its text. userInfo: {key: number}, None without one.
+Message = collections.namedtuple("Message", "member object userInfo")
+# A window that can be seen. Dialogs have the title of the program, so the size tells them apart.
+Window = collections.namedtuple("Window", "id title x y width height")
+# Rows of three bytes a pixel, in pixels of the screen.
+Picture = collections.namedtuple("Picture", "width height rgb")
+
+
+def wait_until(condition, timeout=30, what="something"):
+    """What the condition gives as soon as that is true. Raises TimeoutError, which says what was
+    waited for."""
+    end = time.monotonic() + timeout
+    while True:
+        result = condition()
+        if result:
+            return result
+        if time.monotonic() >= end:
+            raise TimeoutError("waited %g s for %s" % (timeout, what))
+        time.sleep(POLL_SECONDS)
+
+
+def frames(header):
+    """{screen: {control: (x, y, width, height)}} of the header that the artwork compiler writes."""
+    screens = {}
+    with open(header, encoding="utf-8") as file:
+        for line in file:
+            if opened := re.match(r"namespace (\w+) \{", line):
+                screens[opened[1]] = controls = {}
+            elif frame := re.match(
+                    r"inline constexpr Frame (\w+)\{(\d+), (\d+), (\d+), (\d+),", line):
+                controls[frame[1]] = tuple(int(number) for number in frame.groups()[1:])
+    return screens
+
+
+def middle(frame):
+    """Of a control's frame, where a click goes."""
+    x, y, width, height = frame
+    return x + width // 2, y + height // 2
+
+
+def crop(picture, frame):
+    """A part of a picture, the frame in the picture's own pixels."""
+    x, y, width, height = frame
+    rows = ((row * picture.width + x) * 3 for row in range(y, y + height))
+    return Picture(width, height,
+                   b"".join(picture.rgb[start:start + width * 3] for start in rows))
+
+
+def writePng(path, picture):
+    def chunk(kind, body):
+        return (struct.pack(">I", len(body)) + kind + body +
+                struct.pack(">I", zlib.crc32(kind + body)))
+
+    stride = picture.width * 3
+    rows = b"".join(b"\0" + picture.rgb[y * stride:(y + 1) * stride]
+                    for y in range(picture.height))
+    with open(path, "wb") as file:
+        file.write(b"\x89PNG\r\n\x1a\n" +
+                   chunk(b"IHDR", struct.pack(">IIBBBBB", picture.width, picture.height,
+                                              8, 2, 0, 0, 0)) +
+                   chunk(b"IDAT", zlib.compress(rows, 6)) + chunk(b"IEND", b""))
+
+
+class Listener:
+    """Hears the broadcast notifications on a bus."""
+
+    def __init__(self, address):
+        self._context = GLib.MainContext()
+        self._context.push_thread_default()
+        try:
+            self._connection = connect(address)
+            self._connection.signal_subscribe(
+                None, NOTIFICATION_INTERFACE, None, NOTIFICATION_PATH, None,
+                Gio.DBusSignalFlags.NONE, self._receive)
+            # The answer comes after the bus has taken the subscription.
+            callBus(self._connection, "GetId")
+        finally:
+            self._context.pop_thread_default()
+        self._messages = []
+
+    def _receive(self, _connection, _sender, _path, _interface, member, arguments):
+        heard = arguments.unpack()
+        self._messages.append(
+            Message(member, heard[0], heard[1] if len(heard) > 1 else None))
+
+    @property
+    def messages(self):
+        """All that was heard, in the order it came."""
+        while self._context.pending():
+            self._context.iteration(False)
+        return self._messages
+
+    def close(self):
+        self._connection.close_sync()
+
+
+def connect(address):
+    connection = Gio.DBusConnection.new_for_address_sync(
+        address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT |
+        Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION)
+    # The bus ends before the connection does, and that is no reason to end with it.
+    connection.set_exit_on_close(False)
+    return connection
+
+
+def callBus(connection, method, path="/org/freedesktop/DBus", interface="org.freedesktop.DBus",
+            arguments=None, name="org.freedesktop.DBus"):
+    answer = connection.call_sync(name, path, interface, method, arguments, None,
+                                  Gio.DBusCallFlags.NONE, 10000)
+    return answer.unpack()
+
+
+class DesktopSession:
+    """A context manager. Its files are below `folder`: the home folder, which is made anew, the
+    logs of what runs."""
+
+    def __init__(self, folder, size=(1500, 900), scale=1, language="en_US.UTF-8",
+                 accessibility=False):
+        self.folder = os.path.abspath(folder)
+        self.home = os.path.join(self.folder, "home")
+        self.size = size
+        self.scale = scale
+        self.language = language
+        self.accessibility = accessibility
+        self.environment = {}
+        self._children = []
+        self._programs = []
+        self._listeners = []
+        self._logs = {}
+        self._connection = None
+
+    # Beginning and end --------------------------------------------------------------------------
+
+    def __enter__(self):
+        shutil.rmtree(self.home, ignore_errors=True)
+        os.makedirs(self.home)
+        self._runtime = tempfile.mkdtemp(prefix="desktop-")
+        try:
+            self._startServices()
+        except BaseException:
+            self._end()
+            raise
+        return self
+
+    def __exit__(self, *_error):
+        self._end()
+
+    def _startServices(self):
+        self.environment = {name: os.environ[name] for name in INHERITED if name in os.environ}
+        self.environment.update(HOME=self.home, LANG=self.language, XDG_RUNTIME_DIR=self._runtime,
+                                QT_SCALE_FACTOR=str(self.scale))
+        width, height = (side * self.scale for side in self.size)
+        # Drawn into the picture the pointer would hide what it points at.
+        display = self._startTelling(
+            lambda end: ["Xvfb", "-displayfd", str(end), "-screen", "0",
+                         "%dx%dx24" % (width, height), "-nolisten", "tcp", "-noreset", "-nocursor",
+                         "-fbdir", self._runtime])
+        self.environment["DISPLAY"] = ":" + display
+        configuration = os.path.join(self._runtime, "bus.conf")
+        with open(configuration, "w", encoding="utf-8") as file:
+            file.write(BUS_CONFIGURATION %
+                       ("<standard_session_servicedirs/>" if self.accessibility else ""))
+        self.address = self._startTelling(
+            lambda end: ["dbus-daemon", "--config-file=" + configuration, "--nofork", "--nopidfile",
+                         "--print-address=%d" % end])
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.address
+        self._connection = connect(self.address)
+        if self.accessibility:
+            self._enableAccessibility()
+        with open(os.path.join(self._runtime, "Xvfb_screen0"), "rb") as file:
+            self._screen = mmap.mmap(file.fileno(), 0, prot=mmap.PROT_READ)
+        self._spawn(["openbox", "--sm-disable"])
+        wait_until(lambda: "window id" in self._run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
+                   30, "the window manager")
+
+    def _enableAccessibility(self):
+        callBus(self._connection, "Set", "/org/a11y/bus", "org.freedesktop.DBus.Properties",
+                GLib.Variant("(ssv)", ("org.a11y.Status", "IsEnabled",
+                                       GLib.Variant("b", True))), "org.a11y.Bus")
+
+    def _spawn(self, command, environment=None, **options):
+        name = os.path.basename(command[0])
+        number = sum(log.startswith(name) for log in self._logs.values()) + 1
+        log = "%s-%d.log" % (name, number)
+        with open(os.path.join(self.folder, log), "wb") as output:
+            # Everything ends with this process, however that ends.
+            child = subprocess.Popen(["setpriv", "--pdeathsig", "KILL", "--"] + command,
+                                     env=environment or self.environment, cwd=self.home,
+                                     stdin=subprocess.DEVNULL, stdout=output,
+                                     stderr=subprocess.STDOUT, **options)
+        self._logs[child] = log
+        self._children.append(child)
+        return child
+
+    def _startTelling(self, command):
+        """Starts what tells on a file descriptor where it listens. That line."""
+        reading, writing = os.pipe()
+        with os.fdopen(reading, "rb") as answer:
+            child = self._spawn(command(writing), pass_fds=[writing])
+            os.close(writing)
+            line = answer.readline().decode().strip()
+        if not line:
+            raise RuntimeError("%s did not start:\n%s" % (child.args[4], self.log(child)))
+        return line
+
+    def _end(self):
+        for listener in self._listeners:
+            listener.close()
+        if self._connection is not None:
+            self._connection.close_sync()
+        # The programs first, the display last.
+        for child in reversed(self._children):
+            self.stop(child)
+        self._endActivated()
+        shutil.rmtree(self._runtime, ignore_errors=True)
+
+    def _endActivated(self):
+        """Ends what the bus started, which nobody else knows: it has this desktop's home."""
+        ours = b"HOME=" + os.fsencode(self.home)
+        for entry in os.listdir("/proc"):
+            try:
+                with open("/proc/%s/environ" % entry, "rb") as file:
+                    if entry.isdigit() and ours in file.read().split(b"\0"):
+                        os.kill(int(entry), signal.SIGKILL)
+            except OSError:
+                continue
+
+    # Programs -----------------------------------------------------------------------------------
+
+    def start(self, program, *arguments, **environment):
+        child = self._spawn([os.path.abspath(program), *arguments], {**self.environment, **environment})
+        self._programs.append(child)
+        return child
+
+    def stop(self, process):
+        """Ends a program from outside, unless it has ended. Its exit code."""
+        if process.poll() is None:
+            process.terminate()
+            try:
+                process.wait(STOP_SECONDS)
+            except subprocess.TimeoutExpired:
+                process.kill()
+        return process.wait()
+
+    def log(self, process):
+        """What a program has written so far."""
+        with open(os.path.join(self.folder, self._logs[process]), encoding="utf-8",
+                  errors="replace") as file:
+            return file.read()
+
+    def _run(self, *command):
+        return subprocess.run(command, env=self.environment, capture_output=True, text=True,
+                              check=False).stdout
+
+    # Windows ------------------------------------------------------------------------------------
+
+    def windows(self, process=None):
+        """The windows that are seen, menus too, of one program or of all."""
+        processes = [process] if process else self._programs
+        ids = [window for owner in processes for window in self._run(
+            "xdotool", "search", "--onlyvisible", "--pid", str(owner.pid)).split()]
+        return [window for window in map(self._look, ids) if window]
+
+    def _look(self, window):
+        """What the display says of a window; nothing when it is gone."""
+        told = self._run("xwininfo", "-int", "-id", str(window))
+        title = re.search(r'Window id: \d+ "(.*)"$', told, re.MULTILINE)
+        place = [re.search(r"%s: +(-?\d+)" % key, told) for key in (
+            "Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")]
+        if not all(place):
+            return None
+        return Window(int(window), title[1] if title else "",
+                      *(int(side[1]) // self.scale for side in place))
+
+    def window(self, title, timeout=30, size=None):
+        """The window of this title, and of this size when more than one has it: its id."""
+        def look():
+            alive = any(program.poll() is None for program in self._programs)
+            for window in self.windows():
+                if window.title == title and size in (None, (window.width, window.height)):
+                    return window
+            if not alive:
+                raise RuntimeError("no program is left to show the window \"%s\"\n%s" % (
+                    title, "\n".join(self.log(program) for program in self._programs)))
+            return None
+
+        return wait_until(look, timeout, "the window \"%s\"%s" % (
+            title, " of %d x %d" % size if size else "")).id
+
+    def geometry(self, window):
+        """(x, y, width, height)."""
+        place = self._look(window)
+        if place is None:
+            raise RuntimeError("the window is gone")
+        return place.x, place.y, place.width, place.height
+
+    def activeWindow(self):
+        """The id of the window that has the keyboard; nothing when none has."""
+        answer = self._run("xdotool", "getactivewindow").strip()
+        return int(answer) if answer else None
+
+    def activate(self, window):
+        """Gives a window the keyboard, as the user's switching between windows does."""
+        self._run("xdotool", "windowactivate", str(window))
+        wait_until(lambda: self.activeWindow() == window, 30, "a window to get the keyboard")
+
+    # Hands --------------------------------------------------------------------------------------
+
+    def move(self, window, x, y):
+        self._run("xdotool", "mousemove", "--window", str(window), str(x * self.scale),
+                  str(y * self.scale))
+
+    def click(self, window, x, y, button=1):
+        self.move(window, x, y)
+        self._run("xdotool", "click", str(button))
+
+    def key(self, *keys):
+        """Keys as "Tab", "ctrl+s", or the code of a key, for the window that has the keyboard."""
+        self._run("xdotool", "key", *(str(key) for key in keys))
+
+    def type(self, text):
+        self._run("xdotool", "type", text)
+
+    # Pictures -----------------------------------------------------------------------------------
+
+    def picture(self, window=None):
+        """What the screen shows now, all of it or where the window is."""
+        size, _, _, _, width, height, _, order, _, _, _, bits, stride = struct.unpack_from(
+            ">13I", self._screen)
+        colours = struct.unpack_from(">I", self._screen, 76)[0]
+        if (order, bits) != (0, 32):
+            raise RuntimeError("the display has pixels of an unknown kind")
+        x, y = 0, 0
+        if window is not None:
+            x, y, wide, high = (side * self.scale for side in self.geometry(window))
+            left, top = max(0, x), max(0, y)
+            width, height = min(width, x + wide) - left, min(height, y + high) - top
+            x, y = left, top
+        rgb = bytearray(width * height * 3)
+        # Behind the header stand the colours of the map, 12 bytes each.
+        start = size + colours * 12 + y * stride + x * 4
+        for row in range(height):
+            line = self._screen[start + row * stride:start + row * stride + width * 4]
+            place = slice(row * width * 3, (row + 1) * width * 3)
+            pixels = bytearray(width * 3)
+            pixels[0::3], pixels[1::3], pixels[2::3] = line[2::4], line[1::4], line[0::4]
+            rgb[place] = pixels
+        return Picture(width, height, bytes(rgb))
+
+    def screenshot(self, path, window=None):
+        writePng(path, self.picture(window))
+
+    # The bus ------------------------------------------------------------------------------------
+
+    def signal(self, name, **numbers):
+        """Sends a broadcast notification."""
+        info = {key: GLib.Variant("i", number) for key, number in numbers.items()}
+        self._connection.emit_signal(None, NOTIFICATION_PATH, NOTIFICATION_INTERFACE, name,
+                                     GLib.Variant("(sa{sv})", ("", info)))
+        self._connection.flush_sync()
+
+    def isHearing(self, process):
+        """Whether a program has subscribed to the broadcast notifications: what is sent before is
+        lost."""
+        rules = callBus(self._connection, "GetAllMatchRules",
+                        interface="org.freedesktop.DBus.Debug.Stats")[0]
+        return any(self._processOf(name) == process.pid for name, matches in rules.items()
+                   if any(NOTIFICATION_INTERFACE in match for match in matches))
+
+    def _processOf(self, name):
+        try:
+            return callBus(self._connection, "GetConnectionUnixProcessID",
+                           arguments=GLib.Variant("(s)", (name,)))[0]
+        except GLib.Error:
+            return None
+
+    def listen(self):
+        listener = Listener(self.address)
+        self._listeners.append(listener)
+        return listener
