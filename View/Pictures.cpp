@@ -4,12 +4,17 @@
 #include <QFileInfo>
 #include <QFont>
 #include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QImageReader>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QPainter>
 #include <algorithm>
+#include <future>
+#include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "Action/TooltipManager.h"
@@ -19,10 +24,45 @@ namespace {
 
 constexpr qreal pointsPerInch = 72;
 // Smaller than this nobody reads; then the words are cut short.
-constexpr qreal smallestType = 8;
+constexpr int smallestType = 8;
 
 QString pathOf(const QString& fileName) {
   return QString::fromStdString(LXPlatform::current().resourceFolder.string()) + u'/' + fileName;
+}
+
+// The file for the screen that the program is on.
+QString scaledPathOf(const QString& path) {
+  if (qGuiApp != nullptr && qGuiApp->devicePixelRatio() > 1) {
+    const qsizetype dot = path.lastIndexOf(u'.');
+    const QString fine = path.left(dot) + QStringLiteral("@2x") + path.mid(dot);
+    if (QFileInfo::exists(fine)) {
+      return fine;
+    }
+  }
+  return path;
+}
+
+// In the form in which pictures are drawn, so that they need not be converted for it.
+QImage readNow(const QString& scaledPath) {
+  QImage image = QImageReader(scaledPath).read();
+  if (image.isNull()) {
+    return image;
+  }
+  image.convertTo(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                          : QImage::Format_RGB32);
+  image.setDevicePixelRatio(scaledPath.contains(u"@2x.") ? 2 : 1);
+  return image;
+}
+
+std::map<QString, std::future<QImage>>& prefetched() {
+  static std::map<QString, std::future<QImage>> images;
+  return images;
+}
+
+QImage read(const QString& path) {
+  const QString scaledPath = scaledPathOf(path);
+  auto found = prefetched().extract(scaledPath);
+  return found ? found.mapped().get() : readNow(scaledPath);
 }
 
 std::optional<QJsonObject>& loadedWords() {
@@ -61,7 +101,11 @@ Qt::Alignment alignmentOf(const QJsonObject& word) {
   if (name == u"center") {
     return Qt::AlignHCenter | Qt::AlignVCenter;
   }
-  return (name == u"right" ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
+  if (name == u"right") {
+    return Qt::AlignRight | Qt::AlignVCenter;
+  }
+  // A paragraph begins at its top, however many lines it has.
+  return Qt::AlignLeft | (word[u"wrap"].toBool() ? Qt::AlignTop : Qt::AlignVCenter);
 }
 
 // Other languages need more room than there may be: the type shrinks until the words fit.
@@ -69,8 +113,9 @@ QFont fittingFont(const QPixmap& picture, const QJsonObject& word, const QString
                   const QRectF& room, int flags) {
   const auto weight = word[u"fontWeight"].toInt(QFont::Normal);
   QFont font;
-  for (qreal size = word[u"fontSize"].toDouble(); size >= smallestType; size -= 0.5) {
-    font = pictures::font(size, weight);
+  // In halves of a pixel.
+  for (int size = qRound(word[u"fontSize"].toDouble() * 2); size >= smallestType * 2; --size) {
+    font = pictures::font(size / 2.0, weight);
     const QFontMetricsF metrics(font, &picture);
     const QRectF needed = metrics.boundingRect(room, flags, text);
     if (needed.width() <= room.width() && needed.height() <= room.height()) {
@@ -98,14 +143,17 @@ void drawWord(QPainter& painter, const QPixmap& picture, const QJsonObject& word
 }
 
 QPixmap loadNow(const QString& path, const QString& screen, const QString& state) {
-  QPixmap picture(path);
-  const QJsonArray words = allWords()[screen].toObject()[u"words"].toArray();
-  if (picture.isNull() || words.isEmpty()) {
+  QPixmap picture = QPixmap::fromImage(read(path));
+  const QJsonObject drawing = allWords()[screen].toObject();
+  const QJsonArray words = drawing[u"words"].toArray();
+  // A picture without a state stands alone; other names behind the "_" are pictures of their own.
+  const bool isOfDrawing = state.isEmpty() || drawing[u"states"].toArray().contains(state);
+  if (picture.isNull() || words.isEmpty() || !isOfDrawing) {
     return picture;
   }
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::TextAntialiasing);
-  for (const QJsonValue& word : words) {
+  for (const auto& word : words) {
     drawWord(painter, picture, word.toObject(), state);
   }
   return picture;
@@ -123,6 +171,13 @@ LXImage pictures::load(const QString& fileName) {
   const QString screen = stem.left(underscore < 0 ? stem.size() : underscore);
   const QString state = underscore < 0 ? QString() : stem.mid(underscore + 1);
   return LXImage([path, screen, state] { return loadNow(path, screen, state); });
+}
+
+void pictures::prefetch(const QStringList& fileNames) {
+  for (const QString& fileName : fileNames) {
+    const QString path = scaledPathOf(pathOf(fileName));
+    prefetched()[path] = std::async(std::launch::async, readNow, path);
+  }
 }
 
 QFont pictures::font(qreal pixels, int weight) {

@@ -58,7 +58,7 @@ void TavImageView::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
   painter.fillRect(event->rect(), m_bgColor);
   // Only what changed: the picture is large and a hovered button is small.
-  m_bgImage.slice(event->rect()).draw(painter, event->rect().topLeft());
+  m_bgImage.drawPart(painter, event->rect());
 }
 
 bool TavImageView::event(QEvent* event) {
