@@ -6,8 +6,10 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace {
 
@@ -18,6 +20,7 @@ constexpr std::int32_t attached = 101;
 
 constexpr int bytesPerLine = 8;
 constexpr int refreshMilliseconds = 250;
+constexpr int gap = 16;
 constexpr QSize panelSize(344, 720);
 
 QPushButton* button(const QString& text, const QString& name) {
@@ -99,6 +102,13 @@ void DemoPanel::pressSlotButton() {
   m_report({{"type", slotChanged}, {"value", next}});
   m_slotBox->setCurrentIndex(next);
   refresh();
+}
+
+void DemoPanel::standBeside(const QWidget& window) {
+  const QRect room = window.screen()->availableGeometry();
+  QRect place(window.frameGeometry().topRight() + QPoint(gap, 0), frameGeometry().size());
+  place.moveRight(std::min(place.right(), room.right()));
+  move(place.topLeft());
 }
 
 QString DemoPanel::describe(int slot) const {

@@ -22,6 +22,8 @@ class DemoPanel : public QWidget {
 
   DemoPanel(std::shared_ptr<VirtualMouse> mouse, Report report);
 
+  // Right of the window, or over its edge where the screen ends.
+  void standBeside(const QWidget& window);
   // What the slot (0..9) holds, in words and bytes.
   QString describe(int slot) const;
 

@@ -39,7 +39,7 @@ int run(QApplication& application) {
   if (termination::isTerminating()) {
     return 0;
   }
-  panel.move(delegate.window().frameGeometry().topRight() + QPoint(16, 0));
+  panel.standBeside(delegate.window());
   return QApplication::exec();
 }
 

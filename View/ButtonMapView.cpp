@@ -26,6 +26,11 @@ void ButtonMapView::initControls() {
   m_lineImgView = new LXImageView(this);
   m_lineImgView->setGeometry(m_map.lineFrame);
   m_lineImgView->setObjectName(QStringLiteral("lineImgView"));
+  // The pictures are as large as the map; only the line itself is kept, shown and repainted.
+  for (const Place& line : m_map.lines) {
+    m_lineImages.push_back(
+        pictures::load(text(line.name) + QStringLiteral(".png")).slice(line.frame));
+  }
   for (const Control& control : m_map.markers) {
     LXButton* marker = addButton(control);
     // A marker only points: it is in no one's way, and nothing to say.
@@ -97,7 +102,7 @@ void ButtonMapView::setLineImage() {
     m_lineImgView->setImage({});
     return;
   }
-  const Place& line = m_map.lines[static_cast<std::size_t>(m_currSelectedBtn - 1)];
-  m_lineImgView->setImage(pictures::load(text(line.name) + QStringLiteral(".png")),
-                          line.frame.topLeft() - m_lineImgView->pos());
+  const auto pair = static_cast<std::size_t>(m_currSelectedBtn - 1);
+  m_lineImgView->setImage(m_lineImages[pair],
+                          m_map.lines[pair].frame.topLeft() - m_lineImgView->pos());
 }

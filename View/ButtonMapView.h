@@ -2,6 +2,7 @@
 
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "Kit/Widgets/LXButton.h"
 #include "View/TavImageView.h"
@@ -64,5 +65,6 @@ class ButtonMapView : public TavImageView, public LXButtonDelegate {
   Map m_map;
   TavImageView* m_delegate = nullptr;
   LXImageView* m_lineImgView = nullptr;
+  std::vector<LXImage> m_lineImages;  // one for each pair
   int m_currSelectedBtn = 0;
 };

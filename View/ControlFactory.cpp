@@ -11,6 +11,8 @@ namespace {
 
 constexpr qreal captionSize = 12;
 constexpr int menuFontSize = 12;
+constexpr int listTitleLeftPad = 12;
+constexpr int listTitleRightPad = 32;
 
 QFont arial(int pixels) {
   QFont font(QStringLiteral("Arial"));
@@ -127,16 +129,35 @@ void NerinAction::refreshMenuListData(std::unique_ptr<LXMenulist>& menuList,
   menuList->setMenuWidth(width);
 }
 
-void NerinAction::showMenulistWithBtn(const LXButton& button, LXMenulist* menuList) {
+void NerinAction::showMenulistWithBtn(LXButton& button, LXMenulist* menuList) {
   if (menuList != nullptr) {
+    menuList->setOpener(&button);
+    button.setOpenedList(menuList);
     // Under the button, so that it still says what is chosen.
     menuList->showMenulist(button.mapToGlobal(QPoint(0, button.height())));
   }
 }
 
+LXButton* NerinAction::addListButton(const QRect& frame, TavImageView& parView, int tag,
+                                     const QString& name, const std::string& nameKey) {
+  LXButton* button = AddButton(
+      frame, [&parView](LXButton& sender) { parView.buttonAction(sender); }, {}, parView);
+  button->setTag(tag);
+  initTooltip(*button, name, "NoTooltip");
+  button->setAccessibleName(tooltipText(nameKey));
+  button->setBtnTextAlignment(Qt::AlignLeft);
+  button->setLeftPad(listTitleLeftPad);
+  button->setRightPad(listTitleRightPad);
+  return button;
+}
+
+QString NerinAction::tooltipText(const std::string& key) {
+  return QString::fromStdString(
+      TooltipManager::shareTooltipManager().getTooltip(key).value_or(key));
+}
+
 void NerinAction::initTooltip(LXButton& button, const QString& name,
                               const std::string& tooltipKey) {
   button.setObjectName(name);
-  const auto text = TooltipManager::shareTooltipManager().getTooltip(tooltipKey);
-  button.setToolTip(QString::fromStdString(text.value_or(tooltipKey)));
+  button.setToolTip(tooltipText(tooltipKey));
 }

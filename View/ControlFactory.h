@@ -40,12 +40,20 @@ LXProgressBar* AddProBar(const QRect& frame, LXProgressBar::Action setAction, Ta
 // A picture of the rectangle's size with that part of the source.
 LXImage GetImageFromRect(const LXImage& image, const QRect& srcRect);
 
+// A button of the view's own dispatch that opens a list and shows what is chosen in it: its title
+// leaves room for the arrow. `nameKey` is the text by which it is called, for who does not see it.
+LXButton* addListButton(const QRect& frame, TavImageView& parView, int tag, const QString& name,
+                        const std::string& nameKey);
+
 // Fills the list, and makes it at the first call; later calls change neither delegate nor width.
 // Without a node nothing happens.
 void refreshMenuListData(std::unique_ptr<LXMenulist>& menuList, LXMenulistDelegate* delegate,
                          const std::shared_ptr<LXTreeNode>& node, int width);
 // Opens the list where the button is.
-void showMenulistWithBtn(const LXButton& button, LXMenulist* menuList);
+void showMenulistWithBtn(LXButton& button, LXMenulist* menuList);
+
+// The text in the user's language; the key itself where there is none.
+QString tooltipText(const std::string& key);
 
 // Gives the control its name for the program and its tooltip, which is also what it is called
 // where nobody sees it.

@@ -3,6 +3,7 @@
 #include "View/MainView.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QShortcut>
 #include <algorithm>
 
@@ -31,6 +32,10 @@ namespace frames = Artwork::MainView;
 constexpr int profileMenuWidth = 188;
 constexpr int captionLeftPad = 12;
 constexpr int captionRightPad = 32;
+// Behind the sign of a program.
+constexpr int programLeftPad = 44;
+constexpr int programRightPad = 12;
+constexpr qreal programType = 12;
 constexpr int nameFieldPad = 8;
 
 ProfieController& library() {
@@ -130,7 +135,7 @@ MainView::MainView(QWidget* parent)
     : TavImageView({frames::screenWidth, frames::screenHeight}, parent) {}
 
 MainView::~MainView() {
-  deallocNotify();
+  MainView::deallocNotify();
 }
 
 int MainView::currentSlot() {
@@ -187,9 +192,15 @@ void MainView::initButtons() {
     NerinAction::initTooltip(*button, QString::fromLatin1(control.name), control.tooltipKey);
     this->*control.member = button;
   }
+  // The tooltip is another button's; the picture says "OK".
+  m_okBtn->setAccessibleName(localized("OK"));
   m_currProfileBtn->setBtnTextAlignment(Qt::AlignLeft);
   m_currProfileBtn->setLeftPad(captionLeftPad);
   m_currProfileBtn->setRightPad(captionRightPad);
+  m_linkProBtn->setBtnTextAlignment(Qt::AlignLeft);
+  m_linkProBtn->setLeftPad(programLeftPad);
+  m_linkProBtn->setRightPad(programRightPad);
+  m_linkProBtn->setBtnFont(pictures::font(programType, QFont::Medium));
 }
 
 void MainView::initNameField() {
@@ -255,6 +266,7 @@ void MainView::initMenu() {
   m_menu.addSeparator();
   m_menu.addAction(localized("Quit"), this, &MainView::closeAppPro)
       ->setObjectName(QStringLiteral("quitMenu"));
+  m_menuBtn->setOpenedList(&m_menu);
   connect(&m_menu, &QMenu::aboutToShow, this, &MainView::menuNeedsUpdate);
 }
 
@@ -307,13 +319,18 @@ void MainView::showName() {
 }
 
 void MainView::showTitle(const std::optional<std::string>& name) {
-  m_currProfileBtn->setTitle(QString::fromStdString(name.value_or("")));
+  const QString title = QString::fromStdString(name.value_or(""));
+  const QString& words = m_currProfileBtn->toolTip();
+  m_currProfileBtn->setTitle(title);
+  m_currProfileBtn->setAccessibleName(title.isEmpty() ? words
+                                                      : words + QStringLiteral(": ") + title);
 }
 
 void MainView::showLinkPath() {
   const QString path = QString::fromStdString(library().currActivePath().value_or(""));
   const QString words = localized("Link this profile to the program you selected.");
   m_linkProBtn->setToolTip(path.isEmpty() ? words : words + u'\n' + path);
+  m_linkProBtn->setTitle(path.isEmpty() ? localized("Choose program") : QFileInfo(path).fileName());
 }
 
 void MainView::refreshProfileMenu() {
@@ -413,8 +430,11 @@ void MainView::buttonAction(LXButton& sender) {
   }
 }
 
+// The field also loses the focus when its window goes, and then nobody meant to commit it.
 void MainView::onProfileTextChange() {
-  reNamePro();
+  if (!termination::isTerminating()) {
+    reNamePro();
+  }
 }
 
 void MainView::menuNeedsUpdate() {

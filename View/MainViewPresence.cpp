@@ -231,6 +231,9 @@ void MainView::outPlusePro() {
     closeAppPro();
     return;
   }
+  if (m_isAskingForMouse) {
+    return;
+  }
   m_isAskingForMouse = true;
   const bool waits = NerinAction::showPopView("WarningNoDevice", true);
   m_isAskingForMouse = false;

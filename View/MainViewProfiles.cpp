@@ -198,7 +198,8 @@ void MainView::reNamePro() {
 
 void MainView::showLaunchPro() {
   const NestedLoop scope;
-  const auto chosen = filepanel::openFile(this, {.folder = programsFolder()});
+  const auto chosen =
+      filepanel::openFile(this, {.folder = programsFolder(), .kind = filepanel::Kind::Program});
   if (!chosen || termination::isTerminating()) {
     return;
   }

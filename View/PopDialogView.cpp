@@ -38,6 +38,12 @@ QWidget* owner() {
   return nullptr;
 }
 
+// Who hears the button and who sees it call it the same.
+void setDrawnName(LXButton& button, const std::string& key) {
+  button.setAccessibleName(
+      QString::fromStdString(TooltipManager::shareTooltipManager().getTooltip(key).value_or(key)));
+}
+
 }  // namespace
 
 PopDialogView::PopDialogView(const QSize& frame, std::string imageNameStr,
@@ -59,7 +65,8 @@ void PopDialogView::initData2() {
 void PopDialogView::initControls2() {
   m_inPutTxt = NerinAction::AddLabTextField(frameRect(frames::inPutTxt), *this);
   m_inPutTxt->setObjectName(QStringLiteral("inPutTxt"));
-  addOkBtnByRect(frameRect(frames::okBtn));
+  // A button that stands alone stands where the second of two does.
+  addOkBtnByRect(frameRect(m_isChoose ? frames::okBtn : Artwork::WarningBattle::okBtn));
   if (m_isChoose) {
     addCancelBtnByRect(frameRect(frames::cancelBtn));
   }
@@ -77,10 +84,12 @@ LXButton* PopDialogView::addButton(const QRect& rect, int tag, const char* name,
 
 void PopDialogView::addOkBtnByRect(const QRect& rect) {
   m_okBtn = addButton(rect, okTag, "okBtn", "YES");
+  setDrawnName(*m_okBtn, "OK");
 }
 
 void PopDialogView::addCancelBtnByRect(const QRect& rect) {
   m_cancelBtn = addButton(rect, cancelTag, "cancelBtn", "NO");
+  setDrawnName(*m_cancelBtn, "Cancel");
 }
 
 void PopDialogView::setTextRect(const QRect& rect) {
@@ -149,7 +158,7 @@ bool NerinAction::showPopView(const std::string& key, bool isChoose) {
   QObject::connect(&window, &LXNoTitleWindow::closed, &loop, &QEventLoop::quit);
   window.center(parent);
   window.show();
-  view->okBtn()->setFocus(Qt::OtherFocusReason);
+  view->okBtn()->showFocus();
   loop.exec();
   return !isChoose || code != 0;
 }

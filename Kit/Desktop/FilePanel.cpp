@@ -81,6 +81,15 @@ filepanel::Answer filepanel::openFile(QWidget* parent, const Request& request) {
   return run(dialog, request);
 }
 
+filepanel::Answer filepanel::openProgram(QWidget* parent) {
+  std::error_code error;
+  const std::filesystem::path folder = "/Applications";
+  return openFile(
+      parent,
+      {.folder = std::filesystem::is_directory(folder, error) ? folder : "/usr/share/applications",
+       .kind = Kind::Program});
+}
+
 filepanel::Answer filepanel::saveFile(QWidget* parent, const Request& request) {
   Panel dialog(parent, request.kind);
   dialog.setAcceptMode(QFileDialog::AcceptSave);

@@ -30,6 +30,8 @@ using Answer = std::optional<std::filesystem::path>;
 
 // One file that is there.
 Answer openFile(QWidget* parent, const Request& request);
+// A program, from the folder where the system keeps them.
+Answer openProgram(QWidget* parent);
 // A path to write to; whether it may be replaced is not asked.
 Answer saveFile(QWidget* parent, const Request& request);
 

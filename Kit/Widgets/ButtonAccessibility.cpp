@@ -2,10 +2,21 @@
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QApplication>
 
 #include "Kit/Widgets/LXButton.h"
+#include "Kit/Widgets/LXMenulist.h"
+#include "Kit/Widgets/LXNoTitleWindow.h"
+#include "Kit/Widgets/MenulistAccessibility.h"
 
 namespace {
+
+// Another window takes all input for now. A click or a key would not arrive, so a press from a
+// screen reader must not either.
+bool isBlocked(const QWidget& widget) {
+  const QWidget* modal = QApplication::activeModalWidget();
+  return modal != nullptr && modal != widget.window();
+}
 
 class AccessibleButton final : public QAccessibleWidget {
  public:
@@ -18,8 +29,22 @@ class AccessibleButton final : public QAccessibleWidget {
     return m_button.isStepItem() ? QAccessible::RadioButton : QAccessible::Button;
   }
 
+  // The list that it opens is below it while it is open.
+  int childCount() const override { return openList() != nullptr ? 1 : 0; }
+  QAccessibleInterface* child(int index) const override {
+    return index == 0 ? QAccessible::queryAccessibleInterface(openList()) : nullptr;
+  }
+  int indexOfChild(const QAccessibleInterface* child) const override {
+    return child != nullptr && openList() != nullptr && child->object() == openList() ? 0 : -1;
+  }
+
   QAccessible::State state() const override {
     QAccessible::State state = QAccessibleWidget::state();
+    // What only points at something for the eye is no control, and has no name.
+    if (m_button.focusPolicy() == Qt::NoFocus && m_button.accessibleName().isEmpty()) {
+      state.invisible = true;
+    }
+    state.hasPopup = m_button.openedList() != nullptr;
     state.checkable = m_button.isCheckable();
     state.checked = m_button.isChecked();
     state.pressed = m_button.isDown();
@@ -27,7 +52,11 @@ class AccessibleButton final : public QAccessibleWidget {
   }
 
   QString text(QAccessible::Text kind) const override {
-    const QString text = QAccessibleWidget::text(kind);
+    QString text = QAccessibleWidget::text(kind);
+    // The tooltip is the description, and mostly the name too: it need not be said twice.
+    if (kind == QAccessible::Description && text == QAccessibleWidget::text(QAccessible::Name)) {
+      text.clear();
+    }
     return text.isEmpty() && kind == QAccessible::Name ? m_button.title() : text;
   }
 
@@ -39,19 +68,50 @@ class AccessibleButton final : public QAccessibleWidget {
   // Queued, because a press may open a dialog, and the screen reader waits for the answer.
   void doAction(const QString& actionName) override {
     if (actionName == pressAction() || actionName == toggleAction()) {
-      QMetaObject::invokeMethod(&m_button, &QAbstractButton::click, Qt::QueuedConnection);
+      QMetaObject::invokeMethod(
+          &m_button,
+          [button = &m_button] {
+            if (!isBlocked(*button)) {
+              button->click();
+            }
+          },
+          Qt::QueuedConnection);
       return;
     }
     QAccessibleWidget::doAction(actionName);
   }
 
  private:
+  QWidget* openList() const {
+    QWidget* list = m_button.openedList();
+    return list != nullptr && list->isVisible() ? list : nullptr;
+  }
+
   LXButton& m_button;
 };
 
+// A window without a frame is a window all the same, and one that keeps the others waiting a
+// dialog.
+class AccessibleWindow final : public QAccessibleWidget {
+ public:
+  explicit AccessibleWindow(LXNoTitleWindow* window) : QAccessibleWidget(window) {}
+
+  QAccessible::Role role() const override {
+    return widget()->windowModality() == Qt::NonModal ? QAccessible::Window : QAccessible::Dialog;
+  }
+};
+
 QAccessibleInterface* make(const QString& /*className*/, QObject* object) {
-  auto* button = qobject_cast<LXButton*>(object);
-  return button != nullptr ? new AccessibleButton(button) : nullptr;
+  if (auto* button = qobject_cast<LXButton*>(object)) {
+    return new AccessibleButton(button);
+  }
+  if (auto* list = qobject_cast<LXMenulist*>(object)) {
+    return new AccessibleMenulist(list);
+  }
+  if (auto* window = qobject_cast<LXNoTitleWindow*>(object)) {
+    return new AccessibleWindow(window);
+  }
+  return nullptr;
 }
 
 }  // namespace

@@ -2,8 +2,8 @@
 
 namespace buttonaccessibility {
 
-// Lets screen readers see the kit's buttons as what they are: buttons, check boxes, and the items
-// of a group of which one is selected. Once for the process.
+// Lets screen readers see the kit's controls as what they are: buttons, check boxes, the items of a
+// group of which one is selected, lists, windows and dialogs. Once for the process.
 void install();
 
 }  // namespace buttonaccessibility

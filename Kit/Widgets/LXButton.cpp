@@ -123,6 +123,11 @@ void LXButton::setBtnAtr(const QColor& color, const QFont& font, Qt::Alignment a
   setBtnTextAlignment(alignment);
 }
 
+void LXButton::showFocus() {
+  m_isFocusFromPointer = false;
+  setFocus(Qt::OtherFocusReason);
+}
+
 QSize LXButton::sizeHint() const {
   return m_images.normal.isNull() ? QSize(80, 24) : m_images.normal.size();
 }
@@ -168,7 +173,25 @@ void LXButton::leaveEvent(QEvent* event) {
   }
 }
 
+int LXButtonDelegate::pressType(const QMouseEvent& event, bool isDown) {
+  switch (event.button()) {
+    case Qt::LeftButton:
+      return isDown ? LeftDown : LeftUp;
+    case Qt::RightButton:
+      return isDown ? RightDown : RightUp;
+    default:
+      return isDown ? OtherDown : OtherUp;
+  }
+}
+
+void LXButton::report(QMouseEvent& event, bool isDown) {
+  if (m_isCaptureMouseEvent && m_delegate != nullptr) {
+    m_delegate->onMouseEvent(*this, event, LXButtonDelegate::pressType(event, isDown));
+  }
+}
+
 void LXButton::mousePressEvent(QMouseEvent* event) {
+  report(*event, true);
   if (event->button() == Qt::RightButton && m_rightAction) {
     m_isRightPressed = true;
     event->accept();
@@ -180,6 +203,7 @@ void LXButton::mousePressEvent(QMouseEvent* event) {
 }
 
 void LXButton::mouseReleaseEvent(QMouseEvent* event) {
+  report(*event, false);
   if (event->button() == Qt::RightButton && m_isRightPressed) {
     m_isRightPressed = false;
     if (rect().contains(event->position().toPoint())) {
@@ -201,7 +225,11 @@ void LXButton::keyPressEvent(QKeyEvent* event) {
 }
 
 void LXButton::focusInEvent(QFocusEvent* event) {
-  m_showsFocus = isFromKeyboard(event->reason());
+  // A window that comes back has the focus where it was, and shows it as it did.
+  if (event->reason() != Qt::ActiveWindowFocusReason) {
+    m_isFocusFromPointer = !isFromKeyboard(event->reason());
+  }
+  m_showsFocus = !m_isFocusFromPointer;
   QAbstractButton::focusInEvent(event);
 }
 

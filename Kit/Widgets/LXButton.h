@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QColor>
+#include <QPointer>
 #include <QString>
 #include <functional>
 
@@ -9,11 +10,25 @@
 
 class LXButton;
 
-// Hears how the pointer moves over a button.
+// Hears how the pointer moves over a button, and what is pressed there while the button captures
+// it.
 class LXButtonDelegate {
  public:
   // The kinds of reports.
-  enum MouseEventType { Entered = 1, Moved = 2, Left = 3 };
+  enum MouseEventType : int {
+    Entered = 1,
+    Moved = 2,
+    Left = 3,
+    LeftDown = 4,
+    LeftUp = 5,
+    RightDown = 6,
+    RightUp = 7,
+    OtherDown = 8,
+    OtherUp = 9,
+  };
+
+  // The kind of a press or release of a button of the mouse.
+  static int pressType(const QMouseEvent& event, bool isDown);
 
   virtual ~LXButtonDelegate() = default;
   virtual void onMouseEvent(LXButton& button, QEvent& event, int type) = 0;
@@ -56,6 +71,10 @@ class LXButton : public QAbstractButton {
   void setRightAction(Action action) { m_rightAction = std::move(action); }
   void setLXBtnDelege(LXButtonDelegate* delegate) { m_delegate = delegate; }
 
+  // Tells the delegate of every press and release, too. The button acts as ever.
+  void setIsCaptureMouseEvent(bool captures) { m_isCaptureMouseEvent = captures; }
+  bool isCaptureMouseEvent() const { return m_isCaptureMouseEvent; }
+
   void setIsEnable(bool isEnable) { setEnabled(isEnable); }
   void setIsCheckBox(bool isCheckBox);
   bool isCheckBox() const { return m_isCheckBox; }
@@ -80,6 +99,11 @@ class LXButton : public QAbstractButton {
   void setRightPad(int pixels);
   // Colour, font and alignment in one.
   void setBtnAtr(const QColor& color, const QFont& font, Qt::Alignment alignment);
+  // The list that the button opens.
+  void setOpenedList(QWidget* list) { m_openedList = list; }
+  QWidget* openedList() const { return m_openedList; }
+  // Gives the button the focus and shows it, in a window too that is not active yet.
+  void showFocus();
   // Corner radius of the focus ring.
   void setFocusRadius(int pixels) { m_focusRadius = pixels; }
 
@@ -98,6 +122,7 @@ class LXButton : public QAbstractButton {
 
  private:
   bool isSelected() const;
+  void report(QMouseEvent& event, bool isDown);
 
   StateImages m_images;
   Action m_action;
@@ -105,6 +130,7 @@ class LXButton : public QAbstractButton {
   LXButtonDelegate* m_delegate = nullptr;
   int m_tag = 0;
   int m_btnTag = 0;
+  bool m_isCaptureMouseEvent = false;
   bool m_isCheckBox = false;
   bool m_isStepItem = false;
   bool m_isNoanomaly = false;
@@ -112,9 +138,12 @@ class LXButton : public QAbstractButton {
   bool m_isLit = false;
   bool m_isRightPressed = false;
   bool m_showsFocus = false;
+  // Nobody has used the keyboard yet.
+  bool m_isFocusFromPointer = true;
   QColor m_color = Qt::white;
   Qt::Alignment m_alignment = Qt::AlignCenter;
   int m_leftPad = 0;
   int m_rightPad = 0;
   int m_focusRadius = 6;
+  QPointer<QWidget> m_openedList;
 };

@@ -85,14 +85,18 @@ void LXMenulist::choose(const QListWidgetItem* item) {
   m_delegate->onMenulistSelected(*this, chosen);
 }
 
+void LXMenulist::chooseCurrent() {
+  if (isVisible() && currentItem() != nullptr) {
+    choose(currentItem());
+  }
+}
+
 void LXMenulist::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
     case Qt::Key_Space:
-      if (currentItem() != nullptr) {
-        choose(currentItem());
-      }
+      chooseCurrent();
       return;
     case Qt::Key_Escape:
       hideMenulist();

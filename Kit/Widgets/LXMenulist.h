@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QListWidget>
+#include <QPointer>
 #include <memory>
 
 #include "Kit/Core/LXTreeNode.h"
@@ -35,6 +36,11 @@ class LXMenulist : public QListWidget {
   void showMenulist(const QPoint& position);
   void hideMenulist() { hide(); }
   bool isShowMenu() const { return isVisible(); }
+  // The button that opened it last.
+  void setOpener(QWidget* opener) { m_opener = opener; }
+  QWidget* opener() const { return m_opener; }
+  // As a click on the current entry of an open list does.
+  void chooseCurrent();
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
@@ -46,4 +52,5 @@ class LXMenulist : public QListWidget {
   std::shared_ptr<LXTreeNode> m_node;
   LXMenulistDelegate* m_delegate = nullptr;
   int m_width = 0;
+  QPointer<QWidget> m_opener;
 };

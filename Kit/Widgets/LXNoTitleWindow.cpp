@@ -4,12 +4,43 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScreen>
 #include <QWindow>
+
+namespace {
+
+class Shade : public QWidget {
+ public:
+  explicit Shade(QWidget* window) : QWidget(window) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setGeometry(window->rect());
+    hide();
+  }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override {
+    constexpr QColor halfBlack(0, 0, 0, 128);
+    QPainter(this).fillRect(event->rect(), halfBlack);
+  }
+};
+
+}  // namespace
 
 LXNoTitleWindow::LXNoTitleWindow(const QSize& contentSize, QWidget* parent)
     : QWidget(parent, Qt::Window | Qt::FramelessWindowHint) {
   setFixedSize(contentSize);
+  m_shade = new Shade(this);
+}
+
+bool LXNoTitleWindow::event(QEvent* event) {
+  if (event->type() == QEvent::WindowBlocked) {
+    m_shade->raise();
+    m_shade->show();
+  } else if (event->type() == QEvent::WindowUnblocked) {
+    m_shade->hide();
+  }
+  return QWidget::event(event);
 }
 
 void LXNoTitleWindow::setContentView(QWidget* view) {

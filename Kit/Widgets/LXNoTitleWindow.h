@@ -11,7 +11,8 @@ class LXWindowDelegate {
   virtual void windowWillClose(LXNoTitleWindow& window) = 0;
 };
 
-// A window without a frame. A strip at its top moves it. Owns its content.
+// A window without a frame. A strip at its top moves it. Owns its content, which is dimmed while
+// another window keeps this one waiting.
 class LXNoTitleWindow : public QWidget {
   Q_OBJECT
 
@@ -39,12 +40,14 @@ class LXNoTitleWindow : public QWidget {
   void menuRequested(const QPoint& position);
 
  protected:
+  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
   QWidget* m_content = nullptr;
+  QWidget* m_shade;
   LXWindowDelegate* m_delegate = nullptr;
   bool m_isCanDrag = false;
   bool m_closesOnEscape = false;

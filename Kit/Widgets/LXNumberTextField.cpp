@@ -1,5 +1,6 @@
 #include "Kit/Widgets/LXNumberTextField.h"
 
+#include <QKeyEvent>
 #include <QRegularExpressionValidator>
 #include <algorithm>
 
@@ -35,4 +36,15 @@ int LXNumberTextField::value() const {
 
 void LXNumberTextField::setValue(int value) {
   setText(QString::number(value));
+}
+
+void LXNumberTextField::keyPressEvent(QKeyEvent* event) {
+  const bool isUp = event->key() == Qt::Key_Up;
+  if (m_step == 0 || isReadOnly() || (!isUp && event->key() != Qt::Key_Down)) {
+    LXTextField::keyPressEvent(event);
+    return;
+  }
+  setValue(value() + (isUp ? m_step : -m_step));
+  setModified(true);
+  commit();
 }

@@ -17,6 +17,8 @@ class LXNumberTextField : public LXTextField {
   // In characters, the sign included.
   void setMaxLenth(int length) { setMaxLength(length); }
   void setHasNegative(bool hasNegative);
+  // How much the Up and Down keys add and take; 0 for nothing.
+  void setStep(int step) { m_step = step; }
   // Shows the number within its limits.
   void resetFormat();
 
@@ -27,8 +29,10 @@ class LXNumberTextField : public LXTextField {
 
  protected:
   void convert() override { resetFormat(); }
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
+  int m_step = 0;
   int m_maximum = 0;
   int m_minimum = 0;
 };

@@ -9,10 +9,12 @@ LXSetpPanelObj::LXSetpPanelObj(QObject* parent) : QObject(parent) {}
 
 void LXSetpPanelObj::addItem(LXButton* button, QWidget* panBox) {
   m_items.push_back({button, panBox});
-  button->setIsStepItem(true);
-  button->installEventFilter(this);
-  connect(button, &QAbstractButton::clicked, this,
-          [this, button] { selectindex(indexOf(button)); });
+  if (button != nullptr) {
+    button->setIsStepItem(true);
+    button->installEventFilter(this);
+    connect(button, &QAbstractButton::clicked, this,
+            [this, button] { selectindex(indexOf(button)); });
+  }
   show();
 }
 
@@ -49,9 +51,11 @@ void LXSetpPanelObj::show() {
   for (int index = 1; index <= itemCount(); ++index) {
     const Item& item = m_items[static_cast<std::size_t>(index - 1)];
     const bool isSelected = index == m_current;
-    item.button->setChecked(isSelected);
-    const bool isTabStop = isSelected || (m_current == 0 && index == 1);
-    item.button->setFocusPolicy(isTabStop ? Qt::StrongFocus : Qt::ClickFocus);
+    if (item.button != nullptr) {
+      item.button->setChecked(isSelected);
+      const bool isTabStop = isSelected || (m_current == 0 && index == 1);
+      item.button->setFocusPolicy(isTabStop ? Qt::StrongFocus : Qt::ClickFocus);
+    }
     if (item.panBox != nullptr) {
       item.panBox->setVisible(isSelected);
     }
@@ -76,7 +80,9 @@ bool LXSetpPanelObj::eventFilter(QObject* watched, QEvent* event) {
       return QObject::eventFilter(watched, event);
   }
   const int next = indexOf(watched) + step;
-  if (next >= 1 && next <= itemCount()) {
+  const bool isItem = next >= 1 && next <= itemCount();
+  // What is hidden cannot be chosen.
+  if (isItem && !m_items[static_cast<std::size_t>(next - 1)].button->isHidden()) {
     selectindex(next);
     // The delegate may have refused: the focus goes where the selection is.
     if (m_current >= 1) {

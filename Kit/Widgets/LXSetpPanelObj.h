@@ -23,7 +23,8 @@ class LXSetpPanelObj : public QObject {
  public:
   explicit LXSetpPanelObj(QObject* parent = nullptr);
 
-  // The view, if any, shows only while its button is selected.
+  // The view, if any, shows only while its item is selected. An item without a button is selected
+  // by the program alone.
   void addItem(LXButton* button, QWidget* panBox = nullptr);
   void setSetpDelegate(LXSetpPanelDelegate* delegate) { m_delegate = delegate; }
 

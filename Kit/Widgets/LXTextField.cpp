@@ -16,14 +16,20 @@ void LXTextField::setTextColor(const QColor& color) {
   setPalette(colors);
 }
 
+void LXTextField::setText(const QString& text) {
+  QLineEdit::setText(text);
+  m_settled = text;
+}
+
 void LXTextField::commit() {
-  if (isModified()) {
+  if (isModified() || text() != m_settled) {
     commitNow();
   }
 }
 
 void LXTextField::commitNow() {
   setModified(false);
+  m_settled = text();
   convert();
   if (m_action) {
     m_action(*this);
@@ -34,6 +40,7 @@ void LXTextField::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
     if (!isReadOnly()) {
       commitNow();
+      emit returnPressed();
     }
     return;
   }

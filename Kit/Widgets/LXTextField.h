@@ -18,6 +18,9 @@ class LXTextField : public QLineEdit {
   void setTextColor(const QColor& color);
   void setTag(int tag) { m_tag = tag; }
   int tag() const { return m_tag; }
+  // The program's own text, which is settled. What anybody else puts into the field, a screen
+  // reader too, still has to be committed.
+  void setText(const QString& text);
   // Commits what was typed since the last time; nothing when nothing was.
   void commit();
 
@@ -31,5 +34,6 @@ class LXTextField : public QLineEdit {
   void commitNow();
 
   Action m_action;
+  QString m_settled;
   int m_tag = 0;
 };

@@ -1,6 +1,10 @@
+#include <thread>
+
 #include <gmock/gmock.h>
 
+#include "Kit/Core/LXPlatform.h"
 #include "Tests/View/ViewTest.h"
+#include "View/LocalNotifications.h"
 #include "View/NestedLoop.h"
 #include "View/PlainChildView.h"
 #include "View/Termination.h"
@@ -12,7 +16,32 @@ using testing::Pair;
 
 namespace {
 
-class MainViewPresence : public ViewTest {};
+// Carries reports from another thread, as the bus does.
+class ThreadedCenter final : public LXNotificationCenter {
+ public:
+  void postNotificationName(const std::string&, const std::string&,
+                            const std::optional<LXUserInfo>&) override {}
+  void addObserver(const std::string& name, Observer observer) override {
+    observers[name] = std::move(observer);
+  }
+  void removeObserver(const std::string& name) override { observers.erase(name); }
+
+  void report(const LXUserInfo& userInfo) {
+    std::thread([&] { observers.at("NerinDevStatus")("", userInfo); }).join();
+  }
+  std::map<std::string, Observer> observers;
+};
+
+class MainViewPresence : public ViewTest {
+ protected:
+  std::shared_ptr<ThreadedCenter> useThreads() {
+    auto center = std::make_shared<ThreadedCenter>();
+    LXPlatform platform = LXPlatform::current();
+    platform.notificationCenter = center;
+    LXPlatform::install(platform);
+    return center;
+  }
+};
 
 }  // namespace
 
@@ -78,35 +107,6 @@ TEST_F(MainViewPresence, AChildWindowRefusesAnySlotChange) {
   EXPECT_EQ(library().currFWProfileIndex(), 2);
 }
 
-TEST_F(MainViewPresence, ChildWindowsHaveTheirSizesAndStrips) {
-  struct Child {
-    const char* opener;
-    QSize size;
-    int strip;
-  };
-  start();
-  for (const Child& one :
-       {Child{"MacroSettingBtn", {1048, 633}, 70}, Child{"lightOptionBtn", {678, 493}, 60},
-        Child{"preformanceBtn", {545, 493}, 45}, Child{"rightBtn", {548, 359}, 0}}) {
-    click(one.opener);
-    ASSERT_NE(child(), nullptr) << one.opener;
-    EXPECT_EQ(child()->size(), one.size) << one.opener;
-    EXPECT_EQ(child()->dragHeight(), one.strip) << one.opener;
-    child()->close();
-    process();
-  }
-  EXPECT_FALSE(isNeedSave);
-}
-
-TEST_F(MainViewPresence, WhatAChildEditedCanBeApplied) {
-  start();
-  click("preformanceBtn");
-  selProfile.poRate = (selProfile.poRate + 1) % 4;
-  child()->close();
-  EXPECT_TRUE(isNeedSave);
-  EXPECT_TRUE(button("applyBtn").isEnabled());
-}
-
 TEST_F(MainViewPresence, AReassignedButtonShowsItsNewCaption) {
   start();
   click("rightBtn");
@@ -117,16 +117,6 @@ TEST_F(MainViewPresence, AReassignedButtonShowsItsNewCaption) {
   child()->close();
   EXPECT_EQ(button("rightBtn").title(), button("WhellBtn").title());
   EXPECT_TRUE(isNeedSave);
-}
-
-TEST_F(MainViewPresence, RemovalUnderAChildAsksForARelaunchAndQuits) {
-  start();
-  click("MacroSettingBtn");
-  mouse().detach();
-  report(100);
-  EXPECT_THAT(messages(), Contains("121"));
-  EXPECT_THAT(m_asked, IsEmpty());
-  EXPECT_TRUE(termination::isTerminating());
 }
 
 TEST_F(MainViewPresence, RemovalDeclinedQuits) {
@@ -172,10 +162,155 @@ TEST_F(MainViewPresence, AReportUnderADialogIsHandledAfterIt) {
   EXPECT_EQ(library().currFWProfileIndex(), 6);
 }
 
+TEST_F(MainViewPresence, ARemovalUnderAPanelIsAskedAboutAfterIt) {
+  start();
+  m_answer = false;
+  m_duringPanel = [this] {
+    report(100);
+    EXPECT_TRUE(view().isOutPlus());
+    EXPECT_THAT(m_asked, IsEmpty());
+  };
+  click("linkProBtn");
+  process();
+  EXPECT_THAT(m_asked, ElementsAre(Pair("WarningNoDevice", true)));
+  EXPECT_TRUE(termination::isTerminating());
+}
+
 TEST_F(MainViewPresence, AReportWithoutNumbersIsIgnored) {
   start();
   view().devReportPro({});
   view().devReportPro({{"type", 1}});
   process();
   EXPECT_EQ(library().currFWProfileIndex(), 0);
+}
+
+TEST_F(MainViewPresence, ReportsOfAnotherThreadAreHandledOnTheMainOne) {
+  const auto center = useThreads();
+  start();
+  EXPECT_THAT(center->observers, testing::SizeIs(1));
+  mouse().pressSlotButton(6);
+  center->report({{"type", 1}, {"value", 6}});
+  EXPECT_EQ(library().currFWProfileIndex(), 0);
+  process();
+  EXPECT_EQ(library().currFWProfileIndex(), 6);
+  center->report({{"type", 101}, {"value", 0}});
+  EXPECT_TRUE(view().isDevOnTag());
+  m_answer = false;
+  center->report({{"type", 100}, {"value", 0}});
+  EXPECT_FALSE(view().isDevOnTag());
+  EXPECT_TRUE(view().isOutPlus());
+  EXPECT_THAT(m_asked, IsEmpty());
+  process();
+  EXPECT_THAT(m_asked, ElementsAre(Pair("WarningNoDevice", true)));
+}
+
+TEST_F(MainViewPresence, AWindowThatGoesObservesNoMore) {
+  const auto center = useThreads();
+  start();
+  center->report({{"type", 1}, {"value", 6}});
+  destroyWindow();
+  EXPECT_THAT(center->observers, IsEmpty());
+  process();
+  EXPECT_EQ(library().currFWProfileIndex(), 0);
+}
+
+TEST_F(MainViewPresence, AStartDoesNotTakeThePresenceForReported) {
+  start();
+  EXPECT_FALSE(view().isDevOnTag());
+  EXPECT_FALSE(view().isOutPlus());
+  EXPECT_THAT(m_asked, IsEmpty());
+}
+
+TEST_F(MainViewPresence, AReportedPresenceNeedsNoValue) {
+  start();
+  view().devReportPro({{"type", 101}});
+  EXPECT_TRUE(view().isDevOnTag());
+  view().devReportPro({{"value", 3}});
+  view().devReportPro({{"type", 102}, {"value", 3}});
+  process();
+  EXPECT_EQ(library().currFWProfileIndex(), 0);
+  EXPECT_TRUE(view().isDevOnTag());
+}
+
+TEST_F(MainViewPresence, OnlyPresenceCountsWhileARemovalIsHandled) {
+  start();
+  m_duringQuestion = [this] {
+    view().devReportPro({{"type", 1}, {"value", 6}});
+    view().devReportPro({{"type", 100}, {"value", 0}});
+    EXPECT_FALSE(view().isDevOnTag());
+    view().devReportPro({{"type", 101}, {"value", 0}});
+    EXPECT_TRUE(view().isDevOnTag());
+  };
+  report(100);
+  process();
+  EXPECT_THAT(m_asked, ElementsAre(Pair("WarningNoDevice", true)));
+  EXPECT_EQ(library().currFWProfileIndex(), 0);
+}
+
+TEST_F(MainViewPresence, ARemovalAtTheStartAsksOnce) {
+  mouse().detach();
+  m_duringQuestion = [this] {
+    view().devReportPro({{"type", 100}, {"value", 0}});
+    LocalNotifications::shared().post(QStringLiteral("Notify_OutPlusEnd"));
+    process();
+    mouse().attach();
+    view().devReportPro({{"type", 101}, {"value", 0}});
+  };
+  start();
+  EXPECT_THAT(m_asked, ElementsAre(Pair("WarningNoDevice", true)));
+  EXPECT_FALSE(termination::isTerminating());
+  EXPECT_FALSE(view().isOutPlus());
+}
+
+TEST_F(MainViewPresence, AChildThatEndedByRemovalLooksForTheMouse) {
+  start();
+  clearTrace();
+  LocalNotifications::shared().post(QStringLiteral("Notify_OutPlusEnd"));
+  EXPECT_THAT(m_asked, IsEmpty());
+  mouse().detach();
+  view().devReportPro({{"type", 101}});
+  m_answer = false;
+  LocalNotifications::shared().post(QStringLiteral("Notify_OutPlusEnd"));
+  EXPECT_THAT(m_asked, ElementsAre(Pair("WarningNoDevice", true)));
+  EXPECT_FALSE(view().isDevOnTag());
+  EXPECT_TRUE(termination::isTerminating());
+}
+
+TEST_F(MainViewPresence, TipsAreNoneOfItsBusiness) {
+  start();
+  clearTrace();
+  mouse().detach();
+  for (const char* name : {"LXNotifyShowTipNameStr", "LXNotifyHideTipNameStr", "Notify_OutPlus",
+                           "Notify_CloseWindow_Event"}) {
+    LocalNotifications::shared().post(QString::fromLatin1(name));
+  }
+  process();
+  EXPECT_THAT(m_asked, IsEmpty());
+  EXPECT_THAT(trace(), IsEmpty());
+}
+
+TEST_F(MainViewPresence, ASlotChangeAfterARefusedOneAsksAgain) {
+  start();
+  click("profileNewBtn");
+  click("MacroSettingBtn");
+  report(1, 4);
+  EXPECT_TRUE(button("profile1Btn").isChecked());
+  child()->close();
+  process();
+  m_answer = false;
+  chooseSlot(3);
+  EXPECT_THAT(m_asked, ElementsAre(Pair("WarningNeedSave", true)));
+}
+
+TEST_F(MainViewPresence, TheMousesOwnChangeIsMirroredAsEveryOther) {
+  start();
+  clearTrace();
+  mouse().pressSlotButton(4);
+  report(1, 4);
+  EXPECT_TRUE(hasSent("c40704"));
+  EXPECT_THAT(messages(), ElementsAre("111"));
+  clearTrace();
+  report(1, 4);
+  EXPECT_THAT(trace(), IsEmpty());
+  EXPECT_THAT(messages(), testing::SizeIs(1));
 }

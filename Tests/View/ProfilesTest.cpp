@@ -1,7 +1,6 @@
-#include <QApplication>
-
 #include <gmock/gmock.h>
 
+#include "Kit/Core/LXMenuData.h"
 #include "Kit/Widgets/LXMenulist.h"
 #include "Tests/View/ViewTest.h"
 
@@ -80,32 +79,6 @@ TEST_F(MainViewProfiles, DeleteAsksNothing) {
   EXPECT_THAT(namesIn(libraryFolder()), IsEmpty());
 }
 
-TEST_F(MainViewProfiles, RenameGoesToTheMouseAtOnce) {
-  start();
-  applyNew();
-  clearTrace();
-  typeName("Office");
-  EXPECT_EQ(mouse().slotName(0), "Office");
-  EXPECT_EQ(title(), "Office");
-  EXPECT_THAT(namesIn(libraryFolder()), ElementsAre("Office.pro"));
-}
-
-TEST_F(MainViewProfiles, RefusedNamesComeBack) {
-  start();
-  applyNew();
-  for (const std::string& name :
-       {std::string(), std::string("Profile#10"), std::string("profile#1"), std::string("a/b"),
-        std::string("a:b"), std::string("m\xC3\xBCll"), std::string(66, 'x')}) {
-    typeName(name);
-    EXPECT_EQ(shownName(), "NewPF_1") << name;
-    EXPECT_EQ(mouse().slotName(0), "NewPF_1") << name;
-  }
-  typeName("profile#11");
-  EXPECT_EQ(mouse().slotName(0), "profile#11");
-  typeName(std::string(65, 'x'));
-  EXPECT_EQ(mouse().slotName(0), std::string(65, 'x'));
-}
-
 TEST_F(MainViewProfiles, RenameToAnotherProfilesNameTakesAFreeOne) {
   start();
   applyNew();
@@ -164,14 +137,8 @@ TEST_F(MainViewProfiles, ChosenFromThePopUpABindsTheSlot) {
   click("profileNewBtn");
   click("applyBtn");
   click("currProfileBtn");
-  LXMenulist* list = nullptr;
-  for (QWidget* widget : QApplication::topLevelWidgets()) {
-    if (auto* found = qobject_cast<LXMenulist*>(widget)) {
-      list = found;
-    }
-  }
+  LXMenulist* list = openList();
   ASSERT_NE(list, nullptr);
-  ASSERT_TRUE(list->isShowMenu());
   EXPECT_EQ(list->count(), 2);
   EXPECT_EQ(list->menuWidth(), 188);
   emit list->itemClicked(list->item(0));
@@ -181,16 +148,34 @@ TEST_F(MainViewProfiles, ChosenFromThePopUpABindsTheSlot) {
   EXPECT_TRUE(isNeedSave);
 }
 
-TEST_F(MainViewProfiles, OsdSwitchesAndTellsTheService) {
+TEST_F(MainViewProfiles, TheListHasEveryProfileInOrderAndOnlyItsOwnEntriesCount) {
+  putProfile("b.pro", 9, "Beta");
+  putProfile("a.pro", 12, "Alpha");
   start();
-  view().menuNeedsUpdate();
-  auto* item = view().applicationMenu().findChild<QAction*>(QStringLiteral("osdMenu"));
-  ASSERT_NE(item, nullptr);
-  EXPECT_EQ(item->text(), QStringLiteral("Disable the OSD"));
-  EXPECT_EQ(item->data().toInt(), 2);
-  item->trigger();
-  EXPECT_FALSE(library().isOSD());
-  EXPECT_EQ(item->text(), QStringLiteral("Enable the OSD"));
-  EXPECT_EQ(item->data().toInt(), 1);
-  EXPECT_THAT(messages(), ElementsAre("110"));
+  ASSERT_EQ(profileNode->children().size(), 2U);
+  EXPECT_EQ(profileNode->children()[0]->nodeData()->titleStr(), "Beta");
+  EXPECT_EQ(profileNode->children()[1]->nodeData()->titleStr(), "Alpha");
+  click("currProfileBtn");
+  LXMenulist* list = openList();
+  ASSERT_NE(list, nullptr);
+  const auto foreign = std::make_shared<LXTreeNode>(std::make_shared<LXMenuData>());
+  view().onMenulistSelected(*list, foreign);
+  LXMenulist other(profileNode, 12);
+  view().onMenulistSelected(other, profileNode->children()[0]);
+  EXPECT_FALSE(isNeedSave);
+  EXPECT_EQ(title(), "");
+}
+
+TEST_F(MainViewProfiles, AnEmptyLibraryHasNothingToChooseFrom) {
+  start();
+  click("currProfileBtn");
+  EXPECT_EQ(openList(), nullptr);
+}
+
+TEST_F(MainViewProfiles, ResetBringsTheListUpToDate) {
+  start();
+  applyNew();
+  click("reDefBtn");
+  ASSERT_EQ(profileNode->children().size(), 1U);
+  EXPECT_EQ(profileNode->children()[0]->nodeData()->titleStr(), "Profile#1");
 }

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "Kit/Core/LXPlatform.h"
 #include "Tests/View/ViewTest.h"
 #include "View/Termination.h"
 
@@ -141,13 +142,35 @@ TEST_F(MainViewSlots, AfterTheEndNothingIsSent) {
   EXPECT_THAT(messages(), IsEmpty());
 }
 
-TEST_F(MainViewSlots, ResetOfTheSixthSlotDoesNothing) {
+TEST_F(MainViewSlots, OnlyTheFirstFiveSlotsCanBeReset) {
   start();
-  chooseSlot(6);
+  for (int slot = 10; slot >= 1; --slot) {
+    chooseSlot(slot);
+    m_asked.clear();
+    clearTrace();
+    click("reDefBtn");
+    EXPECT_EQ(m_asked.size(), slot <= 5 ? 1U : 0U) << slot;
+    EXPECT_EQ(trace().empty(), slot > 5) << slot;
+  }
+}
+
+TEST_F(MainViewSlots, ResetWithoutAFactoryProfileDoesNothing) {
+  const auto folder = home() / "resources";
+  std::filesystem::create_directories(folder);
+  for (const auto& entry : std::filesystem::directory_iterator(NERIN_RESOURCES)) {
+    if (entry.path().filename() != "Profile#1.pro") {
+      std::filesystem::create_symlink(entry.path(), folder / entry.path().filename());
+    }
+  }
+  LXPlatform platform = LXPlatform::current();
+  platform.resourceFolder = folder;
+  LXPlatform::install(platform);
+  start();
   clearTrace();
   click("reDefBtn");
-  EXPECT_THAT(m_asked, IsEmpty());
+  EXPECT_THAT(m_asked, ElementsAre(Pair("WarningReset", true)));
   EXPECT_THAT(trace(), IsEmpty());
+  EXPECT_EQ(library().getProfileCount(), 0U);
 }
 
 TEST_F(MainViewSlots, ResetAsksAndBringsTheFactoryProfileBack) {
@@ -186,17 +209,17 @@ TEST_F(MainViewSlots, BattleModeIsAnnouncedAndGoesToTheMouseAtOnce) {
   EXPECT_THAT(trace(), IsEmpty());
 }
 
-TEST_F(MainViewSlots, FillingABattleProfileAsksNothingButWrites) {
+TEST_F(MainViewSlots, NormalModeGoesToTheMouseWithoutAWarning) {
   start();
   click("battleModeBtn");
   click("applyBtn");
-  chooseSlot(2);
   m_asked.clear();
   clearTrace();
-  chooseSlot(1);
+  click("normalModeBtn");
   EXPECT_THAT(m_asked, IsEmpty());
-  EXPECT_TRUE(button("battleModeBtn").isChecked());
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_EQ(selProfile.modeType, 0U);
+  EXPECT_EQ(sent().size(), 5U);
+  EXPECT_TRUE(isNeedSave);
 }
 
 TEST_F(MainViewSlots, LinkSwitchIsAnEditThatApplyStores) {
@@ -215,22 +238,6 @@ TEST_F(MainViewSlots, LinkSwitchIsAnEditThatApplyStores) {
   EXPECT_TRUE(button("linkProChk").Checked());
 }
 
-TEST_F(MainViewSlots, EveryCaptionStandsForItsButton) {
-  constexpr const char* order[] = {"leftClickBtn", "rightBtn",  "WhellBtn",   "bomBtn2",
-                                   "bomBtn1",      "midleBtn1", "midleBtn2",  "rightBtn1",
-                                   "rightBtn2",    "rightBtn3", "leftBtn2",   "leftBtn4",
-                                   "leftBtn3",     "leftBtn1",  "WhellUpBtn", "WhellDownBtn"};
-  start();
-  for (int i = 0; i < 16; ++i) {
-    click(order[i]);
-    EXPECT_EQ(view().selBtnIndex(), i);
-    if (LXNoTitleWindow* open = child()) {
-      open->close();
-    }
-    process();
-  }
-}
-
 TEST_F(MainViewSlots, TheLastPrimaryClickCannotBeReassigned) {
   start();
   click("leftClickBtn");
@@ -242,15 +249,4 @@ TEST_F(MainViewSlots, TheLastPrimaryClickCannotBeReassigned) {
   EXPECT_TRUE(view().checkOnlyLeft(5));
   EXPECT_FALSE(view().checkOnlyLeft(-1));
   EXPECT_FALSE(view().checkOnlyLeft(16));
-}
-
-TEST_F(MainViewSlots, EveryControlHasANameAndATooltip) {
-  start();
-  for (const auto* one : view().findChildren<LXButton*>()) {
-    EXPECT_FALSE(one->objectName().isEmpty()) << one->tag();
-    const bool isMarker = one->tag() >= 157 && one->tag() <= 180;
-    EXPECT_EQ(one->accessibleName().isEmpty(), isMarker) << one->objectName().toStdString();
-  }
-  EXPECT_EQ(button("profile10Btn").tag(), 209);
-  EXPECT_EQ(button("reDefBtn").toolTip(), QStringLiteral("Reset this profile to system default"));
 }

@@ -1,21 +1,35 @@
 #include "Tests/View/ViewTest.h"
 
 #include <QApplication>
+#include <QTest>
+#include <QTimer>
 #include <algorithm>
 
 #include "Kit/Core/LXPlatform.h"
 #include "Kit/Widgets/ButtonAccessibility.h"
+#include "Kit/Widgets/LXMenulist.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/PopDialogView.h"
 #include "View/Termination.h"
 
 ViewTest::ViewTest() {
   termination::revive();
+  // A loop that another test ended would end every loop of this one.
+  QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+  QApplication::exec();
+  installSeams();
+}
+
+void ViewTest::installSeams() {
   LXPlatform platform = LXPlatform::current();
   platform.showInfoMessage = [this](const std::string& text) { m_shown.push_back(text); };
   platform.chooseInfoMessage = [this](const std::string& text) {
     m_shown.push_back(text);
     return m_answer;
+  };
+  platform.open = [this](const std::string& address) {
+    m_opened.push_back(address);
+    return true;
   };
   LXPlatform::install(platform);
   NerinAction::setPopViewAnswerer([this](const std::string& key, bool isChoose) {
@@ -27,6 +41,9 @@ ViewTest::ViewTest() {
   });
   filepanel::setAnswerer([this](const filepanel::Request& request) {
     m_panels.push_back(request);
+    if (m_duringPanel) {
+      m_duringPanel();
+    }
     return m_chosen;
   });
 }
@@ -52,6 +69,17 @@ void ViewTest::start() {
   process();
 }
 
+void ViewTest::startAgain() {
+  m_window.reset();
+  process();
+  endProgram();
+  termination::revive();
+  setPreferredLanguage(std::nullopt);
+  installSeams();
+  profileNode.reset();
+  start();
+}
+
 void ViewTest::process() {
   QCoreApplication::processEvents();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -66,15 +94,35 @@ LXButton& ViewTest::button(const char* name) {
   return *found;
 }
 
+LXTextField& ViewTest::nameField() {
+  return *m_view->findChild<LXTextField*>(QStringLiteral("profileNameTxt"));
+}
+
 void ViewTest::typeName(const std::string& name) {
-  auto* field = m_view->findChild<LXTextField*>(QStringLiteral("profileNameTxt"));
-  field->setText(QString::fromStdString(name));
-  field->setModified(true);
-  field->commit();
+  nameField().setText(QString::fromStdString(name));
+  nameField().setModified(true);
+  nameField().commit();
 }
 
 std::string ViewTest::shownName() {
-  return m_view->findChild<LXTextField*>(QStringLiteral("profileNameTxt"))->text().toStdString();
+  return nameField().text().toStdString();
+}
+
+QAction& ViewTest::menuItem(const char* name) {
+  auto* item = m_view->applicationMenu().findChild<QAction*>(QString::fromLatin1(name));
+  if (item == nullptr) {
+    throw std::runtime_error(std::string("no menu item ") + name);
+  }
+  return *item;
+}
+
+LXMenulist* ViewTest::openList() {
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (auto* list = qobject_cast<LXMenulist*>(widget); list != nullptr && list->isShowMenu()) {
+      return list;
+    }
+  }
+  return nullptr;
 }
 
 void ViewTest::report(std::int32_t type, std::int32_t value) {
@@ -105,10 +153,34 @@ LXNoTitleWindow* ViewTest::child() {
   return nullptr;
 }
 
+void ViewTest::clickThroughWindow(QWidget& widget, Qt::MouseButton button) {
+  QWidget* top = widget.window();
+  QTest::mouseClick(top->windowHandle(), button, {}, widget.mapTo(top, widget.rect().center()));
+  process();
+}
+
+void ViewTest::onDialog(std::function<void(LXNoTitleWindow&, PopDialogView&)> act) {
+  NerinAction::setPopViewAnswerer({});
+  QTimer::singleShot(0, qApp, [act = std::move(act)] {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      auto* window = qobject_cast<LXNoTitleWindow*>(widget);
+      auto* dialog = window != nullptr && window->isVisible()
+                         ? qobject_cast<PopDialogView*>(window->contentView())
+                         : nullptr;
+      if (dialog != nullptr) {
+        act(*window, *dialog);
+        return;
+      }
+    }
+  });
+}
+
 int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   testing::InitGoogleTest(&argc, argv);
   const QApplication application(argc, argv);
+  // The tests open and close windows; none of them is the last one of a program.
+  QApplication::setQuitOnLastWindowClosed(false);
   buttonaccessibility::install();
   return RUN_ALL_TESTS();
 }

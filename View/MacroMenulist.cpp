@@ -1,0 +1,50 @@
+#include "View/MacroMenulist.h"
+
+#include <memory>
+
+#include "Action/MacroCatalogue.h"
+#include "Action/MacroImage.h"
+#include "View/ControlFactory.h"
+
+namespace {
+
+constexpr int menuWidth = 195;
+
+std::unique_ptr<LXMenulist>& shared() {
+  static std::unique_ptr<LXMenulist> menu;
+  return menu;
+}
+
+}  // namespace
+
+void macromenulist::open(LXButton& button, LXMenulistDelegate* delegate) {
+  NerinAction::macroMenuRebuilt = [](const std::shared_ptr<LXTreeNode>& node) {
+    if (shared()) {
+      shared()->setMenuNode(node);
+    }
+  };
+  NerinAction::refreshMenuList();
+  NerinAction::refreshMenuListData(shared(), delegate, NerinAction::macroNode, menuWidth);
+  if (shared()) {
+    shared()->setDelegate(delegate);
+  }
+  NerinAction::showMenulistWithBtn(button, shared().get());
+}
+
+// It goes with its user: at the end of the program it would outlive the toolkit.
+void macromenulist::release(LXMenulistDelegate* delegate) {
+  if (shared() && shared()->menuDelegate() == delegate) {
+    NerinAction::macroMenuRebuilt = {};
+    shared().reset();
+  }
+}
+
+LXMenulist* macromenulist::list() {
+  return shared().get();
+}
+
+QString macromenulist::titleOf(const MacroInfo& macro) {
+  const std::string name = macro.nameStr().value_or("");
+  return name.starts_with(NerinAction::generatedMacroName) ? NerinAction::tooltipText("MACRO KEY")
+                                                           : QString::fromStdString(name);
+}

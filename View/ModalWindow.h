@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Kit/Widgets/LXNoTitleWindow.h"
+
+class ChildView;
+
+// A window over another one, which takes no input until this one ends. What the mouse reports
+// reaches the program meanwhile: its removal ends all windows.
+class ModalWindow : public LXNoTitleWindow {
+  Q_OBJECT
+
+ public:
+  // Owns the constructed view and takes its size. `over` is the window that it belongs to.
+  ModalWindow(ChildView* view, int dragHeight, const QString& title, QWidget* over);
+
+  // Shows the window until the view ends, and gives the code with which it did; 0 for a window that
+  // was closed.
+  int run();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  ChildView* m_view;
+};

@@ -1,0 +1,84 @@
+#include "View/SubLaunchProgramView.h"
+
+#include <QPainter>
+
+#include "Action/ProfieController.h"
+#include "ArtworkFrames.h"
+#include "Kit/Desktop/FilePanel.h"
+#include "Kit/Widgets/LXButton.h"
+#include "Kit/Widgets/LXTextField.h"
+#include "View/ControlFactory.h"
+#include "View/Frames.h"
+#include "View/NestedLoop.h"
+#include "View/Termination.h"
+
+namespace {
+
+namespace frames = Artwork::SubLaunchProgramView;
+
+constexpr std::uint32_t launchCode = 15;
+constexpr int textMargin = 12;
+
+}  // namespace
+
+SubLaunchProgramView::SubLaunchProgramView(QWidget* parent)
+    : KeyAssignSubView({frames::screenWidth, frames::screenHeight}, parent) {}
+
+void SubLaunchProgramView::initData() {
+  setImageByName(QStringLiteral("SubLaunchProgramView_Normal.png"));
+}
+
+void SubLaunchProgramView::initControls() {
+  auto* button = NerinAction::AddButton(
+      frameRect(frames::launchProBtn), [this](LXButton& sender) { buttonAction(sender); }, {},
+      *this);
+  button->setTag(TagLaunch);
+  NerinAction::initTooltip(*button, QStringLiteral("launchProBtn"), "Choose program");
+  m_pathTxt = NerinAction::AddLabTextField(frameRect(frames::pathTxt), *this);
+  m_pathTxt->setObjectName(QStringLiteral("pathTxt"));
+  m_pathTxt->setAccessibleName(NerinAction::tooltipText("Program"));
+  m_pathTxt->setTextMargins(textMargin, 0, textMargin, 0);
+}
+
+void SubLaunchProgramView::showPath(const QString& path) {
+  m_pathTxt->setText(path);
+  m_pathTxt->setToolTip(path);
+  m_pathTxt->setCursorPosition(0);
+}
+
+// Nothing is chosen yet, but what the button launches now is shown.
+void SubLaunchProgramView::fillSettingData() {
+  m_currLaunchPath.clear();
+  const bool launches = tmpBtnInfo().FuncTableId == launchCode;
+  const std::string_view path = launches ? textOf(tmpBtnInfo().app_path) : std::string_view();
+  showPath(QString::fromUtf8(path.data(), static_cast<qsizetype>(path.size())));
+}
+
+void SubLaunchProgramView::saveData() {
+  if (m_currLaunchPath.empty()) {
+    return;
+  }
+  _BTN_INFO& info = editedBtnInfo();
+  info.btnType = ButtonTypeLaunch;
+  info.FuncID = launchCode;
+  info.FuncTableId = launchCode;
+  // A path that the record has no room for is cut there; the preference keeps the whole of it.
+  setText(info.app_path, m_currLaunchPath);
+  ProfieController& library = ProfieController::getShareProCon();
+  library.setLaunchPath(m_currLaunchPath, library.currFWProfileIndex(), btnIndex());
+}
+
+void SubLaunchProgramView::buttonAction(LXButton& sender) {
+  if (sender.tag() == TagLaunch) {
+    choose();
+  }
+}
+
+void SubLaunchProgramView::choose() {
+  const NestedLoop scope;
+  const auto chosen = filepanel::openProgram(this);
+  if (chosen && !termination::isTerminating()) {
+    m_currLaunchPath = chosen->string();
+    showPath(QString::fromStdString(m_currLaunchPath));
+  }
+}

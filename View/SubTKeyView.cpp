@@ -1,0 +1,137 @@
+#include "View/SubTKeyView.h"
+
+#include <QTimer>
+#include <algorithm>
+
+#include "Action/FunctionCatalogue.h"
+#include "Action/MacroCatalogue.h"
+#include "ArtworkFrames.h"
+#include "Kit/Widgets/LXButton.h"
+#include "View/ControlFactory.h"
+#include "View/Frames.h"
+#include "View/MacroMenulist.h"
+#include "View/ModalWindow.h"
+#include "View/Termination.h"
+#include "View/TkeyRepeatView.h"
+
+namespace {
+
+namespace frames = Artwork::SubTKeyView;
+
+constexpr std::uint32_t macroCode = 6;
+constexpr std::uint32_t playOnce = 1;
+constexpr std::int32_t repeatByCount = 2;
+constexpr int repeatMenuWidth = 264;
+// The list closes first.
+constexpr int countDelayMilliseconds = 100;
+constexpr std::uint32_t largestCount = 9999;
+
+}  // namespace
+
+SubTKeyView::SubTKeyView(QWidget* parent)
+    : KeyAssignSubView({frames::screenWidth, frames::screenHeight}, parent) {}
+
+SubTKeyView::~SubTKeyView() {
+  macromenulist::release(this);
+}
+
+void SubTKeyView::initData() {
+  setImageByName(QStringLiteral("SubTKeyView_Normal.png"));
+}
+
+void SubTKeyView::initControls() {
+  m_tkeySelBtn = NerinAction::addListButton(frameRect(frames::tkeySelBtn), *this, TagMacro,
+                                            QStringLiteral("tkeySelBtn"), "Macro");
+  NerinAction::initTooltip(*m_tkeySelBtn, QStringLiteral("tkeySelBtn"), "Select a macro");
+  m_repeatSelBtn = NerinAction::addListButton(frameRect(frames::repeatSelBtn), *this, TagRepeat,
+                                              QStringLiteral("repeatSelBtn"), "Repeat");
+  NerinAction::refreshMenuListData(m_repeatList, this, NerinAction::repeatMenuNode,
+                                   repeatMenuWidth);
+}
+
+void SubTKeyView::showRepeat() {
+  m_repeatSelBtn->setTitle(QString::fromStdString(
+      NerinAction::getMenuNameByFunTableId(static_cast<std::int32_t>(m_macroType),
+                                           NerinAction::repeatMenuNode)
+          .value_or("")));
+}
+
+void SubTKeyView::fillSettingData() {
+  const _BTN_INFO& info = tmpBtnInfo();
+  const bool isMacro = info.FuncTableId == macroCode;
+  m_selMacroInfo =
+      isMacro ? NerinAction::getMacroById(static_cast<std::int32_t>(info.MacroID)) : nullptr;
+  m_tkeySelBtn->setTitle(m_selMacroInfo ? macromenulist::titleOf(*m_selMacroInfo) : QString());
+  m_macroType = isMacro ? info.KeyBit[0] : 0;
+  m_macroCount = isMacro ? info.KeyBit[1] : 0;
+  if (isMacro) {
+    showRepeat();
+  } else {
+    m_repeatSelBtn->setTitle({});
+  }
+}
+
+void SubTKeyView::saveData() {
+  _BTN_INFO& info = editedBtnInfo();
+  info.FuncID = macroCode;
+  info.FuncTableId = macroCode;
+  info.KeyBit[0] = m_macroType;
+  info.KeyBit[1] = m_macroCount;
+  info.MacroID = m_selMacroInfo ? static_cast<std::uint32_t>(m_selMacroInfo->macroId()) : 0;
+  info.btnType = ButtonTypeMacro;
+}
+
+void SubTKeyView::closePopMenu() {
+  macromenulist::release(this);
+  if (m_repeatList) {
+    m_repeatList->hideMenulist();
+  }
+}
+
+void SubTKeyView::buttonAction(LXButton& sender) {
+  if (sender.tag() == TagMacro) {
+    macromenulist::open(sender, this);
+  } else if (sender.tag() == TagRepeat) {
+    NerinAction::showMenulistWithBtn(sender, m_repeatList.get());
+  }
+}
+
+void SubTKeyView::onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) {
+  const auto entry = std::dynamic_pointer_cast<MenuInfo>(selNode->nodeData());
+  if (!entry) {
+    return;
+  }
+  if (&list != m_repeatList.get()) {
+    m_selMacroInfo = entry->macroInfo();
+    m_tkeySelBtn->setTitle(QString::fromStdString(entry->titleStr()));
+    if (m_macroType == 0) {
+      m_macroType = playOnce;
+      showRepeat();
+    }
+    return;
+  }
+  m_repeatSelBtn->setTitle(QString::fromStdString(entry->titleStr()));
+  m_macroType = static_cast<std::uint32_t>(entry->functionTableID());
+  if (entry->functionID() == repeatByCount) {
+    QTimer::singleShot(countDelayMilliseconds, this, &SubTKeyView::showLoopFrm);
+  }
+}
+
+void SubTKeyView::showLoopFrm() {
+  if (m_isShowSubMode || !isVisible() || termination::isTerminating()) {
+    return;
+  }
+  m_isShowSubMode = true;
+  auto* view = new TkeyRepeatView;
+  view->construct();
+  view->setRepeatCount(static_cast<int>(std::min(m_macroCount, largestCount)));
+  ModalWindow dialog(view, TkeyRepeatView::dragHeight, NerinAction::tooltipText("Repeat count"),
+                     window());
+  view->makeTxtFirstRes();
+  if (dialog.run() == 1) {
+    m_macroCount = static_cast<std::uint32_t>(view->repeatCount());
+  }
+  window()->raise();
+  window()->activateWindow();
+  m_isShowSubMode = false;
+}

@@ -1,0 +1,85 @@
+#include "View/TkeyRepeatView.h"
+
+#include "ArtworkFrames.h"
+#include "Kit/Widgets/LXButton.h"
+#include "Kit/Widgets/LXNumberTextField.h"
+#include "View/ControlFactory.h"
+#include "View/Frames.h"
+#include "View/LocalNotifications.h"
+
+namespace {
+
+namespace frames = Artwork::TkeyRepeatView;
+
+constexpr int largestCount = 9999;
+constexpr int countDigits = 4;
+
+}  // namespace
+
+TkeyRepeatView::TkeyRepeatView() : ChildView({frames::screenWidth, frames::screenHeight}) {}
+
+void TkeyRepeatView::initData() {
+  setImageByName(QStringLiteral("TkeyRepeatView_Normal.png"));
+}
+
+void TkeyRepeatView::initControls() {
+  m_repeatEdt = NerinAction::AddNumTextField(frameRect(frames::repeatEdt), *this, largestCount, 0,
+                                             countDigits, false);
+  m_repeatEdt->setObjectName(QStringLiteral("repeatEdt"));
+  m_repeatEdt->setAccessibleName(NerinAction::tooltipText("Repeat count"));
+  m_repeatEdt->setAlignment(Qt::AlignCenter);
+  m_repeatEdt->setStep(1);
+  connect(m_repeatEdt, &QLineEdit::returnPressed, this, &TkeyRepeatView::confirm);
+  struct Button {
+    QRect frame;
+    int tag;
+    const char* name;
+    const char* tooltipKey;
+  };
+  for (const Button& one : {Button{frameRect(frames::okBtn), TagOk, "okBtn", "YES"},
+                            Button{frameRect(frames::cancelBtn), TagCancel, "cancelBtn", "NO"}}) {
+    LXButton* button = NerinAction::AddButton(
+        one.frame, [this](LXButton& sender) { buttonAction(sender); }, {}, *this);
+    button->setTag(one.tag);
+    NerinAction::initTooltip(*button, QString::fromLatin1(one.name), one.tooltipKey);
+  }
+  setRepeatCount(m_repeatCount);
+}
+
+void TkeyRepeatView::initNotify() {
+  connect(&LocalNotifications::shared(), &LocalNotifications::posted, this,
+          [this](const QString& name) {
+            if (name == NerinAction::notifyOutPlus) {
+              endWindow(0);
+            }
+          });
+}
+
+void TkeyRepeatView::deallocNotify() {
+  disconnect(&LocalNotifications::shared(), nullptr, this, nullptr);
+}
+
+void TkeyRepeatView::setRepeatCount(int repeatCount) {
+  m_repeatCount = repeatCount;
+  if (m_repeatEdt != nullptr) {
+    m_repeatEdt->setValue(repeatCount);
+  }
+}
+
+void TkeyRepeatView::makeTxtFirstRes() {
+  m_repeatEdt->setFocus(Qt::OtherFocusReason);
+  m_repeatEdt->selectAll();
+}
+
+void TkeyRepeatView::confirm() {
+  m_repeatCount = m_repeatEdt->value();
+  endWindow(1);
+}
+
+void TkeyRepeatView::buttonAction(LXButton& sender) {
+  if (sender.tag() == TagOk) {
+    confirm();
+  } else if (sender.tag() == TagCancel) {
+    endWindow(0);
+  }
+}
