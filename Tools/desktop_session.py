@@ -29,7 +29,8 @@ NOTIFICATION_PATH = "/com/corvex/NerinOption"
 NOTIFICATION_INTERFACE = "com.corvex.NerinOption.Notification"
 
 # Without folders of services nothing is started behind the programs' backs.
-BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC
+ "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
   <type>session</type>
@@ -273,7 +274,8 @@ class DesktopSession:
     # Programs -----------------------------------------------------------------------------------
 
     def start(self, program, *arguments, **environment):
-        child = self._spawn([os.path.abspath(program), *arguments], {**self.environment, **environment})
+        child = self._spawn([os.path.abspath(program), *arguments],
+                            {**self.environment, **environment})
         self._programs.append(child)
         return child
 

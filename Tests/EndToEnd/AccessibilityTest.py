@@ -1,0 +1,310 @@
+"""What somebody gets who neither sees the window nor points at it: reads the demonstration's tree
+of accessible objects, compares it with the artwork's controls, and does the main job through it,
+up to what the virtual mouse and the library then hold.
+
+AccessibilityTest.py BUILD [unittest options], with BUILD the folder that holds bin and generated.
+"""
+
+import json
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+top = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.join(top, "Tools"))
+
+from desktop_session import DesktopSession, frames, wait_until  # noqa: E402
+
+BUILD = os.path.abspath(sys.argv.pop(1) if len(sys.argv) > 1 else "build/dev")
+TITLE = "NerinOptionDemo"
+# Beside the window there is room for the demonstration's panel.
+DESKTOP_SIZE = (1800, 900)
+ANSWER_SECONDS = 20
+
+SCENERY = {"subView1", "subView2", "lineImgView", "progressBar"}
+STEP_ITEMS = {"normalModeBtn", "battleModeBtn", "goLeftBtn", "goRightBtn",
+              *("profile%dBtn" % number for number in range(1, 11))}
+# Which button of the mouse a caption belongs to is seen from its place, so it has to be said.
+CAPTIONS = {
+    "MainViewSub1": {"leftClickBtn": "Left button: Left Click",
+                     "rightBtn": "Right button: Right Click",
+                     "WhellBtn": "Wheel button: Middle Click",
+                     "WhellUpBtn": "Wheel up: Scroll Up",
+                     "WhellDownBtn": "Wheel down: Scroll Down"},
+    "MainViewSub2": {"bomBtn1": "Thumb button 1: Home",
+                     "bomBtn2": "Thumb button 2: End"},
+}
+
+
+def isForTheEye(control):
+    """What only shows something: the pictures, and the dots on them that point to the buttons of
+    the mouse, which are pressed by their captions."""
+    return control in SCENERY or "Tag" in control
+
+
+class Tree:
+    """The accessible objects of the program, read anew each time."""
+
+    def __init__(self):
+        # It looks for its bus when it is loaded.
+        import pyatspi
+        self.api = pyatspi
+        self._application = wait_until(self._find, ANSWER_SECONDS, "the program in the tree")
+        self._application.setCacheMask(pyatspi.cache.NONE)
+
+    def _find(self):
+        desktop = self.api.Registry.getDesktop(0)
+        return next((one for one in desktop if one is not None and one.name == TITLE), None)
+
+    def windows(self):
+        return [one for one in self._application if one is not None and self.has(one, "SHOWING")]
+
+    def window(self, name):
+        def look():
+            return next((one for one in self.windows() if one.name == name), None)
+
+        return wait_until(look, ANSWER_SECONDS, "the window \"%s\"" % name)
+
+    def below(self, accessible):
+        for child in accessible:
+            if child is not None:
+                yield child
+                yield from self.below(child)
+
+    def has(self, accessible, state):
+        return accessible.getState().contains(getattr(self.api, "STATE_" + state))
+
+    def place(self, accessible):
+        box = accessible.queryComponent().getExtents(self.api.DESKTOP_COORDS)
+        return box.x, box.y, box.width, box.height
+
+    def shown(self, window):
+        return [one for one in self.below(window) if self.has(one, "SHOWING")]
+
+    def named(self, window, name, role=None):
+        """The control of this name that is shown, as soon as there is one."""
+        def look():
+            return next((one for one in self.shown(window) if one.name == name and
+                         role in (None, one.getRoleName())), None)
+
+        return wait_until(look, ANSWER_SECONDS, "the control \"%s\"" % name)
+
+    def press(self, accessible):
+        """The action that a control is for, which is its first."""
+        if not self.has(accessible, "SENSITIVE"):
+            raise AssertionError("\"%s\" cannot be pressed" % accessible.name)
+        if not accessible.queryAction().doAction(0):
+            raise AssertionError("\"%s\" did not take its action" % accessible.name)
+
+
+class AccessibilityTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.mkdtemp(prefix="accessibility-")
+        cls.addClassCleanup(shutil.rmtree, cls.folder, ignore_errors=True)
+        # A process reads one tree, so the tests share the desktop.
+        cls.desktop = cls.enterClassContext(
+            DesktopSession(cls.folder, DESKTOP_SIZE, accessibility=True))
+        os.environ.update(cls.desktop.environment)
+        cls.screens = frames(os.path.join(BUILD, "generated", "ArtworkFrames.h"))
+
+    def setUp(self):
+        shutil.rmtree(os.path.join(self.desktop.home, "Library"), ignore_errors=True)
+        self.process = self.desktop.start(os.path.join(BUILD, "bin", "NerinOptionDemo"),
+                                          QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+        self.addCleanup(self.desktop.stop, self.process)
+        self.desktop.window(TITLE)
+        self.tree = Tree()
+        self.main = self.tree.window(TITLE)
+        # It is said when the slot has been read.
+        self.tree.named(self.main, "Left button: Left Click")
+
+    # What the mouse and the library hold --------------------------------------------------------
+
+    @property
+    def support(self):
+        return os.path.join(self.desktop.home, "Library", "Application Support",
+                            "com.corvex.NerinOptionDemo")
+
+    def mouse(self, *arguments):
+        """The answer of the command line on a copy of the memory, which the program holds."""
+        memory = os.path.join(self.folder, "mouse")
+        shutil.copyfile(os.path.join(self.support, "mouse"), memory)
+        answer = subprocess.run(
+            [os.path.join(BUILD, "bin", "nerinctl"), "--virtual", memory, "--json", *arguments],
+            env={**self.desktop.environment, "HOME": self.folder}, capture_output=True, text=True,
+            check=True)
+        return json.loads(answer.stdout)
+
+    def slot(self, number):
+        return self.mouse("read", "--slot", str(number))
+
+    def activeSlot(self):
+        return next(one["slot"] for one in self.mouse("slots") if one["active"])
+
+    def library(self):
+        """{name of a kept profile: whether it is linked to a program}."""
+        folder = os.path.join(self.support, "Profiles")
+        found = {}
+        for name in os.listdir(folder):
+            with open(os.path.join(folder, name), "rb") as file:
+                data = file.read()
+            found[data[9:265].split(b"\0")[0].decode()] = data[5000] != 0
+        return found
+
+    # The tree -----------------------------------------------------------------------------------
+
+    def expected(self, map):
+        """{control: frame in the window} of the window with one of its two maps."""
+        with open(os.path.join(top, "Resources", "artwork", "screens.json"),
+                  encoding="utf-8") as file:
+            listed = json.load(file)
+        left, top_, _, _ = self.screens["MainView"]["subView1"]
+        controls = {name: self.screens["MainView"][name]
+                    for name in listed["MainView"]["controls"] if not isForTheEye(name)}
+        for name in listed[map]["controls"]:
+            if not isForTheEye(name):
+                x, y, width, height = self.screens[map][name]
+                controls[name] = x + left, y + top_, width, height
+        return controls
+
+    def found(self, map):
+        """{control: the accessible object that stands where the artwork has the control}."""
+        windowX, windowY, _, _ = self.tree.place(self.main)
+        # What holds others is as large as they are together.
+        objects = {self.tree.place(one): one for one in self.tree.shown(self.main)
+                   if one.childCount == 0}
+        found = {}
+        for control, (x, y, width, height) in self.expected(map).items():
+            for place, one in objects.items():
+                middleX, middleY = windowX + x + width // 2, windowY + y + height // 2
+                if (place[0] <= middleX < place[0] + place[2] and
+                        place[1] <= middleY < place[1] + place[3] and
+                        place[2] <= width and place[3] <= height):
+                    found[control] = one
+        return found
+
+    def checkControls(self, map):
+        found = self.found(map)
+        self.assertEqual(sorted(self.expected(map)), sorted(found))
+        for control, one in found.items():
+            with self.subTest(control=control):
+                role = one.getRoleName()
+                self.assertTrue(one.name.strip(), "nothing is said about it")
+                if control in STEP_ITEMS:
+                    self.assertEqual("radio button", role)
+                elif control == "linkProChk":
+                    self.assertEqual("check box", role)
+                elif control == "profileNameTxt":
+                    self.assertIn(role, ("text", "entry"))
+                    self.assertTrue(self.tree.has(one, "EDITABLE"))
+                else:
+                    self.assertEqual("push button", role)
+                if control != "profileNameTxt":
+                    self.assertGreater(one.queryAction().nActions, 0)
+                if control in CAPTIONS[map]:
+                    self.assertEqual(CAPTIONS[map][control], one.name)
+        # Nothing is there twice, and nothing that nobody can tell from others.
+        named = [(one.getRoleName(), one.name) for one in self.tree.shown(self.main)
+                 if one.childCount == 0 and one.getRoleName() != "filler"]
+        self.assertEqual(len(found), len(named))
+        self.assertEqual(len(found), len({one.name for one in found.values()}))
+        self.assertEqual("OK", found["okBtn"].name)
+        return found
+
+    def testSaysEveryControlOfTheWindow(self):
+        self.assertEqual("frame", self.main.getRoleName())
+        found = self.checkControls("MainViewSub1")
+        for control, isChecked in (("profile1Btn", True), ("profile2Btn", False),
+                                   ("normalModeBtn", True), ("battleModeBtn", False),
+                                   ("goLeftBtn", True), ("goRightBtn", False),
+                                   ("linkProChk", False)):
+            self.assertEqual(isChecked, self.tree.has(found[control], "CHECKED"), control)
+        for control, isEnabled in (("applyBtn", False), ("okBtn", False), ("cancelBtn", True)):
+            self.assertEqual(isEnabled, self.tree.has(found[control], "SENSITIVE"), control)
+        self.tree.press(found["goRightBtn"])
+        self.tree.named(self.main, "Thumb button 1: Home")
+        side = self.checkControls("MainViewSub2")
+        self.assertTrue(self.tree.has(side["goRightBtn"], "CHECKED"))
+        self.assertFalse(self.tree.has(side["goLeftBtn"], "CHECKED"))
+
+    # The main job -------------------------------------------------------------------------------
+
+    def press(self, name, window=None):
+        self.tree.press(self.tree.named(window or self.main, name))
+
+    def chooseSlot(self, number):
+        self.press("Switch to profile %d page" % number)
+        wait_until(lambda: self.activeSlot() == number, ANSWER_SECONDS, "slot %d" % number)
+        tab = self.tree.named(self.main, "Switch to profile %d page" % number)
+        wait_until(lambda: self.tree.has(tab, "CHECKED"), ANSWER_SECONDS, "the tab of the slot")
+
+    def nameField(self):
+        return self.tree.named(self.main, "Profile name")
+
+    def writtenName(self):
+        return self.nameField().queryText().getText(0, -1)
+
+    def apply(self):
+        self.press("Apply")
+        button = self.tree.named(self.main, "Apply")
+        wait_until(lambda: not self.tree.has(button, "SENSITIVE"), ANSWER_SECONDS,
+                   "the end of Apply")
+
+    def testDoesTheMainJob(self):
+        self.assertEqual("Profile#1", self.writtenName())
+        self.chooseSlot(3)
+        wait_until(lambda: self.writtenName() == "Profile#3", ANSWER_SECONDS, "the slot's name")
+
+        self.press("Create a new profile")
+        wait_until(lambda: self.writtenName() == "NewPF_1", ANSWER_SECONDS, "the new name")
+        field = self.nameField()
+        field.queryComponent().grabFocus()
+        self.assertTrue(field.queryEditableText().setTextContents("Arena"))
+        wait_until(lambda: self.tree.has(field, "FOCUSED"), ANSWER_SECONDS, "the focus")
+        # Leaving the field commits.
+        self.tree.named(self.main, "Cancel").queryComponent().grabFocus()
+        wait_until(lambda: self.slot(3)["name"] == "Arena", ANSWER_SECONDS, "the name on the mouse")
+        self.assertEqual("Arena", self.writtenName())
+
+        self.press("Switch to Battle LED Mode")
+        question = self.tree.window("The LEDs change to Battle mode")
+        self.assertEqual("normal", self.slot(3)["mode"])
+        self.assertEqual("dialog", question.getRoleName())
+        self.press("OK", question)
+        wait_until(lambda: self.slot(3)["mode"] == "battle", ANSWER_SECONDS, "the mode")
+
+        self.press("Enable link to program")
+        link = self.tree.named(self.main, "Enable link to program")
+        wait_until(lambda: self.tree.has(link, "CHECKED"), ANSWER_SECONDS, "the check mark")
+        self.assertFalse(self.library()["Arena"])
+        self.apply()
+        self.assertEqual({"Arena": True}, self.library())
+
+        self.chooseSlot(5)
+        self.assertEqual("Profile#5", self.slot(5)["name"])
+        self.chooseProfile("Arena")
+        wait_until(lambda: self.writtenName() == "Arena", ANSWER_SECONDS, "the chosen profile")
+        self.tree.named(self.main, "Select one profile: Arena")
+        self.apply()
+        slot = self.slot(5)
+        self.assertEqual(("Arena", "battle"), (slot["name"], slot["mode"]))
+        self.assertEqual([button["function"] for button in self.slot(3)["buttons"]],
+                         [button["function"] for button in slot["buttons"]])
+
+        # Only the button at the foot is called so.
+        self.press("Cancel")
+        wait_until(lambda: self.process.poll() is not None, ANSWER_SECONDS, "the end")
+        self.assertEqual(0, self.process.returncode, self.desktop.log(self.process))
+
+    def chooseProfile(self, name):
+        self.press("Select one profile")
+        self.tree.press(self.tree.named(self.main, name, "list item"))
+
+
+if __name__ == "__main__":
+    # The bindings warn of themselves.
+    unittest.main(verbosity=2, warnings="ignore")
