@@ -85,9 +85,9 @@ AppDelegate::AppDelegate() = default;
 AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::start() {
-  pictures::prefetch(
-      {QStringLiteral("MainView_Normal.png"), QStringLiteral("MainViewSub1_Normal.png"),
-       QStringLiteral("MainView_Active.png"), QStringLiteral("MainView_Disable.png")});
+  pictures::prefetch({QStringLiteral("MainView_Normal.png"), QStringLiteral("MainView_Active.png"),
+                      QStringLiteral("MainViewSub1_Normal.png"),
+                      QStringLiteral("MainView_Disable.png")});
   m_mainView = new MainView;
   m_window = std::make_unique<LXNoTitleWindow>(m_mainView->size());
   m_window->setObjectName(QStringLiteral("window"));

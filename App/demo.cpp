@@ -8,6 +8,7 @@
 #include "App/AppDelegate.h"
 #include "App/DemoNotificationCenter.h"
 #include "App/DemoPanel.h"
+#include "App/FontList.h"
 #include "App/RealPlatform.h"
 #include "View/Termination.h"
 #include "VirtualMouse/VirtualDeviceRequester.h"
@@ -46,6 +47,7 @@ int run(QApplication& application) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  const FontList fonts;
   QApplication application(argc, argv);
   QCoreApplication::setApplicationName(QStringLiteral("NerinOptionDemo"));
   int code = 1;

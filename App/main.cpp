@@ -3,11 +3,13 @@
 #include <memory>
 
 #include "App/AppDelegate.h"
+#include "App/FontList.h"
 #include "App/RealPlatform.h"
 #include "Kit/Bus/SessionBusNotificationCenter.h"
 #include "Kit/Device/HidDeviceRequester.h"
 
 int main(int argc, char** argv) {
+  const FontList fonts;
   QApplication application(argc, argv);
   QCoreApplication::setApplicationName(QStringLiteral("NerinOption"));
   prepareApplication(application);

@@ -66,10 +66,10 @@ void NerinAction::setBtnNoanomaly(LXButton& button, const QString& imageName,
   button.setImages({image("Normal"), image("Over"), image("Down"), image("Disable"), {}});
 }
 
-LXTextField* NerinAction::AddTextField(const QRect& frame, QWidget& parView) {
+LXTextField* NerinAction::AddTextField(const QRect& frame, QWidget& parView, int pixels) {
   auto* field = new LXTextField(&parView);
   field->setGeometry(frame);
-  field->setFont(arial(12));
+  field->setFont(arial(pixels));
   return field;
 }
 

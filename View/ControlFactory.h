@@ -29,7 +29,8 @@ LXButton* AddCheckBox(const QRect& frame, LXButton::Action setAction,
                       LXButton::Action setRightAction, TavImageView& parView);
 // Gives a button pictures of its own, named after their state. An empty name changes nothing.
 void setBtnNoanomaly(LXButton& button, const QString& imageName, const TavImageView& parView);
-LXTextField* AddTextField(const QRect& frame, QWidget& parView);
+// In type of this many pixels.
+LXTextField* AddTextField(const QRect& frame, QWidget& parView, int pixels = 12);
 // A text that cannot be edited.
 LXTextField* AddLabTextField(const QRect& frame, QWidget& parView);
 // Its commits reach the parent's onNumTextChange.

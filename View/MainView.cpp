@@ -36,6 +36,7 @@ constexpr int captionRightPad = 32;
 constexpr int programLeftPad = 44;
 constexpr int programRightPad = 12;
 constexpr qreal programType = 12;
+constexpr int nameType = 15;
 constexpr int nameFieldPad = 8;
 
 ProfieController& library() {
@@ -205,14 +206,12 @@ void MainView::initButtons() {
 
 void MainView::initNameField() {
   m_profileNameTxt = NerinAction::AddTextField(
-      frameRect(frames::profileNameTxt).adjusted(nameFieldPad, 0, -nameFieldPad, 0), *this);
+      frameRect(frames::profileNameTxt).adjusted(nameFieldPad, 0, -nameFieldPad, 0), *this,
+      nameType);
   m_profileNameTxt->setObjectName(QStringLiteral("profileNameTxt"));
   m_profileNameTxt->setAccessibleName(localized("Profile name"));
   m_profileNameTxt->setToolTip(m_profileNameTxt->accessibleName());
   m_profileNameTxt->setTextColor(Qt::black);
-  QFont type(QStringLiteral("Arial"));
-  type.setPixelSize(15);
-  m_profileNameTxt->setFont(type);
   m_profileNameTxt->setAction([this](LXTextField&) { onProfileTextChange(); });
   setTabOrder(m_currProfileBtn, m_profileNewBtn);
   setTabOrder(m_goRightBtn, m_profileNameTxt);

@@ -108,6 +108,14 @@ Qt::Alignment alignmentOf(const QJsonObject& word) {
   return Qt::AlignLeft | (word[u"wrap"].toBool() ? Qt::AlignTop : Qt::AlignVCenter);
 }
 
+bool fits(const QFontMetricsF& metrics, const QString& text, const QRectF& room, int flags) {
+  if ((flags & Qt::TextSingleLine) != 0) {
+    return metrics.horizontalAdvance(text) <= room.width();
+  }
+  const QRectF needed = metrics.boundingRect(room, flags, text);
+  return needed.width() <= room.width() && needed.height() <= room.height();
+}
+
 // Other languages need more room than there may be: the type shrinks until the words fit.
 QFont fittingFont(const QPixmap& picture, const QJsonObject& word, const QString& text,
                   const QRectF& room, int flags) {
@@ -116,9 +124,7 @@ QFont fittingFont(const QPixmap& picture, const QJsonObject& word, const QString
   // In halves of a pixel.
   for (int size = qRound(word[u"fontSize"].toDouble() * 2); size >= smallestType * 2; --size) {
     font = pictures::font(size / 2.0, weight);
-    const QFontMetricsF metrics(font, &picture);
-    const QRectF needed = metrics.boundingRect(room, flags, text);
-    if (needed.width() <= room.width() && needed.height() <= room.height()) {
+    if (fits(QFontMetricsF(font, &picture), text, room, flags)) {
       break;
     }
   }
@@ -133,12 +139,20 @@ void drawWord(QPainter& painter, const QPixmap& picture, const QJsonObject& word
   const int flags =
       static_cast<int>(alignmentOf(word)) | (wraps ? Qt::TextWordWrap : Qt::TextSingleLine);
   QString text = textOf(word);
+  painter.setPen(colorOf(word, state));
+  // The drawing has room for its own words.
+  if (!wraps && text == word[u"text"].toString()) {
+    painter.setFont(
+        pictures::font(word[u"fontSize"].toDouble(), word[u"fontWeight"].toInt(QFont::Normal)));
+    painter.drawText(room, flags, text);
+    return;
+  }
   const QFont font = fittingFont(picture, word, text, room, flags);
-  if (!wraps) {
-    text = QFontMetricsF(font, &picture).elidedText(text, Qt::ElideRight, room.width());
+  const QFontMetricsF metrics(font, &picture);
+  if (!wraps && !fits(metrics, text, room, flags)) {
+    text = metrics.elidedText(text, Qt::ElideRight, room.width());
   }
   painter.setFont(font);
-  painter.setPen(colorOf(word, state));
   painter.drawText(room, flags, text);
 }
 
@@ -174,10 +188,19 @@ LXImage pictures::load(const QString& fileName) {
 }
 
 void pictures::prefetch(const QStringList& fileNames) {
+  std::vector<std::pair<QString, std::promise<QImage>>> wanted;
   for (const QString& fileName : fileNames) {
     const QString path = scaledPathOf(pathOf(fileName));
-    prefetched()[path] = std::async(std::launch::async, readNow, path);
+    wanted.emplace_back(path, std::promise<QImage>());
+    prefetched()[path] = wanted.back().second.get_future();
   }
+  // One after the other, so that the window is not kept from its processor.
+  static std::future<void> reader;
+  reader = std::async(std::launch::async, [images = std::move(wanted)]() mutable {
+    for (auto& [path, image] : images) {
+      image.set_value(readNow(path));
+    }
+  });
 }
 
 QFont pictures::font(qreal pixels, int weight) {

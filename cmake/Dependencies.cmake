@@ -1,4 +1,5 @@
 find_package(PkgConfig REQUIRED)
+find_package(Fontconfig REQUIRED)
 find_package(pugixml REQUIRED)
 find_package(spdlog REQUIRED)
 find_package(nlohmann_json REQUIRED)

@@ -7,7 +7,9 @@
 LXTextField::LXTextField(QWidget* parent) : QLineEdit(parent) {
   setFrame(false);
   setTextColor(Qt::white);
-  setStyleSheet(QStringLiteral("QLineEdit { background: transparent; }"));
+  QPalette colors = palette();
+  colors.setColor(QPalette::Base, Qt::transparent);
+  setPalette(colors);
 }
 
 void LXTextField::setTextColor(const QColor& color) {
