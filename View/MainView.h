@@ -17,6 +17,7 @@
 #include "Kit/Widgets/LXSetpPanelObj.h"
 #include "View/TavImageView.h"
 
+class ChildView;
 class LXButton;
 class LXTextField;
 class MainSubView1;
@@ -154,9 +155,12 @@ class MainView : public TavImageView,
   void showLinkPath();
   bool hasRoomForProfile() const;
   static int currentSlot();
+  // What a button of the mouse is called, by its place on it: "Left button".
+  static QString physicalButtonName(int index);
 
-  LXNoTitleWindow* openChild(QPointer<LXNoTitleWindow>& child, const QSize& size, int dragHeight,
-                             const char* titleKey);
+  // Opens a window for the view, which it owns.
+  void openChild(QPointer<LXNoTitleWindow>& child, ChildView* view, int dragHeight,
+                 const char* titleKey);
   void handOver(void (MainView::*work)(std::int32_t), std::int32_t value);
   void outPlusReported(std::int32_t value);
 

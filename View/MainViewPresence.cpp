@@ -5,13 +5,17 @@
 
 #include "Action/EditState.h"
 #include "Action/NerinAction.h"
-#include "Action/TooltipManager.h"
 #include "Kit/Core/LXPlatform.h"
 #include "Kit/Widgets/LXButton.h"
+#include "View/ChildView.h"
+#include "View/ControlFactory.h"
+#include "View/KeyAssignView.h"
+#include "View/LightView.h"
 #include "View/LocalNotifications.h"
+#include "View/MacroView.h"
 #include "View/MainView.h"
 #include "View/NestedLoop.h"
-#include "View/PlainChildView.h"
+#include "View/PerformanceView.h"
 #include "View/PopDialogView.h"
 #include "View/Termination.h"
 
@@ -22,10 +26,9 @@ constexpr const char* deviceStatus = "NerinDevStatus";
 // What the service reports as "type".
 enum DeviceReport : std::int32_t { SlotChanged = 1, DpiChanged = 2, Removed = 100, Attached = 101 };
 
-constexpr QSize macroSize(1048, 633);
-constexpr QSize lightSize(678, 493);
-constexpr QSize performanceSize(545, 493);
-constexpr QSize keyAssignSize(548, 359);
+constexpr int macroStrip = 70;
+constexpr int lightStrip = 60;
+constexpr int performanceStrip = 45;
 
 std::optional<std::int32_t> numberIn(const LXUserInfo& userInfo, const char* key) {
   const auto entry = userInfo.find(key);
@@ -64,49 +67,49 @@ bool MainView::checkOnlyLeftPro() {
   return false;
 }
 
-LXNoTitleWindow* MainView::openChild(QPointer<LXNoTitleWindow>& child, const QSize& size,
-                                     int dragHeight, const char* titleKey) {
-  const QString title = QString::fromStdString(
-      TooltipManager::shareTooltipManager().getTooltip(titleKey).value_or(titleKey));
-  child = new LXNoTitleWindow(size, window());
-  child->setWindowTitle(title);
+void MainView::openChild(QPointer<LXNoTitleWindow>& child, ChildView* view, int dragHeight,
+                         const char* titleKey) {
+  view->construct();
+  child = new LXNoTitleWindow(view->size(), window());
+  child->setWindowTitle(NerinAction::tooltipText(titleKey));
   child->setIsCanDrag(dragHeight > 0);
   child->setDragHeight(dragHeight);
   child->setClosesOnEscape(true);
   child->setWindowDelegate(this);
   // The program has one main window: what blocks it blocks the program.
   child->setWindowModality(Qt::WindowModal);
-  auto* view = new PlainChildView(size, title);
-  view->construct();
   child->setContentView(view);
+  connect(view, &ChildView::ended, child.data(), &QWidget::close);
   child->center(window());
   m_profileBeforeChild = selProfile;
   ++m_isModalSeron;
-  return child;
+  child->show();
 }
 
 void MainView::showMacroView() {
-  openChild(m_macroWindow, macroSize, 70, "Macro editor")->show();
+  openChild(m_macroWindow, new MacroView, macroStrip, "Macro editor");
 }
 
 void MainView::showLightView() {
-  openChild(m_lightWindow, lightSize, 60, "LED")->show();
+  auto* view = new LightView;
+  openChild(m_lightWindow, view, lightStrip, "LED");
+  view->fillSettingData();
 }
 
 void MainView::showPerformanceView() {
-  openChild(m_performanceWindow, performanceSize, 45, "Advanced")->show();
+  openChild(m_performanceWindow, new PerformanceView, performanceStrip, "Advanced");
 }
 
 void MainView::showKeyAssignView() {
   if (!checkOnlyLeftPro() || !IsCurrSelectedBtn()) {
     return;
   }
-  LXNoTitleWindow* child = openChild(m_keyAssignWindow, keyAssignSize, 0, "Key assignment");
-  auto* view = qobject_cast<PlainChildView*>(child->contentView());
+  auto* view = new KeyAssignView;
+  openChild(m_keyAssignWindow, view, 0, "Key assignment");
   view->setBtnIndex(m_selBtnIndex);
   view->setTmpBtnInfo(selProfile.btnInfo[m_selBtnIndex]);
+  view->setButtonName(physicalButtonName(m_selBtnIndex));
   view->fillSettingData();
-  child->show();
 }
 
 void MainView::windowWillClose(LXNoTitleWindow& window) {
@@ -115,8 +118,11 @@ void MainView::windowWillClose(LXNoTitleWindow& window) {
   if (!isOurs || m_isModalSeron == 0) {
     return;
   }
+  if (auto* view = qobject_cast<ChildView*>(window.contentView())) {
+    view->windowCloses();
+  }
   if (&window == m_keyAssignWindow && IsCurrSelectedBtn()) {
-    if (const auto* view = qobject_cast<PlainChildView*>(window.contentView())) {
+    if (const auto* view = qobject_cast<KeyAssignView*>(window.contentView())) {
       selProfile.btnInfo[m_selBtnIndex] = view->tmpBtnInfo();
       fillBtnCaption(m_selBtnIndex);
     }

@@ -76,6 +76,7 @@ void EditorTest::choose(LXMenulist& list, const std::string& title) {
 
 std::vector<std::string> EditorTest::titlesOf(const LXMenulist& list) {
   std::vector<std::string> titles;
+  titles.reserve(static_cast<std::size_t>(list.count()));
   for (int row = 0; row < list.count(); ++row) {
     titles.push_back(list.item(row)->text().toStdString());
   }

@@ -235,7 +235,7 @@ TEST_F(MacroAssign, TheCountIsAskedForShortlyAfterTheListHasClosed) {
     EXPECT_LE((window.geometry().center() - host().geometry().center()).manhattanLength(), 2);
     EXPECT_EQ(dialog.repeatCount(), 42);
     EXPECT_EQ(textOf(count(dialog)), "42");
-    EXPECT_TRUE(count(dialog).hasFocus());
+    EXPECT_TRUE(waitFor([&] { return count(dialog).hasFocus(); }));
     EXPECT_EQ(partOf<LXButton>(dialog, "okBtn").tag(), 320);
     EXPECT_EQ(partOf<LXButton>(dialog, "okBtn").toolTip(), "Yes");
     EXPECT_EQ(partOf<LXButton>(dialog, "cancelBtn").tag(), 321);

@@ -12,7 +12,6 @@
 #include "View/PerformanceView.h"
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 namespace {
@@ -132,6 +131,12 @@ TEST_F(Performance, OpeningSendsTheRateOnceAndNothingElse) {
     }
   }
   EXPECT_THAT(told(), IsEmpty());
+}
+
+TEST_F(Performance, FillingItAgainIsAnotherChoiceOfTheRate) {
+  openWindow();
+  performance().fillSettingData();
+  EXPECT_THAT(sent(), ElementsAre(rateCommand(1)));
 }
 
 TEST_F(Performance, ARateThatDoesNotExistIsShownAsTheFastest) {

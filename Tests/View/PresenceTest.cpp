@@ -4,9 +4,9 @@
 
 #include "Kit/Core/LXPlatform.h"
 #include "Tests/View/ViewTest.h"
+#include "View/KeyAssignView.h"
 #include "View/LocalNotifications.h"
 #include "View/NestedLoop.h"
-#include "View/PlainChildView.h"
 #include "View/Termination.h"
 
 using testing::Contains;
@@ -110,11 +110,12 @@ TEST_F(MainViewPresence, AChildWindowRefusesAnySlotChange) {
 TEST_F(MainViewPresence, AReassignedButtonShowsItsNewCaption) {
   start();
   click("rightBtn");
-  auto* assign = qobject_cast<PlainChildView*>(child()->contentView());
+  auto* assign = qobject_cast<KeyAssignView*>(child()->contentView());
   ASSERT_NE(assign, nullptr);
   EXPECT_EQ(assign->btnIndex(), 1);
   assign->setTmpBtnInfo(selProfile.btnInfo[2]);
-  child()->close();
+  assign->fillSettingData();
+  assign->findChild<LXButton*>("okBtn")->click();
   EXPECT_EQ(button("rightBtn").title(), button("WhellBtn").title());
   EXPECT_TRUE(isNeedSave);
 }

@@ -26,6 +26,10 @@ struct Row {
   std::string titleAfterRestart;
 };
 
+std::ostream& operator<<(std::ostream& out, const Row& row) {
+  return out << row.deed;
+}
+
 class MainViewStates : public MainViewDeeds, public testing::WithParamInterface<Row> {
  protected:
   void begin() {

@@ -1,0 +1,315 @@
+#include "View/ColorPicker.h"
+
+#include <QAbstractButton>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QRegularExpressionValidator>
+#include <algorithm>
+
+#include "ArtworkFrames.h"
+#include "Kit/Widgets/LXNumberTextField.h"
+#include "View/ControlFactory.h"
+
+namespace {
+
+constexpr double keyStep = 0.01;
+constexpr double cornerRadius = 6;
+constexpr double knobRadius = 6;
+constexpr int swatchSize = 24;
+constexpr int swatchPitch = 29;
+constexpr int highest = 255;
+constexpr int hexDigits = 7;
+
+QColor colorOfHsv(double hue, double saturation, double brightness) {
+  return QColor::fromHsvF(static_cast<float>(std::clamp(hue, 0.0, 1.0)),
+                          static_cast<float>(std::clamp(saturation, 0.0, 1.0)),
+                          static_cast<float>(std::clamp(brightness, 0.0, 1.0)));
+}
+
+void drawKnob(QPainter& painter, const QPointF& center, bool hasFocus) {
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(Qt::black, 4));
+  painter.drawEllipse(center, knobRadius, knobRadius);
+  painter.setPen(QPen(Qt::white, hasFocus ? 3 : 2));
+  painter.drawEllipse(center, knobRadius, knobRadius);
+}
+
+// A colour that can be clicked.
+class Swatch : public QAbstractButton {
+ public:
+  explicit Swatch(QWidget* parent) : QAbstractButton(parent) {}
+
+  void setColor(const QColor& color) {
+    m_color = color;
+    setToolTip(color.name().toUpper());
+    setAccessibleName(color.name().toUpper());
+    update();
+  }
+  QColor color() const { return m_color; }
+
+ protected:
+  void paintEvent(QPaintEvent* /*event*/) override {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(m_color);
+    const bool isLit = hasFocus() || underMouse();
+    painter.setPen(QPen(isLit ? QColor(Qt::white) : QColor::fromRgb(Artwork::Colour::hairline),
+                        isLit ? 2 : 1));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
+  }
+
+ private:
+  QColor m_color;
+};
+
+std::vector<LightColor>& recentColors() {
+  static std::vector<LightColor> colors;
+  return colors;
+}
+
+}  // namespace
+
+LightColor PickedColor::color() const {
+  return LightColor::of(colorOfHsv(hue, saturation, brightness).toRgb());
+}
+
+void PickedColor::setColor(const LightColor& color) {
+  float newHue = 0;
+  float newSaturation = 0;
+  float newBrightness = 0;
+  color.shown().getHsvF(&newHue, &newSaturation, &newBrightness);
+  brightness = newBrightness;
+  if (newBrightness > 0) {
+    saturation = newSaturation;
+  }
+  if (newHue >= 0) {
+    hue = newHue;
+  }
+}
+
+HueSaturationView::HueSaturationView(QWidget* parent) : QWidget(parent) {
+  setFocusPolicy(Qt::StrongFocus);
+}
+
+void HueSaturationView::show(const PickedColor& color) {
+  m_color = color;
+  update();
+}
+
+void HueSaturationView::pick(double hue, double saturation) {
+  m_color.hue = std::clamp(hue, 0.0, 1.0);
+  m_color.saturation = std::clamp(saturation, 0.0, 1.0);
+  update();
+  emit picked();
+}
+
+void HueSaturationView::pickAt(const QPointF& point) {
+  pick(point.x() / (width() - 1), 1 - point.y() / (height() - 1));
+}
+
+void HueSaturationView::mousePressEvent(QMouseEvent* event) {
+  pickAt(event->position());
+  event->accept();
+}
+
+void HueSaturationView::mouseMoveEvent(QMouseEvent* event) {
+  if ((event->buttons() & Qt::LeftButton) != 0) {
+    pickAt(event->position());
+  }
+}
+
+void HueSaturationView::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Left:
+      pick(m_color.hue - keyStep, m_color.saturation);
+      return;
+    case Qt::Key_Right:
+      pick(m_color.hue + keyStep, m_color.saturation);
+      return;
+    case Qt::Key_Up:
+      pick(m_color.hue, m_color.saturation + keyStep);
+      return;
+    case Qt::Key_Down:
+      pick(m_color.hue, m_color.saturation - keyStep);
+      return;
+    default:
+      QWidget::keyPressEvent(event);
+  }
+}
+
+void HueSaturationView::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  QLinearGradient hues(0, 0, width(), 0);
+  constexpr int stops = 6;
+  for (int i = 0; i <= stops; ++i) {
+    const double at = static_cast<double>(i) / stops;
+    hues.setColorAt(at, colorOfHsv(i == stops ? 0 : at, 1, 1));
+  }
+  QLinearGradient white(0, 0, 0, height());
+  white.setColorAt(0, QColor(255, 255, 255, 0));
+  white.setColorAt(1, Qt::white);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(hues);
+  painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
+  painter.setBrush(white);
+  painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
+  drawKnob(
+      painter,
+      {std::clamp(m_color.hue * (width() - 1), knobRadius, width() - knobRadius),
+       std::clamp((1 - m_color.saturation) * (height() - 1), knobRadius, height() - knobRadius)},
+      hasFocus());
+}
+
+BrightnessView::BrightnessView(QWidget* parent) : QWidget(parent) {
+  setFocusPolicy(Qt::StrongFocus);
+}
+
+void BrightnessView::show(const PickedColor& color) {
+  m_color = color;
+  update();
+}
+
+void BrightnessView::pick(double brightness) {
+  m_color.brightness = std::clamp(brightness, 0.0, 1.0);
+  update();
+  emit picked();
+}
+
+void BrightnessView::mousePressEvent(QMouseEvent* event) {
+  pick(event->position().x() / (width() - 1));
+  event->accept();
+}
+
+void BrightnessView::mouseMoveEvent(QMouseEvent* event) {
+  if ((event->buttons() & Qt::LeftButton) != 0) {
+    pick(event->position().x() / (width() - 1));
+  }
+}
+
+void BrightnessView::keyPressEvent(QKeyEvent* event) {
+  const bool isMore = event->key() == Qt::Key_Right || event->key() == Qt::Key_Up;
+  const bool isLess = event->key() == Qt::Key_Left || event->key() == Qt::Key_Down;
+  if (isMore || isLess) {
+    pick(m_color.brightness + (isMore ? keyStep : -keyStep));
+  } else {
+    QWidget::keyPressEvent(event);
+  }
+}
+
+void BrightnessView::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  QLinearGradient light(0, 0, width(), 0);
+  light.setColorAt(0, Qt::black);
+  light.setColorAt(1, colorOfHsv(m_color.hue, m_color.saturation, 1));
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(light);
+  painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
+  drawKnob(
+      painter,
+      {std::clamp(m_color.brightness * (width() - 1), knobRadius + 2, width() - knobRadius - 2),
+       height() / 2.0},
+      hasFocus());
+}
+
+RecentColorsView::RecentColorsView(QWidget* parent) : QWidget(parent) {}
+
+void RecentColorsView::remember(const LightColor& color) {
+  auto& colors = recentColors();
+  colors.erase(std::remove(colors.begin(), colors.end(), color), colors.end());
+  colors.insert(colors.begin(), color);
+  colors.resize(std::min(colors.size(), most));
+}
+
+void RecentColorsView::refresh() {
+  const auto& colors = recentColors();
+  while (m_swatches.size() < colors.size()) {
+    auto* swatch = new Swatch(this);
+    swatch->setGeometry(static_cast<int>(m_swatches.size()) * swatchPitch, 0, swatchSize,
+                        swatchSize);
+    connect(swatch, &QAbstractButton::clicked, this,
+            [this, swatch] { emit chosen(swatch->color()); });
+    swatch->QWidget::show();
+    m_swatches.push_back(swatch);
+  }
+  for (std::size_t i = 0; i < colors.size(); ++i) {
+    static_cast<Swatch*>(m_swatches[i])->setColor(colors[i].shown());
+  }
+}
+
+ColorPanel::ColorPanel(const QSize& frame, const Places& places, QWidget* parent)
+    : TavImageView(frame, parent), m_places(places) {}
+
+void ColorPanel::initControls() {
+  struct Number {
+    QRect frame;
+    const char* name;
+    const char* nameKey;
+  };
+  const std::array<Number, 3> numbers{{{m_places.red, "redTxt", "Red"},
+                                       {m_places.green, "greenTxt", "Green"},
+                                       {m_places.blue, "blueTxt", "Blue"}}};
+  constexpr int digits = 3;
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    m_numbers[i] = NerinAction::AddNumTextField(numbers[i].frame, *this, highest, 0, digits, false);
+    m_numbers[i]->setObjectName(QString::fromLatin1(numbers[i].name));
+    m_numbers[i]->setAccessibleName(NerinAction::tooltipText(numbers[i].nameKey));
+    m_numbers[i]->setAlignment(Qt::AlignCenter);
+    m_numbers[i]->setStep(1);
+  }
+  m_hexTxt = NerinAction::AddTextField(m_places.hex, *this);
+  m_hexTxt->setObjectName(QStringLiteral("hexTxt"));
+  m_hexTxt->setAccessibleName(NerinAction::tooltipText("Color code"));
+  m_hexTxt->setAlignment(Qt::AlignCenter);
+  m_hexTxt->setMaxLength(hexDigits);
+  m_hexTxt->setValidator(new QRegularExpressionValidator(
+      QRegularExpression(QStringLiteral("#?[0-9A-Fa-f]{0,6}")), m_hexTxt));
+  m_hexTxt->setAction([this](LXTextField&) { takeHex(); });
+  showColor(m_selColor);
+}
+
+void ColorPanel::showColor(const LightColor& color) {
+  m_selColor = color;
+  const QColor shown = color.shown();
+  const std::array<int, 3> parts{shown.red(), shown.green(), shown.blue()};
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    m_numbers[i]->setValue(parts[i]);
+  }
+  // The picture has the "#".
+  m_hexTxt->setText(shown.name().mid(1).toUpper());
+}
+
+void ColorPanel::setSelColor(const LightColor& color) {
+  showColor(color);
+  emit selColorChanged();
+}
+
+void ColorPanel::onNumTextChange(LXNumberTextField& /*sender*/) {
+  const auto part = [this](std::size_t i) {
+    return static_cast<double>(m_numbers[i]->value()) / highest;
+  };
+  setSelColor({part(0), part(1), part(2)});
+}
+
+// Six digits are a colour; anything else goes back.
+void ColorPanel::takeHex() {
+  QString code = m_hexTxt->text();
+  code.remove(u'#');
+  const QColor color(u'#' + code);
+  if (code.size() == hexDigits - 1 && color.isValid()) {
+    setSelColor({static_cast<double>(color.red()) / highest,
+                 static_cast<double>(color.green()) / highest,
+                 static_cast<double>(color.blue()) / highest});
+  } else {
+    showColor(m_selColor);
+  }
+}
+
+void ColorPanel::commit() {
+  for (LXNumberTextField* number : m_numbers) {
+    number->commit();
+  }
+  m_hexTxt->commit();
+}

@@ -1,0 +1,273 @@
+// Recording: while it runs, every key and every button of the mouse in the window becomes a command
+// of the macro.
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QWindow>
+#include <algorithm>
+#include <chrono>
+
+#include "Kit/Core/LXAction.h"
+#include "Kit/Core/LXLogger.h"
+#include "Kit/Widgets/LXNumberTextField.h"
+#include "Kit/Widgets/LXTextField.h"
+#include "View/ControlFactory.h"
+#include "View/MacroView.h"
+
+namespace {
+
+constexpr std::uint32_t leftButton = 120;
+constexpr std::uint32_t rightButton = 121;
+constexpr std::uint32_t otherButton = 122;
+constexpr std::int32_t recordAfter = 2;
+constexpr std::int32_t delayAfter = 4;
+constexpr std::int32_t measuredDelay = 1;
+constexpr std::int32_t fixedDelay = 2;
+
+std::uint32_t codeOf(Qt::MouseButton button) {
+  return button == Qt::LeftButton    ? leftButton
+         : button == Qt::RightButton ? rightButton
+                                     : otherButton;
+}
+
+std::uint64_t clockMilliseconds() {
+  return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(
+                                        std::chrono::steady_clock::now().time_since_epoch())
+                                        .count());
+}
+
+}  // namespace
+
+void MacroView::startRecording() {
+  if (!m_currMacroInfo) {
+    return;
+  }
+  m_currInsertIndex = keyArrs()->size();
+  delayType = m_delaySetp->currentSetp();
+  m_currDefDelayTim = m_defDelayTxt->value();
+  setRecState(true, false);
+}
+
+void MacroView::startInsertRecording() {
+  if (!m_currMacroInfo || !m_isInsert) {
+    return;
+  }
+  m_currInsertIndex = static_cast<std::size_t>(std::max(0, selectedRow()));
+  if (m_currInsertType == recordAfter || m_currInsertType == delayAfter) {
+    ++m_currInsertIndex;
+  }
+  m_currInsertIndex = std::min(m_currInsertIndex, keyArrs()->size());
+  delayType = m_insertDelaySetp->currentSetp();
+  m_currDefDelayTim = m_insertDefDelayTxt->value();
+  setRecState(true, true);
+}
+
+void MacroView::setRecState(bool isRecord, bool isInsert) {
+  if (isInsert) {
+    m_isInsertRecord = isRecord;
+  }
+  for (LXButton* button : {m_macroNameBtn,      m_newMacroBtn,
+                           m_delMacroBtn,       m_copyMacroBtn,
+                           m_importMacroBtn,    m_exportMacroBtn,
+                           m_autoDelayChk,      m_defDelayChk,
+                           m_lgnoreDelayChk,    m_recordBtn,
+                           m_delKeyBtn,         m_keyUpBtn,
+                           m_keyDownBtn,        m_insertKeyBtn,
+                           m_insertBtn,         m_insertAutoDelayChk,
+                           m_insertDefDelayChk, m_insertLgnoreDelayChk,
+                           m_insertRecordBtn,   m_insertIntBtn,
+                           m_insertCancelBtn,   m_okBtn,
+                           m_cancelBtn,         m_applyBtn}) {
+    button->setIsEnable(!isRecord);
+  }
+  m_macroNameTxt->setEnabled(!isRecord);
+  (m_isInsertRecord ? m_stopBtn : m_insertStopBtn)->setIsEnable(!isRecord);
+  setConCaptureEvent(isRecord);
+  m_isRecord = isRecord;
+  m_lastKeyInfo = nullptr;
+  m_isAddDelay = true;
+  m_recordStateTxt->setText(isRecord ? NerinAction::tooltipText("Recording. Press Stop to end")
+                                     : QString());
+  if (isRecord) {
+    m_oldTime.reset();
+    m_keys.forgetAll();
+    qApp->installEventFilter(this);
+    m_table->setFocus(Qt::OtherFocusReason);
+    // Keys that the desktop would take for itself belong to the macro, too.
+    m_table->grabKeyboard();
+    return;
+  }
+  endRecording();
+  setConEnableWithMacro();
+  setInsertState(isInsert);
+}
+
+void MacroView::endRecording() {
+  m_isRecord = false;
+  qApp->removeEventFilter(this);
+  if (m_table != nullptr) {
+    m_table->releaseKeyboard();
+  }
+}
+
+void MacroView::setConCaptureEvent(bool captures) {
+  for (LXButton* button : allButtons()) {
+    button->setIsCaptureMouseEvent(captures);
+  }
+  m_table->setIsCaptureMouseEvent(captures);
+}
+
+LXButton& MacroView::activeStop() const {
+  return m_isInsertRecord ? *m_insertStopBtn : *m_stopBtn;
+}
+
+bool MacroView::checkMouseEvent(const QMouseEvent& event) const {
+  return activeStop().rect().contains(activeStop().mapFromGlobal(event.globalPosition().toPoint()));
+}
+
+// Delays follow the time that the events carry; what made an event by hand gave it none.
+void MacroView::rememberTime(const QInputEvent& event) {
+  m_eventTime = event.timestamp() != 0 ? event.timestamp() : clockMilliseconds();
+}
+
+void MacroView::takeKey(const QKeyEvent& event) {
+  rememberTime(event);
+  const auto key = m_keys.take(event);
+  if (!key) {
+    return;
+  }
+  const LXSourcePlace place = LXSourcePlace::current("View/MacroView");
+  switch (key->kind) {
+    case TrackedKey::Kind::KeyDown:
+      LXLogger::debug("keyDown", place);
+      break;
+    case TrackedKey::Kind::KeyUp:
+      LXLogger::debug("keyUp", place);
+      break;
+    case TrackedKey::Kind::FlagsChanged:
+      LXLogger::debug("flagsChanged", place);
+      break;
+  }
+  if (!m_isRecord || key->isRepeat) {
+    return;
+  }
+  if (key->kind == TrackedKey::Kind::FlagsChanged) {
+    const bool isDown = (key->modifierFlags & keyModifierFlag(key->keyCode)) != 0;
+    AddNewKey(key->keyCode, isDown ? MacroKeyInfo::KeyPress : MacroKeyInfo::KeyRelease);
+  } else {
+    AddNewKey(key->keyCode, key->kind == TrackedKey::Kind::KeyDown ? MacroKeyInfo::KeyPress
+                                                                   : MacroKeyInfo::KeyRelease);
+  }
+}
+
+// True when the event became a command.
+bool MacroView::takeMouse(const QMouseEvent& event, bool isDown) {
+  if (!m_isRecord || checkMouseEvent(event)) {
+    return false;
+  }
+  rememberTime(event);
+  AddNewKey(codeOf(event.button()), isDown ? MacroKeyInfo::MousePress : MacroKeyInfo::MouseRelease);
+  return true;
+}
+
+void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
+  const auto code = static_cast<std::int32_t>(keyCode & 0xFFFFU);
+  const auto keyFlag = static_cast<std::int32_t>(flag);
+  MacroInfo::Events* events = keyArrs();
+  if (events == nullptr) {
+    return;
+  }
+  if (m_lastKeyInfo && m_lastKeyInfo->keyFlag() == keyFlag && m_lastKeyInfo->keyCode() == code) {
+    return;
+  }
+  if (events->size() >= mostCommands) {
+    if (!m_isInfoShown) {
+      m_isInfoShown = true;
+      LXAction::showInfoMessage("Maximum number of macros reached");
+      m_isInfoShown = false;
+    }
+    return;
+  }
+  if (m_isAddDelay) {
+    const std::uint64_t elapsed =
+        m_oldTime && m_eventTime > *m_oldTime ? m_eventTime - *m_oldTime : 0;
+    if (m_oldTime && m_lastKeyInfo) {
+      constexpr std::uint64_t longest = INT32_MAX;
+      m_lastKeyInfo->setDelay(delayType == measuredDelay
+                                  ? static_cast<std::int32_t>(std::min(elapsed, longest))
+                              : delayType == fixedDelay ? m_currDefDelayTim
+                                                        : 0);
+    }
+    m_oldTime = m_eventTime;
+  }
+  const auto command = std::make_shared<MacroKeyInfo>(code, keyFlag, 0);
+  m_currInsertIndex = std::min(m_currInsertIndex, events->size());
+  events->insert(events->begin() + static_cast<std::ptrdiff_t>(m_currInsertIndex), command);
+  ++m_currInsertIndex;
+  m_lastKeyInfo = command;
+  reloadTable();
+  selectNewCom(command);
+}
+
+// Before Qt makes shortcuts and steps of the focus out of keys. A message that stands over the
+// window keeps its own.
+bool MacroView::eventFilter(QObject* watched, QEvent* event) {
+  const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
+  if (!m_isRecord || m_isInfoShown || (!isKey && event->type() != QEvent::ShortcutOverride)) {
+    return ChildView::eventFilter(watched, event);
+  }
+  const auto* widget = qobject_cast<QWidget*>(watched);
+  const bool isOurs =
+      widget != nullptr ? widget->window() == window() : watched == window()->windowHandle();
+  if (!isOurs) {
+    return ChildView::eventFilter(watched, event);
+  }
+  event->accept();
+  if (isKey) {
+    takeKey(*static_cast<QKeyEvent*>(event));
+  }
+  return true;
+}
+
+void MacroView::keyPressEvent(QKeyEvent* event) {
+  takeKey(*event);
+  ChildView::keyPressEvent(event);
+}
+
+void MacroView::keyReleaseEvent(QKeyEvent* event) {
+  takeKey(*event);
+  ChildView::keyReleaseEvent(event);
+}
+
+void MacroView::mousePressEvent(QMouseEvent* event) {
+  if (takeMouse(*event, true)) {
+    event->accept();
+  } else {
+    ChildView::mousePressEvent(event);
+  }
+}
+
+void MacroView::mouseReleaseEvent(QMouseEvent* event) {
+  if (takeMouse(*event, false)) {
+    event->accept();
+  } else {
+    ChildView::mouseReleaseEvent(event);
+  }
+}
+
+// The second press of a double click is a press.
+void MacroView::mouseDoubleClickEvent(QMouseEvent* event) {
+  mousePressEvent(event);
+}
+
+void MacroView::onMouseEvent(LXButton& /*button*/, QEvent& event, int type) {
+  if (type >= LeftDown && type <= OtherUp) {
+    takeMouse(static_cast<QMouseEvent&>(event), (type - LeftDown) % 2 == 0);
+  }
+}
+
+void MacroView::onMouseEvent(RigthMouseTBView& /*table*/, QMouseEvent& event, int type) {
+  if (type >= LeftDown && type <= OtherUp) {
+    takeMouse(event, (type - LeftDown) % 2 == 0);
+  }
+}
