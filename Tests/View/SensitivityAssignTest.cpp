@@ -50,17 +50,17 @@ class SensitivityAssign : public AssignTest {
 
 struct Row {
   std::uint32_t id;
-  const char* title;
   bool hasEditor;
   bool hasLevels;
+  const char* title;
   const char* entry;
 };
 
-constexpr Row rows[] = {{1, "Set DPI", true, false, "1040400d0e"},
-                        {2, "DPI Level Up", false, true, "0940400d0e"},
-                        {3, "DPI Level Down", false, true, "0a40400d0e"},
-                        {4, "Show DPI", false, false, "0b40400d0e"},
-                        {5, "DPI Level Cycle", false, true, "1540400d0e"}};
+constexpr Row rows[] = {{1, true, false, "Set DPI", "1040400d0e"},
+                        {2, false, true, "DPI Level Up", "0940400d0e"},
+                        {3, false, true, "DPI Level Down", "0a40400d0e"},
+                        {4, false, false, "Show DPI", "0b40400d0e"},
+                        {5, false, true, "DPI Level Cycle", "1540400d0e"}};
 
 }  // namespace
 
