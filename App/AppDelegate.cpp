@@ -125,6 +125,8 @@ void prepareApplication(QApplication& application) {
   // Pictures are megabytes and most are read for a moment only: each goes back to the system when
   // it is no longer needed, instead of leaving a hole in the heap.
   mallopt(M_MMAP_THRESHOLD, largestHeapBlock);
+  // What the few short-lived threads need does not deserve a heap for each.
+  mallopt(M_ARENA_MAX, 1);
 #endif
   QCoreApplication::setOrganizationDomain(QStringLiteral("corvex.com"));
   QCoreApplication::setApplicationVersion(QStringLiteral(NERIN_VERSION));

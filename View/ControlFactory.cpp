@@ -39,7 +39,8 @@ LXButton* NerinAction::AddButton(const QRect& frame, LXButton::Action setAction,
                      GetImageFromRect(parView.overImage(), frame),
                      GetImageFromRect(parView.downImage(), frame),
                      GetImageFromRect(parView.disableImage(), frame),
-                     GetImageFromRect(parView.activeImage(), frame)});
+                     // Only a button that can be selected or checked shows this one.
+                     parView.activeImage().slice(frame, false)});
   button->setBtnFont(pictures::font(captionSize, QFont::Normal));
   button->setAction(std::move(setAction));
   button->setRightAction(std::move(setRightAction));

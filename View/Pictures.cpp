@@ -65,19 +65,23 @@ QImage read(const QString& path) {
   return found ? found.mapped().get() : readNow(scaledPath);
 }
 
-std::optional<QJsonObject>& loadedWords() {
-  static std::optional<QJsonObject> words;
+std::map<QString, QJsonObject>& loadedWords() {
+  static std::map<QString, QJsonObject> words;
   return words;
 }
 
-const QJsonObject& allWords() {
+// The words of one drawing. Only those of the screens that were shown are kept.
+const QJsonObject& wordsOf(const QString& screen) {
   auto& words = loadedWords();
-  if (!words) {
-    QFile file(pathOf(QStringLiteral("ArtworkWords.json")));
-    words = file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object()
-                                           : QJsonObject();
+  const auto found = words.find(screen);
+  if (found != words.end()) {
+    return found->second;
   }
-  return *words;
+  QFile file(pathOf(QStringLiteral("ArtworkWords.json")));
+  const QJsonObject all = file.open(QIODevice::ReadOnly)
+                              ? QJsonDocument::fromJson(file.readAll()).object()
+                              : QJsonObject();
+  return words[screen] = all[screen].toObject();
 }
 
 // What a word says in the user's language.
@@ -158,7 +162,7 @@ void drawWord(QPainter& painter, const QPixmap& picture, const QJsonObject& word
 
 QPixmap loadNow(const QString& path, const QString& screen, const QString& state) {
   QPixmap picture = QPixmap::fromImage(read(path));
-  const QJsonObject drawing = allWords()[screen].toObject();
+  const QJsonObject& drawing = wordsOf(screen);
   const QJsonArray words = drawing[u"words"].toArray();
   // A picture without a state stands alone; other names behind the "_" are pictures of their own.
   const bool isOfDrawing = state.isEmpty() || drawing[u"states"].toArray().contains(state);
@@ -213,5 +217,5 @@ QFont pictures::font(qreal pixels, int weight) {
 }
 
 void pictures::releaseWords() {
-  loadedWords().reset();
+  loadedWords().clear();
 }

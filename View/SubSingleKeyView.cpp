@@ -177,12 +177,17 @@ void SubSingleKeyView::take(const QKeyEvent& event) {
       (key->modifierFlags & keyModifierFlag(key->keyCode)) == 0) {
     return;
   }
-  if (key->keyCode == escapeKey && m_wasEscape) {
+  std::int32_t keyCode = key->keyCode;
+  if (keyCode == escapeKey && m_wasEscape) {
+    // Who leaves with Esc keeps the key that was there before, if there was one.
+    keyCode = m_keyBeforeEscape != noKey ? m_keyBeforeEscape : escapeKey;
     m_keybordChk->setFocus(Qt::OtherFocusReason);
+  } else if (keyCode == escapeKey) {
+    m_keyBeforeEscape = m_selKeyCode;
   }
   m_wasEscape = key->keyCode == escapeKey;
-  setSelKeyCode(key->keyCode);
-  m_newKeyEdt->setText(QString::fromStdString(LXKey::getStrByKeycode(key->keyCode)));
+  setSelKeyCode(keyCode);
+  m_newKeyEdt->setText(QString::fromStdString(LXKey::getStrByKeycode(keyCode)));
 }
 
 // Before Qt makes shortcuts and steps of the focus out of keys.

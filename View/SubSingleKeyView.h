@@ -13,7 +13,7 @@ class MenuInfo;
 
 // Assigns a mouse function from a list, or a key, which is captured: while the keyboard is chosen
 // and this view has the focus, every key belongs to the capture. Esc twice, or a click elsewhere,
-// ends that.
+// ends that; after Esc the key stays that was there before.
 class SubSingleKeyView : public KeyAssignSubView,
                          public LXMenulistDelegate,
                          public LXSetpPanelDelegate {
@@ -66,4 +66,5 @@ class SubSingleKeyView : public KeyAssignSubView,
   KeyTracker m_keys;
   std::int32_t m_selKeyCode = noKey;
   bool m_wasEscape = false;
+  std::int32_t m_keyBeforeEscape = noKey;
 };

@@ -68,11 +68,13 @@ void LXButton::setToolTip(const QString& toolTip) {
 
 void LXButton::setIsCheckBox(bool isCheckBox) {
   m_isCheckBox = isCheckBox;
+  m_images.active.expect();
   setCheckable(m_isCheckBox || m_isStepItem);
 }
 
 void LXButton::setIsStepItem(bool isStepItem) {
   m_isStepItem = isStepItem;
+  m_images.active.expect();
   setCheckable(m_isCheckBox || m_isStepItem);
 }
 

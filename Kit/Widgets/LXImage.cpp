@@ -109,14 +109,22 @@ QSize LXImage::size() const {
   return m_source->size;
 }
 
-LXImage LXImage::slice(const QRect& rect) const {
+LXImage LXImage::slice(const QRect& rect, bool isExpected) const {
   LXImage part;
   if (!isNull() && !rect.isEmpty()) {
     part.m_source = m_source;
     part.m_rect = m_rect.isNull() ? rect : rect.translated(m_rect.topLeft());
-    m_source->want(part.m_rect);
+    if (isExpected) {
+      part.expect();
+    }
   }
   return part;
+}
+
+void LXImage::expect() const {
+  if (!isNull() && !m_rect.isNull()) {
+    m_source->want(m_rect);
+  }
 }
 
 QPixmap LXImage::pixmap() const {

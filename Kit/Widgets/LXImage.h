@@ -25,8 +25,11 @@ class LXImage {
   // Whether the picture has been brought, for the tests of its laziness.
   bool isLoaded() const;
   QSize size() const;
-  // The rectangle of this picture; of no picture, none.
-  LXImage slice(const QRect& rect) const;
+  // The rectangle of this picture; of no picture, none. What is not expected to be drawn is not
+  // kept beforehand: drawing it may bring the picture again.
+  LXImage slice(const QRect& rect, bool isExpected = true) const;
+  // The slice will be drawn after all.
+  void expect() const;
   // A picture of its own.
   QPixmap pixmap() const;
   void draw(QPainter& painter, const QPoint& position) const;

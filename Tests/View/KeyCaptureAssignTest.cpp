@@ -169,6 +169,8 @@ TEST_F(KeyCaptureAssign, EscapeTwiceGivesTheKeyboardBackAndAThirdTimeCancels) {
   EXPECT_FALSE(sub().hasFocus());
   EXPECT_TRUE(in("keybordChk").hasFocus());
   EXPECT_EQ(sub().choice(), 2);
+  EXPECT_EQ(newKey(), "K");
+  EXPECT_EQ(sub().selKeyCode(), 40);
   EXPECT_TRUE(isOpen());
   hitKey(in("keybordChk"), Qt::Key_Escape);
   process();
