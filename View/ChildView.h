@@ -21,6 +21,10 @@ class ChildView : public TavImageView {
 
  protected:
   void setEndTag(int endTag) { m_endTag = endTag; }
+  // A button that ends in buttonAction.
+  LXButton* addButton(const QRect& frame, int tag, const char* name, const char* tooltipKey);
+  // The Cancel button: undoes the edit and closes the window.
+  void cancelAndEnd();
   // Closes the window: what the edit needs for its end is done.
   void endWindow(int endTag);
   // Undoes what Cancel would.

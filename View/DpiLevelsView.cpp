@@ -24,15 +24,6 @@ void DpiLevelsView::initData() {
   setImageByName(QString::fromLatin1(m_picture));
 }
 
-LXButton* DpiLevelsView::addButton(const QRect& frame, int tag, const char* name,
-                                   const char* tooltipKey) {
-  LXButton* button = NerinAction::AddButton(
-      frame, [this](LXButton& sender) { buttonAction(sender); }, {}, *this);
-  button->setTag(tag);
-  NerinAction::initTooltip(*button, QString::fromLatin1(name), tooltipKey);
-  return button;
-}
-
 void DpiLevelsView::initControls() {
   m_enableXYChk = NerinAction::AddCheckBox(
       m_places.enableXYChk, [this](LXButton& sender) { buttonAction(sender); }, {}, *this);

@@ -63,7 +63,6 @@ class DpiLevelsView : public ChildView,
   void buttonAction(LXButton& sender) override;
   // The box was clicked.
   void enableXYAction();
-  LXButton* addButton(const QRect& frame, int tag, const char* name, const char* tooltipKey);
 
  private:
   using Levels = std::array<LevelView*, levelCount>;

@@ -32,14 +32,6 @@ void KeyAssignView::initData() {
   setImageByName(QStringLiteral("KeyAssignView_Normal.png"));
 }
 
-void KeyAssignView::addButton(const QRect& frame, int tag, const char* name,
-                              const char* tooltipKey) {
-  LXButton* button = NerinAction::AddButton(
-      frame, [this](LXButton& sender) { buttonAction(sender); }, {}, *this);
-  button->setTag(tag);
-  NerinAction::initTooltip(*button, QString::fromLatin1(name), tooltipKey);
-}
-
 void KeyAssignView::initControls() {
   m_comSelBtn = NerinAction::addListButton(frameRect(frames::comSelBtn), *this, TagType,
                                            QStringLiteral("comSelBtn"), "Function");
@@ -176,8 +168,7 @@ void KeyAssignView::buttonAction(LXButton& sender) {
       closePro();
       return;
     case TagCancel:
-      cancelEdit();
-      endWindow(0);
+      cancelAndEnd();
       return;
     default:
       return;

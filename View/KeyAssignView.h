@@ -67,7 +67,6 @@ class KeyAssignView : public ChildView, public LXMenulistDelegate, public LXSetp
   void mousePressEvent(QMouseEvent* event) override;
 
  private:
-  void addButton(const QRect& frame, int tag, const char* name, const char* tooltipKey);
   void applyPro();
   void closePro();
   void restoreBtnInfo();

@@ -56,8 +56,7 @@ void LevelSettingView::buttonAction(LXButton& sender) {
       endWindow(1);
       return;
     case TagCancel:
-      cancelEdit();
-      endWindow(0);
+      cancelAndEnd();
       return;
     default:
       return;

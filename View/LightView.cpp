@@ -58,13 +58,6 @@ void LightView::initControls() {
   addButton(frameRect(frames::cancelBtn), TagCancel, "cancelBtn", "Cancel");
 }
 
-void LightView::addButton(const QRect& frame, int tag, const char* name, const char* tooltipKey) {
-  LXButton* button = NerinAction::AddButton(
-      frame, [this](LXButton& sender) { buttonAction(sender); }, {}, *this);
-  button->setTag(tag);
-  NerinAction::initTooltip(*button, QString::fromLatin1(name), tooltipKey);
-}
-
 void LightView::initZones() {
   struct Zone {
     Artwork::Frame button;
@@ -327,8 +320,7 @@ void LightView::buttonAction(LXButton& sender) {
       closePro();
       return;
     case TagCancel:
-      cancelEdit();
-      endWindow(0);
+      cancelAndEnd();
       return;
     default:
       return;

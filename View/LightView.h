@@ -73,7 +73,6 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
  private:
   void initZones();
   void initPicker();
-  void addButton(const QRect& frame, int tag, const char* name, const char* tooltipKey);
   void drawColorBtn(QPainter& painter) const;
   void drawLights(QPainter& painter) const;
   void takePicked();

@@ -325,8 +325,7 @@ void MacroView::buttonAction(LXButton& sender) {
       endWindow(1);
       return;
     case TagCancel:
-      cancelEdit();
-      endWindow(0);
+      cancelAndEnd();
       return;
     case TagApply:
       NerinAction::saveMenuList();

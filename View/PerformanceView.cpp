@@ -133,8 +133,7 @@ void PerformanceView::buttonAction(LXButton& sender) {
       closePro();
       return;
     case TagCancel:
-      cancelEdit();
-      endWindow(0);
+      cancelAndEnd();
       return;
     default:
       return;
