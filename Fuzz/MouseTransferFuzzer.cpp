@@ -22,6 +22,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     rest = rest.subspan(sent);
     fuzz::require(mouse.controlTransfer(setup, std::span(stage).first(length)).bytes <= length);
   }
+  for (int macroSlot = 0; macroSlot < VirtualMouse::macroSlotCount; ++macroSlot) {
+    fuzz::require(mouse.playMacro(macroSlot).events.size() <= 2000);
+  }
   mouse.setScenario({.kind = MouseScenario::Kind::HoldsGarbage});
   fuzz::require(mouse.macroReport(VirtualMouse::macroSlotCount - 1).size() == 2053);
   return 0;

@@ -201,6 +201,11 @@ std::string VirtualMouse::slotName(int slot) const {
   return {characters.begin(), std::find(characters.begin(), characters.end(), 0)};
 }
 
+MacroPlayback VirtualMouse::playMacro(int macroSlot) const {
+  const auto report = macroReport(macroSlot);
+  return report[0] == MouseMemory::macroMark ? playbackOf(report) : MacroPlayback{};
+}
+
 bool VirtualMouse::hasUnrefreshedWrites() const {
   return m_state->firmware.hasUnrefreshedWrites();
 }

@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+#include "VirtualMouse/MacroPlayback.h"
+
 // The eight bytes that open a USB control transfer.
 struct SetupPacket {
   std::uint8_t requestType = 0;
@@ -108,6 +110,8 @@ class VirtualMouse {
   // 2053 bytes; byte 0 is 0xB0 when the slot holds a macro, else 4 with zeros.
   std::span<const std::uint8_t> macroReport(int macroSlot) const;
   std::string slotName(int slot) const;
+  // What the host is told when a button with this macro is pressed. Without a macro: no events.
+  MacroPlayback playMacro(int macroSlot) const;
   // Whether a name, image or macro was written and no refresh command has followed yet.
   bool hasUnrefreshedWrites() const;
 
