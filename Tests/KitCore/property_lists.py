@@ -113,4 +113,5 @@ def main():
             plistlib.dump(content, file, fmt=form)
 
 
-main()
+if __name__ == "__main__":
+    main()
