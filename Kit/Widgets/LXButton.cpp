@@ -14,6 +14,9 @@ constexpr int disabledAlpha = 96;
 constexpr QColor focusColor(0xF2, 0xF4, 0xF7);
 constexpr qreal focusWidth = 2;
 
+// How much of its selection shows a button that cannot be pressed.
+constexpr qreal disabledSelection = 0.4;
+
 // A pointer shows where it is by itself; only the keyboard needs the ring.
 bool isFromKeyboard(Qt::FocusReason reason) {
   return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
@@ -137,6 +140,11 @@ QSize LXButton::sizeHint() const {
 void LXButton::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   currentImage().draw(painter, {0, 0});
+  if (!isEnabled() && isSelected()) {
+    painter.setOpacity(disabledSelection);
+    m_images.active.draw(painter, {0, 0});
+    painter.setOpacity(1);
+  }
   if (!text().isEmpty()) {
     QColor color = m_color;
     if (!isEnabled()) {

@@ -3,6 +3,13 @@
 #include <QPainter>
 #include <utility>
 
+namespace {
+
+constexpr QColor edgeColor(0x34, 0x39, 0x43);
+constexpr qreal cornerRadius = 6;
+
+}  // namespace
+
 LXImageView::LXImageView(QWidget* parent) : QWidget(parent) {
   setAttribute(Qt::WA_TransparentForMouseEvents);
 }
@@ -37,5 +44,11 @@ void LXColorView::setColor(const QColor& color) {
 }
 
 void LXColorView::paintEvent(QPaintEvent* /*event*/) {
-  QPainter(this).fillRect(rect(), m_color);
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  // The edge parts a dark colour from a dark window.
+  painter.setPen(edgeColor);
+  painter.setBrush(m_color);
+  painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius,
+                          cornerRadius);
 }

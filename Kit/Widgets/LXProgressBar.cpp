@@ -1,10 +1,9 @@
 #include "Kit/Widgets/LXProgressBar.h"
 
-#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QStyle>
-#include <QWheelEvent>
 #include <algorithm>
 #include <utility>
 
@@ -58,12 +57,24 @@ QRect LXProgressBar::indicateRect() const {
   return knob;
 }
 
-// The action hears of what the user did, and only when it changed something.
-template <typename Change>
-void LXProgressBar::change(Change apply) {
-  const int before = value();
-  apply();
-  if (value() != before && m_action) {
+void LXProgressBar::setMaxValue(int maximum) {
+  const QScopedValueRollback guard(m_isSetByProgram, true);
+  setMaximum(maximum);
+}
+
+void LXProgressBar::setMinValue(int minimum) {
+  const QScopedValueRollback guard(m_isSetByProgram, true);
+  setMinimum(minimum);
+}
+
+void LXProgressBar::setValue(int value) {
+  const QScopedValueRollback guard(m_isSetByProgram, true);
+  QAbstractSlider::setValue(value);
+}
+
+void LXProgressBar::sliderChange(SliderChange change) {
+  QAbstractSlider::sliderChange(change);
+  if (change == SliderValueChange && !m_isSetByProgram && m_action) {
     m_action(*this);
   }
 }
@@ -72,9 +83,8 @@ void LXProgressBar::moveTo(const QPoint& point) {
   const bool isLevel = orientation() == Qt::Horizontal;
   const int along =
       isLevel ? point.x() - knobSize().width() / 2 : height() - point.y() - knobSize().height() / 2;
-  change([&] {
-    setValue(QStyle::sliderValueFromPosition(minimum(), maximum(), along, std::max(1, travel())));
-  });
+  QAbstractSlider::setValue(
+      QStyle::sliderValueFromPosition(minimum(), maximum(), along, std::max(1, travel())));
 }
 
 void LXProgressBar::paintEvent(QPaintEvent* /*event*/) {
@@ -112,14 +122,6 @@ void LXProgressBar::mouseMoveEvent(QMouseEvent* event) {
 
 void LXProgressBar::mouseReleaseEvent(QMouseEvent* /*event*/) {
   setSliderDown(false);
-}
-
-void LXProgressBar::keyPressEvent(QKeyEvent* event) {
-  change([&] { QAbstractSlider::keyPressEvent(event); });
-}
-
-void LXProgressBar::wheelEvent(QWheelEvent* event) {
-  change([&] { QAbstractSlider::wheelEvent(event); });
 }
 
 void LXProgressBar::enterEvent(QEnterEvent* event) {

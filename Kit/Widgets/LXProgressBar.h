@@ -6,7 +6,8 @@
 #include "Kit/Widgets/LXImage.h"
 
 // A slider drawn from a background, a background under the pointer and a knob. A larger value is
-// further right, or further up. Setting the value tells nobody; the user's change does.
+// further right, or further up. Setting the value through this class tells nobody; the user's
+// change does, by pointer, key, wheel or a screen reader.
 class LXProgressBar : public QAbstractSlider {
   Q_OBJECT
 
@@ -19,8 +20,9 @@ class LXProgressBar : public QAbstractSlider {
   void setOverImage(LXImage image);
   void setIndicateImage(LXImage image);
   void setChangeAction(Action action) { m_action = std::move(action); }
-  void setMaxValue(int maximum) { setMaximum(maximum); }
-  void setMinValue(int minimum) { setMinimum(minimum); }
+  void setMaxValue(int maximum);
+  void setMinValue(int minimum);
+  void setValue(int value);
   void setTag(int tag) { m_tag = tag; }
   int tag() const { return m_tag; }
   // 1 is the one there is: a bar with a knob.
@@ -36,8 +38,7 @@ class LXProgressBar : public QAbstractSlider {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
-  void keyPressEvent(QKeyEvent* event) override;
-  void wheelEvent(QWheelEvent* event) override;
+  void sliderChange(SliderChange change) override;
   void enterEvent(QEnterEvent* event) override;
   void leaveEvent(QEvent* event) override;
 
@@ -45,8 +46,6 @@ class LXProgressBar : public QAbstractSlider {
   QSize knobSize() const;
   int travel() const;
   void moveTo(const QPoint& point);
-  template <typename Change>
-  void change(Change apply);
 
   LXImage m_background;
   LXImage m_over;
@@ -55,4 +54,5 @@ class LXProgressBar : public QAbstractSlider {
   int m_tag = 0;
   int m_barStyle = 1;
   bool m_isPointerIn = false;
+  bool m_isSetByProgram = false;
 };

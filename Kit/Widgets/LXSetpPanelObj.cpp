@@ -1,5 +1,6 @@
 #include "Kit/Widgets/LXSetpPanelObj.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <algorithm>
 
@@ -46,6 +47,11 @@ int LXSetpPanelObj::indexOf(const QObject* button) const {
   return item == m_items.end() ? 0 : static_cast<int>(item - m_items.begin()) + 1;
 }
 
+LXButton* LXSetpPanelObj::buttonOf(int index) const {
+  return index >= 1 && index <= itemCount() ? m_items[static_cast<std::size_t>(index - 1)].button
+                                            : nullptr;
+}
+
 // Buttons and views as the selection has them. Tab stops once in the group: on the selected one.
 void LXSetpPanelObj::show() {
   for (int index = 1; index <= itemCount(); ++index) {
@@ -80,13 +86,16 @@ bool LXSetpPanelObj::eventFilter(QObject* watched, QEvent* event) {
       return QObject::eventFilter(watched, event);
   }
   const int next = indexOf(watched) + step;
-  const bool isItem = next >= 1 && next <= itemCount();
+  const LXButton* wanted = buttonOf(next);
   // What is hidden cannot be chosen.
-  if (isItem && !m_items[static_cast<std::size_t>(next - 1)].button->isHidden()) {
+  if (wanted != nullptr && !wanted->isHidden()) {
+    const QWidget* focused = QApplication::focusWidget();
     selectindex(next);
-    // The delegate may have refused: the focus goes where the selection is.
-    if (m_current >= 1) {
-      m_items[static_cast<std::size_t>(m_current - 1)].button->setFocus(Qt::TabFocusReason);
+    // The delegate may have refused: the focus goes where the selection is, unless the delegate has
+    // a better place for it.
+    LXButton* selected = buttonOf(m_current);
+    if (selected != nullptr && QApplication::focusWidget() == focused) {
+      selected->setFocus(Qt::TabFocusReason);
     }
   }
   return true;

@@ -11,7 +11,9 @@ class QWidget;
 class LXSetpPanelDelegate {
  public:
   virtual ~LXSetpPanelDelegate() = default;
-  virtual bool shouldSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) = 0;
+  virtual bool shouldSelectIndex(int /*newIndex*/, int /*oldIndex*/, LXSetpPanelObj& /*sender*/) {
+    return true;
+  }
   virtual void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) = 0;
 };
 
@@ -26,6 +28,7 @@ class LXSetpPanelObj : public QObject {
   // The view, if any, shows only while its item is selected. An item without a button is selected
   // by the program alone.
   void addItem(LXButton* button, QWidget* panBox = nullptr);
+  // Not owned; has to outlive the panel.
   void setSetpDelegate(LXSetpPanelDelegate* delegate) { m_delegate = delegate; }
 
   // Selects an item after the delegate allowed it. The selected one again, and an index that no
@@ -46,6 +49,8 @@ class LXSetpPanelObj : public QObject {
   };
 
   int indexOf(const QObject* button) const;
+  // Null for an item without a button, and for no item.
+  LXButton* buttonOf(int index) const;
   void show();
 
   std::vector<Item> m_items;

@@ -4,6 +4,13 @@
 #include <QKeyEvent>
 #include <QPalette>
 
+namespace {
+
+// The text of a field that cannot be used, as that of a button.
+constexpr int disabledAlpha = 96;
+
+}  // namespace
+
 LXTextField::LXTextField(QWidget* parent) : QLineEdit(parent) {
   setFrame(false);
   setTextColor(Qt::white);
@@ -13,8 +20,11 @@ LXTextField::LXTextField(QWidget* parent) : QLineEdit(parent) {
 }
 
 void LXTextField::setTextColor(const QColor& color) {
+  QColor disabled = color;
+  disabled.setAlpha(disabledAlpha);
   QPalette colors = palette();
   colors.setColor(QPalette::Text, color);
+  colors.setColor(QPalette::Disabled, QPalette::Text, disabled);
   setPalette(colors);
 }
 

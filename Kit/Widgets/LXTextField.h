@@ -11,6 +11,9 @@ class LXTextField : public QLineEdit {
  public:
   using Action = std::function<void(LXTextField&)>;
 
+  // What the text keeps from each side in addition to the margins that are set, in pixels.
+  static constexpr int ownMargin = 2;
+
   explicit LXTextField(QWidget* parent = nullptr);
 
   void setAction(Action action) { m_action = std::move(action); }

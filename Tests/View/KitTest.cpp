@@ -103,6 +103,24 @@ TEST_F(Button, ACheckBoxKeepsItsState) {
   EXPECT_EQ(m_clicks, 2);
 }
 
+TEST_F(Button, ShowsThatItIsSelectedWhileItCannotBeUsed) {
+  m_button.setIsCheckBox(true);
+  m_button.setIsEnable(false);
+  EXPECT_EQ(shown(), grey);
+  m_button.setChecked(true);
+  EXPECT_GT(shown().lightness(), grey.lightness());
+  EXPECT_LT(shown().lightness(), white.lightness());
+}
+
+TEST_F(Widgets, TheTextOfAFieldFadesWhileItCannotBeUsed) {
+  LXTextField field;
+  field.setTextColor(white);
+  EXPECT_EQ(field.palette().color(QPalette::Text), white);
+  field.setEnabled(false);
+  EXPECT_LT(field.palette().color(QPalette::Disabled, QPalette::Text).alpha(), white.alpha());
+  EXPECT_EQ(field.palette().color(QPalette::Active, QPalette::Text), white);
+}
+
 TEST_F(Button, TheRightButtonHasAnActionOfItsOwn) {
   send(QEvent::MouseButtonPress, Qt::RightButton);
   send(QEvent::MouseButtonRelease, Qt::RightButton);
@@ -233,6 +251,24 @@ TEST_F(Widgets, ASliderFollowsThePointer) {
   mouse(QEvent::MouseButtonRelease, -50);
   mouse(QEvent::MouseMove, -50);
   EXPECT_EQ(bar.value(), 10);
+}
+
+TEST_F(Widgets, ASliderTellsOfWhatAScreenReaderSetsButNotTheProgram) {
+  LXProgressBar bar;
+  std::vector<int> heard;
+  bar.setChangeAction([&](LXProgressBar& sender) { heard.push_back(sender.value()); });
+  bar.setMaxValue(30);
+  bar.setValue(12);
+  bar.setMinValue(14);
+  bar.setMaxValue(13);
+  bar.setMaxValue(30);
+  bar.setMinValue(0);
+  EXPECT_THAT(heard, testing::IsEmpty());
+  auto* reader = QAccessible::queryAccessibleInterface(&bar)->valueInterface();
+  reader->setCurrentValue(5);
+  reader->setCurrentValue(5);
+  QTest::keyClick(&bar, Qt::Key_Right);
+  EXPECT_THAT(heard, testing::ElementsAre(5, 6));
 }
 
 TEST_F(Widgets, OnlyTheStripAtTheTopDragsAWindow) {

@@ -153,6 +153,16 @@ TEST_F(StepPanel, TheArrowsMoveAndStopAtTheEnds) {
   EXPECT_EQ(m_panel.currentSetp(), 1);
 }
 
+TEST_F(StepPanel, TheArrowsStopAtAnItemWithoutAButton) {
+  m_panel.addItem(nullptr);
+  m_panel.selectindex(3);
+  pressKey(m_third, Qt::Key_Right);
+  EXPECT_EQ(m_panel.currentSetp(), 3);
+  m_panel.selectindex(4);
+  pressKey(m_third, Qt::Key_Left);
+  EXPECT_EQ(m_panel.currentSetp(), 2);
+}
+
 TEST_F(StepPanel, TabStopsOnceInTheGroup) {
   EXPECT_EQ(m_first.focusPolicy(), Qt::StrongFocus);
   EXPECT_EQ(m_second.focusPolicy(), Qt::ClickFocus);
