@@ -1,16 +1,5 @@
 #include "View/ChildView.h"
 
-#include "View/ControlFactory.h"
-
-LXButton* ChildView::addButton(const QRect& frame, int tag, const char* name,
-                               const char* tooltipKey) {
-  LXButton* button = NerinAction::AddButton(
-      frame, [this](LXButton& sender) { buttonAction(sender); }, {}, *this);
-  button->setTag(tag);
-  NerinAction::initTooltip(*button, QString::fromLatin1(name), tooltipKey);
-  return button;
-}
-
 void ChildView::cancelAndEnd() {
   cancelEdit();
   endWindow(0);

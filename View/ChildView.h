@@ -20,9 +20,6 @@ class ChildView : public TavImageView {
   void ended(int endTag);
 
  protected:
-  void setEndTag(int endTag) { m_endTag = endTag; }
-  // A button that ends in buttonAction.
-  LXButton* addButton(const QRect& frame, int tag, const char* name, const char* tooltipKey);
   // The Cancel button: undoes the edit and closes the window.
   void cancelAndEnd();
   // Closes the window: what the edit needs for its end is done.

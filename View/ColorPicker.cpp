@@ -16,6 +16,8 @@ namespace {
 constexpr double keyStep = 0.01;
 constexpr double cornerRadius = 6;
 constexpr double knobRadius = 6;
+constexpr double knobEdge = 4;
+constexpr double knobReach = knobRadius + knobEdge / 2;
 constexpr int swatchSize = 24;
 constexpr int swatchPitch = 29;
 constexpr int highest = 255;
@@ -29,7 +31,7 @@ QColor colorOfHsv(double hue, double saturation, double brightness) {
 
 void drawKnob(QPainter& painter, const QPointF& center, bool hasFocus) {
   painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(Qt::black, 4));
+  painter.setPen(QPen(Qt::black, knobEdge));
   painter.drawEllipse(center, knobRadius, knobRadius);
   painter.setPen(QPen(Qt::white, hasFocus ? 3 : 2));
   painter.drawEllipse(center, knobRadius, knobRadius);
@@ -155,11 +157,10 @@ void HueSaturationView::paintEvent(QPaintEvent* /*event*/) {
   painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
   painter.setBrush(white);
   painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
-  drawKnob(
-      painter,
-      {std::clamp(m_color.hue * (width() - 1), knobRadius, width() - knobRadius),
-       std::clamp((1 - m_color.saturation) * (height() - 1), knobRadius, height() - knobRadius)},
-      hasFocus());
+  drawKnob(painter,
+           {std::clamp(m_color.hue * (width() - 1), knobReach, width() - knobReach),
+            std::clamp((1 - m_color.saturation) * (height() - 1), knobReach, height() - knobReach)},
+           hasFocus());
 }
 
 BrightnessView::BrightnessView(QWidget* parent) : QWidget(parent) {
@@ -207,11 +208,10 @@ void BrightnessView::paintEvent(QPaintEvent* /*event*/) {
   painter.setPen(Qt::NoPen);
   painter.setBrush(light);
   painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
-  drawKnob(
-      painter,
-      {std::clamp(m_color.brightness * (width() - 1), knobRadius + 2, width() - knobRadius - 2),
-       height() / 2.0},
-      hasFocus());
+  drawKnob(painter,
+           {std::clamp(m_color.brightness * (width() - 1), knobReach, width() - knobReach),
+            height() / 2.0},
+           hasFocus());
 }
 
 RecentColorsView::RecentColorsView(QWidget* parent) : QWidget(parent) {}

@@ -1,5 +1,6 @@
 #include "View/ControlFactory.h"
 
+#include <QPointer>
 #include <utility>
 
 #include "Action/TooltipManager.h"
@@ -90,7 +91,12 @@ LXNumberTextField* NerinAction::AddNumTextField(const QRect& frame, TavImageView
   field->setMinNum(minNum);
   field->setMaxLenth(maxLen);
   field->setHasNegative(hasNeg);
-  field->setAction([&parView, field](LXTextField&) { parView.onNumTextChange(*field); });
+  // A field that loses the keyboard while its view is destroyed commits to nobody.
+  field->setAction([view = QPointer<TavImageView>(&parView), field](LXTextField&) {
+    if (view) {
+      view->onNumTextChange(*field);
+    }
+  });
   field->resetFormat();
   return field;
 }

@@ -25,10 +25,8 @@ void DpiLevelsView::initData() {
 }
 
 void DpiLevelsView::initControls() {
-  m_enableXYChk = NerinAction::AddCheckBox(
-      m_places.enableXYChk, [this](LXButton& sender) { buttonAction(sender); }, {}, *this);
-  m_enableXYChk->setTag(m_places.enableXYTag);
-  NerinAction::initTooltip(*m_enableXYChk, QStringLiteral("enableXYChk"), "Enable X-Y Axis");
+  m_enableXYChk =
+      addCheckBox(m_places.enableXYChk, m_places.enableXYTag, "enableXYChk", "Enable X-Y Axis");
 
   m_bgViewSetp = new LXSetpPanelObj(this);
   for (std::size_t i = 0; i < levelCount; ++i) {
@@ -86,7 +84,8 @@ void DpiLevelsView::fillSettingData() {
   currSetProfile = selProfile;
   setLevelsVisible(m_levelViewArrs, 0);
   setLevelsVisible(m_levelXYViewArrs, 0);
-  fillXYChk(currSetProfile.dpiLevel);
+  const std::uint32_t count = std::clamp(currSetProfile.dpiLevel, 1U, mostLevels);
+  fillXYChk(count);
   for (std::size_t i = 0; i < levelCount; ++i) {
     const std::uint32_t x = limited(currSetProfile.xSensArr[i]);
     m_levelViewArrs[i]->setDpiValue(x);
@@ -98,7 +97,7 @@ void DpiLevelsView::fillSettingData() {
   m_bgViewSetp->resetSetp();
   m_bgViewSetp->selectindex(static_cast<int>(active) + 1);
   setSelectedDpi(active);
-  setCurrLevlePro(std::clamp(currSetProfile.dpiLevel, 1U, mostLevels), isXY());
+  setCurrLevlePro(count, isXY());
 }
 
 void DpiLevelsView::fillXYChk(std::uint32_t count) {
@@ -174,8 +173,9 @@ void DpiLevelsView::fillLevelViewData() {
 }
 
 void DpiLevelsView::onLevelChange(LevelView& level) {
-  // What was typed into another level makes that one active, which came first.
-  commitLevels();
+  // What was typed into another level makes that one active, which came first. In its own fields
+  // somebody may still be typing.
+  commitLevels(&level);
   for (LevelView* one : shownLevels()) {
     one->setIsActive(false);
   }
@@ -205,11 +205,6 @@ void DpiLevelsView::OnChangeSliderValue(DpiSliderView& /*sender*/) {
   fillLevelViewData();
 }
 
-bool DpiLevelsView::shouldSelectIndex(int /*newIndex*/, int /*oldIndex*/,
-                                      LXSetpPanelObj& /*sender*/) {
-  return true;
-}
-
 void DpiLevelsView::onSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& sender) {
   if (&sender != m_bgViewSetp) {
     return;
@@ -220,10 +215,12 @@ void DpiLevelsView::onSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj
   setSelectedDpi(level);
 }
 
-void DpiLevelsView::commitLevels() {
+void DpiLevelsView::commitLevels(const LevelView* except) {
   for (const Levels* levels : {&m_levelViewArrs, &m_levelXYViewArrs}) {
     for (LevelView* level : *levels) {
-      level->commit();
+      if (level != except) {
+        level->commit();
+      }
     }
   }
 }

@@ -38,7 +38,6 @@ class DpiLevelsView : public ChildView,
   void onLevelChange(LevelView& level) override;
   void onDpiChange(LevelView& level, int type) override;
   void OnChangeSliderValue(DpiSliderView& sender) override;
-  bool shouldSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
   void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
   // A slider that is not one of the levels'.
   virtual void progessBarAction(LXProgressBar& sender) = 0;
@@ -69,7 +68,8 @@ class DpiLevelsView : public ChildView,
 
   Levels& shownLevels();
   Levels& hiddenLevels();
-  void commitLevels();
+  // What was typed and not committed; of all levels but one.
+  void commitLevels(const LevelView* except = nullptr);
   void setLevelsVisible(Levels& levels, std::size_t count);
 
   const char* m_picture;

@@ -14,7 +14,7 @@ namespace {
 namespace frames = Artwork::DpiSliderView;
 namespace framesXY = Artwork::DpiSliderViewXY;
 
-constexpr QSize labelSize(64, 14);
+constexpr QSize labelSize(32, 14);
 constexpr qreal labelType = 10.5;
 // A turn of the wheel, or a page key.
 constexpr int pageSteps = 4;

@@ -29,6 +29,7 @@ class DpiSliderView : public TavImageView {
 
   explicit DpiSliderView(QWidget* parent = nullptr);
 
+  // Not owned; has to outlive the sliders.
   void setDelegate(DpiSliderDelegate* delegate) { m_delegate = delegate; }
 
   // Setting a value moves its slider and tells nobody.

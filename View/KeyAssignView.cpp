@@ -2,6 +2,7 @@
 
 #include "Action/EditState.h"
 #include "Action/FunctionCatalogue.h"
+#include "Action/KeyCodes.h"
 #include "Action/ProfieController.h"
 #include "Action/ProfileImage.h"
 #include "ArtworkFrames.h"
@@ -20,7 +21,6 @@ namespace {
 namespace frames = Artwork::KeyAssignView;
 
 constexpr int typeMenuWidth = 177;
-constexpr std::uint32_t disabledCode = 255;
 
 }  // namespace
 
@@ -38,6 +38,8 @@ void KeyAssignView::initControls() {
   m_buttonTxt = NerinAction::AddLabTextField(frameRect(frames::buttonTxt), *this);
   m_buttonTxt->setObjectName(QStringLiteral("buttonTxt"));
   m_buttonTxt->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  // Its edge is that of what stands below.
+  m_buttonTxt->setTextMargins(0, 0, -LXTextField::ownMargin, 0);
   m_buttonTxt->setTextColor(QColor::fromRgb(Artwork::Colour::mist));
 
   m_singleKeyView = new SubSingleKeyView(this);
@@ -73,12 +75,8 @@ void KeyAssignView::setButtonName(const QString& name) {
 }
 
 void KeyAssignView::initNotify() {
-  connect(&LocalNotifications::shared(), &LocalNotifications::posted, this,
-          [this](const QString& name) {
-            if (name == NerinAction::notifyOutPlus) {
-              devOutplusPro();
-            }
-          });
+  LocalNotifications::shared().observe(NerinAction::notifyOutPlus, this,
+                                       [this] { devOutplusPro(); });
 }
 
 void KeyAssignView::deallocNotify() {
@@ -122,11 +120,6 @@ void KeyAssignView::onMenulistSelected(LXMenulist& /*list*/,
   }
 }
 
-bool KeyAssignView::shouldSelectIndex(int /*newIndex*/, int /*oldIndex*/,
-                                      LXSetpPanelObj& /*sender*/) {
-  return true;
-}
-
 void KeyAssignView::onSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& /*sender*/) {
   m_subViews[static_cast<std::size_t>(newIndex - 1)]->fillSettingData();
 }
@@ -137,8 +130,8 @@ void KeyAssignView::saveData() {
       m_tmpBtnInfo = ProfieController::getShareProCon().getDefBtnInfoByIndex(m_btnIndex);
       return;
     case Disabled:
-      m_tmpBtnInfo.FuncID = disabledCode;
-      m_tmpBtnInfo.FuncTableId = disabledCode;
+      m_tmpBtnInfo.FuncID = NerinAction::FunctionDisabled;
+      m_tmpBtnInfo.FuncTableId = NerinAction::FunctionDisabled;
       m_tmpBtnInfo.btnType = ButtonTypeDisabled;
       return;
     case Macro:
@@ -185,7 +178,6 @@ void KeyAssignView::applyPro() {
 
 // Nothing goes to the mouse here: the whole profile does when it is applied.
 void KeyAssignView::closePro() {
-  setEndTag(1);
   isNeedSave = true;
   saveData();
   selProfile.btnInfo[m_btnIndex] = m_tmpBtnInfo;
@@ -197,7 +189,6 @@ void KeyAssignView::restoreBtnInfo() {
 }
 
 void KeyAssignView::cancelEdit() {
-  setEndTag(0);
   restoreBtnInfo();
   if (!m_isMouseGone) {
     NerinAction::setBtnInfoToDevicePro(m_btnIndex, m_tmpBtnInfo);

@@ -35,6 +35,7 @@ class KeyAssignView : public ChildView, public LXMenulistDelegate, public LXSetp
   KeyAssignView();
   ~KeyAssignView() override;
 
+  // 0..15
   void setBtnIndex(int btnIndex) { m_btnIndex = btnIndex; }
   int btnIndex() const { return m_btnIndex; }
   void setTmpBtnInfo(const _BTN_INFO& info) { m_tmpBtnInfo = info; }
@@ -52,7 +53,6 @@ class KeyAssignView : public ChildView, public LXMenulistDelegate, public LXSetp
   // The kind of an entry of the menu; null for none.
   void setCurrMenuData(const std::shared_ptr<MenuInfo>& entry);
   void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) override;
-  bool shouldSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
   void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
   // The mouse is gone: closes the window.
   void devOutplusPro();

@@ -28,6 +28,7 @@ class LevelView : public TavImageView {
   // `showType` as a DpiSliderView has it; `levelIndex` from 1.
   LevelView(int showType, int levelIndex, QWidget* parent);
 
+  // Not owned; has to outlive the level.
   void setLevelDelegate(LevelViewDelegate* delegate) { m_levelDelegate = delegate; }
   int levelIndex() const { return m_levelIndex; }
   int showType() const { return m_showType; }

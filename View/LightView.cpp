@@ -193,8 +193,8 @@ void LightView::fillSettingData() {
 void LightView::setSwatches(const LightColor& before, const LightColor& after) {
   m_before = before;
   m_after = after;
-  m_beforeColorView->setColor(before.shown());
-  m_afterColorView->setColor(after.shown());
+  m_beforeColorView->setColor(m_before.shown());
+  m_afterColorView->setColor(m_after.shown());
 }
 
 void LightView::displayBAColor() {
@@ -265,10 +265,6 @@ void LightView::progessBarAction(LXProgressBar& sender) {
   }
 }
 
-bool LightView::shouldSelectIndex(int /*newIndex*/, int /*oldIndex*/, LXSetpPanelObj& /*sender*/) {
-  return true;
-}
-
 void LightView::onSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& sender) {
   // One zone is selected, in whichever panel, so that it can be selected again in the other.
   (&sender == m_lightSetp ? m_lightTagSetp : m_lightSetp)->resetSetp();
@@ -285,7 +281,10 @@ void LightView::setLineImage(int zone, bool showTag) {
   if (zone < 1 || zone > zones) {
     return;
   }
-  m_lines[static_cast<std::size_t>(zone - 1)]->setImage(
+  const auto index = static_cast<std::size_t>(zone - 1);
+  // The line ends at a marker that is lit, too.
+  showTag ? m_markerBtns[index]->setOverImagePro() : m_markerBtns[index]->setExitImagePro();
+  m_lines[index]->setImage(
       showTag ? pictures::load(QStringLiteral("LightOptionView_Line%1.png").arg(zone)) : LXImage());
 }
 

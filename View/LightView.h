@@ -36,7 +36,6 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
 
   void fillSettingData() override;
   void buttonAction(LXButton& sender) override;
-  bool shouldSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
   void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
   void onMouseEvent(LXButton& button, QEvent& event, int type) override;
   void setLightSelImage(LXButton& button, bool showTag);

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <functional>
 #include <optional>
 
 // The notifications that stay inside the program.
@@ -15,6 +16,8 @@ class LocalNotifications : public QObject {
   void post(const QString& name, int type, const std::optional<QString>& value) {
     emit posted(name, type, value);
   }
+  // Runs the action whenever that is posted, until the observer is disconnected or gone.
+  void observe(const QString& name, const QObject* observer, std::function<void()> action);
 
  signals:
   void posted(const QString& name, std::optional<int> type, std::optional<QString> value);

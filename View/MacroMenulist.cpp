@@ -4,6 +4,7 @@
 
 #include "Action/MacroCatalogue.h"
 #include "Action/MacroImage.h"
+#include "Action/MenuInfo.h"
 #include "View/ControlFactory.h"
 
 namespace {
@@ -15,18 +16,34 @@ std::unique_ptr<LXMenulist>& shared() {
   return menu;
 }
 
+// The entries are called as their macros are; the menu itself keeps the names that tell macros
+// apart.
+void showTitles() {
+  const auto& nodes = shared()->menuNode()->children();
+  for (int row = 0; row < shared()->count(); ++row) {
+    const auto& data = nodes[static_cast<std::size_t>(row)]->nodeData();
+    if (const auto entry = std::dynamic_pointer_cast<MenuInfo>(data); entry && entry->macroInfo()) {
+      QListWidgetItem* item = shared()->item(row);
+      item->setText(macromenulist::titleOf(*entry->macroInfo()));
+      item->setToolTip(item->text());
+    }
+  }
+}
+
 }  // namespace
 
 void macromenulist::open(LXButton& button, LXMenulistDelegate* delegate) {
   NerinAction::macroMenuRebuilt = [](const std::shared_ptr<LXTreeNode>& node) {
     if (shared()) {
       shared()->setMenuNode(node);
+      showTitles();
     }
   };
   NerinAction::refreshMenuList();
   NerinAction::refreshMenuListData(shared(), delegate, NerinAction::macroNode, menuWidth);
   if (shared()) {
     shared()->setDelegate(delegate);
+    showTitles();
   }
   NerinAction::showMenulistWithBtn(button, shared().get());
 }

@@ -28,9 +28,28 @@ constexpr int defaultDelay = 2;
 // Insert types from here on are delays, which are put in with a button instead of recorded.
 constexpr std::int32_t firstDelayType = 3;
 constexpr qreal smallType = 10.5;
-constexpr int nameMargin = 12;
+constexpr int nameMargin = 12 - LXTextField::ownMargin;
 // The room that the mouse has for the events of a macro, in bytes.
 constexpr int macroBytes = 2000;
+
+// A button that is disabled while it has the keyboard would pass it on to the next one, which is
+// another's business: the list of the commands takes it.
+class KeyboardToTable {
+ public:
+  explicit KeyboardToTable(QWidget* table)
+      : m_table(table), m_before(table->window()->focusWidget()) {}
+  ~KeyboardToTable() {
+    if (m_before != nullptr && !m_before->isEnabled() && m_table->isEnabled()) {
+      m_table->setFocus(Qt::OtherFocusReason);
+    }
+  }
+  KeyboardToTable(const KeyboardToTable&) = delete;
+  KeyboardToTable& operator=(const KeyboardToTable&) = delete;
+
+ private:
+  QWidget* m_table;
+  const QWidget* m_before;
+};
 
 }  // namespace
 
@@ -40,6 +59,8 @@ struct MacroView::Control {
   int tag;
   const char* tooltipKey;
   QRect frame;
+  // Others have the text for a screen reader only.
+  bool hasTooltip = true;
 };
 
 const std::vector<MacroView::Control>& MacroView::controls() {
@@ -57,7 +78,7 @@ const std::vector<MacroView::Control>& MacroView::controls() {
       {&MacroView::m_autoDelayChk, "autoDelayChk", TagAutoDelay, "Delay time Auto-Dectecting",
        frameRect(frames::autoDelayChk)},
       {&MacroView::m_defDelayChk, "defDelayChk", TagDefDelay, "Fixed delay",
-       frameRect(frames::defDelayChk)},
+       frameRect(frames::defDelayChk), false},
       {&MacroView::m_lgnoreDelayChk, "lgnoreDelayChk", TagLgnoreDelay, "Without any delay",
        frameRect(frames::lgnoreDelayChk)},
       {&MacroView::m_recordBtn, "recordBtn", TagRecord, "RECORD", frameRect(frames::recordBtn)},
@@ -70,22 +91,23 @@ const std::vector<MacroView::Control>& MacroView::controls() {
       {&MacroView::m_insertKeyBtn, "insertKeyBtn", TagInsertKey, "Insert instructions in macro",
        frameRect(frames::insertKeyBtn)},
       {&MacroView::m_insertAutoDelayChk, "insertAutoDelayChk", TagInsertAutoDelay, "Measured delay",
-       frameRect(frames::insertAutoDelayChk)},
+       frameRect(frames::insertAutoDelayChk), false},
       {&MacroView::m_insertDefDelayChk, "insertDefDelayChk", TagInsertDefDelay, "Fixed delay",
-       frameRect(frames::insertDefDelayChk)},
+       frameRect(frames::insertDefDelayChk), false},
       {&MacroView::m_insertLgnoreDelayChk, "insertLgnoreDelayChk", TagInsertLgnoreDelay,
-       "Without any delay", frameRect(frames::insertLgnoreDelayChk)},
+       "Without any delay", frameRect(frames::insertLgnoreDelayChk), false},
       {&MacroView::m_insertRecordBtn, "insertRecordBtn", TagInsertRecord, "RECORD",
-       frameRect(frames::insertRecordBtn)},
+       frameRect(frames::insertRecordBtn), false},
       {&MacroView::m_insertStopBtn, "insertStopBtn", TagInsertStop, "STOP",
-       frameRect(frames::insertStopBtn)},
+       frameRect(frames::insertStopBtn), false},
       {&MacroView::m_insertIntBtn, "insertIntBtn", TagInsertInt, "Insert",
-       frameRect(frames::insertIntBtn)},
+       frameRect(frames::insertIntBtn), false},
       {&MacroView::m_insertCancelBtn, "insertCancelBtn", TagInsertCancel, "Cancel",
        frameRect(frames::insertCancelBtn)},
       {&MacroView::m_applyBtn, "applyBtn", TagApply, "Apply", frameRect(frames::applyBtn)},
       {&MacroView::m_okBtn, "okBtn", TagOk, "Close", frameRect(frames::okBtn)},
-      {&MacroView::m_cancelBtn, "cancelBtn", TagCancel, "Cancel", frameRect(frames::cancelBtn)},
+      {&MacroView::m_cancelBtn, "cancelBtn", TagCancel, "Cancel", frameRect(frames::cancelBtn),
+       false},
   };
   return all;
 }
@@ -120,6 +142,7 @@ void MacroView::initFields() {
 
   m_recordStateTxt = NerinAction::AddLabTextField(frameRect(frames::recordStateTxt), *this);
   m_recordStateTxt->setObjectName(QStringLiteral("recordStateTxt"));
+  m_recordStateTxt->setTextMargins(-LXTextField::ownMargin, 0, -LXTextField::ownMargin, 0);
   m_recordStateTxt->setTextColor(QColor::fromRgb(Artwork::Colour::emberLit));
 
   const auto addUsage = [this](const Artwork::Frame& label, const Artwork::Frame& bar,
@@ -145,10 +168,9 @@ void MacroView::initButtons() {
   m_insertBtn = NerinAction::addListButton(frameRect(frames::insertBtn), *this, TagInsert,
                                            QStringLiteral("insertBtn"), "Insert");
   for (const Control& control : controls()) {
-    LXButton* button = NerinAction::AddButton(
-        control.frame, [this](LXButton& sender) { buttonAction(sender); }, {}, *this);
-    button->setTag(control.tag);
-    NerinAction::initTooltip(*button, QString::fromLatin1(control.name), control.tooltipKey);
+    LXButton* button = addButton(control.frame, control.tag, control.name,
+                                 control.hasTooltip ? control.tooltipKey : "NoTooltip");
+    button->setAccessibleName(NerinAction::tooltipText(control.tooltipKey));
     this->*control.member = button;
   }
   // These come and go, so that they bring their pictures along.
@@ -211,12 +233,8 @@ void MacroView::initTable() {
 }
 
 void MacroView::initNotify() {
-  connect(&LocalNotifications::shared(), &LocalNotifications::posted, this,
-          [this](const QString& name) {
-            if (name == NerinAction::notifyOutPlus) {
-              devOutplusPro();
-            }
-          });
+  LocalNotifications::shared().observe(NerinAction::notifyOutPlus, this,
+                                       [this] { devOutplusPro(); });
 }
 
 void MacroView::deallocNotify() {
@@ -386,6 +404,7 @@ void MacroView::setConEnableWithMacro() {
 }
 
 void MacroView::setConEnableWithKey() {
+  const KeyboardToTable keyboard(m_table);
   const MacroInfo::Events* events = keyArrs();
   const bool hasCommands = events != nullptr && !events->empty();
   for (LXButton* button : {m_delKeyBtn, m_keyUpBtn, m_keyDownBtn, m_insertKeyBtn}) {
@@ -402,6 +421,7 @@ void MacroView::setConEnableWithKey() {
 }
 
 void MacroView::setInsertState(bool isInsert) {
+  const KeyboardToTable keyboard(m_table);
   m_isInsert = isInsert;
   for (LXButton* button :
        {m_insertBtn, m_insertAutoDelayChk, m_insertDefDelayChk, m_insertLgnoreDelayChk,

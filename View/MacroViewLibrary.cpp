@@ -41,6 +41,8 @@ void MacroView::setSelMacro(const std::shared_ptr<MenuInfo>& entry) {
   m_macroNameTxt->setText(name);
   m_selKeyInfo = nullptr;
   m_commands->setCommands(keyArrs());
+  // A macro with commands has one that is selected.
+  selectComByIndex(0);
   showUsage();
   setConEnableWithMacro();
 }

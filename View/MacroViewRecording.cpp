@@ -1,11 +1,15 @@
 // Recording: while it runs, every key and every button of the mouse in the window becomes a command
 // of the macro.
 
+#include <QAbstractButton>
+#include <QAbstractSlider>
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QWindow>
 #include <algorithm>
 #include <chrono>
+#include <set>
 
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXLogger.h"
@@ -29,6 +33,54 @@ std::uint32_t codeOf(Qt::MouseButton button) {
          : button == Qt::RightButton ? rightButton
                                      : otherButton;
 }
+
+// Whether the clicks on it would be lost: fields and scroll bars keep them, and a button that
+// cannot be used swallows them.
+bool keepsClicks(const QWidget& widget) {
+  const auto* button = qobject_cast<const QAbstractButton*>(&widget);
+  return button != nullptr ? !button->isEnabled()
+                           : qobject_cast<const QLineEdit*>(&widget) != nullptr ||
+                                 qobject_cast<const QAbstractSlider*>(&widget) != nullptr;
+}
+
+// The keys that are pressed while a message stands over the window answer it. Their releases are no
+// part of the macro either, even when they come after its end.
+class MessageKeys : public QObject {
+ public:
+  explicit MessageKeys(QObject* parent) : QObject(parent) { qApp->installEventFilter(this); }
+
+  // The message is gone. Stays for the releases that are still to come.
+  void end() {
+    m_isOver = true;
+    leave();
+  }
+
+ protected:
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    if (event->type() == QEvent::KeyPress && !m_isOver) {
+      m_down.insert(static_cast<QKeyEvent*>(event)->nativeScanCode());
+    }
+    if (event->type() != QEvent::KeyRelease || static_cast<QKeyEvent*>(event)->isAutoRepeat()) {
+      return false;
+    }
+    const bool wasDown = m_down.erase(static_cast<QKeyEvent*>(event)->nativeScanCode()) != 0;
+    const bool isSwallowed = wasDown && m_isOver;
+    if (isSwallowed) {
+      leave();
+    }
+    return isSwallowed;
+  }
+
+ private:
+  void leave() {
+    if (m_down.empty()) {
+      deleteLater();
+    }
+  }
+
+  std::set<quint32> m_down;
+  bool m_isOver = false;
+};
 
 std::uint64_t clockMilliseconds() {
   return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(
@@ -183,8 +235,15 @@ void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
   if (events->size() >= mostCommands) {
     if (!m_isInfoShown) {
       m_isInfoShown = true;
+      // The message is answered with keys, too, which the table would take.
+      m_table->releaseKeyboard();
+      auto* keys = new MessageKeys(this);
       LXAction::showInfoMessage("Maximum number of macros reached");
+      keys->end();
       m_isInfoShown = false;
+      if (m_isRecord) {
+        m_table->grabKeyboard();
+      }
     }
     return;
   }
@@ -209,23 +268,36 @@ void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
   selectNewCom(command);
 }
 
-// Before Qt makes shortcuts and steps of the focus out of keys. A message that stands over the
-// window keeps its own.
+// Before Qt makes shortcuts and steps of the focus out of keys, and before a control keeps a click.
+// A message that stands over the window keeps its own.
 bool MacroView::eventFilter(QObject* watched, QEvent* event) {
-  const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
-  if (!m_isRecord || m_isInfoShown || (!isKey && event->type() != QEvent::ShortcutOverride)) {
-    return ChildView::eventFilter(watched, event);
-  }
   const auto* widget = qobject_cast<QWidget*>(watched);
   const bool isOurs =
       widget != nullptr ? widget->window() == window() : watched == window()->windowHandle();
-  if (!isOurs) {
+  if (!m_isRecord || m_isInfoShown || !isOurs) {
     return ChildView::eventFilter(watched, event);
   }
-  event->accept();
-  if (isKey) {
-    takeKey(*static_cast<QKeyEvent*>(event));
+  switch (event->type()) {
+    case QEvent::ShortcutOverride:
+    case QEvent::ContextMenu:
+      break;
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+      takeKey(*static_cast<QKeyEvent*>(event));
+      break;
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+      if (widget == nullptr || !keepsClicks(*widget)) {
+        return ChildView::eventFilter(watched, event);
+      }
+      takeMouse(*static_cast<QMouseEvent*>(event), event->type() != QEvent::MouseButtonRelease);
+      m_table->setFocus(Qt::OtherFocusReason);
+      break;
+    default:
+      return ChildView::eventFilter(watched, event);
   }
+  event->accept();
   return true;
 }
 

@@ -2,9 +2,7 @@
 
 #include "View/MainView.h"
 
-#include <QApplication>
 #include <QFileInfo>
-#include <QShortcut>
 #include <algorithm>
 
 #include "Action/EditState.h"
@@ -17,13 +15,10 @@
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXPlatform.h"
 #include "View/ControlFactory.h"
-#include "View/Frames.h"
 #include "View/MainSubView1.h"
 #include "View/MainSubView2.h"
 #include "View/MainViewTags.h"
-#include "View/Pictures.h"
 #include "View/Termination.h"
-#include "View/TransferProgress.h"
 
 namespace {
 

@@ -122,27 +122,22 @@ void MainView::initControls() {
 }
 
 void MainView::initButtons() {
-  const auto action = [this](LXButton& sender) { buttonAction(sender); };
   static constexpr std::array<Artwork::Frame, slotTabs> tabFrames{
       frames::profile1Btn, frames::profile2Btn, frames::profile3Btn, frames::profile4Btn,
       frames::profile5Btn, frames::profile6Btn, frames::profile7Btn, frames::profile8Btn,
       frames::profile9Btn, frames::profile10Btn};
   for (std::size_t i = 0; i < tabFrames.size(); ++i) {
     const auto number = std::to_string(i + 1);
-    LXButton* tab = NerinAction::AddButton(frameRect(tabFrames[i]), action, {}, *this);
     // The tag of the last tab breaks the row; nothing is dispatched by it.
-    tab->setTag(i + 1 < tabFrames.size() ? TagFirstSlot + static_cast<int>(i) : TagLastSlot);
-    NerinAction::initTooltip(*tab, QString::fromStdString("profile" + number + "Btn"),
-                             "Switch to profile " + number + " page.");
-    m_profileBtns[i] = tab;
+    const int tag = i + 1 < tabFrames.size() ? TagFirstSlot + static_cast<int>(i) : TagLastSlot;
+    m_profileBtns[i] = addButton(frameRect(tabFrames[i]), tag, ("profile" + number + "Btn").c_str(),
+                                 ("Switch to profile " + number + " page.").c_str());
   }
   for (const Control& control : controls()) {
-    LXButton* button = control.isCheckBox
-                           ? NerinAction::AddCheckBox(control.frame, action, {}, *this)
-                           : NerinAction::AddButton(control.frame, action, {}, *this);
-    button->setTag(control.tag);
-    NerinAction::initTooltip(*button, QString::fromLatin1(control.name), control.tooltipKey);
-    this->*control.member = button;
+    this->*control.member =
+        control.isCheckBox
+            ? addCheckBox(control.frame, control.tag, control.name, control.tooltipKey)
+            : addButton(control.frame, control.tag, control.name, control.tooltipKey);
   }
   // The tooltip is another button's; the picture says "OK".
   m_okBtn->setAccessibleName(NerinAction::tooltipText("OK"));

@@ -1,21 +1,10 @@
-// The windows that the main window opens, and the mouse that comes and goes.
+// The mouse that comes and goes, and what the background service reports of it.
 
-#include <algorithm>
-#include <cstring>
-
-#include "Action/EditState.h"
 #include "Action/NerinAction.h"
 #include "Kit/Core/LXPlatform.h"
-#include "Kit/Widgets/LXButton.h"
-#include "View/ChildView.h"
-#include "View/ControlFactory.h"
-#include "View/KeyAssignView.h"
-#include "View/LightView.h"
 #include "View/LocalNotifications.h"
-#include "View/MacroView.h"
 #include "View/MainView.h"
 #include "View/NestedLoop.h"
-#include "View/PerformanceView.h"
 #include "View/PopDialogView.h"
 #include "View/Termination.h"
 
@@ -26,10 +15,6 @@ constexpr const char* deviceStatus = "NerinDevStatus";
 // What the service reports as "type".
 enum DeviceReport : std::int32_t { SlotChanged = 1, DpiChanged = 2, Removed = 100, Attached = 101 };
 
-constexpr int macroStrip = 70;
-constexpr int lightStrip = 60;
-constexpr int performanceStrip = 45;
-
 std::optional<std::int32_t> numberIn(const LXUserInfo& userInfo, const char* key) {
   const auto entry = userInfo.find(key);
   if (entry == userInfo.end()) {
@@ -38,111 +23,7 @@ std::optional<std::int32_t> numberIn(const LXUserInfo& userInfo, const char* key
   return std::visit([](auto value) { return static_cast<std::int32_t>(value); }, entry->second);
 }
 
-bool isPrimaryClick(const _BTN_INFO& button) {
-  return button.FuncID == 1 && button.FuncTableId == 1 && button.KeyBit[0] == 1;
-}
-
 }  // namespace
-
-bool MainView::IsCurrSelectedBtn() const {
-  return m_selBtnIndex >= 0 && m_selBtnIndex < static_cast<std::int32_t>(buttonCount);
-}
-
-bool MainView::checkOnlyLeft(int i) const {
-  if (i < 0 || i >= static_cast<int>(buttonCount)) {
-    return false;
-  }
-  if (!IsCurrSelectedBtn() || !isPrimaryClick(selProfile.btnInfo[i])) {
-    return true;
-  }
-  return std::count_if(std::begin(selProfile.btnInfo), std::end(selProfile.btnInfo),
-                       isPrimaryClick) >= 2;
-}
-
-bool MainView::checkOnlyLeftPro() {
-  if (checkOnlyLeft(m_selBtnIndex)) {
-    return true;
-  }
-  NerinAction::showPopView("WarningNeedLeft", true);
-  return false;
-}
-
-void MainView::openChild(QPointer<LXNoTitleWindow>& child, ChildView* view, int dragHeight,
-                         const char* titleKey) {
-  view->construct();
-  child = new LXNoTitleWindow(view->size(), window());
-  child->setWindowTitle(NerinAction::tooltipText(titleKey));
-  child->setIsCanDrag(dragHeight > 0);
-  child->setDragHeight(dragHeight);
-  child->setClosesOnEscape(true);
-  child->setWindowDelegate(this);
-  // The program has one main window: what blocks it blocks the program.
-  child->setWindowModality(Qt::WindowModal);
-  child->setContentView(view);
-  connect(view, &ChildView::ended, child.data(), &QWidget::close);
-  child->center(window());
-  m_profileBeforeChild = selProfile;
-  ++m_isModalSeron;
-  child->show();
-}
-
-void MainView::showMacroView() {
-  openChild(m_macroWindow, new MacroView, macroStrip, "Macro editor");
-}
-
-void MainView::showLightView() {
-  auto* view = new LightView;
-  openChild(m_lightWindow, view, lightStrip, "LED");
-  view->fillSettingData();
-}
-
-void MainView::showPerformanceView() {
-  openChild(m_performanceWindow, new PerformanceView, performanceStrip, "Advanced");
-}
-
-void MainView::showKeyAssignView() {
-  if (!checkOnlyLeftPro() || !IsCurrSelectedBtn()) {
-    return;
-  }
-  auto* view = new KeyAssignView;
-  openChild(m_keyAssignWindow, view, 0, "Key assignment");
-  view->setBtnIndex(m_selBtnIndex);
-  view->setTmpBtnInfo(selProfile.btnInfo[m_selBtnIndex]);
-  view->setButtonName(physicalButtonName(m_selBtnIndex));
-  view->fillSettingData();
-}
-
-void MainView::windowWillClose(LXNoTitleWindow& window) {
-  const bool isOurs = &window == m_macroWindow || &window == m_lightWindow ||
-                      &window == m_performanceWindow || &window == m_keyAssignWindow;
-  if (!isOurs || m_isModalSeron == 0) {
-    return;
-  }
-  if (auto* view = qobject_cast<ChildView*>(window.contentView())) {
-    view->windowCloses();
-  }
-  if (&window == m_keyAssignWindow && IsCurrSelectedBtn()) {
-    if (const auto* view = qobject_cast<KeyAssignView*>(window.contentView())) {
-      selProfile.btnInfo[m_selBtnIndex] = view->tmpBtnInfo();
-      fillBtnCaption(m_selBtnIndex);
-    }
-  }
-  // Whatever the child edited can be applied.
-  if (std::memcmp(&selProfile, &m_profileBeforeChild, sizeof selProfile) != 0) {
-    isNeedSave = true;
-  }
-  refreshApplyBtn();
-  m_isModalSeron = std::max(0, m_isModalSeron - 1);
-  window.setWindowDelegate(nullptr);
-  window.deleteLater();
-  for (auto* child : {&m_macroWindow, &m_lightWindow, &m_performanceWindow, &m_keyAssignWindow}) {
-    if (*child == &window) {
-      child->clear();
-    }
-  }
-  this->window()->raise();
-  this->window()->activateWindow();
-}
 
 void MainView::initNotify() {
   m_isDevOnTag = false;
@@ -150,16 +31,10 @@ void MainView::initNotify() {
   LXPlatform::current().notificationCenter->addObserver(
       deviceStatus,
       [this](const std::string&, const LXUserInfo& userInfo) { devReportPro(userInfo); });
-  connect(&LocalNotifications::shared(), &LocalNotifications::posted, this,
-          [this](const QString& name) {
-            if (name == NerinAction::notifyShowTip) {
-              ShowToolTip();
-            } else if (name == NerinAction::notifyHideTip) {
-              HideToolTip();
-            } else if (name == NerinAction::notifyOutPlusEnd) {
-              subWindowEndOutplus();
-            }
-          });
+  auto& notifications = LocalNotifications::shared();
+  notifications.observe(NerinAction::notifyShowTip, this, [this] { ShowToolTip(); });
+  notifications.observe(NerinAction::notifyHideTip, this, [this] { HideToolTip(); });
+  notifications.observe(NerinAction::notifyOutPlusEnd, this, [this] { subWindowEndOutplus(); });
   checkDevPro();
   m_isFirstOpen = false;
 }

@@ -38,12 +38,6 @@ fs::path documentsFolder() {
   return LXPlatform::current().homeFolder / "Documents";
 }
 
-fs::path programsFolder() {
-  std::error_code error;
-  const fs::path folder = "/Applications";
-  return fs::is_directory(folder, error) ? folder : "/usr/share/applications";
-}
-
 // What the mouse can keep as a name, and a folder as the name of a file.
 bool isStorable(const std::string& name) {
   return !name.empty() && name.size() <= NerinAction::maximumNameLength &&
@@ -198,8 +192,7 @@ void MainView::reNamePro() {
 
 void MainView::showLaunchPro() {
   const NestedLoop scope;
-  const auto chosen =
-      filepanel::openFile(this, {.folder = programsFolder(), .kind = filepanel::Kind::Program});
+  const auto chosen = filepanel::openProgram(this);
   if (!chosen || termination::isTerminating()) {
     return;
   }

@@ -1,5 +1,7 @@
 // The mouse's slots: selecting one, applying the edit to it, resetting it.
 
+#include <algorithm>
+
 #include "Action/EditState.h"
 #include "Action/NerinAction.h"
 #include "Action/ProfieController.h"

@@ -1,6 +1,7 @@
 #include "View/ModalWindow.h"
 
 #include <QEventLoop>
+#include <QPointer>
 
 #include "View/ChildView.h"
 #include "View/LocalNotifications.h"
@@ -9,7 +10,7 @@ ModalWindow::ModalWindow(ChildView* view, int dragHeight, const QString& title, 
     : LXNoTitleWindow(view->size(), over), m_view(view) {
   setWindowTitle(title);
   setWindowModality(Qt::WindowModal);
-  setIsCanDrag(true);
+  setIsCanDrag(dragHeight > 0);
   setDragHeight(dragHeight);
   setClosesOnEscape(true);
   setContentView(view);
@@ -21,14 +22,13 @@ int ModalWindow::run() {
   connect(m_view, &ChildView::ended, &loop, &QEventLoop::quit);
   connect(this, &LXNoTitleWindow::closed, &loop, &QEventLoop::quit);
   // The window under this one goes with the mouse, and would take this one with it.
-  connect(&LocalNotifications::shared(), &LocalNotifications::posted, &loop,
-          [&loop](const QString& name) {
-            if (name == NerinAction::notifyOutPlus) {
-              loop.quit();
-            }
-          });
+  LocalNotifications::shared().observe(NerinAction::notifyOutPlus, &loop, [&loop] { loop.quit(); });
+  const QPointer<ModalWindow> self = this;
   show();
   loop.exec();
+  if (!self) {
+    return 0;
+  }
   hide();
   return m_view->endTag();
 }

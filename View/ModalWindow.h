@@ -10,11 +10,12 @@ class ModalWindow : public LXNoTitleWindow {
   Q_OBJECT
 
  public:
-  // Owns the constructed view and takes its size. `over` is the window that it belongs to.
+  // Owns the constructed view and takes its size. `over` is the window that it belongs to, and goes
+  // with. Can be dragged by the strip of that height at its top.
   ModalWindow(ChildView* view, int dragHeight, const QString& title, QWidget* over);
 
   // Shows the window until the view ends, and gives the code with which it did; 0 for a window that
-  // was closed.
+  // was closed. It may be destroyed meanwhile, with the window under it: also 0.
   int run();
 
  protected:

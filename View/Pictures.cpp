@@ -34,7 +34,7 @@ QString pathOf(const QString& fileName) {
 QString scaledPathOf(const QString& path) {
   if (qGuiApp != nullptr && qGuiApp->devicePixelRatio() > 1) {
     const qsizetype dot = path.lastIndexOf(u'.');
-    const QString fine = path.left(dot) + QStringLiteral("@2x") + path.mid(dot);
+    QString fine = path.left(dot) + QStringLiteral("@2x") + path.mid(dot);
     if (QFileInfo::exists(fine)) {
       return fine;
     }

@@ -73,15 +73,6 @@ void PopDialogView::initControls2() {
   fillSettingData();
 }
 
-LXButton* PopDialogView::addButton(const QRect& rect, int tag, const char* name,
-                                   const char* tooltipKey) {
-  LXButton* button = NerinAction::AddButton(
-      rect, [this](LXButton& sender) { buttonAction(sender); }, {}, *this);
-  button->setTag(tag);
-  NerinAction::initTooltip(*button, QString::fromLatin1(name), tooltipKey);
-  return button;
-}
-
 void PopDialogView::addOkBtnByRect(const QRect& rect) {
   m_okBtn = addButton(rect, okTag, "okBtn", "YES");
   setDrawnName(*m_okBtn, "OK");

@@ -45,7 +45,6 @@ class PopDialogView : public TavImageView {
  private:
   void initData2();
   void initControls2();
-  LXButton* addButton(const QRect& rect, int tag, const char* name, const char* tooltipKey);
 
   std::string m_imageNameStr;
   std::optional<std::string> m_showStr;

@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QMouseEvent>
+#include <QStyledItemDelegate>
 
 #include "Action/FunctionCatalogue.h"
 #include "Kit/Core/LXKey.h"
@@ -28,6 +29,22 @@ QString keyName(std::int32_t keyCode) {
       return QString::fromStdString(LXKey::getStrByKeycode(keyCode));
   }
 }
+
+// The pictures of the selected command stay as they are: tinted with the colour of the selection
+// they would be lost in it.
+class CommandDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    const auto picture = index.data(Qt::DecorationRole).value<QPixmap>();
+    if (!picture.isNull()) {
+      option->icon.addPixmap(picture, QIcon::Selected);
+    }
+  }
+};
 
 }  // namespace
 
@@ -140,11 +157,18 @@ RigthMouseTBView::RigthMouseTBView(QWidget* parent) : QTableView(parent) {
       "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"));
   auto* commands = new MacroCommandModel(this);
   setModel(commands);
+  setItemDelegate(new CommandDelegate(this));
   horizontalHeader()->setMinimumSectionSize(iconColumnWidth);
   setColumnWidth(MacroCommandModel::CommandImage, iconColumnWidth);
   setColumnWidth(MacroCommandModel::DelayImage, iconColumnWidth);
   setColumnWidth(MacroCommandModel::Delay, delayColumnWidth);
   horizontalHeader()->setSectionResizeMode(MacroCommandModel::Command, QHeaderView::Stretch);
+}
+
+QItemSelectionModel::SelectionFlags RigthMouseTBView::selectionCommand(
+    const QModelIndex& index, const QEvent* /*event*/) const {
+  return index.isValid() ? QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows
+                         : QItemSelectionModel::SelectionFlags(QItemSelectionModel::NoUpdate);
 }
 
 void RigthMouseTBView::sendMouseMove(QMouseEvent& event, bool isDown) {

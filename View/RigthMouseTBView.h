@@ -63,7 +63,13 @@ class RigthMouseTBView : public QTableView {
   void setIsCaptureMouseEvent(bool captures) { m_isCaptureMouseEvent = captures; }
   bool isCaptureMouseEvent() const { return m_isCaptureMouseEvent; }
 
+  // Letters select nothing.
+  void keyboardSearch(const QString& /*search*/) override {}
+
  protected:
+  // One row is selected, whatever modifiers are held.
+  QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                       const QEvent* event) const override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;

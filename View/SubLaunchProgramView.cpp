@@ -1,7 +1,6 @@
 #include "View/SubLaunchProgramView.h"
 
-#include <QPainter>
-
+#include "Action/KeyCodes.h"
 #include "Action/ProfieController.h"
 #include "ArtworkFrames.h"
 #include "Kit/Desktop/FilePanel.h"
@@ -16,8 +15,7 @@ namespace {
 
 namespace frames = Artwork::SubLaunchProgramView;
 
-constexpr std::uint32_t launchCode = 15;
-constexpr int textMargin = 12;
+constexpr int textMargin = 12 - LXTextField::ownMargin;
 
 }  // namespace
 
@@ -29,11 +27,7 @@ void SubLaunchProgramView::initData() {
 }
 
 void SubLaunchProgramView::initControls() {
-  auto* button = NerinAction::AddButton(
-      frameRect(frames::launchProBtn), [this](LXButton& sender) { buttonAction(sender); }, {},
-      *this);
-  button->setTag(TagLaunch);
-  NerinAction::initTooltip(*button, QStringLiteral("launchProBtn"), "Choose program");
+  addButton(frameRect(frames::launchProBtn), TagLaunch, "launchProBtn", "Choose program");
   m_pathTxt = NerinAction::AddLabTextField(frameRect(frames::pathTxt), *this);
   m_pathTxt->setObjectName(QStringLiteral("pathTxt"));
   m_pathTxt->setAccessibleName(NerinAction::tooltipText("Program"));
@@ -43,13 +37,14 @@ void SubLaunchProgramView::initControls() {
 void SubLaunchProgramView::showPath(const QString& path) {
   m_pathTxt->setText(path);
   m_pathTxt->setToolTip(path);
-  m_pathTxt->setCursorPosition(0);
+  // Of a long path the end says more: there is the name of the program.
+  m_pathTxt->setCursorPosition(static_cast<int>(path.size()));
 }
 
 // Nothing is chosen yet, but what the button launches now is shown.
 void SubLaunchProgramView::fillSettingData() {
   m_currLaunchPath.clear();
-  const bool launches = tmpBtnInfo().FuncTableId == launchCode;
+  const bool launches = tmpBtnInfo().FuncTableId == NerinAction::FunctionLaunch;
   const std::string_view path = launches ? textOf(tmpBtnInfo().app_path) : std::string_view();
   showPath(QString::fromUtf8(path.data(), static_cast<qsizetype>(path.size())));
 }
@@ -60,8 +55,8 @@ void SubLaunchProgramView::saveData() {
   }
   _BTN_INFO& info = editedBtnInfo();
   info.btnType = ButtonTypeLaunch;
-  info.FuncID = launchCode;
-  info.FuncTableId = launchCode;
+  info.FuncID = NerinAction::FunctionLaunch;
+  info.FuncTableId = NerinAction::FunctionLaunch;
   // A path that the record has no room for is cut there; the preference keeps the whole of it.
   setText(info.app_path, m_currLaunchPath);
   ProfieController& library = ProfieController::getShareProCon();

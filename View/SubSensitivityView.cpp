@@ -1,5 +1,7 @@
 #include "View/SubSensitivityView.h"
 
+#include <QPointer>
+
 #include "Action/FunctionCatalogue.h"
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXButton.h"
@@ -32,11 +34,8 @@ void SubSensitivityView::initData() {
 void SubSensitivityView::initControls() {
   m_selBtn = NerinAction::addListButton(frameRect(frames::selBtn), *this, TagFunction,
                                         QStringLiteral("selBtn"), "DPI function");
-  m_levelSettingBtn = NerinAction::AddButton(
-      frameRect(frames::levelSettingBtn), [this](LXButton& sender) { buttonAction(sender); }, {},
-      *this);
-  m_levelSettingBtn->setTag(TagLevelSetting);
-  NerinAction::initTooltip(*m_levelSettingBtn, QStringLiteral("levelSettingBtn"), "Set the levels");
+  m_levelSettingBtn = addButton(frameRect(frames::levelSettingBtn), TagLevelSetting,
+                                "levelSettingBtn", "Set the levels");
   m_subView = new SubSensitivityViewSub(this);
   m_subView->move(frameRect(frames::subView).topLeft());
   m_subView->setObjectName(QStringLiteral("subView"));
@@ -49,14 +48,14 @@ void SubSensitivityView::initControls() {
 void SubSensitivityView::setSelMenu(std::shared_ptr<MenuInfo> entry) {
   m_function = std::move(entry);
   m_selBtn->setTitle(m_function ? QString::fromStdString(m_function->titleStr()) : QString());
-  const std::int32_t kind = m_function ? m_function->functionID() - 1 : showsDpi;
-  const bool hasLevels = kind != setsDpi && kind != showsDpi;
-  m_subView->setVisible(kind == setsDpi);
+  const std::int32_t kind = m_function ? m_function->functionID() - 1 : -1;
+  const bool hasValues = m_function && kind == setsDpi;
+  const bool hasLevels = m_function && kind != setsDpi && kind != showsDpi;
+  m_subView->setVisible(hasValues);
   m_levelSettingBtn->setVisible(hasLevels);
   // The picture of the plain one has no button under it.
-  setImageByName(hasLevels || kind == setsDpi
-                     ? QStringLiteral("SubSensitivityView_Normal.png")
-                     : QStringLiteral("SubSensitivityViewPlain_Normal.png"));
+  setImageByName(hasLevels || hasValues ? QStringLiteral("SubSensitivityView_Normal.png")
+                                        : QStringLiteral("SubSensitivityViewPlain_Normal.png"));
 }
 
 void SubSensitivityView::fillSettingData() {
@@ -77,13 +76,14 @@ void SubSensitivityView::fillSettingData() {
 
 void SubSensitivityView::saveData() {
   _BTN_INFO& info = editedBtnInfo();
+  info.btnType = ButtonTypeSensitivity;
+  // Without a function nothing was chosen: the values of another kind of button stay its own.
   if (m_function) {
     info.FuncID = static_cast<std::uint32_t>(m_function->functionID());
     info.FuncTableId = static_cast<std::uint32_t>(m_function->functionTableID());
+    info.KeyBit[0] = m_subView->xValue();
+    info.KeyBit[1] = m_subView->yValue();
   }
-  info.KeyBit[0] = m_subView->xValue();
-  info.KeyBit[1] = m_subView->yValue();
-  info.btnType = ButtonTypeSensitivity;
 }
 
 void SubSensitivityView::closePopMenu() {
@@ -103,9 +103,10 @@ void SubSensitivityView::buttonAction(LXButton& sender) {
 void SubSensitivityView::showLevelSetting() {
   auto* view = new LevelSettingView;
   view->construct();
-  ModalWindow dialog(view, LevelSettingView::dragHeight, NerinAction::tooltipText("Set the levels"),
-                     window());
-  dialog.run();
+  const QPointer dialog = new ModalWindow(view, LevelSettingView::dragHeight,
+                                          NerinAction::tooltipText("DPI levels"), window());
+  dialog->run();
+  delete dialog;
 }
 
 void SubSensitivityView::onMenulistSelected(LXMenulist& /*list*/,

@@ -24,11 +24,8 @@ void SubSensitivityViewSub::initData() {
 }
 
 void SubSensitivityViewSub::initControls() {
-  m_enableXYChk = NerinAction::AddCheckBox(
-      frameRect(frames::enableXYChk), [this](LXButton& sender) { buttonAction(sender); }, {},
-      *this);
-  m_enableXYChk->setTag(TagEnableXY);
-  NerinAction::initTooltip(*m_enableXYChk, QStringLiteral("enableXYChk"), "Enable X-Y Axis");
+  m_enableXYChk =
+      addCheckBox(frameRect(frames::enableXYChk), TagEnableXY, "enableXYChk", "Enable X-Y Axis");
   auto* label = new LXImageView(this);
   label->setGeometry(frameRect(frames::enableXYTxt));
   label->setImage(pictures::load(QStringLiteral("EnableXYText.png")));

@@ -16,13 +16,11 @@ namespace {
 
 namespace frames = Artwork::SubSingleKeyView;
 
-constexpr std::uint32_t mouseCode = 1;
-constexpr std::uint32_t keyboardCode = 2;
 constexpr std::uint32_t mouseFunctionMark = 1;
 constexpr std::uint32_t keyMark = 2;
 constexpr std::int32_t escapeKey = 53;
 constexpr int functionMenuWidth = 264;
-constexpr int textMargin = 12;
+constexpr int textMargin = 12 - LXTextField::ownMargin;
 
 }  // namespace
 
@@ -48,7 +46,13 @@ void SubSingleKeyView::initControls() {
   NerinAction::initTooltip(*m_mouseFunChk, QStringLiteral("mouseFunChk"), "Assign mouse function");
   m_selBtn = NerinAction::addListButton(frameRect(frames::selBtn), *this, TagFunction,
                                         QStringLiteral("selBtn"), "Mouse function");
-  m_keybordChk = NerinAction::AddButton(frameRect(frames::keybordChk), none, {}, *this);
+  // Who chooses the keyboard again wants to press another key.
+  const auto captureAgain = [this](LXButton&) {
+    if (choice() == KeyboardKey) {
+      setFocus(Qt::OtherFocusReason);
+    }
+  };
+  m_keybordChk = NerinAction::AddButton(frameRect(frames::keybordChk), captureAgain, {}, *this);
   NerinAction::initTooltip(*m_keybordChk, QStringLiteral("keybordChk"), "Assign keyboard function");
   m_newKeyEdt = addDisplay(frameRect(frames::newKeyEdt), "newKeyEdt", "Keyboard key");
   m_newKeyEdt->setPlaceholderText(NerinAction::tooltipText("Press a key"));
@@ -56,6 +60,7 @@ void SubSingleKeyView::initControls() {
   m_noteTxt = NerinAction::AddLabTextField(frameRect(frames::noteTxt), *this);
   m_noteTxt->setObjectName(QStringLiteral("noteTxt"));
   m_noteTxt->setText(NerinAction::tooltipText("The mouse cannot send this key"));
+  m_noteTxt->setTextMargins(textMargin, 0, 0, 0);
   m_noteTxt->setTextColor(QColor::fromRgb(Artwork::Colour::emberLit));
   m_noteTxt->hide();
 
@@ -69,11 +74,6 @@ void SubSingleKeyView::initControls() {
 
 int SubSingleKeyView::choice() const {
   return m_singleSetp->currentSetp();
-}
-
-bool SubSingleKeyView::shouldSelectIndex(int /*newIndex*/, int /*oldIndex*/,
-                                         LXSetpPanelObj& /*sender*/) {
-  return true;
 }
 
 void SubSingleKeyView::onSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& /*sender*/) {
@@ -93,7 +93,8 @@ void SubSingleKeyView::fillSettingData() {
   const _BTN_INFO& info = tmpBtnInfo();
   m_singleSetp->resetSetp();
   m_newKeyEdt->clear();
-  if (info.FuncTableId != mouseCode && info.FuncTableId != keyboardCode) {
+  if (info.FuncTableId != NerinAction::FunctionMouse &&
+      info.FuncTableId != NerinAction::FunctionKey) {
     m_selKeyCode = noKey;
     m_function = nullptr;
     m_singleSetp->selectindex(MouseFunction);
@@ -118,8 +119,8 @@ void SubSingleKeyView::saveData() {
   _BTN_INFO& info = editedBtnInfo();
   info.btnType = ButtonTypeSingle;
   if (choice() == KeyboardKey) {
-    info.FuncID = keyboardCode;
-    info.FuncTableId = keyboardCode;
+    info.FuncID = NerinAction::FunctionKey;
+    info.FuncTableId = NerinAction::FunctionKey;
     info.KeyBit[0] = static_cast<std::uint32_t>(m_selKeyCode);
     info.MacroID = keyMark;
     return;
@@ -169,10 +170,18 @@ void SubSingleKeyView::setSelKeyCode(std::int32_t keyCode) {
 
 void SubSingleKeyView::take(const QKeyEvent& event) {
   const auto key = m_keys.take(event);
+  if (m_isLeaving) {
+    // Only now: a window that got the repeated presses of Esc would close.
+    if (key && key->kind == TrackedKey::Kind::KeyUp && key->keyCode == escapeKey) {
+      m_keybordChk->setFocus(Qt::OtherFocusReason);
+    }
+    return;
+  }
   if (!key || key->kind == TrackedKey::Kind::KeyUp || key->isRepeat) {
     return;
   }
-  // A modifier counts when it goes down.
+  // A modifier counts when it goes down, which is told by its flag: left and right share one, and
+  // that of Caps Lock is its lamp, as in a macro.
   if (key->kind == TrackedKey::Kind::FlagsChanged &&
       (key->modifierFlags & keyModifierFlag(key->keyCode)) == 0) {
     return;
@@ -181,7 +190,7 @@ void SubSingleKeyView::take(const QKeyEvent& event) {
   if (keyCode == escapeKey && m_wasEscape) {
     // Who leaves with Esc keeps the key that was there before, if there was one.
     keyCode = m_keyBeforeEscape != noKey ? m_keyBeforeEscape : escapeKey;
-    m_keybordChk->setFocus(Qt::OtherFocusReason);
+    m_isLeaving = true;
   } else if (keyCode == escapeKey) {
     m_keyBeforeEscape = m_selKeyCode;
   }
@@ -211,6 +220,7 @@ bool SubSingleKeyView::event(QEvent* event) {
     case QEvent::FocusOut:
       m_keys.forgetAll();
       m_wasEscape = false;
+      m_isLeaving = false;
       update();
       break;
     default:
@@ -228,11 +238,9 @@ void SubSingleKeyView::mousePressEvent(QMouseEvent* event) {
 
 void SubSingleKeyView::paintEvent(QPaintEvent* event) {
   KeyAssignSubView::paintEvent(event);
-  QPainter painter(this);
-  const QRect newKey = frameRect(frames::newKeyEdt);
-  if (choice() != KeyboardKey) {
-    disableImage().slice(newKey).draw(painter, newKey.topLeft());
-  } else if (hasFocus()) {
+  if (isCapturing()) {
+    QPainter painter(this);
+    const QRect newKey = frameRect(frames::newKeyEdt);
     activeImage().slice(newKey).draw(painter, newKey.topLeft());
   }
 }

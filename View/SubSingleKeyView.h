@@ -13,7 +13,7 @@ class MenuInfo;
 
 // Assigns a mouse function from a list, or a key, which is captured: while the keyboard is chosen
 // and this view has the focus, every key belongs to the capture. Esc twice, or a click elsewhere,
-// ends that; after Esc the key stays that was there before.
+// ends that; after Esc the key stays that was there before, or Esc where there was none.
 class SubSingleKeyView : public KeyAssignSubView,
                          public LXMenulistDelegate,
                          public LXSetpPanelDelegate {
@@ -31,7 +31,6 @@ class SubSingleKeyView : public KeyAssignSubView,
   void closePopMenu() override;
   void buttonAction(LXButton& sender) override;
   void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) override;
-  bool shouldSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
   void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
   // Shows what the button does now.
   void showCurrentCaption();
@@ -66,5 +65,7 @@ class SubSingleKeyView : public KeyAssignSubView,
   KeyTracker m_keys;
   std::int32_t m_selKeyCode = noKey;
   bool m_wasEscape = false;
+  // Esc was pressed twice and is not let go yet.
+  bool m_isLeaving = false;
   std::int32_t m_keyBeforeEscape = noKey;
 };

@@ -1,9 +1,11 @@
 #include "View/SubTKeyView.h"
 
+#include <QPointer>
 #include <QTimer>
 #include <algorithm>
 
 #include "Action/FunctionCatalogue.h"
+#include "Action/KeyCodes.h"
 #include "Action/MacroCatalogue.h"
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXButton.h"
@@ -18,13 +20,11 @@ namespace {
 
 namespace frames = Artwork::SubTKeyView;
 
-constexpr std::uint32_t macroCode = 6;
 constexpr std::uint32_t playOnce = 1;
 constexpr std::int32_t repeatByCount = 2;
 constexpr int repeatMenuWidth = 264;
 // The list closes first.
 constexpr int countDelayMilliseconds = 100;
-constexpr std::uint32_t largestCount = 9999;
 
 }  // namespace
 
@@ -41,7 +41,7 @@ void SubTKeyView::initData() {
 
 void SubTKeyView::initControls() {
   m_tkeySelBtn = NerinAction::addListButton(frameRect(frames::tkeySelBtn), *this, TagMacro,
-                                            QStringLiteral("tkeySelBtn"), "Macro");
+                                            QStringLiteral("tkeySelBtn"), "Select a macro");
   NerinAction::initTooltip(*m_tkeySelBtn, QStringLiteral("tkeySelBtn"), "Select a macro");
   m_repeatSelBtn = NerinAction::addListButton(frameRect(frames::repeatSelBtn), *this, TagRepeat,
                                               QStringLiteral("repeatSelBtn"), "Repeat");
@@ -58,7 +58,7 @@ void SubTKeyView::showRepeat() {
 
 void SubTKeyView::fillSettingData() {
   const _BTN_INFO& info = tmpBtnInfo();
-  const bool isMacro = info.FuncTableId == macroCode;
+  const bool isMacro = info.FuncTableId == NerinAction::FunctionMacro;
   m_selMacroInfo =
       isMacro ? NerinAction::getMacroById(static_cast<std::int32_t>(info.MacroID)) : nullptr;
   m_tkeySelBtn->setTitle(m_selMacroInfo ? macromenulist::titleOf(*m_selMacroInfo) : QString());
@@ -73,8 +73,8 @@ void SubTKeyView::fillSettingData() {
 
 void SubTKeyView::saveData() {
   _BTN_INFO& info = editedBtnInfo();
-  info.FuncID = macroCode;
-  info.FuncTableId = macroCode;
+  info.FuncID = NerinAction::FunctionMacro;
+  info.FuncTableId = NerinAction::FunctionMacro;
   info.KeyBit[0] = m_macroType;
   info.KeyBit[1] = m_macroCount;
   info.MacroID = m_selMacroInfo ? static_cast<std::uint32_t>(m_selMacroInfo->macroId()) : 0;
@@ -103,7 +103,7 @@ void SubTKeyView::onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXT
   }
   if (&list != m_repeatList.get()) {
     m_selMacroInfo = entry->macroInfo();
-    m_tkeySelBtn->setTitle(QString::fromStdString(entry->titleStr()));
+    m_tkeySelBtn->setTitle(m_selMacroInfo ? macromenulist::titleOf(*m_selMacroInfo) : QString());
     if (m_macroType == 0) {
       m_macroType = playOnce;
       showRepeat();
@@ -124,13 +124,18 @@ void SubTKeyView::showLoopFrm() {
   m_isShowSubMode = true;
   auto* view = new TkeyRepeatView;
   view->construct();
-  view->setRepeatCount(static_cast<int>(std::min(m_macroCount, largestCount)));
-  ModalWindow dialog(view, TkeyRepeatView::dragHeight, NerinAction::tooltipText("Repeat count"),
-                     window());
+  view->setRepeatCount(static_cast<int>(std::min(m_macroCount, TkeyRepeatView::largestCount)));
+  const QPointer dialog = new ModalWindow(view, TkeyRepeatView::dragHeight,
+                                          NerinAction::tooltipText("Repeat count"), window());
   view->makeTxtFirstRes();
-  if (dialog.run() == 1) {
+  const int code = dialog->run();
+  if (!dialog) {
+    return;  // Gone with the window under it, and with this view.
+  }
+  if (code == 1) {
     m_macroCount = static_cast<std::uint32_t>(view->repeatCount());
   }
+  delete dialog;
   window()->raise();
   window()->activateWindow();
   m_isShowSubMode = false;

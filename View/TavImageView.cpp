@@ -2,9 +2,11 @@
 
 #include <QEvent>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QPaintEvent>
 #include <QPainter>
 
+#include "View/ControlFactory.h"
 #include "View/Pictures.h"
 
 TavImageView::TavImageView(const QSize& frame, QWidget* parent)
@@ -59,6 +61,12 @@ void TavImageView::paintEvent(QPaintEvent* event) {
   painter.fillRect(event->rect(), m_bgColor);
   // Only what changed: the picture is large and a hovered button is small.
   m_bgImage.drawPart(painter, event->rect());
+  // The frames of the fields are part of the picture.
+  for (const auto* field : findChildren<QLineEdit*>(Qt::FindDirectChildrenOnly)) {
+    if (!field->isEnabled() && field->isVisible() && event->rect().intersects(field->geometry())) {
+      m_disableImage.slice(field->geometry()).draw(painter, field->pos());
+    }
+  }
 }
 
 bool TavImageView::event(QEvent* event) {
@@ -80,4 +88,20 @@ void TavImageView::viewDidMoveToSuperview() {
     m_isAddNotify = false;
     deallocNotify();
   }
+}
+
+LXButton* TavImageView::addButton(const QRect& frame, int tag, const char* name,
+                                  const char* tooltipKey) {
+  LXButton* button = NerinAction::AddButton(
+      frame, [this](LXButton& sender) { buttonAction(sender); }, {}, *this);
+  button->setTag(tag);
+  NerinAction::initTooltip(*button, QString::fromLatin1(name), tooltipKey);
+  return button;
+}
+
+LXButton* TavImageView::addCheckBox(const QRect& frame, int tag, const char* name,
+                                    const char* tooltipKey) {
+  LXButton* box = addButton(frame, tag, name, tooltipKey);
+  box->setIsCheckBox(true);
+  return box;
 }

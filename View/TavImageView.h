@@ -72,6 +72,11 @@ class TavImageView : public QWidget {
   void setDownImage(LXImage image) { m_downImage = std::move(image); }
   void setDisableImage(LXImage image) { m_disableImage = std::move(image); }
 
+  // A button and a check box that end in buttonAction, told apart by the tag. `name` is the
+  // control's in the program, `tooltipKey` that of its text.
+  LXButton* addButton(const QRect& frame, int tag, const char* name, const char* tooltipKey);
+  LXButton* addCheckBox(const QRect& frame, int tag, const char* name, const char* tooltipKey);
+
  private:
   void viewDidMoveToSuperview();
 

@@ -11,7 +11,6 @@ namespace {
 
 namespace frames = Artwork::TkeyRepeatView;
 
-constexpr int largestCount = 9999;
 constexpr int countDigits = 4;
 
 }  // namespace
@@ -23,36 +22,20 @@ void TkeyRepeatView::initData() {
 }
 
 void TkeyRepeatView::initControls() {
-  m_repeatEdt = NerinAction::AddNumTextField(frameRect(frames::repeatEdt), *this, largestCount, 0,
-                                             countDigits, false);
+  m_repeatEdt = NerinAction::AddNumTextField(frameRect(frames::repeatEdt), *this,
+                                             static_cast<int>(largestCount), 0, countDigits, false);
   m_repeatEdt->setObjectName(QStringLiteral("repeatEdt"));
   m_repeatEdt->setAccessibleName(NerinAction::tooltipText("Repeat count"));
   m_repeatEdt->setAlignment(Qt::AlignCenter);
   m_repeatEdt->setStep(1);
   connect(m_repeatEdt, &QLineEdit::returnPressed, this, &TkeyRepeatView::confirm);
-  struct Button {
-    QRect frame;
-    int tag;
-    const char* name;
-    const char* tooltipKey;
-  };
-  for (const Button& one : {Button{frameRect(frames::okBtn), TagOk, "okBtn", "YES"},
-                            Button{frameRect(frames::cancelBtn), TagCancel, "cancelBtn", "NO"}}) {
-    LXButton* button = NerinAction::AddButton(
-        one.frame, [this](LXButton& sender) { buttonAction(sender); }, {}, *this);
-    button->setTag(one.tag);
-    NerinAction::initTooltip(*button, QString::fromLatin1(one.name), one.tooltipKey);
-  }
+  addButton(frameRect(frames::okBtn), TagOk, "okBtn", "YES");
+  addButton(frameRect(frames::cancelBtn), TagCancel, "cancelBtn", "NO");
   setRepeatCount(m_repeatCount);
 }
 
 void TkeyRepeatView::initNotify() {
-  connect(&LocalNotifications::shared(), &LocalNotifications::posted, this,
-          [this](const QString& name) {
-            if (name == NerinAction::notifyOutPlus) {
-              endWindow(0);
-            }
-          });
+  LocalNotifications::shared().observe(NerinAction::notifyOutPlus, this, [this] { endWindow(0); });
 }
 
 void TkeyRepeatView::deallocNotify() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "View/ChildView.h"
 
 class LXNumberTextField;
@@ -11,6 +13,7 @@ class TkeyRepeatView : public ChildView {
  public:
   enum Tag : int { TagOk = 320, TagCancel = 321 };
   static constexpr int dragHeight = 28;
+  static constexpr std::uint32_t largestCount = 9999;
 
   TkeyRepeatView();
 

@@ -168,6 +168,25 @@ TEST_P(DpiLevels, AnActiveLevelThatIsNotInUseBecomesTheLastOne) {
   }
 }
 
+TEST_P(DpiLevels, AClickIntoTheFieldThatIsBeingTypedInCommitsNothing) {
+  openLevels();
+  type(fieldOf(one(2)), "82");
+  const QPoint inside = fieldOf(one(2)).mapTo(&host(), fieldOf(one(2)).rect().center());
+  QTest::mouseClick(host().windowHandle(), Qt::LeftButton, {}, inside);
+  EXPECT_EQ(textOf(fieldOf(one(2))), "82");
+  EXPECT_EQ(inLevel(2), (std::vector<std::uint32_t>{20, 20, 20}));
+}
+
+TEST_P(DpiLevels, NoLevelKeepsTheAxesOfTheOneThatIsShown) {
+  selProfile.dpiLevel = 0;
+  selProfile.ySensArr[0] = 80;
+  openLevels();
+  EXPECT_TRUE(levels().isXY());
+  press("okBtn");
+  EXPECT_EQ(selProfile.xSensArr[0], 10U);
+  EXPECT_EQ(selProfile.ySensArr[0], 80U);
+}
+
 TEST_P(DpiLevels, NoLevelShowsOneAndMoreThanFiveShowFive) {
   selProfile.dpiLevel = 0;
   openLevels();

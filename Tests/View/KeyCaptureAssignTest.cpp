@@ -177,6 +177,48 @@ TEST_F(KeyCaptureAssign, EscapeTwiceGivesTheKeyboardBackAndAThirdTimeCancels) {
   EXPECT_FALSE(isOpen());
 }
 
+TEST_F(KeyCaptureAssign, TheSecondEscapeMayBeHeld) {
+  openCapture();
+  tap(KeyEsc, Qt::Key_Escape);
+  for (const bool isRepeat : {false, true, true}) {
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_Escape, {}, KeyEsc + 8, 0, 0, {}, isRepeat);
+    QApplication::sendEvent(QApplication::focusWidget(), &event);
+  }
+  EXPECT_TRUE(isOpen());
+  EXPECT_TRUE(sub().hasFocus());
+  up(KeyEsc);
+  EXPECT_TRUE(in("keybordChk").hasFocus());
+  EXPECT_TRUE(isOpen());
+}
+
+TEST_F(KeyCaptureAssign, EscapeItselfIsKeptWhereNoKeyWas) {
+  openCapture();
+  tap(KeyEsc, Qt::Key_Escape);
+  tap(KeyEsc, Qt::Key_Escape);
+  EXPECT_FALSE(sub().hasFocus());
+  EXPECT_EQ(sub().selKeyCode(), 53);
+}
+
+TEST_F(KeyCaptureAssign, TheKeyboardIsChosenWithTheArrowsToo) {
+  openPanel(3, full(1, 1, 1));
+  in("mouseFunChk").setFocus(Qt::TabFocusReason);
+  hitKey(in("mouseFunChk"), Qt::Key_Right);
+  EXPECT_TRUE(sub().hasFocus());
+  tap(KeyK);
+  EXPECT_EQ(newKey(), "K");
+}
+
+TEST_F(KeyCaptureAssign, OneOfTwoShiftKeysThatIsLetGoCountsAsGoingDown) {
+  openCapture();
+  down(KeyLeftShift);
+  down(KeyRightShift);
+  EXPECT_EQ(sub().selKeyCode(), 60);
+  up(KeyLeftShift);
+  EXPECT_EQ(sub().selKeyCode(), 56);
+  up(KeyRightShift);
+  EXPECT_EQ(sub().selKeyCode(), 56);
+}
+
 TEST_F(KeyCaptureAssign, AClickElsewhereGivesTheKeyboardBackAndAClickInsideTakesIt) {
   openCapture();
   tap(KeyK);

@@ -83,6 +83,13 @@ TEST_F(MacroAssign, AMacroReadFromTheMouseHasAPlainName) {
   EXPECT_EQ(sub().selMacroInfo()->macroId(), 6);
 }
 
+TEST_F(MacroAssign, AMacroThatIsChosenHasAPlainNameToo) {
+  openPanel(3, full(2, 6));
+  chooseMacro("Macro Key");
+  EXPECT_EQ(macroTitle(), "Macro Key");
+  EXPECT_EQ(sub().selMacroInfo()->macroId(), 6);
+}
+
 TEST_F(MacroAssign, AMacroThatIsGoneHasNoTitle) {
   openPanel(3, macroButton(77, 4));
   EXPECT_EQ(sub().selMacroInfo(), nullptr);
@@ -296,6 +303,20 @@ TEST_F(MacroAssign, EveryOtherEndKeepsTheCount) {
     EXPECT_EQ(sub().macroCount(), 42U);
   }
   EXPECT_EQ(modals(), 4);
+}
+
+TEST_F(MacroAssign, TheQuestionGoesWithTheWindowUnderIt) {
+  openPanel(3, macroButton(5, 1, 42));
+  bool isUp = false;
+  onModal<TkeyRepeatView>([&](LXNoTitleWindow&, TkeyRepeatView&) {
+    isUp = true;
+    LocalNotifications::shared().post(NerinAction::notifyOutPlus);
+    destroyHost();
+  });
+  chooseRepeat("Repeat by Count");
+  EXPECT_TRUE(waitFor([&] { return isUp; }));
+  process();
+  EXPECT_FALSE(isOpen());
 }
 
 TEST_F(MacroAssign, ALargerStoredCountIsShownAsTheLargest) {

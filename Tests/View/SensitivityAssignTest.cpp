@@ -119,6 +119,18 @@ TEST_F(SensitivityAssign, AFunctionThatTheListDoesNotHaveIsNone) {
   EXPECT_TRUE(isSame(stored(), other));
 }
 
+TEST_F(SensitivityAssign, WithoutAFunctionAMacroKeepsItsRepeatMode) {
+  _BTN_INFO macro = button(6, {4, 100, 13, 14}, 2);
+  macro.FuncID = 6;
+  openPanel(3, macro);
+  chooseType("DPI Function");
+  EXPECT_FALSE(editor().isVisible());
+  EXPECT_FALSE(levelsButton().isVisible());
+  press("okBtn");
+  macro.btnType = 4;
+  EXPECT_TRUE(isSame(stored(), macro));
+}
+
 TEST_F(SensitivityAssign, EveryFunctionIsTriedAndStored) {
   for (const Row& row : rows) {
     openPanel(3, dpi(1));
@@ -263,4 +275,16 @@ TEST_F(SensitivityAssign, TheRemovalOfTheMouseEndsTheWindowOfTheLevelsToo) {
   EXPECT_FALSE(isOpen());
   EXPECT_EQ(panel().endTag(), 0);
   EXPECT_THAT(trace(), IsEmpty());
+}
+
+TEST_F(SensitivityAssign, TheWindowOfTheLevelsGoesWithTheWindowUnderIt) {
+  openPanel(3, dpi(2));
+  onModal<LevelSettingView>([this](LXNoTitleWindow&, LevelSettingView&) {
+    LocalNotifications::shared().post(NerinAction::notifyOutPlus);
+    destroyHost();
+  });
+  function().setFocus();
+  hitKey(levelsButton(), Qt::Key_Space);
+  EXPECT_EQ(modals(), 1);
+  EXPECT_FALSE(isOpen());
 }
