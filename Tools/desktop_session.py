@@ -296,7 +296,9 @@ class DesktopSession:
             return file.read()
 
     def _run(self, *command):
-        return subprocess.run(command, env=self.environment, capture_output=True, text=True,
+        # Titles have letters that a machine without the desktop's language does not print.
+        return subprocess.run(command, env={**self.environment, "LC_ALL": "C.UTF-8"},
+                              capture_output=True, encoding="utf-8", errors="replace",
                               check=False).stdout
 
     # Windows ------------------------------------------------------------------------------------
@@ -360,6 +362,28 @@ class DesktopSession:
     def click(self, window, x, y, button=1):
         self.move(window, x, y)
         self._run("xdotool", "click", str(button))
+
+    def drag(self, window, start, end):
+        """Presses the button at a place of the window and lets it go at another."""
+        self.move(window, *start)
+        self._run("xdotool", "mousedown", "1")
+        self.move(window, *end)
+        self._run("xdotool", "mouseup", "1")
+
+    def strike(self, *steps):
+        """Presses "+a", releases "-a" and pauses of so many seconds, all in one go. A pause begins
+        when the display has taken what is before it. How many seconds all of it took. Keys as for
+        key()."""
+        words = []
+        for step in steps:
+            if isinstance(step, str):
+                words += ["keydown" if step[0] == "+" else "keyup", step[1:]]
+            else:
+                # The display answers this after what came before it.
+                words += ["getmouselocation", "sleep", str(step)]
+        began = time.monotonic()
+        self._run("xdotool", *words)
+        return time.monotonic() - began
 
     def key(self, *keys):
         """Keys as "Tab", "ctrl+s", or the code of a key, for the window that has the keyboard."""

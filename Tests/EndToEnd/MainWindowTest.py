@@ -2,126 +2,15 @@
 keys, and reports of another process on the bus. What they did is seen in the mouse, in the files of
 the library, and in what the background service is told."""
 
-import json
 import os
-import plistlib
-import shutil
-import subprocess
-import sys
-import tempfile
 import unittest
 
-ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
-sys.path.insert(0, os.path.join(ROOT, "Tools"))
+from window_test import (ATTACHED, BINARIES, DEMO, MAIN_SIZE, NOWHERE, PLUG_IN, REMOVED,
+                         SLOT_BUTTON, SLOT_CHANGED, DemoTest, WindowTest, wait_until)
 
-from desktop_session import DesktopSession, crop, frames, middle, wait_until  # noqa: E402
-
-DEMO = "NerinOptionDemo"
-MAIN_SIZE = (1048, 720)
-DIALOG_SIZE = (545, 155)
 MACRO_SIZE = (1048, 633)
-# The demonstration's panel stands on the right of the window.
-DESKTOP_SIZE = (1900, 900)
-PANEL = "The virtual mouse"
-UNPLUG, PLUG_IN, SLOT_BUTTON = (90, 32), (254, 32), (172, 72)
-# Of the list of profiles.
-LIST_WIDTH, ROW_HEIGHT, BORDER = 188, 28, 1
-# In the foot of the window, where there is nothing to point at.
-NOWHERE = (420, 684)
 # More than Tab has stops.
 MOST_TABS = 80
-
-# What the background service reports as "type".
-SLOT_CHANGED, REMOVED, ATTACHED = 1, 100, 101
-
-
-class Mouse:
-    """Looks into the memory of a virtual mouse: into a copy, because a program holds it."""
-
-    def __init__(self, memory, folder):
-        self._memory = memory
-        self._copy = os.path.join(folder, "mouse-copy")
-        self._home = os.path.join(folder, "nobody")
-        os.makedirs(self._home)
-
-    def _ask(self, *arguments):
-        shutil.copyfile(self._memory, self._copy)
-        answer = subprocess.run(
-            [os.path.join(BINARIES, "nerinctl"), "--virtual", self._copy, "--json", *arguments],
-            env={"HOME": self._home}, stdout=subprocess.PIPE, check=True)
-        return json.loads(answer.stdout)
-
-    def slots(self):
-        return self._ask("slots")
-
-    def activeSlot(self):
-        return next(slot["slot"] for slot in self.slots() if slot["active"])
-
-    def slot(self, number):
-        held = self._ask("read", "--slot", str(number))
-        del held["slot"]
-        return held
-
-    def name(self, number):
-        return self.slot(number)["name"]
-
-    def mode(self, number):
-        return self.slot(number)["mode"]
-
-
-class WindowTest(unittest.TestCase):
-    def setUp(self):
-        self.folder = self.enterContext(tempfile.TemporaryDirectory(prefix="nerin-window-"))
-        self.desktop = self.enterContext(DesktopSession(self.folder, DESKTOP_SIZE))
-        self.listener = self.desktop.listen()
-        self.known = 0
-
-    def support(self, program, *path):
-        return os.path.join(self.desktop.home, "Library", "Application Support",
-                            "com.corvex." + program, *path)
-
-    def preferences(self, program):
-        path = os.path.join(self.desktop.home, "Library", "Preferences",
-                            "com.corvex.%s.plist" % program)
-        if not os.path.exists(path):
-            return {}
-        with open(path, "rb") as file:
-            return plistlib.load(file)
-
-    def profiles(self, program):
-        folder = self.support(program, "Profiles")
-        return sorted(os.listdir(folder)) if os.path.isdir(folder) else []
-
-    def assertTold(self, *messages):
-        """What the background service was told since this was asked last, no more and no less."""
-        wait_until(lambda: len(self.told()) >= self.known + len(messages), 30,
-                   "the messages %s" % (messages,))
-        told = self.told()[self.known:]
-        self.known += len(told)
-        self.assertEqual(told, list(messages))
-
-    def told(self):
-        return [(message.object, message.userInfo) for message in self.listener.messages
-                if message.member == "NerinSettingChange"]
-
-    def assertEnds(self, process):
-        wait_until(lambda: process.poll() is not None, 30, "the program to end")
-        self.assertEqual((process.returncode, self.desktop.log(process)), (0, ""))
-
-    def dialog(self):
-        return self.desktop.window(self.title, size=DIALOG_SIZE)
-
-    def answer(self, button, dialog="WarningNeedSave"):
-        """Clicks a button of the dialog that is up or comes up. The name of the dialog tells where
-        its buttons are."""
-        window = self.dialog()
-        self.desktop.click(window, *middle(FRAMES[dialog][button]))
-        wait_until(lambda: window not in [one.id for one in self.desktop.windows()], 30,
-                   "the dialog to go")
-
-    def isAsking(self):
-        return any((window.width, window.height) == DIALOG_SIZE
-                   for window in self.desktop.windows())
 
 
 class WithoutAMouse(WindowTest):
@@ -143,65 +32,6 @@ class WithoutAMouse(WindowTest):
         self.assertTold()
         self.assertEqual(self.profiles(self.title), [])
         self.assertEqual(self.preferences(self.title), {})
-
-
-class DemoTest(WindowTest):
-    title = DEMO
-
-    def setUp(self):
-        super().setUp()
-        self.mouse = Mouse(self.support(DEMO, "mouse"), self.folder)
-        self.start()
-
-    def start(self):
-        self.program = self.desktop.start(os.path.join(BINARIES, DEMO))
-        self.window = self.desktop.window(DEMO, size=MAIN_SIZE)
-        self.panel = self.desktop.window(PANEL)
-        # It has its place when the mouse was read.
-        right = self.desktop.geometry(self.window)[0] + MAIN_SIZE[0]
-        wait_until(lambda: self.desktop.geometry(self.panel)[0] >= right, 30,
-                   "the panel to stand beside the window")
-        wait_until(lambda: self.desktop.isHearing(self.program), 30, "the program on the bus")
-
-    def click(self, control):
-        self.desktop.click(self.window, *middle(FRAMES["MainView"][control]))
-
-    def clickPanel(self, place):
-        self.desktop.click(self.panel, *place)
-
-    def picture(self, *controls):
-        picture = self.desktop.picture(self.window)
-        return [crop(picture, FRAMES["MainView"][control]) for control in controls]
-
-    def isRed(self, control):
-        """What is selected, and what can be applied, is red for the most part."""
-        pixels = self.picture(control)[0].rgb
-        red = sum(r > 30 and r > 2 * g and r > 2 * b
-                  for r, g, b in zip(pixels[0::3], pixels[1::3], pixels[2::3]))
-        return red * 6 > len(pixels)
-
-    def waitForRed(self, control):
-        wait_until(lambda: self.isRed(control), 30, "%s to be red" % control)
-
-    def enterName(self, name):
-        self.click("profileNameTxt")
-        self.desktop.key("ctrl+a")
-        self.desktop.type(name)
-        self.desktop.key("Return")
-
-    def chooseProfile(self, row, count):
-        """A click on a row, counted from 0, of the list of so many profiles."""
-        self.click("currProfileBtn")
-        listing = self.desktop.window(DEMO, size=(LIST_WIDTH, count * ROW_HEIGHT + 2 * BORDER))
-        self.desktop.click(listing, LIST_WIDTH // 2, BORDER + row * ROW_HEIGHT + ROW_HEIGHT // 2)
-
-    def waitForNoOther(self):
-        wait_until(lambda: {one.id for one in self.desktop.windows()} == {self.window, self.panel},
-                   30, "all but the window and the panel to go")
-
-    def unplug(self):
-        self.clickPanel(UNPLUG)
-        self.dialog()
 
 
 class MainJob(DemoTest):
@@ -452,6 +282,4 @@ class Keyboard(DemoTest):
 
 
 if __name__ == "__main__":
-    BINARIES = os.path.abspath(sys.argv.pop(1))
-    FRAMES = frames(os.path.join(os.path.dirname(BINARIES), "generated", "ArtworkFrames.h"))
     unittest.main()

@@ -1,0 +1,120 @@
+"""Recording a macro from real keys and clicks, up to what the library keeps of it."""
+
+import os
+import unittest
+
+from window_test import DEMO, DemoTest, middle, wait_until
+
+# Virtual key codes. The buttons of the mouse have their own.
+A, B, C, ALT, F4, LEFT_SHIFT, RIGHT_SHIFT = 0, 11, 8, 58, 118, 56, 60
+LEFT, RIGHT, MIDDLE = 120, 121, 122
+PRESS, RELEASE, MOUSE_PRESS, MOUSE_RELEASE = 0, 1, 3, 4
+# Of the display: by their names another Shift would be pressed for the right one.
+SHIFT_KEYS = "50", "62"
+# A recorded pause may be so much shorter than the real one: the display counts whole milliseconds.
+TOLERANCE = 5
+# Much longer than what the display waits before it repeats a key.
+HELD_SECONDS = 2
+
+
+class RecordingTest(DemoTest):
+    def setUp(self):
+        super().setUp()
+        self.waitForRed("profile1Btn")
+        self.editor = self.openMacroEditor()
+        self.editor.click("newMacroBtn")
+        self.startRecording(self.editor)
+
+    def finish(self):
+        """What the library then keeps, as (code, flag) and as the pauses."""
+        self.stopRecording(self.editor)
+        self.editor.click("okBtn")
+        self.waitForNoOther()
+        self.assertEqual(list(self.macros()), ["NewMacro_1"])
+        kept = self.macros()["NewMacro_1"]
+        return [event[:2] for event in kept], [event[2] for event in kept]
+
+    def quit(self):
+        self.click("closeBtn")
+        self.assertEnds(self.program)
+        self.assertTold()
+
+
+class RecordedKeys(RecordingTest):
+    def testAreRowsInOrderWithTheirPauses(self):
+        gaps = [100, 300, 150, 50, 200]
+        keys = ["+a", "-a", "+b", "+c", "-b", "-c"]
+        steps = [keys[0]]
+        for gap, key in zip(gaps, keys[1:]):
+            steps += [gap / 1000, key]
+        took = self.desktop.strike(*steps)
+        rows, pauses = self.finish()
+        self.assertEqual(rows, [(A, PRESS), (A, RELEASE), (B, PRESS), (C, PRESS), (B, RELEASE),
+                                (C, RELEASE)])
+        self.assertEqual(pauses[-1], 0)
+        for gap, pause in zip(gaps, pauses):
+            self.assertGreaterEqual(pause, gap - TOLERANCE)
+        self.assertLessEqual(sum(pauses), took * 1000 + TOLERANCE)
+        self.quit()
+
+    def testAHeldKeyIsOnePress(self):
+        took = self.desktop.strike("+a", HELD_SECONDS, "-a")
+        rows, pauses = self.finish()
+        self.assertEqual(rows, [(A, PRESS), (A, RELEASE)])
+        self.assertGreaterEqual(pauses[0], HELD_SECONDS * 1000 - TOLERANCE)
+        self.assertLessEqual(pauses[0], took * 1000 + TOLERANCE)
+        self.quit()
+        # The display did repeat it.
+        path = os.path.join(self.desktop.home, "Library", "Logs", "com.corvex.%s.log" % DEMO)
+        with open(path, encoding="utf-8") as file:
+            words = [line.split()[-1] for line in file]
+        self.assertGreater(words.count("keyDown"), 2)
+        self.assertEqual(words.count("keyUp"), 1)
+
+    def testOneOfTwoShiftKeysThatIsLetGoIsAPress(self):
+        left, right = SHIFT_KEYS
+        self.desktop.strike("+" + left, 0.05, "+" + right, 0.05, "-" + left, 0.05, "-" + right,
+                            0.05, "+" + right, 0.05, "-" + right)
+        rows, _ = self.finish()
+        self.assertEqual(rows, [(LEFT_SHIFT, PRESS), (RIGHT_SHIFT, PRESS), (LEFT_SHIFT, PRESS),
+                                (RIGHT_SHIFT, RELEASE), (RIGHT_SHIFT, PRESS),
+                                (RIGHT_SHIFT, RELEASE)])
+        self.quit()
+
+    def testThatCloseAWindowAreRecordedInstead(self):
+        closing = "+Alt_L", 0.05, "+F4", 0.05, "-F4", 0.05, "-Alt_L"
+        self.desktop.strike(*closing)
+        self.stopRecording(self.editor)
+        self.editor.click("applyBtn")
+        wait_until(lambda: self.macros(), 30, "the library to be kept")
+        self.assertEqual([event[:2] for event in self.macros()["NewMacro_1"]],
+                         [(ALT, PRESS), (F4, PRESS), (F4, RELEASE), (ALT, RELEASE)])
+        # And do what they say again.
+        self.desktop.strike(*closing)
+        self.waitForNoOther()
+        self.quit()
+
+
+class RecordedClicks(RecordingTest):
+    def testAreRowsAndTheStopButtonIsNone(self):
+        place = middle(self.editor.frame("commandTable"))
+        for button in (1, 3, 2):
+            self.desktop.click(self.editor.id, *place, button=button)
+        # What cannot be used meanwhile is a place like any other.
+        self.editor.click("newMacroBtn")
+        self.editor.click("defDelayTxt")
+        self.desktop.strike("+a", 0.1, "-a")
+        rows, pauses = self.finish()
+        self.assertEqual(rows, [(LEFT, MOUSE_PRESS), (LEFT, MOUSE_RELEASE),
+                                (RIGHT, MOUSE_PRESS), (RIGHT, MOUSE_RELEASE),
+                                (MIDDLE, MOUSE_PRESS), (MIDDLE, MOUSE_RELEASE),
+                                (LEFT, MOUSE_PRESS), (LEFT, MOUSE_RELEASE),
+                                (LEFT, MOUSE_PRESS), (LEFT, MOUSE_RELEASE),
+                                (A, PRESS), (A, RELEASE)])
+        self.assertTrue(all(0 <= pause < 60000 for pause in pauses))
+        self.assertGreaterEqual(pauses[-2], 100 - TOLERANCE)
+        self.quit()
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,256 @@
+"""What the tests of a whole program share: a desktop of their own, the program on it, its windows
+by the places of their controls, and a look into the mouse and the library.
+
+A test file that uses it is called as FILE.py BINARIES [unittest options], with BINARIES the folder
+that holds the programs.
+"""
+
+import json
+import os
+import plistlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+from xml.etree import ElementTree
+
+ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.join(ROOT, "Tools"))
+
+from desktop_session import DesktopSession, crop, frames, middle, wait_until  # noqa: E402
+
+BINARIES = os.path.abspath(sys.argv.pop(1))
+# {screen: {control: (x, y, width, height)}}
+FRAMES = frames(os.path.join(os.path.dirname(BINARIES), "generated", "ArtworkFrames.h"))
+
+DEMO = "NerinOptionDemo"
+MAIN_SIZE = (1048, 720)
+DIALOG_SIZE = (545, 155)
+# The demonstration's panel stands on the right of the window.
+DESKTOP_SIZE = (1900, 900)
+PANEL = "The virtual mouse"
+UNPLUG, PLUG_IN, SLOT_BUTTON = (90, 32), (254, 32), (172, 72)
+# Of the list of profiles, and of all lists.
+LIST_WIDTH, ROW_HEIGHT, BORDER = 188, 28, 1
+# In the foot of the window, where there is nothing to point at.
+NOWHERE = (420, 684)
+
+# What the background service reports as "type".
+SLOT_CHANGED, REMOVED, ATTACHED = 1, 100, 101
+
+
+def listSize(width, count):
+    return width, count * ROW_HEIGHT + 2 * BORDER
+
+
+class Mouse:
+    """Looks into the memory of a virtual mouse: into a copy, because a program holds it."""
+
+    def __init__(self, memory, folder):
+        self._memory = memory
+        self._copy = os.path.join(folder, "mouse-copy")
+        self._home = os.path.join(folder, "nobody")
+        os.makedirs(self._home)
+
+    def _ask(self, *arguments):
+        shutil.copyfile(self._memory, self._copy)
+        answer = subprocess.run(
+            [os.path.join(BINARIES, "nerinctl"), "--virtual", self._copy, "--json", *arguments],
+            env={"HOME": self._home}, stdout=subprocess.PIPE, check=True)
+        return json.loads(answer.stdout)
+
+    def slots(self):
+        return self._ask("slots")
+
+    def activeSlot(self):
+        return next(slot["slot"] for slot in self.slots() if slot["active"])
+
+    def slot(self, number):
+        held = self._ask("read", "--slot", str(number))
+        del held["slot"]
+        return held
+
+    def memory(self):
+        """All bytes that the mouse keeps."""
+        with open(self._memory, "rb") as file:
+            return file.read()
+
+    def name(self, number):
+        return self.slot(number)["name"]
+
+    def mode(self, number):
+        return self.slot(number)["mode"]
+
+
+class ChildWindow:
+    """A window over the main window, and the places of its controls."""
+
+    def __init__(self, desktop, title, screen):
+        self._desktop = desktop
+        self._screen = screen
+        self.id = desktop.window(title)
+        # By then the window manager has put it in its place.
+        desktop.activate(self.id)
+
+    def frame(self, control, *parts):
+        """The parts are those that the control is in, from the outermost one: the name of each in
+        the screen around it, and its own screen."""
+        screen, left, top = self._screen, 0, 0
+        for name, inner in parts:
+            x, y, _, _ = FRAMES[screen][name]
+            screen, left, top = inner, left + x, top + y
+        x, y, width, height = FRAMES[screen][control]
+        return x + left, y + top, width, height
+
+    def click(self, control, *parts):
+        self._desktop.click(self.id, *middle(self.frame(control, *parts)))
+
+    def picture(self, control, *parts):
+        return crop(self._desktop.picture(self.id), self.frame(control, *parts))
+
+
+class WindowTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = self.enterContext(tempfile.TemporaryDirectory(prefix="nerin-window-"))
+        self.desktop = self.enterContext(DesktopSession(self.folder, DESKTOP_SIZE))
+        self.listener = self.desktop.listen()
+        self.known = 0
+
+    def support(self, program, *path):
+        return os.path.join(self.desktop.home, "Library", "Application Support",
+                            "com.corvex." + program, *path)
+
+    def preferences(self, program):
+        path = os.path.join(self.desktop.home, "Library", "Preferences",
+                            "com.corvex.%s.plist" % program)
+        if not os.path.exists(path):
+            return {}
+        with open(path, "rb") as file:
+            return plistlib.load(file)
+
+    def profiles(self, program):
+        folder = self.support(program, "Profiles")
+        return sorted(os.listdir(folder)) if os.path.isdir(folder) else []
+
+    def assertTold(self, *messages):
+        """What the background service was told since this was asked last, no more and no less."""
+        wait_until(lambda: len(self.told()) >= self.known + len(messages), 30,
+                   "the messages %s" % (messages,))
+        told = self.told()[self.known:]
+        self.known += len(told)
+        self.assertEqual(told, list(messages))
+
+    def told(self):
+        return [(message.object, message.userInfo) for message in self.listener.messages
+                if message.member == "NerinSettingChange"]
+
+    def assertEnds(self, process):
+        wait_until(lambda: process.poll() is not None, 30, "the program to end")
+        self.assertEqual((process.returncode, self.desktop.log(process)), (0, ""))
+
+    def dialog(self):
+        return self.desktop.window(self.title, size=DIALOG_SIZE)
+
+    def answer(self, button, dialog="WarningNeedSave"):
+        """Clicks a button of the dialog that is up or comes up. The name of the dialog tells where
+        its buttons are."""
+        window = self.dialog()
+        self.desktop.click(window, *middle(FRAMES[dialog][button]))
+        wait_until(lambda: window not in [one.id for one in self.desktop.windows()], 30,
+                   "the dialog to go")
+
+    def isAsking(self):
+        return any((window.width, window.height) == DIALOG_SIZE
+                   for window in self.desktop.windows())
+
+
+class DemoTest(WindowTest):
+    title = DEMO
+
+    def setUp(self):
+        super().setUp()
+        self.mouse = Mouse(self.support(DEMO, "mouse"), self.folder)
+        self.start()
+
+    def start(self):
+        self.program = self.desktop.start(os.path.join(BINARIES, DEMO))
+        self.window = self.desktop.window(DEMO, size=MAIN_SIZE)
+        self.panel = self.desktop.window(PANEL)
+        # It has its place when the mouse was read.
+        right = self.desktop.geometry(self.window)[0] + MAIN_SIZE[0]
+        wait_until(lambda: self.desktop.geometry(self.panel)[0] >= right, 30,
+                   "the panel to stand beside the window")
+        wait_until(lambda: self.desktop.isHearing(self.program), 30, "the program on the bus")
+
+    def click(self, control):
+        self.desktop.click(self.window, *middle(FRAMES["MainView"][control]))
+
+    def clickPanel(self, place):
+        self.desktop.click(self.panel, *place)
+
+    def picture(self, *controls):
+        picture = self.desktop.picture(self.window)
+        return [crop(picture, FRAMES["MainView"][control]) for control in controls]
+
+    def isRed(self, control):
+        """What is selected, and what can be applied, is red for the most part."""
+        pixels = self.picture(control)[0].rgb
+        red = sum(r > 30 and r > 2 * g and r > 2 * b
+                  for r, g, b in zip(pixels[0::3], pixels[1::3], pixels[2::3]))
+        return red * 6 > len(pixels)
+
+    def waitForRed(self, control):
+        wait_until(lambda: self.isRed(control), 30, "%s to be red" % control)
+
+    def enterName(self, name):
+        self.click("profileNameTxt")
+        self.desktop.key("ctrl+a")
+        self.desktop.type(name)
+        self.desktop.key("Return")
+
+    def chooseProfile(self, row, count):
+        """A click on a row, counted from 0, of the list of so many profiles."""
+        self.click("currProfileBtn")
+        self.chooseRow(row, count, LIST_WIDTH)
+
+    def chooseRow(self, row, count, width):
+        """The same of the list that is up or comes up."""
+        listing = self.desktop.window(DEMO, size=listSize(width, count))
+        self.desktop.click(listing, width // 2, BORDER + row * ROW_HEIGHT + ROW_HEIGHT // 2)
+        wait_until(lambda: listing not in [one.id for one in self.desktop.windows()], 30,
+                   "the list to go")
+
+    def child(self, title, screen):
+        return ChildWindow(self.desktop, title, screen)
+
+    def macros(self):
+        """What the library keeps: {name: [(key code, flag, delay)]}."""
+        tree = ElementTree.parse(self.support(DEMO, "MenuInfo.xml"))
+        return {item.get("title"): [tuple(int(key.get(one)) for one in
+                                          ("keyCode", "keyFlag", "delay"))
+                                    for key in item.findall("KeyItem")]
+                for item in tree.find("MacroList")}
+
+    def openMacroEditor(self):
+        self.click("MacroSettingBtn")
+        return self.child("Macro editor", "MacroView")
+
+    def startRecording(self, editor):
+        state = editor.picture("recordStateTxt")
+        editor.click("recordBtn")
+        wait_until(lambda: editor.picture("recordStateTxt") != state, 30, "the recording to begin")
+
+    def stopRecording(self, editor):
+        state = editor.picture("recordStateTxt")
+        editor.click("stopBtn")
+        wait_until(lambda: editor.picture("recordStateTxt") != state, 30, "the recording to end")
+
+    def waitForNoOther(self, *children):
+        kept = {self.window, self.panel, *(child.id for child in children)}
+        wait_until(lambda: {one.id for one in self.desktop.windows()} == kept, 30,
+                   "all other windows to go")
+
+    def unplug(self):
+        self.clickPanel(UNPLUG)
+        self.dialog()
