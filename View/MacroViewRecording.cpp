@@ -327,11 +327,6 @@ void MacroView::mouseReleaseEvent(QMouseEvent* event) {
   }
 }
 
-// The second press of a double click is a press.
-void MacroView::mouseDoubleClickEvent(QMouseEvent* event) {
-  mousePressEvent(event);
-}
-
 void MacroView::onMouseEvent(LXButton& /*button*/, QEvent& event, int type) {
   if (type >= LeftDown && type <= OtherUp) {
     takeMouse(static_cast<QMouseEvent&>(event), (type - LeftDown) % 2 == 0);
