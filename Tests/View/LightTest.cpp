@@ -1,47 +1,18 @@
 // The colours of the four zones.
 
+#include "Tests/View/LightTest.h"
+
 #include <gmock/gmock.h>
 
-#include "Kit/Widgets/LXImageView.h"
 #include "Kit/Widgets/LXNumberTextField.h"
 #include "Kit/Widgets/LXProgressBar.h"
-#include "Tests/View/EditorTest.h"
-#include "View/LightView.h"
 
 using testing::IsEmpty;
 using testing::SizeIs;
 
 namespace {
 
-class Light : public EditorTest {
- protected:
-  LightView& open() {
-    selProfile.lightColorArr[0] = {10, 20, 30};
-    selProfile.lightColorArr[1] = {40, 50, 60};
-    selProfile.lightColorArr[2] = {70, 80, 90};
-    selProfile.lightColorArr[3] = {100, 110, 120};
-    m_light = new LightView;
-    m_light->construct();
-    show(m_light);
-    m_light->fillSettingData();
-    clearTrace();
-    return *m_light;
-  }
-  LightView& light() { return *m_light; }
-  bool hasLine(const char* name) { return !part<LXImageView>(name).image().isNull(); }
-  static void expectColor(const _LightColorInfo& color, std::uint32_t red, std::uint32_t green,
-                          std::uint32_t blue) {
-    EXPECT_EQ(color.cR, red);
-    EXPECT_EQ(color.cG, green);
-    EXPECT_EQ(color.cB, blue);
-  }
-  static LightColor stored(std::uint32_t red, std::uint32_t green, std::uint32_t blue) {
-    return {red / 255.0, green / 255.0, blue / 255.0};
-  }
-
- private:
-  LightView* m_light = nullptr;
-};
+class Light : public LightTest {};
 
 }  // namespace
 

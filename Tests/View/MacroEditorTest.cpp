@@ -1,6 +1,5 @@
 // The library of macros and the commands of one of them.
 
-#include <filesystem>
 #include <fstream>
 
 #include <gmock/gmock.h>
@@ -20,20 +19,7 @@ namespace {
 const std::vector<const char*> needMacro{"recordBtn",  "stopBtn",      "delKeyBtn",  "keyUpBtn",
                                          "keyDownBtn", "insertKeyBtn", "delMacroBtn"};
 
-class MacroEditor : public MacroViewTest {
- protected:
-  std::string name() { return textOf(part<LXTextField>("macroNameTxt")); }
-  void addCommands(int count) {
-    for (int i = 0; i < count; ++i) {
-      commands().push_back(std::make_shared<MacroKeyInfo>(i, MacroKeyInfo::KeyPress, 0));
-    }
-    const auto macro = editor().currMacroInfo();
-    editor().setSelMacroByNode(MacroView::getNodeByData(macro.get()));
-  }
-  std::filesystem::path file(const char* fileName) {
-    return std::filesystem::path(home()) / fileName;
-  }
-};
+class MacroEditor : public MacroViewTest {};
 
 }  // namespace
 
@@ -230,7 +216,6 @@ TEST_F(MacroEditor, ADelayIsPutBeforeOrAfterTheSelectedCommand) {
   EXPECT_THAT(rows(), ElementsAre("0/0/30", "1/0/30", "2/0/0"));
   press("insertCancelBtn");
   EXPECT_FALSE(editor().isInsert());
-  defDelayTime = 50;
 }
 
 TEST_F(MacroEditor, OkAndApplySaveAndCancelKeepsTheEditInMemory) {

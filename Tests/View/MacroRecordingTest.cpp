@@ -83,7 +83,6 @@ TEST_F(MacroRecording, AFixedDelayIsAfterAllButTheLast) {
   stop();
   EXPECT_THAT(rows(), ElementsAre("0/0/77", "0/1/77", "11/0/0"));
   EXPECT_EQ(delayTime, 77);
-  delayTime = 50;
 }
 
 TEST_F(MacroRecording, WithoutDelaysThereAreNone) {

@@ -1,10 +1,52 @@
 #include "Tests/View/MacroViewTest.h"
 
+#include "Kit/Widgets/LXMenulist.h"
+
+MacroViewTest::MacroViewTest() {
+  delayTime = 50;
+  defDelayTime = 50;
+  delayType = 1;
+}
+
 MacroView& MacroViewTest::open() {
   m_editor = new MacroView;
   m_editor->construct();
   show(m_editor);
   return *m_editor;
+}
+
+MacroView& MacroViewTest::openOn(int count, int selected) {
+  open();
+  editor().newMacro();
+  addCommands(count);
+  select(selected);
+  return *m_editor;
+}
+
+void MacroViewTest::addCommands(int count) {
+  for (int i = 0; i < count; ++i) {
+    commands().push_back(std::make_shared<MacroKeyInfo>(i, MacroKeyInfo::KeyPress, 0));
+  }
+  const auto macro = editor().currMacroInfo();
+  editor().setSelMacroByNode(MacroView::getNodeByData(macro.get()));
+}
+
+std::vector<std::string> MacroViewTest::names() {
+  std::vector<std::string> all;
+  for (const auto& macro : NerinAction::macroListArrs) {
+    all.push_back(macro->nameStr().value_or("(none)"));
+  }
+  return all;
+}
+
+std::vector<std::string> MacroViewTest::offered() {
+  press("macroNameBtn");
+  std::vector<std::string> titles;
+  if (LXMenulist* list = openList()) {
+    titles = titlesOf(*list);
+    list->hideMenulist();
+  }
+  return titles;
 }
 
 std::vector<std::string> MacroViewTest::rows() {
@@ -16,14 +58,35 @@ std::vector<std::string> MacroViewTest::rows() {
   return all;
 }
 
-void MacroViewTest::send(QEvent::Type type, Key key, std::uint64_t time) {
-  QKeyEvent event = nativeEvent(type, key);
+std::vector<std::string> MacroViewTest::kinds() {
+  std::vector<std::string> all;
+  for (const std::string& row : rows()) {
+    all.push_back(row.substr(0, row.rfind('/')));
+  }
+  return all;
+}
+
+std::vector<std::string> MacroViewTest::takeKinds() {
+  auto all = kinds();
+  commands().clear();
+  editor().setRecState(true, editor().isInsertRecord());
+  return all;
+}
+
+void MacroViewTest::send(QEvent::Type type, Key key, std::uint64_t time,
+                         std::uint32_t nativeModifiers) {
+  QKeyEvent event = nativeEvent(type, key, nativeModifiers);
   event.setTimestamp(time);
   QCoreApplication::sendEvent(&table(), &event);
 }
 
 void MacroViewTest::record() {
   control("recordBtn").click();
+}
+
+void MacroViewTest::openAndRecord() {
+  openOn(0, 0);
+  record();
 }
 
 std::vector<std::string> MacroViewTest::usable(const std::vector<const char*>& names) {
