@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QRegularExpressionValidator>
 #include <algorithm>
+#include <cmath>
 
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXNumberTextField.h"
@@ -72,22 +73,46 @@ std::vector<LightColor>& recentColors() {
 
 }  // namespace
 
+// The six sectors of the hues, in each of which one component falls or rises.
 LightColor PickedColor::color() const {
-  return LightColor::of(colorOfHsv(hue, saturation, brightness).toRgb());
+  constexpr int sectors = 6;
+  const double place = (hue - std::floor(hue)) * sectors;
+  const int sector = static_cast<int>(place);
+  const double along = place - sector;
+  const double low = brightness * (1 - saturation);
+  const double falling = brightness * (1 - saturation * along);
+  const double rising = brightness * (1 - saturation * (1 - along));
+  switch (sector) {
+    case 0:
+      return {brightness, rising, low};
+    case 1:
+      return {falling, brightness, low};
+    case 2:
+      return {low, brightness, rising};
+    case 3:
+      return {low, falling, brightness};
+    case 4:
+      return {rising, low, brightness};
+    default:
+      return {brightness, low, falling};
+  }
 }
 
 void PickedColor::setColor(const LightColor& color) {
-  float newHue = 0;
-  float newSaturation = 0;
-  float newBrightness = 0;
-  color.shown().getHsvF(&newHue, &newSaturation, &newBrightness);
-  brightness = newBrightness;
-  if (newBrightness > 0) {
-    saturation = newSaturation;
+  const auto [least, most] = std::minmax({color.red, color.green, color.blue});
+  const double range = most - least;
+  brightness = most;
+  if (most > 0) {
+    saturation = range / most;
   }
-  if (newHue >= 0) {
-    hue = newHue;
+  if (range <= 0) {
+    return;
   }
+  constexpr double sectors = 6;
+  const double place = most == color.red     ? (color.green - color.blue) / range
+                       : most == color.green ? 2 + (color.blue - color.red) / range
+                                             : 4 + (color.red - color.green) / range;
+  hue = (place < 0 ? place + sectors : place) / sectors;
 }
 
 HueSaturationView::HueSaturationView(QWidget* parent) : QWidget(parent) {
@@ -111,7 +136,9 @@ void HueSaturationView::pickAt(const QPointF& point) {
 }
 
 void HueSaturationView::mousePressEvent(QMouseEvent* event) {
-  pickAt(event->position());
+  if (event->button() == Qt::LeftButton) {
+    pickAt(event->position());
+  }
   event->accept();
 }
 
@@ -179,7 +206,9 @@ void BrightnessView::pick(double brightness) {
 }
 
 void BrightnessView::mousePressEvent(QMouseEvent* event) {
-  pick(event->position().x() / (width() - 1));
+  if (event->button() == Qt::LeftButton) {
+    pick(event->position().x() / (width() - 1));
+  }
   event->accept();
 }
 
@@ -272,13 +301,12 @@ void ColorPanel::initControls() {
 
 void ColorPanel::showColor(const LightColor& color) {
   m_selColor = color;
-  const QColor shown = color.shown();
-  const std::array<int, 3> parts{shown.red(), shown.green(), shown.blue()};
-  for (std::size_t i = 0; i < parts.size(); ++i) {
-    m_numbers[i]->setValue(parts[i]);
+  const auto bytes = color.bytes();
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    m_numbers[i]->setValue(static_cast<int>(bytes[i]));
   }
   // The picture has the "#".
-  m_hexTxt->setText(shown.name().mid(1).toUpper());
+  m_hexTxt->setText(color.shown().name().mid(1).toUpper());
 }
 
 void ColorPanel::setSelColor(const LightColor& color) {
@@ -288,9 +316,9 @@ void ColorPanel::setSelColor(const LightColor& color) {
 
 void ColorPanel::onNumTextChange(LXNumberTextField& /*sender*/) {
   const auto part = [this](std::size_t i) {
-    return static_cast<double>(m_numbers[i]->value()) / highest;
+    return static_cast<std::uint32_t>(m_numbers[i]->value());
   };
-  setSelColor({part(0), part(1), part(2)});
+  setSelColor(LightColor::ofBytes(part(0), part(1), part(2)));
 }
 
 // Six digits are a colour; anything else goes back.
@@ -299,9 +327,7 @@ void ColorPanel::takeHex() {
   code.remove(u'#');
   const QColor color(u'#' + code);
   if (code.size() == hexDigits - 1 && color.isValid()) {
-    setSelColor({static_cast<double>(color.red()) / highest,
-                 static_cast<double>(color.green()) / highest,
-                 static_cast<double>(color.blue()) / highest});
+    setSelColor(LightColor::of(color));
   } else {
     showColor(m_selColor);
   }

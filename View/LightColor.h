@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QColor>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 
 // A colour with components 0..1. Doubles until it is stored: the rounding of anything coarser would
@@ -13,11 +15,26 @@ struct LightColor {
 
   bool operator==(const LightColor&) const = default;
 
-  static LightColor of(const QColor& color) {
-    return {color.redF(), color.greenF(), color.blueF()};
+  static LightColor ofBytes(std::uint32_t red, std::uint32_t green, std::uint32_t blue) {
+    constexpr double largest = 255;
+    return {red / largest, green / largest, blue / largest};
   }
+  static LightColor of(const QColor& color) {
+    return ofBytes(static_cast<std::uint32_t>(color.red()),
+                   static_cast<std::uint32_t>(color.green()),
+                   static_cast<std::uint32_t>(color.blue()));
+  }
+  // As it is stored: red, green and blue of 0..255.
+  std::array<std::uint32_t, 3> bytes() const {
+    constexpr double scale = 254.99998474121094;
+    const auto stored = [](double component) {
+      return static_cast<std::uint32_t>(std::lround(component * scale)) & 0xFFU;
+    };
+    return {stored(red), stored(green), stored(blue)};
+  }
+  // What is shown is what would be stored.
   QColor shown() const {
-    return QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green),
-                            static_cast<float>(blue));
+    const auto stored = bytes();
+    return {static_cast<int>(stored[0]), static_cast<int>(stored[1]), static_cast<int>(stored[2])};
   }
 };

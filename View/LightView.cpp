@@ -1,7 +1,6 @@
 #include "View/LightView.h"
 
 #include <QPainter>
-#include <cmath>
 
 #include "Action/DeviceSettings.h"
 #include "Action/EditState.h"
@@ -22,8 +21,6 @@ constexpr double wellRadius = 5;
 // Where the colour bar's picture is looked up, from its bottom left.
 constexpr int barColumn = 20;
 constexpr int barTop = 265;
-constexpr double largest = 255;
-constexpr double storedScale = 254.99998474121094;
 
 std::string beforeKey(int index) {
   return "bColor" + std::to_string(index);
@@ -154,10 +151,8 @@ void LightView::initPicker() {
   m_recentColors->setGeometry(frameRect(frames::recentColorsView));
   m_recentColors->setObjectName(QStringLiteral("recentColorsView"));
   m_recentColors->refresh();
-  connect(m_recentColors, &RecentColorsView::chosen, this, [this](const QColor& color) {
-    m_colorPanel->setSelColor(
-        {color.red() / largest, color.green() / largest, color.blue() / largest});
-  });
+  connect(m_recentColors, &RecentColorsView::chosen, this,
+          [this](const QColor& color) { m_colorPanel->setSelColor(LightColor::of(color)); });
 }
 
 void LightView::clearBtnImage(LXButton& button) {
@@ -165,18 +160,15 @@ void LightView::clearBtnImage(LXButton& button) {
 }
 
 LightColor LightView::getColorPro(const _LightColorInfo& color) {
-  return {color.cR / largest, color.cG / largest, color.cB / largest};
+  return LightColor::ofBytes(color.cR, color.cG, color.cB);
 }
 
 void LightView::setColorPro(int index, const LightColor& color) {
   if (index < 0 || index >= zones) {
     return;
   }
-  const auto stored = [](double component) {
-    return static_cast<std::uint32_t>(std::lround(component * storedScale)) & 0xFFU;
-  };
-  currSetProfile.lightColorArr[index] = {stored(color.red), stored(color.green),
-                                         stored(color.blue)};
+  const auto [red, green, blue] = color.bytes();
+  currSetProfile.lightColorArr[index] = {red, green, blue};
 }
 
 void LightView::fillSettingData() {
@@ -209,9 +201,13 @@ void LightView::displayBAColor() {
 
 void LightView::showPicked(const LightColor& color) {
   m_picked.setColor(color);
+  showInSliders();
+  m_colorPanel->showColor(color);
+}
+
+void LightView::showInSliders() {
   m_colorField->show(m_picked);
   m_brightness->show(m_picked);
-  m_colorPanel->showColor(color);
 }
 
 void LightView::takePicked() {
@@ -222,8 +218,7 @@ void LightView::takePicked() {
   if (sender() == m_colorField && m_picked.brightness == 0) {
     m_picked.brightness = 1;
   }
-  m_colorField->show(m_picked);
-  m_brightness->show(m_picked);
+  showInSliders();
   m_colorPanel->showColor(m_picked.color());
   onChangeColorPro(m_picked.color());
 }
@@ -244,8 +239,7 @@ void LightView::onChangeColorPro(const LightColor& color) {
 
 void LightView::OnColorChange(QObject* /*sender*/, const LightColor& color) {
   m_picked.setColor(color);
-  m_colorField->show(m_picked);
-  m_brightness->show(m_picked);
+  showInSliders();
   onChangeColorPro(color);
 }
 
@@ -253,15 +247,14 @@ void LightView::progessBarAction(LXProgressBar& sender) {
   if (sender.tag() != TagColorBar) {
     return;
   }
-  // Counted from the top, as pictures are.
-  const int row = barTop - (barTop - sender.value());
+  const int fromBottom = barTop - sender.value();
   const qreal ratio = m_colorTagImage.devicePixelRatio();
   const QImage bar = m_colorTagImage.toImage();
+  // Pictures count from the top.
+  const int row = static_cast<int>(bar.height() / ratio) - 1 - fromBottom;
   const QPoint point(static_cast<int>(barColumn * ratio), static_cast<int>(row * ratio));
   if (bar.rect().contains(point)) {
-    const QColor color = bar.pixelColor(point);
-    m_colorPanel->setSelColor(
-        {color.red() / largest, color.green() / largest, color.blue() / largest});
+    m_colorPanel->setSelColor(LightColor::of(bar.pixelColor(point)));
   }
 }
 

@@ -75,6 +75,7 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   void drawColorBtn(QPainter& painter) const;
   void drawLights(QPainter& painter) const;
   void takePicked();
+  void showInSliders();
   void showPicked(const LightColor& color);
   void setSwatches(const LightColor& before, const LightColor& after);
   void rememberColors() const;

@@ -84,6 +84,47 @@ TEST_F(LightPicker, TheFieldIsAllHuesInAllSaturations) {
   }
 }
 
+TEST_F(LightPicker, TheNumbersAreThoseThatAreStored) {
+  openZone();
+  for (const double place : {0.01, 0.25, 0.5, 0.75, 0.99}) {
+    clickIn(field(), place, 1 - place);
+    clickIn(brightness(), place, 0.5);
+    const QColor held = stored();
+    EXPECT_THAT(numbers(), ElementsAre(std::to_string(held.red()), std::to_string(held.green()),
+                                       std::to_string(held.blue()),
+                                       held.name().mid(1).toUpper().toStdString()));
+    EXPECT_EQ(part<LXColorView>("afterColorView").color().rgb(), held.rgb());
+  }
+  part<ColorPanel>("colorPanel").setSelColor({0.5, 0.5, 0.5});
+  expectColor(color(0), 127, 127, 127);
+  EXPECT_EQ(numbers().front(), "127");
+}
+
+TEST_F(LightPicker, HuesAreTheOnesOfTheirSectors) {
+  for (int degrees = 0; degrees <= 360; degrees += 15) {
+    PickedColor picked{degrees / 360.0, 0.75, 0.5};
+    const QColor expected = QColor::fromHsvF(static_cast<float>(degrees % 360) / 360, 0.75F, 0.5F);
+    expectNear(picked.color().shown(), expected);
+    PickedColor back;
+    back.setColor(picked.color());
+    EXPECT_NEAR(back.hue, degrees % 360 / 360.0, 1e-9);
+    EXPECT_NEAR(back.saturation, 0.75, 1e-9);
+    EXPECT_NEAR(back.brightness, 0.5, 1e-9);
+  }
+}
+
+TEST_F(LightPicker, OnlyTheLeftButtonPicks) {
+  openZone();
+  const QColor before = stored();
+  for (const QWidget* widget :
+       {static_cast<QWidget*>(&field()), static_cast<QWidget*>(&brightness())}) {
+    for (const Qt::MouseButton button : {Qt::RightButton, Qt::MiddleButton, Qt::BackButton}) {
+      QTest::mouseClick(host().windowHandle(), button, {}, placeIn(*widget, 0.7, 0.3));
+      EXPECT_EQ(stored(), before);
+    }
+  }
+}
+
 TEST_F(LightPicker, TheFieldFollowsThePointerAndHasEdges) {
   openZone();
   QWindow* window = host().windowHandle();
