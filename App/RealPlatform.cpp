@@ -1,50 +1,12 @@
 #include "App/RealPlatform.h"
 
-#include <QApplication>
-#include <QMessageBox>
-#include <QPushButton>
 #include <thread>
 #include <utility>
 
 #include "Kit/Core/HostEnvironment.h"
 #include "Kit/Desktop/DesktopServices.h"
-#include "View/NestedLoop.h"
+#include "View/PlainMessage.h"
 #include "View/TransferProgress.h"
-
-namespace {
-
-// A message as the program's own dialogs look: no frame of the window manager, a mark at the left,
-// and one button that finishes.
-const char* const messageStyle =
-    "QMessageBox { background: #15171C; border: 1px solid #343943; border-left: 3px solid #E5262F; "
-    "}"
-    "QLabel { color: #F2F4F7; font-size: 13px; min-width: 300px; padding: 18px 14px 12px 0; }"
-    "QPushButton { background: #22252C; border: 1px solid #343943; border-radius: 6px;"
-    "  color: #F2F4F7; font-size: 12px; font-weight: 600; min-height: 32px; min-width: 102px;"
-    "  margin: 0 6px 6px 0; }"
-    "QPushButton#finish { background: #C41A22; border-color: #E5262F; }"
-    "QPushButton:hover { background: #2D313A; border-color: #5A6270; }"
-    "QPushButton#finish:hover { background: #E5262F; border-color: #FF5A60; }"
-    "QPushButton:pressed { background: #0B0C0F; border-color: #E5262F; }"
-    "QPushButton:focus { background: #22252C; border: 2px solid #F2F4F7; }"
-    "#finish:focus { background: #C41A22; border: 2px solid #F2F4F7; }";
-
-int ask(const std::string& text, QMessageBox::StandardButtons buttons) {
-  const NestedLoop scope;
-  QMessageBox box(QMessageBox::NoIcon, QCoreApplication::applicationName(),
-                  QString::fromStdString(text), buttons, QApplication::activeWindow());
-  box.setWindowModality(Qt::WindowModal);
-  box.setWindowFlag(Qt::FramelessWindowHint);
-  box.setDefaultButton(QMessageBox::Ok);
-  box.button(QMessageBox::Ok)->setObjectName(QStringLiteral("finish"));
-  for (QAbstractButton* button : box.buttons()) {
-    button->setIcon({});
-  }
-  box.setStyleSheet(QString::fromLatin1(messageStyle));
-  return box.exec();
-}
-
-}  // namespace
 
 LXPlatform realPlatform(std::shared_ptr<LXDeviceRequester> requester,
                         std::shared_ptr<LXNotificationCenter> center) {
@@ -59,9 +21,7 @@ LXPlatform realPlatform(std::shared_ptr<LXDeviceRequester> requester,
     std::this_thread::sleep_for(time);
   };
   platform.open = desktopservices::open;
-  platform.showInfoMessage = [](const std::string& text) { ask(text, QMessageBox::Ok); };
-  platform.chooseInfoMessage = [](const std::string& text) {
-    return ask(text, QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
-  };
+  platform.showInfoMessage = plainmessage::show;
+  platform.chooseInfoMessage = plainmessage::ask;
   return platform;
 }

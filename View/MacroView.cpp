@@ -23,10 +23,6 @@ namespace frames = Artwork::MacroView;
 constexpr int insertMenuWidth = 195;
 constexpr int longestDelay = 5000;
 constexpr int delayDigits = 4;
-constexpr int autoDetect = 1;
-constexpr int defaultDelay = 2;
-// Insert types from here on are delays, which are put in with a button instead of recorded.
-constexpr std::int32_t firstDelayType = 3;
 constexpr qreal smallType = 10.5;
 constexpr int nameMargin = 12 - LXTextField::ownMargin;
 // The room that the mouse has for the events of a macro, in bytes.
@@ -202,7 +198,7 @@ void MacroView::initDelayGroups() {
     for (LXButton* choice : choices) {
       group->addItem(choice);
     }
-    group->selectindex(autoDetect);
+    group->selectindex(DelayMeasured);
     group->setSetpDelegate(this);
     return group;
   };
@@ -253,8 +249,8 @@ void MacroView::refreshData() {
   NerinAction::refreshMenuList();
   NerinAction::refreshMenuListData(m_insertList, this, NerinAction::macroInsertMenuNode,
                                    insertMenuWidth);
-  m_currDelayType = autoDetect;
-  m_currInsertDelayType = autoDetect;
+  m_currDelayType = DelayMeasured;
+  m_currInsertDelayType = DelayMeasured;
   setRecState(false, false);
   fillSettingData();
   m_insertBtn->setTitle(QString::fromStdString(
@@ -274,8 +270,8 @@ void MacroView::onNumTextChange(LXNumberTextField& sender) {
 }
 
 bool MacroView::shouldSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& sender) {
-  return &sender != m_insertDelaySetp || m_currInsertType < firstDelayType ||
-         newIndex == defaultDelay;
+  return &sender != m_insertDelaySetp || m_currInsertType < InsertDelayBefore ||
+         newIndex == DelayFixed;
 }
 
 void MacroView::onSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& sender) {
@@ -395,6 +391,7 @@ void MacroView::setConEnable() {
 }
 
 void MacroView::setConEnableWithMacro() {
+  const KeyboardToTable keyboard(m_table);
   const bool hasMacro = m_currMacroInfo != nullptr;
   for (LXButton* button : {m_recordBtn, m_stopBtn, m_delKeyBtn, m_keyUpBtn, m_keyDownBtn,
                            m_insertKeyBtn, m_delMacroBtn}) {
@@ -432,13 +429,13 @@ void MacroView::setInsertState(bool isInsert) {
 }
 
 void MacroView::setInsertConVisable() {
-  const bool records = m_currInsertType < firstDelayType;
+  const bool records = m_currInsertType < InsertDelayBefore;
   for (LXButton* button :
        {m_insertAutoDelayChk, m_insertLgnoreDelayChk, m_insertRecordBtn, m_insertStopBtn}) {
     button->setVisible(records);
   }
   m_insertIntBtn->setVisible(!records);
   if (!records) {
-    m_insertDelaySetp->selectindex(defaultDelay);
+    m_insertDelaySetp->selectindex(DelayFixed);
   }
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "Action/MacroInfo.h"
@@ -66,6 +67,16 @@ class MacroView : public ChildView,
     TagInsertInt,
     TagInsertCancel,
   };
+  // The entries of the insert list: what is recorded or put in, and where from the selected
+  // command.
+  enum InsertType : std::int32_t {
+    InsertRecordBefore = 1,
+    InsertRecordAfter,
+    InsertDelayBefore,
+    InsertDelayAfter,
+  };
+  // The choices of both delay groups.
+  enum DelayRule : int { DelayMeasured = 1, DelayFixed, DelayNone };
   static constexpr std::size_t mostCommands = 40;
 
   MacroView();
@@ -145,6 +156,7 @@ class MacroView : public ChildView,
   void deallocNotify() override;
   void cancelEdit() override;
   bool eventFilter(QObject* watched, QEvent* event) override;
+  bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
@@ -167,10 +179,14 @@ class MacroView : public ChildView,
   void showUsage();
   void selectionChanged();
   bool hasRoomForMacro() const;
+  void findNodeAgain();
 
   void startRecording();
   void startInsertRecording();
   void endRecording();
+  void takeKeyboard();
+  void forgetKeys();
+  bool belongsToMacro(const QKeyEvent& event, std::uint16_t keyCode);
   void takeKey(const QKeyEvent& event);
   bool takeMouse(const QMouseEvent& event, bool isDown);
   LXButton& activeStop() const;
@@ -233,4 +249,9 @@ class MacroView : public ChildView,
   int m_currDelayType = 1;
   int m_currInsertDelayType = 1;
   KeyTracker m_keys;
+  // What is held down since the recording began: Mac key codes, and buttons of the mouse by where
+  // they were pressed.
+  std::set<std::uint16_t> m_pressedKeys;
+  Qt::MouseButtons m_buttonsOnStop;
+  Qt::MouseButtons m_buttonsElsewhere;
 };

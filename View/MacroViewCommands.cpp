@@ -1,5 +1,6 @@
 // The commands of the macro that is edited: the selected one, moving, deleting, delays.
 
+#include <QPointer>
 #include <algorithm>
 
 #include "Action/FunctionCatalogue.h"
@@ -7,12 +8,6 @@
 #include "Kit/Widgets/LXNumberTextField.h"
 #include "View/MacroView.h"
 #include "View/Termination.h"
-
-namespace {
-
-constexpr std::int32_t delayBefore = 3;
-
-}  // namespace
 
 // The macro's own commands: an edit changes the macro.
 MacroInfo::Events* MacroView::keyArrs() const {
@@ -94,8 +89,9 @@ void MacroView::delCommand() {
 
 void MacroView::delAllCommand() {
   MacroInfo::Events* events = keyArrs();
+  const QPointer<MacroView> self = this;
   if (events == nullptr ||
-      !LXAction::ChooseInfoMessage("Are you sure you want to Clear Commands?") ||
+      !LXAction::ChooseInfoMessage("Are you sure you want to Clear Commands?") || !self ||
       termination::isTerminating()) {
     return;
   }
@@ -121,7 +117,7 @@ void MacroView::insertDelayPro() {
     return;
   }
   const std::int32_t target =
-      m_currInsertType == delayBefore ? std::max(0, selected - 1) : selected;
+      m_currInsertType == InsertDelayBefore ? std::max(0, selected - 1) : selected;
   (*keyArrs())[static_cast<std::size_t>(target)]->setDelay(m_insertDefDelayTxt->value());
   reloadTable();
   selectComByIndex(selected);

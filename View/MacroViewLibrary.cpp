@@ -1,6 +1,7 @@
 // The macros of the macro editor: which one is edited, and new, copied, deleted, renamed and
 // exchanged ones.
 
+#include <QPointer>
 #include <algorithm>
 #include <filesystem>
 
@@ -70,8 +71,13 @@ void MacroView::renamePro() {
     return;
   }
   m_currMacroInfo->setNameStr(m_macroNameTxt->text().toStdString());
-  m_macroNameBtn->setTitle(m_macroNameTxt->text());
+  m_macroNameBtn->setTitle(macromenulist::titleOf(*m_currMacroInfo));
   NerinAction::refreshMenuList();
+  findNodeAgain();
+}
+
+// Whoever opens the list makes all of its nodes anew.
+void MacroView::findNodeAgain() {
   m_selMacroNode = getNodeByData(m_currMacroInfo.get());
   m_currMacroData =
       m_selMacroNode ? std::dynamic_pointer_cast<MenuInfo>(m_selMacroNode->nodeData()) : nullptr;
@@ -123,10 +129,12 @@ void MacroView::delMacro() {
   if (!m_selMacroNode || !m_currMacroInfo) {
     return;
   }
-  if (!LXAction::ChooseInfoMessage("Are you sure you want to delete this macro?") ||
+  const QPointer<MacroView> self = this;
+  if (!LXAction::ChooseInfoMessage("Are you sure you want to delete this macro?") || !self ||
       termination::isTerminating()) {
     return;
   }
+  findNodeAgain();
   const auto& nodes = NerinAction::macroNode->children();
   auto next = std::find(nodes.begin(), nodes.end(), m_selMacroNode);
   std::shared_ptr<MacroInfo> following;
@@ -146,10 +154,11 @@ void MacroView::extentMacro() {
     return;
   }
   const NestedLoop scope;
+  const std::shared_ptr<MacroInfo> macro = m_currMacroInfo;
   const auto chosen =
       filepanel::saveFile(this, {.isSave = true,
                                  .folder = documentsFolder(),
-                                 .name = LXAction::getNonullStr(m_currMacroInfo->nameStr())});
+                                 .name = macromenulist::titleOf(*macro).toStdString()});
   if (!chosen || termination::isTerminating()) {
     return;
   }
@@ -161,14 +170,18 @@ void MacroView::extentMacro() {
               .toStdString())) {
     return;
   }
-  LXAction::SaveObject(*m_currMacroInfo, file);
+  if (!LXAction::SaveObject(*macro, file)) {
+    LXAction::showInfoMessage(
+        NerinAction::tooltipText("The file could not be written.").toStdString());
+  }
 }
 
 void MacroView::importMacro() {
   const NestedLoop scope;
+  const QPointer<MacroView> self = this;
   const auto chosen =
       filepanel::openFile(this, {.folder = documentsFolder(), .patterns = {"*.mac"}});
-  if (!chosen || termination::isTerminating()) {
+  if (!chosen || !self || termination::isTerminating()) {
     return;
   }
   const auto macro = LXAction::CopyObject<MacroInfo>(*chosen);

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPointer>
 #include <QWindow>
 #include <algorithm>
 #include <chrono>
@@ -23,10 +24,6 @@ namespace {
 constexpr std::uint32_t leftButton = 120;
 constexpr std::uint32_t rightButton = 121;
 constexpr std::uint32_t otherButton = 122;
-constexpr std::int32_t recordAfter = 2;
-constexpr std::int32_t delayAfter = 4;
-constexpr std::int32_t measuredDelay = 1;
-constexpr std::int32_t fixedDelay = 2;
 
 std::uint32_t codeOf(Qt::MouseButton button) {
   return button == Qt::LeftButton    ? leftButton
@@ -47,7 +44,7 @@ bool keepsClicks(const QWidget& widget) {
 // part of the macro either, even when they come after its end.
 class MessageKeys : public QObject {
  public:
-  explicit MessageKeys(QObject* parent) : QObject(parent) { qApp->installEventFilter(this); }
+  MessageKeys() : QObject(qApp) { qApp->installEventFilter(this); }
 
   // The message is gone. Stays for the releases that are still to come.
   void end() {
@@ -105,7 +102,7 @@ void MacroView::startInsertRecording() {
     return;
   }
   m_currInsertIndex = static_cast<std::size_t>(std::max(0, selectedRow()));
-  if (m_currInsertType == recordAfter || m_currInsertType == delayAfter) {
+  if (m_currInsertType == InsertRecordAfter || m_currInsertType == InsertDelayAfter) {
     ++m_currInsertIndex;
   }
   m_currInsertIndex = std::min(m_currInsertIndex, keyArrs()->size());
@@ -142,16 +139,30 @@ void MacroView::setRecState(bool isRecord, bool isInsert) {
                                      : QString());
   if (isRecord) {
     m_oldTime.reset();
-    m_keys.forgetAll();
+    m_buttonsOnStop = {};
+    m_buttonsElsewhere = {};
+    forgetKeys();
     qApp->installEventFilter(this);
     m_table->setFocus(Qt::OtherFocusReason);
-    // Keys that the desktop would take for itself belong to the macro, too.
-    m_table->grabKeyboard();
+    takeKeyboard();
     return;
   }
   endRecording();
   setConEnableWithMacro();
   setInsertState(isInsert);
+}
+
+// Keys that the desktop would take for itself belong to the macro, too, but not those that are
+// meant for another window.
+void MacroView::takeKeyboard() {
+  if (m_isRecord && !m_isInfoShown) {
+    m_table->grabKeyboard();
+  }
+}
+
+void MacroView::forgetKeys() {
+  m_keys.forgetAll();
+  m_pressedKeys.clear();
 }
 
 void MacroView::endRecording() {
@@ -182,6 +193,19 @@ void MacroView::rememberTime(const QInputEvent& event) {
   m_eventTime = event.timestamp() != 0 ? event.timestamp() : clockMilliseconds();
 }
 
+// A key that was down before, such as the one that pressed the Record button, neither repeats into
+// the macro nor is let go in it.
+bool MacroView::belongsToMacro(const QKeyEvent& event, std::uint16_t keyCode) {
+  if (event.type() == QEvent::KeyRelease) {
+    return m_pressedKeys.erase(keyCode) != 0;
+  }
+  if (event.isAutoRepeat() && !m_pressedKeys.contains(keyCode)) {
+    return false;
+  }
+  m_pressedKeys.insert(keyCode);
+  return true;
+}
+
 void MacroView::takeKey(const QKeyEvent& event) {
   rememberTime(event);
   const auto key = m_keys.take(event);
@@ -200,7 +224,7 @@ void MacroView::takeKey(const QKeyEvent& event) {
       LXLogger::debug("flagsChanged", place);
       break;
   }
-  if (!m_isRecord || key->isRepeat) {
+  if (!m_isRecord || key->isRepeat || !belongsToMacro(event, key->keyCode)) {
     return;
   }
   if (key->kind == TrackedKey::Kind::FlagsChanged) {
@@ -212,9 +236,23 @@ void MacroView::takeKey(const QKeyEvent& event) {
   }
 }
 
-// True when the event became a command.
+// True when the event is one of the recording, false when it is left to whom it hit. A button that
+// was pressed on Stop is let go there, wherever the pointer is, and one that was not is none of
+// Stop's.
 bool MacroView::takeMouse(const QMouseEvent& event, bool isDown) {
-  if (!m_isRecord || checkMouseEvent(event)) {
+  if (!m_isRecord) {
+    return false;
+  }
+  const Qt::MouseButton button = event.button();
+  const bool isOnStop = !isDown && m_buttonsElsewhere.testFlag(button) ? false
+                        : !isDown && m_buttonsOnStop.testFlag(button)  ? true
+                                                                       : checkMouseEvent(event);
+  // Until the next press, because a release may come by two ways.
+  if (isDown) {
+    m_buttonsOnStop.setFlag(button, isOnStop);
+    m_buttonsElsewhere.setFlag(button, !isOnStop);
+  }
+  if (isOnStop) {
     return false;
   }
   rememberTime(event);
@@ -237,13 +275,15 @@ void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
       m_isInfoShown = true;
       // The message is answered with keys, too, which the table would take.
       m_table->releaseKeyboard();
-      auto* keys = new MessageKeys(this);
+      auto* keys = new MessageKeys;
+      const QPointer<MacroView> self = this;
       LXAction::showInfoMessage("Maximum number of macros reached");
       keys->end();
-      m_isInfoShown = false;
-      if (m_isRecord) {
-        m_table->grabKeyboard();
+      if (!self) {
+        return;
       }
+      m_isInfoShown = false;
+      takeKeyboard();
     }
     return;
   }
@@ -252,9 +292,9 @@ void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
         m_oldTime && m_eventTime > *m_oldTime ? m_eventTime - *m_oldTime : 0;
     if (m_oldTime && m_lastKeyInfo) {
       constexpr std::uint64_t longest = INT32_MAX;
-      m_lastKeyInfo->setDelay(delayType == measuredDelay
+      m_lastKeyInfo->setDelay(delayType == DelayMeasured
                                   ? static_cast<std::int32_t>(std::min(elapsed, longest))
-                              : delayType == fixedDelay ? m_currDefDelayTim
+                              : delayType == DelayFixed ? m_currDefDelayTim
                                                         : 0);
     }
     m_oldTime = m_eventTime;
@@ -299,6 +339,18 @@ bool MacroView::eventFilter(QObject* watched, QEvent* event) {
   }
   event->accept();
   return true;
+}
+
+// What is typed into another window is none of the macro's business, and what is held there
+// neither.
+bool MacroView::event(QEvent* event) {
+  if (m_isRecord && event->type() == QEvent::WindowActivate) {
+    forgetKeys();
+    takeKeyboard();
+  } else if (m_isRecord && event->type() == QEvent::WindowDeactivate) {
+    m_table->releaseKeyboard();
+  }
+  return ChildView::event(event);
 }
 
 void MacroView::keyPressEvent(QKeyEvent* event) {

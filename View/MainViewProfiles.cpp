@@ -14,6 +14,7 @@
 #include "Kit/Core/Utf8.h"
 #include "Kit/Desktop/FilePanel.h"
 #include "Kit/Widgets/LXTextField.h"
+#include "View/ControlFactory.h"
 #include "View/MainView.h"
 #include "View/NestedLoop.h"
 #include "View/PopDialogView.h"
@@ -116,10 +117,14 @@ void MainView::extentProfile() {
   fs::path path = *chosen;
   path += ".pro";
   std::error_code error;
-  if (fs::exists(path, error) && !LXAction::ChooseInfoMessage(replaceQuestion)) {
+  if (fs::exists(path, error) &&
+      !LXAction::ChooseInfoMessage(NerinAction::tooltipText(replaceQuestion).toStdString())) {
     return;
   }
-  profile->saveToPath(path);
+  if (profile->saveToPath(path)) {
+    LXAction::showInfoMessage(
+        NerinAction::tooltipText("The file could not be written.").toStdString());
+  }
 }
 
 void MainView::importProfile() {

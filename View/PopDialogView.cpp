@@ -25,19 +25,6 @@ std::function<bool(const std::string&, bool)>& answererInUse() {
   return answerer;
 }
 
-// The window that the message belongs to: the topmost one of the program that is open.
-QWidget* owner() {
-  if (QWidget* modal = QApplication::activeModalWidget()) {
-    return modal;
-  }
-  for (QWidget* window : QApplication::topLevelWidgets()) {
-    if (window->isVisible() && qobject_cast<LXNoTitleWindow*>(window) != nullptr) {
-      return window;
-    }
-  }
-  return nullptr;
-}
-
 // Who hears the button and who sees it call it the same.
 void setDrawnName(LXButton& button, const std::string& key) {
   button.setAccessibleName(
@@ -121,6 +108,18 @@ void PopDialogView::keyPressEvent(QKeyEvent* event) {
   }
 }
 
+QWidget* NerinAction::messageOwner() {
+  if (QWidget* modal = QApplication::activeModalWidget()) {
+    return modal;
+  }
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (window->isVisible() && qobject_cast<LXNoTitleWindow*>(window) != nullptr) {
+      return window;
+    }
+  }
+  return nullptr;
+}
+
 bool NerinAction::showPopView(const std::string& key, bool isChoose) {
   if (termination::isTerminating()) {
     return !isChoose;
@@ -129,7 +128,7 @@ bool NerinAction::showPopView(const std::string& key, bool isChoose) {
   if (answererInUse()) {
     return answererInUse()(key, isChoose);
   }
-  QWidget* parent = owner();
+  QWidget* parent = messageOwner();
   LXNoTitleWindow window(dialogSize, parent);
   window.setIsCanDrag(true);
   window.setDragHeight(dragStrip);

@@ -56,6 +56,9 @@ class PopDialogView : public TavImageView {
 
 namespace NerinAction {
 
+// The window that a message belongs to: the one on top of the program, or null.
+QWidget* messageOwner();
+
 // Shows the message of that key over the program and waits for its end: true for OK. A message
 // without a choice is always OK, however it ends; with one, closing it is Cancel.
 bool showPopView(const std::string& key, bool isChoose);

@@ -67,7 +67,7 @@ void MacroCommandModel::reloadData() {
 }
 
 QString MacroCommandModel::describe(const MacroKeyInfo& command) {
-  const QString key = keyName(command.keyCode());
+  QString key = keyName(command.keyCode());
   switch (command.keyFlag()) {
     case MacroKeyInfo::KeyPress:
       return QStringLiteral("Press %1").arg(key);
@@ -163,6 +163,17 @@ RigthMouseTBView::RigthMouseTBView(QWidget* parent) : QTableView(parent) {
   setColumnWidth(MacroCommandModel::DelayImage, iconColumnWidth);
   setColumnWidth(MacroCommandModel::Delay, delayColumnWidth);
   horizontalHeader()->setSectionResizeMode(MacroCommandModel::Command, QHeaderView::Stretch);
+}
+
+bool RigthMouseTBView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) {
+  const bool isRefused = m_delegate != nullptr && !m_delegate->textShouldBeginEditing(*this);
+  return !isRefused && QTableView::edit(index, trigger, event);
+}
+
+void RigthMouseTBView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
+  if (m_delegate == nullptr || m_delegate->textShouldEndEditing(*this)) {
+    QTableView::closeEditor(editor, hint);
+  }
 }
 
 QItemSelectionModel::SelectionFlags RigthMouseTBView::selectionCommand(

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAbstractItemDelegate>
 #include <QAbstractTableModel>
 #include <QTableView>
 #include <memory>
@@ -16,6 +17,9 @@ class RigthMouseTBDelegate {
   virtual ~RigthMouseTBDelegate() = default;
   // The type is one of LXButtonDelegate's presses and releases.
   virtual void onMouseEvent(RigthMouseTBView& table, QMouseEvent& event, int type) = 0;
+  // Whether a cell may be edited, and whether the edit may end.
+  virtual bool textShouldBeginEditing(RigthMouseTBView& /*table*/) { return true; }
+  virtual bool textShouldEndEditing(RigthMouseTBView& /*table*/) { return true; }
 };
 
 // The commands of a macro as rows: an icon and words for the command, an icon and the time for the
@@ -30,7 +34,7 @@ class MacroCommandModel : public QAbstractTableModel {
 
   explicit MacroCommandModel(QObject* parent);
 
-  // Not owned; null for no macro.
+  // Not owned, and in use until others are set; null for no macro.
   void setCommands(const Commands* commands);
   void reloadData();
   // What a command does, in words.
@@ -59,14 +63,18 @@ class RigthMouseTBView : public QTableView {
  public:
   explicit RigthMouseTBView(QWidget* parent);
 
+  // Not owned; has to outlive the table, or take itself out.
   void setLXBtnDelege(RigthMouseTBDelegate* delegate) { m_delegate = delegate; }
   void setIsCaptureMouseEvent(bool captures) { m_isCaptureMouseEvent = captures; }
   bool isCaptureMouseEvent() const { return m_isCaptureMouseEvent; }
 
+  using QTableView::edit;
   // Letters select nothing.
   void keyboardSearch(const QString& /*search*/) override {}
 
  protected:
+  bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
+  void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
   // One row is selected, whatever modifiers are held.
   QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                        const QEvent* event) const override;

@@ -95,6 +95,35 @@ class RecordedKeys(RecordingTest):
         self.quit()
 
 
+    def testOfAnotherWindowAreItsOwn(self):
+        self.desktop.strike("+a", 0.05, "-a")
+        self.desktop.activate(self.panel)
+        self.desktop.strike("+b", 0.05, "-b")
+        self.desktop.activate(self.editor.id)
+        self.desktop.strike("+c", 0.05, "-c")
+        rows, _ = self.finish()
+        self.assertEqual(rows, [(A, PRESS), (A, RELEASE), (C, PRESS), (C, RELEASE)])
+        self.quit()
+
+    def testBeyondTheLimitAreToldOfOverTheEditor(self):
+        steps = []
+        for letter in "abcdefghijklmnopqrst":
+            steps += ["+" + letter, 0.01, "-" + letter, 0.01]
+        self.desktop.strike(*steps)
+        known = {one.id for one in self.desktop.windows()}
+        self.desktop.strike("+a", 0.05, "-a")
+
+        def message():
+            return next((one for one in self.desktop.windows() if one.id not in known), None)
+        wait_until(message, 30, "the message")
+        # It has the keyboard, and what closes it does not close the editor.
+        self.desktop.strike("+Alt_L", 0.05, "+F4", 0.05, "-F4", 0.05, "-Alt_L")
+        wait_until(lambda: message() is None, 30, "the message to be answered")
+        rows, _ = self.finish()
+        self.assertEqual(len(rows), 40)
+        self.quit()
+
+
 class RecordedClicks(RecordingTest):
     def testAreRowsAndTheStopButtonIsNone(self):
         place = middle(self.editor.frame("commandTable"))

@@ -87,6 +87,7 @@ inline constexpr const char* plainWords[] = {
     "Version",
     "Show the profile slot",
     "A file of this name is there already. Replace it?",
+    "The file could not be written.",
     "The mouse cannot send this key",
     "Press a key",
     "Recording. Press Stop to end",

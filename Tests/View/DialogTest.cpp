@@ -215,6 +215,23 @@ TEST_F(Dialog, APlainMessageShowsItsTextAndWaits) {
   EXPECT_FALSE(NestedLoop::isRunning());
 }
 
+TEST_F(Dialog, APlainMessageBelongsToTheProgramsWindowWhoeverIsActive) {
+  LXNoTitleWindow window({300, 200}, nullptr);
+  window.show();
+  process();
+  QWidget other;
+  other.show();
+  other.activateWindow();
+  process();
+  const QWidget* parent = nullptr;
+  onBox([&](QMessageBox& box) {
+    parent = box.parentWidget();
+    box.button(QMessageBox::Ok)->click();
+  });
+  realPlatform(nullptr, nullptr).showInfoMessage("Profile data destruction");
+  EXPECT_NE(qobject_cast<const LXNoTitleWindow*>(parent), nullptr);
+}
+
 TEST_F(Dialog, APlainQuestionIsAnsweredByItsButtons) {
   const LXPlatform real = realPlatform(nullptr, nullptr);
   onBox([](QMessageBox& box) { box.button(QMessageBox::Ok)->click(); });

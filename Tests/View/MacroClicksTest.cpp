@@ -145,6 +145,22 @@ TEST_F(MacroClicks, TheStopButtonIsTheOnlyPlaceThatIsNotTaken) {
   EXPECT_FALSE(editor().isInsertRecord());
 }
 
+TEST_F(MacroClicks, AButtonIsLetGoWhereItWasPressed) {
+  openAndRecord();
+  QWindow* window = host().windowHandle();
+  const auto middleOf = [this](QWidget& widget) {
+    return widget.mapTo(&host(), widget.rect().center());
+  };
+  QTest::mousePress(window, Qt::LeftButton, {}, middleOf(table()));
+  QTest::mouseRelease(window, Qt::LeftButton, {}, middleOf(control("stopBtn")));
+  EXPECT_TRUE(editor().isRecord());
+  EXPECT_THAT(takeKinds(), ElementsAre("120/3", "120/4"));
+  QTest::mousePress(window, Qt::LeftButton, {}, middleOf(control("stopBtn")));
+  QTest::mouseRelease(window, Qt::LeftButton, {}, middleOf(table()));
+  EXPECT_TRUE(editor().isRecord());
+  EXPECT_THAT(rows(), IsEmpty());
+}
+
 TEST_F(MacroClicks, WithoutARecordingClicksAreOrdinary) {
   openOn(3, 0);
   for (const char* one : {"eventBar", "commandTable", "stopBtn"}) {

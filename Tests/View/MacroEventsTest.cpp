@@ -326,6 +326,50 @@ TEST_F(MacroEvents, TheKeyThatAnswersTheMessageIsNoPartOfTheMacro) {
   EXPECT_EQ(shown, 2);
 }
 
+TEST_F(MacroEvents, AKeyThatIsHeldWhenItStartsIsNoPartOfIt) {
+  openAndRecord();
+  for (int i = 0; i < 3; ++i) {
+    QKeyEvent repeat = nativeEvent(QEvent::KeyPress, KeyEnter, 0, true);
+    QCoreApplication::sendEvent(&table(), &repeat);
+  }
+  up(KeyEnter, 1000);
+  up(KeyLeftShift, 1100);
+  EXPECT_THAT(rows(), IsEmpty());
+  down(KeyEnter, 2000);
+  up(KeyEnter, 2100);
+  EXPECT_THAT(rows(), ElementsAre("36/0/100", "36/1/0"));
+}
+
+TEST_F(MacroEvents, AnotherWindowHasTheKeyboardWhileItIsActive) {
+  openAndRecord();
+  down(KeyLeftAlt, 1000);
+  QWidget other;
+  other.show();
+  other.activateWindow();
+  process();
+  EXPECT_EQ(QWidget::keyboardGrabber(), nullptr);
+  EXPECT_TRUE(editor().isRecord());
+  host().activateWindow();
+  process();
+  EXPECT_EQ(QWidget::keyboardGrabber(), &table());
+  // It was let go there, which nobody told.
+  up(KeyLeftAlt, 2000);
+  down(KeyLeftAlt, 3000);
+  up(KeyLeftAlt, 3100);
+  EXPECT_THAT(kinds(), ElementsAre("58/0", "58/1"));
+}
+
+TEST_F(MacroEvents, AMessageMayTakeTheEditorWithIt) {
+  LXPlatform platform = LXPlatform::current();
+  platform.showInfoMessage = [&](const std::string&) { destroyHost(); };
+  LXPlatform::install(platform);
+  openOn(40, 0);
+  record();
+  editor().AddNewKey(5, MacroKeyInfo::KeyPress);
+  EXPECT_FALSE(isOpen());
+  EXPECT_EQ(QWidget::keyboardGrabber(), nullptr);
+}
+
 TEST_F(MacroEvents, AMessageThatOutlivesTheRecordingLeavesTheKeyboardFree) {
   LXPlatform platform = LXPlatform::current();
   platform.showInfoMessage = [&](const std::string&) { host().close(); };

@@ -187,6 +187,13 @@ TEST_F(MacroExchange, AFileThatIsThereIsReplacedAfterAQuestion) {
   EXPECT_NE(LXAction::CopyObject<MacroInfo>(file("old.mac")), nullptr);
 }
 
+TEST_F(MacroExchange, AFileThatCannotBeWrittenIsToldOf) {
+  openOn(1, 0);
+  m_chosen = file("missing folder") / "macro";
+  editor().extentMacro();
+  EXPECT_THAT(m_shown, ElementsAre("The file could not be written"));
+}
+
 TEST_F(MacroExchange, OnlyShownNamesAreInUse) {
   MacroInfo macro;
   macro.setNameStr("Another");

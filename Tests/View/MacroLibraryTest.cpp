@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "Kit/Core/LXPlatform.h"
 #include "Kit/Widgets/LXMenulist.h"
 #include "Tests/View/MacroViewTest.h"
 
@@ -177,6 +178,43 @@ TEST_F(MacroLibrary, TheFollowingOneIsFoundByItself) {
   EXPECT_EQ(editor().currMacroInfo(), nullptr);
   EXPECT_THAT(names(), ElementsAre("Hidden"));
   EXPECT_THAT(m_shown, SizeIs(3));
+}
+
+TEST_F(MacroLibrary, AListThatWasOnlyLookedAtChangesNothing) {
+  open();
+  for (int i = 0; i < 3; ++i) {
+    editor().newMacro();
+  }
+  const auto first = NerinAction::macroListArrs[0];
+  editor().setSelMacroByNode(MacroView::getNodeByData(first.get()));
+  offered();
+  editor().delMacro();
+  EXPECT_THAT(names(), ElementsAre("NewMacro_2", "NewMacro_3"));
+  EXPECT_EQ(editor().currMacroInfo(), NerinAction::macroListArrs[0]);
+}
+
+TEST_F(MacroLibrary, TheKeyboardGoesToTheTableWithTheLastMacro) {
+  openOn(0, 0);
+  control("delMacroBtn").setFocus(Qt::TabFocusReason);
+  hitKey(control("delMacroBtn"), Qt::Key_Space);
+  EXPECT_THAT(names(), IsEmpty());
+  EXPECT_TRUE(table().hasFocus());
+}
+
+TEST_F(MacroLibrary, AQuestionMayTakeTheEditorWithIt) {
+  LXPlatform platform = LXPlatform::current();
+  platform.chooseInfoMessage = [&](const std::string&) {
+    destroyHost();
+    return true;
+  };
+  LXPlatform::install(platform);
+  for (void (MacroView::*const deed)() : {&MacroView::delMacro, &MacroView::delAllCommand}) {
+    MacroView& view = openOn(2, 0);
+    const std::size_t before = names().size();
+    (view.*deed)();
+    EXPECT_FALSE(isOpen());
+    EXPECT_EQ(names().size(), before);
+  }
 }
 
 TEST_F(MacroLibrary, EveryEditOfTheNameIsTheMacrosName) {

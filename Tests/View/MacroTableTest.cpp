@@ -225,6 +225,36 @@ TEST_F(MacroTable, ARightPressIsForWhatLiesUnderIt) {
   }
 }
 
+TEST_F(MacroTable, ItsDelegateDecidesWhetherACellIsEdited) {
+  class Consent : public RigthMouseTBDelegate {
+   public:
+    bool begins = false;
+    bool ends = false;
+
+    void onMouseEvent(RigthMouseTBView& /*table*/, QMouseEvent& /*event*/, int /*type*/) override {}
+    bool textShouldBeginEditing(RigthMouseTBView& /*table*/) override { return begins; }
+    bool textShouldEndEditing(RigthMouseTBView& /*table*/) override { return ends; }
+  } consent;
+  openOn(2, 0);
+  table().setLXBtnDelege(&consent);
+  const QModelIndex cell = table().model()->index(0, MacroCommandModel::Delay);
+  const auto editors = [this] { return table().findChildren<QLineEdit*>().size(); };
+  table().edit(cell);
+  EXPECT_EQ(editors(), 0);
+  consent.begins = true;
+  table().edit(cell);
+  ASSERT_EQ(editors(), 1);
+  auto* field = table().findChild<QLineEdit*>();
+  QTest::keyClick(field, Qt::Key_Return);
+  process();
+  EXPECT_EQ(editors(), 1);
+  consent.ends = true;
+  QTest::keyClick(field, Qt::Key_Return);
+  process();
+  EXPECT_EQ(editors(), 0);
+  table().setLXBtnDelege(&editor());
+}
+
 TEST_F(MacroTable, OnlyWordsAndPausesCanBeEdited) {
   openOn(1, 0);
   const auto isEditable = [this](int column) {
