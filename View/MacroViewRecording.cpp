@@ -244,19 +244,21 @@ bool MacroView::takeMouse(const QMouseEvent& event, bool isDown) {
     return false;
   }
   const Qt::MouseButton button = event.button();
-  const bool isOnStop = !isDown && m_buttonsElsewhere.testFlag(button) ? false
-                        : !isDown && m_buttonsOnStop.testFlag(button)  ? true
-                                                                       : checkMouseEvent(event);
-  // Until the next press, because a release may come by two ways.
+  bool isOnStop = checkMouseEvent(event);
   if (isDown) {
+    // Until the next press, because a release may come by two ways.
     m_buttonsOnStop.setFlag(button, isOnStop);
     m_buttonsElsewhere.setFlag(button, !isOnStop);
+  } else if (m_buttonsOnStop.testFlag(button)) {
+    isOnStop = true;
+  } else if (m_buttonsElsewhere.testFlag(button)) {
+    isOnStop = false;
   }
   if (isOnStop) {
     return false;
   }
   rememberTime(event);
-  AddNewKey(codeOf(event.button()), isDown ? MacroKeyInfo::MousePress : MacroKeyInfo::MouseRelease);
+  AddNewKey(codeOf(button), isDown ? MacroKeyInfo::MousePress : MacroKeyInfo::MouseRelease);
   return true;
 }
 

@@ -15,9 +15,6 @@
 #include "View/LocalNotifications.h"
 #include "View/MacroMenulist.h"
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 namespace {
 
 struct Row {

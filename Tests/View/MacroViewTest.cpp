@@ -24,6 +24,7 @@ MacroView& MacroViewTest::openOn(int count, int selected) {
 }
 
 void MacroViewTest::addCommands(int count) {
+  commands().reserve(commands().size() + static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) {
     commands().push_back(std::make_shared<MacroKeyInfo>(i, MacroKeyInfo::KeyPress, 0));
   }
