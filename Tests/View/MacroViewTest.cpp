@@ -1,5 +1,8 @@
 #include "Tests/View/MacroViewTest.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "Kit/Widgets/LXMenulist.h"
 
 MacroViewTest::MacroViewTest() {
@@ -24,16 +27,16 @@ MacroView& MacroViewTest::openOn(int count, int selected) {
 }
 
 void MacroViewTest::addCommands(int count) {
-  commands().reserve(commands().size() + static_cast<std::size_t>(count));
-  for (int i = 0; i < count; ++i) {
-    commands().push_back(std::make_shared<MacroKeyInfo>(i, MacroKeyInfo::KeyPress, 0));
-  }
+  std::generate_n(std::back_inserter(commands()), count, [code = 0]() mutable {
+    return std::make_shared<MacroKeyInfo>(code++, MacroKeyInfo::KeyPress, 0);
+  });
   const auto macro = editor().currMacroInfo();
   editor().setSelMacroByNode(MacroView::getNodeByData(macro.get()));
 }
 
 std::vector<std::string> MacroViewTest::names() {
   std::vector<std::string> all;
+  all.reserve(NerinAction::macroListArrs.size());
   for (const auto& macro : NerinAction::macroListArrs) {
     all.push_back(macro->nameStr().value_or("(none)"));
   }
