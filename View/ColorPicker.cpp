@@ -115,37 +115,41 @@ void PickedColor::setColor(const LightColor& color) {
   hue = (place < 0 ? place + sectors : place) / sectors;
 }
 
-HueSaturationView::HueSaturationView(QWidget* parent) : QWidget(parent) {
+PickView::PickView(QWidget* parent) : QWidget(parent) {
   setFocusPolicy(Qt::StrongFocus);
 }
 
-void HueSaturationView::show(const PickedColor& color) {
+void PickView::show(const PickedColor& color) {
   m_color = color;
   update();
 }
 
-void HueSaturationView::pick(double hue, double saturation) {
-  m_color.hue = std::clamp(hue, 0.0, 1.0);
-  m_color.saturation = std::clamp(saturation, 0.0, 1.0);
+void PickView::tellPicked() {
   update();
   emit picked();
 }
 
-void HueSaturationView::pickAt(const QPointF& point) {
-  pick(point.x() / (width() - 1), 1 - point.y() / (height() - 1));
-}
-
-void HueSaturationView::mousePressEvent(QMouseEvent* event) {
+void PickView::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton) {
     pickAt(event->position());
   }
   event->accept();
 }
 
-void HueSaturationView::mouseMoveEvent(QMouseEvent* event) {
+void PickView::mouseMoveEvent(QMouseEvent* event) {
   if ((event->buttons() & Qt::LeftButton) != 0) {
     pickAt(event->position());
   }
+}
+
+void HueSaturationView::pick(double hue, double saturation) {
+  m_color.hue = std::clamp(hue, 0.0, 1.0);
+  m_color.saturation = std::clamp(saturation, 0.0, 1.0);
+  tellPicked();
+}
+
+void HueSaturationView::pickAt(const QPointF& point) {
+  pick(point.x() / (width() - 1), 1 - point.y() / (height() - 1));
 }
 
 void HueSaturationView::keyPressEvent(QKeyEvent* event) {
@@ -163,7 +167,7 @@ void HueSaturationView::keyPressEvent(QKeyEvent* event) {
       pick(m_color.hue, m_color.saturation - keyStep);
       return;
     default:
-      QWidget::keyPressEvent(event);
+      PickView::keyPressEvent(event);
   }
 }
 
@@ -190,32 +194,13 @@ void HueSaturationView::paintEvent(QPaintEvent* /*event*/) {
            hasFocus());
 }
 
-BrightnessView::BrightnessView(QWidget* parent) : QWidget(parent) {
-  setFocusPolicy(Qt::StrongFocus);
-}
-
-void BrightnessView::show(const PickedColor& color) {
-  m_color = color;
-  update();
-}
-
 void BrightnessView::pick(double brightness) {
   m_color.brightness = std::clamp(brightness, 0.0, 1.0);
-  update();
-  emit picked();
+  tellPicked();
 }
 
-void BrightnessView::mousePressEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) {
-    pick(event->position().x() / (width() - 1));
-  }
-  event->accept();
-}
-
-void BrightnessView::mouseMoveEvent(QMouseEvent* event) {
-  if ((event->buttons() & Qt::LeftButton) != 0) {
-    pick(event->position().x() / (width() - 1));
-  }
+void BrightnessView::pickAt(const QPointF& point) {
+  pick(point.x() / (width() - 1));
 }
 
 void BrightnessView::keyPressEvent(QKeyEvent* event) {
@@ -224,7 +209,7 @@ void BrightnessView::keyPressEvent(QKeyEvent* event) {
   if (isMore || isLess) {
     pick(m_color.brightness + (isMore ? keyStep : -keyStep));
   } else {
-    QWidget::keyPressEvent(event);
+    PickView::keyPressEvent(event);
   }
 }
 

@@ -22,57 +22,65 @@ struct PickedColor {
   void setColor(const LightColor& color);
 };
 
-// A field of all hues, left to right, in all saturations, bottom to top. Pointer and arrow keys.
-class HueSaturationView : public QWidget {
+// Where the user picks with the pointer's left button or the arrow keys.
+class PickView : public QWidget {
   Q_OBJECT
 
  public:
-  explicit HueSaturationView(QWidget* parent);
+  explicit PickView(QWidget* parent);
 
+  // Shows a colour and tells nobody.
   void show(const PickedColor& color);
-  double hue() const { return m_color.hue; }
-  double saturation() const { return m_color.saturation; }
 
  signals:
   // By the user.
   void picked();
 
  protected:
-  void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
-  void keyPressEvent(QKeyEvent* event) override;
-
- private:
-  void pickAt(const QPointF& point);
-  void pick(double hue, double saturation);
+  // The point may lie outside.
+  virtual void pickAt(const QPointF& point) = 0;
+  void tellPicked();
 
   PickedColor m_color;
 };
 
-// The brightness of the picked colour, left to right. Pointer and arrow keys.
-class BrightnessView : public QWidget {
+// A field of all hues, left to right, in all saturations, bottom to top.
+class HueSaturationView : public PickView {
   Q_OBJECT
 
  public:
-  explicit BrightnessView(QWidget* parent);
+  using PickView::PickView;
 
-  void show(const PickedColor& color);
-  double brightness() const { return m_color.brightness; }
-
- signals:
-  void picked();
+  double hue() const { return m_color.hue; }
+  double saturation() const { return m_color.saturation; }
 
  protected:
   void paintEvent(QPaintEvent* event) override;
-  void mousePressEvent(QMouseEvent* event) override;
-  void mouseMoveEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void pickAt(const QPointF& point) override;
+
+ private:
+  void pick(double hue, double saturation);
+};
+
+// The brightness of the picked colour, left to right.
+class BrightnessView : public PickView {
+  Q_OBJECT
+
+ public:
+  using PickView::PickView;
+
+  double brightness() const { return m_color.brightness; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void pickAt(const QPointF& point) override;
 
  private:
   void pick(double brightness);
-
-  PickedColor m_color;
 };
 
 // A few colours that were used, the last one first. They last as long as the program.
