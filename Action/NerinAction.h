@@ -1,13 +1,13 @@
 #pragma once
 
 // The operations of the core, all at once.
-#include "Action/DaemonMessages.h"
-#include "Action/DeviceLink.h"
-#include "Action/DeviceSettings.h"
-#include "Action/FunctionCatalogue.h"
-#include "Action/KeyCodes.h"
-#include "Action/MacroCatalogue.h"
-#include "Action/MacroImage.h"
-#include "Action/ProfileImage.h"
-#include "Action/SlotOperations.h"
-#include "Action/SupportFolder.h"
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Device/DeviceLink.h"
+#include "Action/Device/DeviceSettings.h"
+#include "Action/Edit/SlotOperations.h"
+#include "Action/Library/SupportFolder.h"
+#include "Action/Service/DaemonMessages.h"
+#include "Action/Wire/KeyCodes.h"
+#include "Action/Wire/MacroImage.h"
+#include "Action/Wire/ProfileImage.h"

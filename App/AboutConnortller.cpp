@@ -7,9 +7,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "Action/TooltipManager.h"
-#include "View/NestedLoop.h"
-#include "View/Pictures.h"
+#include "Action/Texts/TooltipManager.h"
+#include "View/Screen/Pictures.h"
+#include "View/Windows/NestedLoop.h"
 
 namespace {
 

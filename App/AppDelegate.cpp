@@ -13,9 +13,9 @@
 
 #include "App/AboutConnortller.h"
 #include "Kit/Widgets/ButtonAccessibility.h"
-#include "View/MainView.h"
-#include "View/Pictures.h"
-#include "View/Termination.h"
+#include "View/Main/MainView.h"
+#include "View/Screen/Pictures.h"
+#include "View/Windows/Termination.h"
 
 namespace {
 

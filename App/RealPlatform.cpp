@@ -5,8 +5,8 @@
 
 #include "Kit/Core/HostEnvironment.h"
 #include "Kit/Desktop/DesktopServices.h"
-#include "View/PlainMessage.h"
-#include "View/TransferProgress.h"
+#include "View/Windows/PlainMessage.h"
+#include "View/Windows/TransferProgress.h"
 
 LXPlatform realPlatform(std::shared_ptr<LXDeviceRequester> requester,
                         std::shared_ptr<LXNotificationCenter> center) {

@@ -4,13 +4,13 @@
 #include <iostream>
 #include <memory>
 
-#include "Action/SupportFolder.h"
+#include "Action/Library/SupportFolder.h"
 #include "App/AppDelegate.h"
 #include "App/DemoNotificationCenter.h"
 #include "App/DemoPanel.h"
 #include "App/FontList.h"
 #include "App/RealPlatform.h"
-#include "View/Termination.h"
+#include "View/Windows/Termination.h"
 #include "VirtualMouse/VirtualDeviceRequester.h"
 
 namespace {

@@ -3,12 +3,12 @@
 
 #include <benchmark/benchmark.h>
 
-#include "Action/DeviceLink.h"
-#include "Action/EditState.h"
-#include "Action/FunctionCatalogue.h"
-#include "Action/KeyCodes.h"
-#include "Action/MacroCatalogue.h"
-#include "Action/SlotOperations.h"
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Device/DeviceLink.h"
+#include "Action/Edit/SlotOperations.h"
+#include "Action/Record/EditState.h"
+#include "Action/Wire/KeyCodes.h"
 #include "Benchmarks/BenchmarkHome.h"
 #include "VirtualMouse/VirtualDeviceRequester.h"
 

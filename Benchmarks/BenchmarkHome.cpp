@@ -5,7 +5,7 @@
 #include <system_error>
 #include <utility>
 
-#include "Action/SupportFolder.h"
+#include "Action/Library/SupportFolder.h"
 
 namespace fs = std::filesystem;
 

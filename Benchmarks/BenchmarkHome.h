@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "Action/ProfieController.h"
+#include "Action/Library/ProfieController.h"
 #include "Kit/Core/LXPlatform.h"
 
 // A home of its own for one benchmark, in the folder for temporary files, with the platform

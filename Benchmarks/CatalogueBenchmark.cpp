@@ -1,7 +1,7 @@
 #include <benchmark/benchmark.h>
 
-#include "Action/FunctionCatalogue.h"
-#include "Action/TooltipManager.h"
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Texts/TooltipManager.h"
 #include "Benchmarks/BenchmarkHome.h"
 
 namespace {

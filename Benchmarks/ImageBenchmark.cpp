@@ -1,7 +1,7 @@
 #include <benchmark/benchmark.h>
 
-#include "Action/FunctionCatalogue.h"
-#include "Action/ProfileImage.h"
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Wire/ProfileImage.h"
 #include "Benchmarks/BenchmarkHome.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include <benchmark/benchmark.h>
 
-#include "Action/MacroImage.h"
+#include "Action/Wire/MacroImage.h"
 
 namespace {
 

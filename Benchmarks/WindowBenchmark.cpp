@@ -5,7 +5,7 @@
 
 #include "Benchmarks/BenchmarkHome.h"
 #include "Kit/Widgets/LXButton.h"
-#include "View/MainSubView1.h"
+#include "View/Main/MainSubView1.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <map>
 #include <memory>
 
-#include "Action/EditState.h"
 #include "Action/NerinAction.h"
+#include "Action/Record/EditState.h"
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
 #include "Kit/Core/DurableFile.h"

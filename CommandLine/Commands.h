@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "Action/ProfieController.h"
+#include "Action/Library/ProfieController.h"
 #include "CommandLine/Session.h"
 
 // The command that the user chose; run after the whole line was read.

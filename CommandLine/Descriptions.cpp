@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "Action/FunctionCatalogue.h"
-#include "Action/KeyCodes.h"
-#include "Action/MacroCatalogue.h"
-#include "Action/MacroImage.h"
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Wire/KeyCodes.h"
+#include "Action/Wire/MacroImage.h"
 #include "Kit/Core/LXKey.h"
 
 namespace {

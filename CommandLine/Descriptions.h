@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "Action/MacroInfo.h"
-#include "Action/Records.h"
+#include "Action/Catalogue/MacroInfo.h"
+#include "Action/Record/Records.h"
 #include "CommandLine/Output.h"
 
 // What a record says, in words and as JSON.

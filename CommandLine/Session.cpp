@@ -9,9 +9,9 @@
 
 #include <unistd.h>
 
-#include "Action/CatalogueFile.h"
+#include "Action/Catalogue/CatalogueFile.h"
 #include "Action/NerinAction.h"
-#include "Action/TooltipManager.h"
+#include "Action/Texts/TooltipManager.h"
 #include "CommandLine/CommandError.h"
 #include "Kit/Bus/SessionBusNotificationCenter.h"
 #include "Kit/Core/HostEnvironment.h"

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "Action/ProfieController.h"
+#include "Action/Library/ProfieController.h"
 #include "CommandLine/Output.h"
 #include "Kit/Core/FileLock.h"
 #include "Kit/Core/LXDeviceRequester.h"

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string_view>
 
-#include "Action/EditState.h"
 #include "Action/NerinAction.h"
+#include "Action/Record/EditState.h"
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
 #include "CommandLine/Descriptions.h"

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <memory>
 
-#include "Action/EditState.h"
 #include "Action/NerinAction.h"
+#include "Action/Record/EditState.h"
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
 #include "CommandLine/Descriptions.h"

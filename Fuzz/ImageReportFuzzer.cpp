@@ -1,8 +1,8 @@
-#include "Action/DeviceLink.h"
-#include "Action/EditState.h"
-#include "Action/FunctionCatalogue.h"
-#include "Action/MacroCatalogue.h"
-#include "Action/ProfileImage.h"
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Device/DeviceLink.h"
+#include "Action/Record/EditState.h"
+#include "Action/Wire/ProfileImage.h"
 #include "Fuzz/FuzzInput.h"
 
 // Any answer to the read of a slot's image, and to the reads of the macros that it names: taken

@@ -1,5 +1,5 @@
-#include "Action/MacroImage.h"
-#include "Action/MenuInfo.h"
+#include "Action/Catalogue/MenuInfo.h"
+#include "Action/Wire/MacroImage.h"
 #include "Fuzz/FuzzInput.h"
 #include "Kit/Core/KeyedArchive.h"
 #include "Kit/Core/LXAction.h"

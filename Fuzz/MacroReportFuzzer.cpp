@@ -1,7 +1,7 @@
-#include "Action/DeviceLink.h"
-#include "Action/EditState.h"
-#include "Action/MacroCatalogue.h"
-#include "Action/MacroImage.h"
+#include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Device/DeviceLink.h"
+#include "Action/Record/EditState.h"
+#include "Action/Wire/MacroImage.h"
 #include "Fuzz/FuzzInput.h"
 
 // Any answer to the read of a macro: taken into the catalogue and written to the mouse again.

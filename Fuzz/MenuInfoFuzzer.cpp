@@ -1,7 +1,7 @@
-#include "Action/FunctionCatalogue.h"
-#include "Action/KeyCodes.h"
-#include "Action/MacroCatalogue.h"
-#include "Action/SupportFolder.h"
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Library/SupportFolder.h"
+#include "Action/Wire/KeyCodes.h"
 #include "Fuzz/FuzzInput.h"
 
 // Any bytes as the function catalogue: loaded, looked up, its macros written back and read again.

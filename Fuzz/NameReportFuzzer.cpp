@@ -1,8 +1,8 @@
-#include "Action/DeviceLink.h"
-#include "Action/MacroCatalogue.h"
-#include "Action/ProfieController.h"
-#include "Action/ProfileImage.h"
-#include "Action/SlotOperations.h"
+#include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Device/DeviceLink.h"
+#include "Action/Edit/SlotOperations.h"
+#include "Action/Library/ProfieController.h"
+#include "Action/Wire/ProfileImage.h"
 #include "Fuzz/FuzzInput.h"
 
 // Any answer to the read of a slot's name, which then goes the way of all names.

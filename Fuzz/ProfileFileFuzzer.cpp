@@ -1,7 +1,7 @@
-#include "Action/FunctionCatalogue.h"
-#include "Action/ProfileFileNames.h"
-#include "Action/ProfileImage.h"
-#include "Action/ProfileValue.h"
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Library/ProfileFileNames.h"
+#include "Action/Library/ProfileValue.h"
+#include "Action/Wire/ProfileImage.h"
 #include "Fuzz/FuzzInput.h"
 
 // Any bytes as a profile file: loaded, shown, put into the mouse's form, named and written again.

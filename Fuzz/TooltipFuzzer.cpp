@@ -1,5 +1,5 @@
-#include "Action/SupportFolder.h"
-#include "Action/TooltipManager.h"
+#include "Action/Library/SupportFolder.h"
+#include "Action/Texts/TooltipManager.h"
 #include "Fuzz/FuzzInput.h"
 
 // Any bytes as the text catalogue.

@@ -25,7 +25,7 @@ status=0
 for layer in "${!allowed[@]}"; do
   pattern=$(tr ' ' '|' <<<"${allowed[$layer]}")
   if git ls-files "$layer/*.cpp" "$layer/*.h" | xargs grep -HnE '^#include "' |
-    grep -vE "#include \"($pattern)/[A-Za-z0-9]+\.h\"" |
+    grep -vE "#include \"($pattern)(/[A-Z][A-Za-z]+)?/[A-Za-z0-9]+\.h\"" |
     grep -vE '#include "[A-Za-z0-9]+\.(moc|h)"$'; then
     echo "$layer may include only: ${allowed[$layer]}" >&2
     status=1

@@ -15,7 +15,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "Action/Records.h"
+#include "Action/Record/Records.h"
 
 // Writes the factory profiles: FactoryProfiles SOURCE.json FOLDER. Nothing is written unless the
 // whole source is good.

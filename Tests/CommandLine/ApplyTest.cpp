@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "Tests/CommandLine/TestHome.h"
-#include "Tests/KitBus/PrivateBus.h"
+#include "Tests/Support/PrivateBus.h"
 
 // Applying a profile to a slot: the transfers of the main window's Apply and nothing else.
 

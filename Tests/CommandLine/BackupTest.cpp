@@ -4,10 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "Action/MacroImage.h"
-#include "Action/ProfileImage.h"
+#include "Action/Wire/MacroImage.h"
+#include "Action/Wire/ProfileImage.h"
 #include "Tests/CommandLine/TestHome.h"
-#include "Tests/KitBus/PrivateBus.h"
+#include "Tests/Support/PrivateBus.h"
 
 // Keeping the whole mouse as files, and bringing it back.
 

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "Tests/CommandLine/TestHome.h"
-#include "Tests/KitBus/PrivateBus.h"
+#include "Tests/Support/PrivateBus.h"
 
 // The ten slots of the mouse, counted as on the tabs.
 

@@ -7,8 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "Action/MacroInfo.h"
-#include "Action/ProfileValue.h"
+#include "Action/Catalogue/MacroInfo.h"
+#include "Action/Library/ProfileValue.h"
 #include "Kit/Core/KeyedArchive.h"
 #include "Tests/CommandLine/ProgramRun.h"
 #include "Tests/VirtualMouse/MouseHost.h"

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Action/Catalogue/MenuInfo.h"
+#include "Action/Record/Records.h"
+#include "Kit/Core/LXTreeNode.h"
+
+namespace pugi {
+class xml_node;
+}
+
+// The functions that a button can be given, as "MenuInfo.xml" describes them. Each menu is a root
+// node whose children carry one MenuInfo each, in file order.
+namespace NerinAction {
+
+// Null until the first load with a section of that menu.
+inline std::shared_ptr<LXTreeNode> keyAssignMenuNode;
+inline std::shared_ptr<LXTreeNode> singleMenuNode;
+inline std::shared_ptr<LXTreeNode> macroInsertMenuNode;
+inline std::shared_ptr<LXTreeNode> repeatMenuNode;
+inline std::shared_ptr<LXTreeNode> sensitivityMenuNode;
+inline std::shared_ptr<LXTreeNode> levelMenuNode;
+
+// Loads the menus and the macros; the file that came with the program is put into the support
+// folder first when there is none. A file that is no XML leaves everything empty.
+void initMenuList();
+void initMacroInsertMenulist(const pugi::xml_node& section);
+void initKeyAssignMenulist(const pugi::xml_node& section);
+void initSingleMenulist(const pugi::xml_node& section);
+void initRepeatMenulist(const pugi::xml_node& section);
+void initSensitivityMenulist(const pugi::xml_node& section);
+void initLevelMenulist(const pugi::xml_node& section);
+// Fills a root from the items of a section, and puts titles into the user's language.
+void initMenuPro(LXTreeNode& root, const pugi::xml_node& selElem, bool isTooltip);
+std::shared_ptr<LXTreeNode> addNodeByEle(const pugi::xml_node& item, LXTreeNode& parNode);
+void initNodeTooltip(LXTreeNode& root);
+
+// Lookups: the first match in menu order, or nothing. A null root has no entries.
+using MenuRoot = std::shared_ptr<LXTreeNode>;
+std::shared_ptr<MenuInfo> getMenuInfoByFunId(std::int32_t id, const MenuRoot& parNode);
+std::optional<std::string> getMenuNameByFunId(std::int32_t id, const MenuRoot& parNode);
+std::shared_ptr<MenuInfo> getMenuInfoByFunTableId(std::int32_t code, const MenuRoot& parNode);
+std::optional<std::string> getMenuNameByFunTableId(std::int32_t code, const MenuRoot& parNode);
+std::shared_ptr<MenuInfo> getSingleById(std::int32_t id);
+std::optional<std::string> getSingleNameById(std::int32_t id);
+// The mouse function with the button's code and exactly its four key bits.
+std::shared_ptr<MenuInfo> getSingleByBtnInfo(const _BTN_INFO& btnInfo);
+std::shared_ptr<MenuInfo> getMacroMenuByFunid(std::int32_t id);
+std::optional<std::string> getMacroMenuNameById(std::int32_t id);
+
+// What a button of the current slot is called on screen; empty for one without a function.
+std::string getBtnCaption(const _BTN_INFO& btnInfo, int getIndex);
+
+}  // namespace NerinAction

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Action/Catalogue/MacroKeyInfo.h"
+#include "Kit/Core/LXCoding.h"
+
+// A named sequence of input events. Shared: the catalogue owns it, menus and an open editor refer
+// to the same object, so that an edit shows everywhere at once.
+class MacroInfo final : public LXCoding {
+ public:
+  using Events = std::vector<std::shared_ptr<MacroKeyInfo>>;
+
+  std::int32_t loopTime() const { return m_loopTime; }
+  void setLoopTime(std::int32_t loopTime) { m_loopTime = loopTime; }
+  Events& keyInfoArr() { return m_keyInfoArr; }
+  const Events& keyInfoArr() const { return m_keyInfoArr; }
+  void setKeyInfoArr(Events keyInfoArr) { m_keyInfoArr = std::move(keyInfoArr); }
+  const std::optional<std::string>& nameStr() const { return m_nameStr; }
+  void setNameStr(std::optional<std::string> nameStr) { m_nameStr = std::move(nameStr); }
+  // Unique in the catalogue, from 1; 0 for a macro that came from a file of its own.
+  std::int32_t macroId() const { return m_macroId; }
+  void setMacroId(std::int32_t macroId) { m_macroId = macroId; }
+  // A hidden macro serves the run; it is neither shown nor saved.
+  bool isNoDisplay() const { return m_isNoDisplay; }
+  void setIsNoDisplay(bool isNoDisplay) { m_isNoDisplay = isNoDisplay; }
+
+  // The bytes that the events take in the mouse: one for each, three more for each delay.
+  std::int32_t getMacroCount() const;
+  // The same for one function event: a press and a release for each key of its combination.
+  static std::int32_t getComMacroCount(const MacroKeyInfo& event);
+
+  std::string_view className() const override { return "MacroInfo"; }
+  void encodeWithCoder(LXKeyedArchiver& coder) const override;
+  void initWithCoder(LXKeyedUnarchiver& coder) override;
+
+ private:
+  std::int32_t m_loopTime = 0;
+  Events m_keyInfoArr;
+  std::optional<std::string> m_nameStr;
+  std::int32_t m_macroId = 0;
+  bool m_isNoDisplay = false;
+};

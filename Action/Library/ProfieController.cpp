@@ -1,0 +1,370 @@
+#include "Action/Library/ProfieController.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "Action/Library/ProfileFileNames.h"
+#include "Action/Library/SupportFolder.h"
+#include "Action/Record/EditState.h"
+#include "Kit/Core/DurableFile.h"
+#include "Kit/Core/LXAction.h"
+#include "Kit/Core/LXLogger.h"
+#include "Kit/Core/LXPlatform.h"
+#include "Kit/Core/Utf8.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* libraryFolder = "Profiles";
+
+std::unique_ptr<ProfieController>& sharedController() {
+  static std::unique_ptr<ProfieController> controller;
+  return controller;
+}
+
+bool hasProfileExtension(const fs::path& path) {
+  return utf8::lowercased(path.extension().string()) ==
+         std::string(".") + ProfileFileNames::extension;
+}
+
+// In byte order. `error` tells why a list may be incomplete; a missing folder is an empty one.
+std::vector<fs::path> profileFilesIn(const fs::path& folder, std::error_code& error) {
+  std::vector<fs::path> files;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (hasProfileExtension(entry->path())) {
+      files.push_back(entry->path());
+    }
+  }
+  if (error == std::errc::no_such_file_or_directory) {
+    error.clear();
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+}  // namespace
+
+ProfieController& ProfieController::getShareProCon() {
+  auto& controller = sharedController();
+  if (!controller) {
+    controller = std::make_unique<ProfieController>();
+  }
+  return *controller;
+}
+
+void ProfieController::releaseShareProCon() {
+  sharedController().reset();
+}
+
+ProfieController::ProfieController()
+    : m_sysProPath(fs::path(NerinAction::getSysPath()) / libraryFolder) {
+  // Before the folder is made, since an interrupted save may have left none of that name.
+  durable::recoverFolder(m_sysProPath);
+  LXAction::creatDirectoryPro(m_sysProPath);
+  loadDefaults();
+  refreshProfile();
+}
+
+void ProfieController::loadDefaults() {
+  for (int n = 1; n <= slotCount; ++n) {
+    m_defaultProfileArrs.push_back(ProfileValue::initWithPath(
+        LXPlatform::current().resourceFolder /
+        ("Profile#" + std::to_string(n) + "." + ProfileFileNames::extension)));
+  }
+}
+
+void ProfieController::refreshProfile() {
+  m_currProfile = nullptr;
+  m_profileArr.clear();
+  m_loadError.clear();
+  for (const fs::path& file : profileFilesIn(m_sysProPath, m_loadError)) {
+    addByPath(file);
+  }
+  if (m_loadError) {
+    LXLogger::error("the library cannot be read: " + m_loadError.message());
+  }
+  sortProfile();
+  // The records are stored under 1 to 10 and read under 0 to 9: slot 0 never has one.
+  for (int slot = 0; slot < slotCount; ++slot) {
+    m_fwProfileID[static_cast<std::size_t>(slot)] =
+        static_cast<std::uint64_t>(getFWProfileIdByIndex(slot));
+  }
+}
+
+void ProfieController::sortProfile() {
+  std::stable_sort(
+      m_profileArr.begin(), m_profileArr.end(),
+      [](const Profile& a, const Profile& b) { return a->profileId() < b->profileId(); });
+}
+
+ProfieController::Profile ProfieController::addProfile() {
+  return addProfileByName(getNewProfileName(), nullptr);
+}
+
+ProfieController::Profile ProfieController::addProfileByName(const std::optional<std::string>& name,
+                                                             const Profile& pro) {
+  const Profile source = pro ? pro : defaultProfile();
+  auto profile = std::make_shared<ProfileValue>();
+  profile->setName(name);
+  profile->setProfileId(getNewProfileId());
+  if (source) {
+    profile->setProfileData(source->profileData());
+  }
+  return m_profileArr.emplace_back(std::move(profile));
+}
+
+std::uint64_t ProfieController::getNewProfileId() const {
+  std::uint64_t largest = 0;
+  for (const Profile& profile : m_profileArr) {
+    largest = std::max(largest, profile->profileId());
+  }
+  if (largest + 1 != notLinked) {
+    return largest + 1;
+  }
+  // Only a damaged file has such an id; a free one is found below it.
+  std::uint64_t id = 1;
+  while (!checkProfileId(id, nullptr)) {
+    ++id;
+  }
+  return id;
+}
+
+std::string ProfieController::freeName(const std::string& stem) const {
+  for (int n = 1;; ++n) {
+    const std::string suffix = "_" + std::to_string(n);
+    // As much of the stem as a profile's file has room for.
+    std::string name(utf8::prefixOfBytes(stem, textSize - 1 - suffix.size()));
+    name += suffix;
+    if (checkProfileName(name, nullptr)) {
+      return name;
+    }
+  }
+}
+
+std::string ProfieController::getNewProfileName() const {
+  return freeName("NewPF");
+}
+
+std::string ProfieController::getNewProfileNameByData(const ProfileValue& profile) const {
+  return freeName(profile.name().value_or(""));
+}
+
+bool ProfieController::checkProfileName(const std::optional<std::string>& name,
+                                        const Profile& pro) const {
+  return !name ||
+         std::none_of(m_profileArr.begin(), m_profileArr.end(), [&](const Profile& profile) {
+           return profile != pro && profile->name() == name;
+         });
+}
+
+bool ProfieController::checkProfileId(std::uint64_t id, const Profile& pro) const {
+  return std::none_of(m_profileArr.begin(), m_profileArr.end(), [&](const Profile& profile) {
+    return profile != pro && profile->profileId() == id;
+  });
+}
+
+ProfieController::AddResult ProfieController::addByPath(const fs::path& path) {
+  return addByPath(path, false);
+}
+
+ProfieController::AddResult ProfieController::addByPath(const fs::path& path, bool isCreate) {
+  Profile profile = ProfileValue::initWithPath(path);
+  if (!profile) {
+    return NoFile;
+  }
+  if (!checkProfileName(profile->name(), nullptr)) {
+    if (!isCreate) {
+      LXLogger::warning(path.string() + " is passed over: its name is taken");
+      return NameTaken;
+    }
+    profile->setName(getNewProfileNameByData(*profile));
+  }
+  if (profile->profileId() == notLinked || !checkProfileId(profile->profileId(), nullptr)) {
+    profile->setProfileId(getNewProfileId());
+  }
+  m_profileArr.push_back(std::move(profile));
+  return Added;
+}
+
+std::error_code ProfieController::saveToPath(const fs::path& folder) {
+  std::error_code first;
+  ProfileFileNames names;
+  for (const Profile& profile : m_profileArr) {
+    const auto error = profile->saveToPath(folder / names.next(profile->name()));
+    if (error && !first) {
+      first = error;
+    }
+  }
+  return first;
+}
+
+std::error_code ProfieController::saveToSys() {
+  if (m_loadError) {
+    // What could not be listed would be lost.
+    LXLogger::error("the library is not saved, since it was not read: " + m_loadError.message());
+    return m_loadError;
+  }
+  std::vector<durable::FolderEntry> entries;
+  entries.reserve(m_profileArr.size());
+  ProfileFileNames names;
+  for (const Profile& profile : m_profileArr) {
+    const ConfigBytes bytes = profile->fileBytes();
+    entries.push_back({names.next(profile->name()), {bytes.data(), bytes.size()}});
+  }
+  const auto error = durable::replaceFolder(m_sysProPath, entries);
+  if (error) {
+    LXLogger::error("the library was not saved: " + error.message());
+  }
+  return error;
+}
+
+void ProfieController::clearAllProfile() {
+  const fs::path support = NerinAction::getSysPath();
+  if (support.empty() || m_sysProPath != support / libraryFolder) {
+    LXLogger::error("not emptied, since it is not the library: " + m_sysProPath.string());
+    return;
+  }
+  std::error_code error;
+  fs::remove_all(m_sysProPath, error);
+  LXAction::creatDirectoryPro(m_sysProPath);
+}
+
+std::error_code ProfieController::saveSeltoPath(const fs::path& folder) {
+  if (!m_currProfile) {
+    return {};
+  }
+  saveSelProfileToData();
+  ProfileFileNames names;
+  for (const Profile& profile : m_profileArr) {
+    const std::string name = names.next(profile->name());
+    if (profile == m_currProfile) {
+      return profile->saveToPath(folder / name);
+    }
+  }
+  return m_currProfile->saveToPath(folder / names.next(m_currProfile->name()));
+}
+
+std::error_code ProfieController::saveSelProfile() {
+  return saveSeltoPath(m_sysProPath);
+}
+
+void ProfieController::saveSelProfileToData() {
+  if (m_currProfile) {
+    m_currProfile->setProfileData(selProfile);
+  }
+}
+
+void ProfieController::refreshSelProfileFromData() {
+  if (m_currProfile) {
+    selProfile = m_currProfile->profileData();
+  }
+}
+
+void ProfieController::setSelectByName(const std::optional<std::string>& name) {
+  m_currProfile = getProfileByName(name);
+}
+
+void ProfieController::setSelectByIndex(std::ptrdiff_t index) {
+  if (index >= 0 && index < std::ssize(m_profileArr)) {
+    m_currProfile = m_profileArr[static_cast<std::size_t>(index)];
+  }
+}
+
+void ProfieController::setSelectById(std::uint64_t id) {
+  m_currProfile = getProValueByProid(id);
+  refreshFWCurrName();
+}
+
+ProfieController::Profile ProfieController::getProfileByName(
+    const std::optional<std::string>& name) const {
+  const auto found =
+      std::find_if(m_profileArr.begin(), m_profileArr.end(),
+                   [&](const Profile& profile) { return name && profile->name() == name; });
+  return found != m_profileArr.end() ? *found : nullptr;
+}
+
+ProfieController::Profile ProfieController::getProValueByProid(std::uint64_t id) const {
+  const auto found =
+      std::find_if(m_profileArr.begin(), m_profileArr.end(),
+                   [&](const Profile& profile) { return profile->profileId() == id; });
+  return found != m_profileArr.end() ? *found : nullptr;
+}
+
+std::ptrdiff_t ProfieController::positionOf(const Profile& profile) const {
+  const auto found = std::find(m_profileArr.begin(), m_profileArr.end(), profile);
+  return found != m_profileArr.end() ? found - m_profileArr.begin() : -1;
+}
+
+std::size_t ProfieController::getCurrProfileIndex() const {
+  const std::ptrdiff_t position = m_currProfile ? positionOf(m_currProfile) : -1;
+  return position >= 0 ? static_cast<std::size_t>(position) : notFound;
+}
+
+void ProfieController::delProfile(const Profile& profile) {
+  // A copy, since the caller may hand over the selection itself.
+  const Profile removed = profile;
+  if (m_currProfile == removed) {
+    m_currProfile = nullptr;
+  }
+  std::erase(m_profileArr, removed);
+}
+
+void ProfieController::delProByName(const std::optional<std::string>& name) {
+  if (const Profile profile = getProfileByName(name)) {
+    delProfile(profile);
+  }
+}
+
+ProfieController::Profile ProfieController::getNextProfie(const Profile& profile) const {
+  const std::ptrdiff_t position = positionOf(profile);
+  if (m_profileArr.size() < 2 || position < 0) {
+    return nullptr;
+  }
+  const auto at = static_cast<std::size_t>(position);
+  return at + 1 < m_profileArr.size() ? m_profileArr[at + 1] : m_profileArr[at - 1];
+}
+
+ProfieController::Profile ProfieController::getNextProfieWithNodef(const Profile& profile) const {
+  const std::ptrdiff_t count = std::ssize(m_profileArr);
+  if (count < 7) {
+    return nullptr;
+  }
+  std::ptrdiff_t next = positionOf(profile) + 1;
+  if (next >= count) {
+    next -= 2;
+  }
+  if (next + 1 >= count) {
+    return nullptr;
+  }
+  const Profile& candidate = m_profileArr[static_cast<std::size_t>(next + 1)];
+  if (candidate == profile) {
+    return nullptr;
+  }
+  return candidate->isDefault() ? getNextProfieWithNodef(candidate) : candidate;
+}
+
+void ProfieController::removeAllNoDefault() {
+  std::erase_if(m_profileArr, [](const Profile& profile) { return !profile->isDefault(); });
+  if (getCurrProfileIndex() == notFound) {
+    m_currProfile = nullptr;
+  }
+}
+
+void ProfieController::getNoDefaultProArr(Profiles& list) const {
+  std::copy_if(m_profileArr.begin(), m_profileArr.end(), std::back_inserter(list),
+               [](const Profile& profile) { return !profile->isDefault(); });
+}
+
+void ProfieController::setNoDefaultProArr(const Profiles& list) {
+  removeAllNoDefault();
+  m_profileArr.insert(m_profileArr.end(), list.begin(), list.end());
+}
+
+void ProfieController::des() const {
+  for (const Profile& profile : m_profileArr) {
+    LXLogger::debug(profile->name().value_or("") + "=" + std::to_string(profile->profileId()));
+  }
+}

@@ -1,0 +1,178 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "Action/Library/ProfileValue.h"
+
+// The library of profiles on disk, the selection in it, the factory profiles, and what ties the
+// mouse's ten slots to the library. Lookups are linear and answer the first match.
+class ProfieController {
+ public:
+  using Profile = std::shared_ptr<ProfileValue>;
+  using Profiles = std::vector<Profile>;
+
+  static constexpr int slotCount = 10;
+  // The id of a slot that is linked to no profile.
+  static constexpr std::uint64_t notLinked = ~std::uint64_t{0};
+  // The most profiles that the views let the library grow to.
+  static constexpr std::size_t maximumProfiles = 50;
+  // The position of a profile that is not in the list.
+  static constexpr std::size_t notFound = ~std::size_t{0};
+
+  // The one library of the process, made at the first call.
+  static ProfieController& getShareProCon();
+  // Forgets it, so that the next call loads anew.
+  static void releaseShareProCon();
+
+  // Makes the folder when it is missing, loads the factory profiles and the library.
+  ProfieController();
+  ProfieController(const ProfieController&) = delete;
+  ProfieController& operator=(const ProfieController&) = delete;
+
+  // --- Loading -----------------------------------------------------------------------------
+
+  // Reloads the library from its folder, in byte order of the file names. Of two files with one
+  // name the first counts; an id that is taken gives way to a new one. Clears the selection.
+  void refreshProfile();
+  void sortProfile();
+
+  // --- Adding and naming -------------------------------------------------------------------
+
+  Profile addProfile();
+  // A new profile with a fresh id and the record of `pro`, of the slot's factory profile without
+  // one, or an all-zero one without that. The name is not checked.
+  Profile addProfileByName(const std::optional<std::string>& name, const Profile& pro);
+  std::uint64_t getNewProfileId() const;
+  std::string getNewProfileName() const;
+  // The profile's name with the first free number, for a copy.
+  std::string getNewProfileNameByData(const ProfileValue& profile) const;
+  // Whether no profile but `pro` has exactly that name, or that id.
+  bool checkProfileName(const std::optional<std::string>& name, const Profile& pro) const;
+  bool checkProfileId(std::uint64_t id, const Profile& pro) const;
+
+  // --- Import, saving, export --------------------------------------------------------------
+
+  enum AddResult { Added = 0, NoFile = 1, NameTaken = 2 };
+  AddResult addByPath(const std::filesystem::path& path);
+  // With `isCreate` a profile whose name is taken is renamed and added.
+  AddResult addByPath(const std::filesystem::path& path, bool isCreate);
+  // Writes every profile into the folder, each under a file name made from its name.
+  std::error_code saveToPath(const std::filesystem::path& folder);
+  // Makes the library's folder hold exactly the list: in one step, so that a crash or a full disk
+  // leaves the old library or the new one. A failure is logged.
+  std::error_code saveToSys();
+  // Empties the library's folder. Refuses a folder that is not the library's.
+  void clearAllProfile();
+  // Takes selProfile into the selected profile and writes that one; nothing without a selection.
+  std::error_code saveSeltoPath(const std::filesystem::path& folder);
+  std::error_code saveSelProfile();
+  // Copies between selProfile and the selected profile's record; nothing without a selection.
+  void saveSelProfileToData();
+  void refreshSelProfileFromData();
+
+  // --- Selection and lookup ----------------------------------------------------------------
+
+  void setSelectByName(const std::optional<std::string>& name);
+  void setSelectByIndex(std::ptrdiff_t index);
+  void setSelectById(std::uint64_t id);
+  Profile getProfileByName(const std::optional<std::string>& name) const;
+  Profile getProValueByProid(std::uint64_t id) const;
+  std::size_t getProfileCount() const { return m_profileArr.size(); }
+  std::size_t getCurrProfileIndex() const;
+
+  // --- Deleting ----------------------------------------------------------------------------
+
+  // The file goes with the next saveToSys.
+  void delProfile(const Profile& profile);
+  void delProByName(const std::optional<std::string>& name);
+
+  // --- Rarely used -------------------------------------------------------------------------
+
+  Profile getNextProfie(const Profile& profile) const;
+  Profile getNextProfieWithNodef(const Profile& profile) const;
+  void removeAllNoDefault();
+  void getNoDefaultProArr(Profiles& list) const;
+  void setNoDefaultProArr(const Profiles& list);
+  // Logs every profile's name and id.
+  void des() const;
+
+  // --- Slots -------------------------------------------------------------------------------
+
+  // Slots 0..9; another is passed over.
+  void setCurrFWProfileIndex(int index);
+  int currFWProfileIndex() const { return m_currFWProfileIndex; }
+  // -1 for a slot that is linked to nothing.
+  void setFwProfileId(std::int32_t id, int byIndex);
+  Profile getProfileByFWProIndex(int index) const;
+  void refreshFWCurrName();
+  // Stores the current slot's profile in the library: a new one for a slot without a link.
+  std::error_code saveCurrFWProfileToList();
+  // Has no effect: the mouse's slot is written elsewhere.
+  void setFWProfileByIndex(int index);
+  std::array<std::uint64_t, slotCount>& fwProfileID() { return m_fwProfileID; }
+  const std::array<std::uint64_t, slotCount>& fwProfileID() const { return m_fwProfileID; }
+
+  // --- Factory profiles --------------------------------------------------------------------
+
+  // The current slot's, or the first one when there is no such slot; null when its file is missing.
+  Profile defaultProfile() const;
+  // A button (0..15) of the current slot's factory profile; all zero without one.
+  _BTN_INFO getDefBtnInfoByIndex(int index) const;
+
+  // --- Preferences -------------------------------------------------------------------------
+
+  // The link record of slot k - 1 under the number k (1..10): a boolean, and only advice, since the
+  // mouse itself says which profile a slot holds.
+  void saveFWProfileIdByIndex(int k);
+  std::int64_t getFWProfileIdByIndex(int k) const;
+  void setLaunchPath(const std::string& path, int pIndex, int bIndex);
+  std::optional<std::string> getLaunchPath(int pIndex, int bIndex) const;
+  void setLinkAppPath(const std::optional<std::string>& path, int pIndex, bool isActive);
+  std::optional<std::string> getLinkAppPath(int pIndex, bool& isActive) const;
+  void setIsOSD(bool isOSD);
+  // The on-screen display is on unless it was switched off; asking stores that.
+  bool isOSD();
+
+  // --- Plain properties --------------------------------------------------------------------
+
+  const Profiles& profileArr() const { return m_profileArr; }
+  const Profile& currProfile() const { return m_currProfile; }
+  void setCurrProfile(Profile profile) { m_currProfile = std::move(profile); }
+  const Profile& currDefProfile() const { return m_currDefProfile; }
+  const std::filesystem::path& sysProPath() const { return m_sysProPath; }
+  const std::optional<std::string>& currFWProfileName() const { return m_currFWProfileName; }
+  void setCurrFWProfileName(std::optional<std::string> name) {
+    m_currFWProfileName = std::move(name);
+  }
+  const Profiles& defaultProfileArrs() const { return m_defaultProfileArrs; }
+  const std::optional<std::string>& currActivePath() const { return m_currActivePath; }
+  void setCurrActivePath(std::optional<std::string> path) { m_currActivePath = std::move(path); }
+  bool currIsActive() const { return m_currIsActive; }
+  void setCurrIsActive(bool isActive) { m_currIsActive = isActive; }
+
+ private:
+  void loadDefaults();
+  std::string freeName(const std::string& stem) const;
+  std::ptrdiff_t positionOf(const Profile& profile) const;
+
+  Profiles m_profileArr;
+  // Why the list may lack profiles that are on disk; then it is not written over them.
+  std::error_code m_loadError;
+  Profile m_currProfile;
+  Profile m_currDefProfile;
+  std::filesystem::path m_sysProPath;
+  int m_currFWProfileIndex = 0;
+  std::optional<std::string> m_currFWProfileName;
+  Profiles m_defaultProfileArrs;  // ten entries, null where the file is missing
+  bool m_isOSD = false;
+  std::optional<std::string> m_currActivePath;
+  bool m_currIsActive = false;
+  std::array<std::uint64_t, slotCount> m_fwProfileID{};
+};

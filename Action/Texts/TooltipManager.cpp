@@ -1,0 +1,153 @@
+#include "Action/Texts/TooltipManager.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+#include <pugixml.hpp>
+
+#include "Action/Library/SupportFolder.h"
+#include "Kit/Core/DurableFile.h"
+#include "Kit/Core/LXAction.h"
+#include "Kit/Core/LXLogger.h"
+
+namespace {
+
+constexpr const char* catalogueFile = "Tooltip.xml";
+
+struct LanguageName {
+  const char* code;
+  const char* name;
+};
+
+constexpr LanguageName languageNames[] = {
+    {"en", "US"},       {"zh-Hant", "TC"}, {"zh-Hans", "SC"}, {"cs", "Czech"},
+    {"fr", "French"},   {"de", "German"},  {"el", "Greek"},   {"it", "Italian"},
+    {"ja", "Japanese"}, {"ko", "Korean"},  {"pl", "Polish"},  {"pt-BR", "Portuguese(Brazil)"},
+    {"ru", "Russian"},  {"es", "Spanish"}, {"tr", "Turkish"},
+};
+
+std::unique_ptr<TooltipManager>& sharedManager() {
+  static std::unique_ptr<TooltipManager> manager;
+  return manager;
+}
+
+// Tips are shown without a closing period.
+std::optional<std::string> withoutPeriod(std::optional<std::string> text) {
+  if (text && text->ends_with('.')) {
+    text->pop_back();
+  }
+  return text;
+}
+
+TooltipData tooltipOf(const pugi::xml_node& item) {
+  return {LXAction::getNodeAtrValue(item, "name"),
+          withoutPeriod(LXAction::getNodeAtrValue(item, "text")),
+          LXAction::getIntValue(LXAction::getNonullStr(LXAction::getNodeAtrValue(item, "viewID"))),
+          LXAction::getNodeAtrValue(item, "btnID")};
+}
+
+template <typename Matches>
+const TooltipData* firstIn(const LanData* language, Matches matches) {
+  if (language == nullptr) {
+    return nullptr;
+  }
+  const auto found = std::find_if(language->tooltips.begin(), language->tooltips.end(), matches);
+  return found != language->tooltips.end() ? &*found : nullptr;
+}
+
+}  // namespace
+
+TooltipManager& TooltipManager::shareTooltipManager() {
+  auto& manager = sharedManager();
+  if (!manager) {
+    manager = std::make_unique<TooltipManager>();
+  }
+  return *manager;
+}
+
+void TooltipManager::releaseTooltipManager() {
+  sharedManager().reset();
+}
+
+TooltipManager::TooltipManager() {
+  initData();
+  setLanByname(getSysLanName());
+}
+
+void TooltipManager::initData() {
+  m_infoList.clear();
+  m_currLan = nullptr;
+  m_engLan = nullptr;
+  const std::string& folder = NerinAction::getSysPath();
+  LXAction::checkAddCopyFileFromResourceWithPath(folder, catalogueFile);
+  const auto bytes = durable::readFile(std::filesystem::path(folder) / catalogueFile);
+  if (!bytes) {
+    return;
+  }
+  pugi::xml_document document;
+  const auto result = document.load_buffer(bytes->data(), bytes->size(),
+                                           pugi::parse_default | pugi::parse_ws_pcdata);
+  if (!result) {
+    LXLogger::error(std::string(catalogueFile) + " is damaged: " + result.description());
+    return;
+  }
+  for (const pugi::xml_node& section : document.document_element().children("Lan")) {
+    auto& language = m_infoList.emplace_back(std::make_unique<LanData>());
+    language->name = LXAction::getNodeAtrValue(section, "name");
+    for (const pugi::xml_node& item : section.children("Item")) {
+      language->tooltips.push_back(tooltipOf(item));
+    }
+  }
+  if (!m_infoList.empty()) {
+    m_engLan = m_infoList.front().get();
+  }
+}
+
+std::optional<std::string> TooltipManager::getSysLanName() {
+  const std::string code = LXAction::getSysLanName().value_or("en");
+  const auto* found =
+      std::find_if(std::begin(languageNames), std::end(languageNames),
+                   [&](const LanguageName& language) { return language.code == code; });
+  return found != std::end(languageNames) ? std::optional<std::string>(found->name) : std::nullopt;
+}
+
+void TooltipManager::setLanByname(const std::optional<std::string>& name) {
+  const auto found = std::find_if(m_infoList.begin(), m_infoList.end(), [&](const auto& language) {
+    return name && language->name == name;
+  });
+  m_currLan = found != m_infoList.end() ? found->get() : m_engLan;
+}
+
+template <typename Matches>
+std::optional<std::string> TooltipManager::find(Matches matches) {
+  if (m_currLan == nullptr) {
+    m_currLan = m_engLan;
+  }
+  const TooltipData* tooltip = firstIn(m_currLan, matches);
+  if (tooltip == nullptr) {
+    tooltip = firstIn(m_engLan, matches);
+  }
+  return tooltip != nullptr ? tooltip->text : std::nullopt;
+}
+
+std::optional<std::string> TooltipManager::getTooltip(const std::string& key) {
+  return find([&](const TooltipData& tooltip) { return tooltip.name == key; });
+}
+
+std::optional<std::string> TooltipManager::getTooltip(std::int32_t viewId,
+                                                      const std::string& btnTag) {
+  return find([&](const TooltipData& tooltip) {
+    return tooltip.viewId == viewId && tooltip.btnTag == btnTag;
+  });
+}
+
+std::optional<std::string> TooltipManager::getBtnIdBy(const LanData& language,
+                                                      const std::string& name,
+                                                      const std::string& text, std::int32_t vid) {
+  static_cast<void>(text);
+  const TooltipData* tooltip = firstIn(&language, [&](const TooltipData& candidate) {
+    return candidate.viewId == vid && candidate.name == name;
+  });
+  return tooltip != nullptr ? tooltip->btnTag : std::nullopt;
+}

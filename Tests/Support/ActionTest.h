@@ -1,0 +1,129 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Action/Catalogue/MacroInfo.h"
+#include "Action/Library/ProfieController.h"
+#include "Kit/Core/LXDeviceRequester.h"
+#include "Kit/Core/LXNotificationCenter.h"
+#include "VirtualMouse/VirtualMouse.h"
+
+using Bytes = std::vector<std::uint8_t>;
+
+// Lower-case hex digits, two for each byte, and back.
+std::string hexOf(std::span<const std::uint8_t> bytes);
+Bytes bytesOfHex(std::string_view hex);
+// The checksum of a long report over its bytes from 4 to the last but one.
+std::uint8_t checksumOf(std::span<const std::uint8_t> report);
+
+void writeText(const std::filesystem::path& path, std::string_view text);
+std::string textOfFile(const std::filesystem::path& path);
+// The names of a folder's entries, sorted.
+std::vector<std::string> namesIn(const std::filesystem::path& folder);
+
+// Keeps what was posted.
+class RecordingNotificationCenter final : public LXNotificationCenter {
+ public:
+  struct Post {
+    std::string name;
+    std::string object;
+    std::optional<LXUserInfo> userInfo;
+  };
+
+  void postNotificationName(const std::string& name, const std::string& object,
+                            const std::optional<LXUserInfo>& userInfo) override {
+    m_posts.push_back({name, object, userInfo});
+  }
+  void addObserver(const std::string&, Observer) override {}
+  void removeObserver(const std::string&) override {}
+
+  const std::vector<Post>& posts() const { return m_posts; }
+
+ private:
+  std::vector<Post> m_posts;
+};
+
+// A home of its own, a mouse as delivered, and a program that was just started, for each test.
+// Time does not pass: pauses are written into the trace instead.
+class ActionTest : public testing::Test {
+ protected:
+  ActionTest();
+  // With a mouse that something else than the requester of the virtual mouse reaches.
+  ActionTest(std::shared_ptr<VirtualMouse> mouse, std::shared_ptr<LXDeviceRequester> requester);
+  ~ActionTest() override;
+
+  // As if the program ended and began again, with nothing loaded.
+  static void endProgram();
+  // Loads the catalogues and finds the mouse, as the program does at its start.
+  static void beginProgram();
+
+  void setPreferredLanguage(std::optional<std::string> language);
+  void setResourceFolder(std::filesystem::path folder);
+
+  static ProfieController& library() { return ProfieController::getShareProCon(); }
+  VirtualMouse& mouse() { return *m_mouse; }
+  const std::vector<RecordingNotificationCenter::Post>& posts() const;
+
+  const std::filesystem::path& home() const { return m_home; }
+  std::filesystem::path supportFolder() const;
+  std::filesystem::path libraryFolder() const { return supportFolder() / "Profiles"; }
+  // What lies in the support folder, but for the lock of the library.
+  std::vector<std::string> supportNames() const;
+  std::filesystem::path preferenceFile() const;
+
+  // What went to the requester and how long the program paused, in order: "SET 0300 0 c40c…",
+  // "GET 0305 1 05…", "SLEEP 30" (milliseconds). Transfers that fail are followed by " failed".
+  const std::vector<std::string>& trace() const { return m_trace; }
+  void clearTrace() { m_trace.clear(); }
+  // The same without the pauses and without the reads.
+  std::vector<std::string> sent() const;
+
+  // Called at every pause, while the program waits.
+  void setOnPause(std::function<void()> onPause) { m_onPause = std::move(onPause); }
+
+  // Adds a macro to the catalogue, each event given as key code, kind and delay.
+  using Events = std::vector<std::vector<int>>;
+  static std::shared_ptr<MacroInfo> addMacro(int id, const std::string& name,
+                                             const Events& events = {});
+  static Events eventsOf(const MacroInfo& macro);
+  // A button that plays a macro.
+  static _BTN_INFO macroButton(std::uint32_t macroId, std::uint32_t mode = 1,
+                               std::uint32_t count = 0);
+  static _BTN_INFO button(std::uint32_t code, std::vector<std::uint32_t> keyBits = {},
+                          std::uint32_t type = ButtonTypeSingle);
+  // Puts a report into the mouse as another host would: its checksum is right.
+  void putMacro(int macroSlot, Bytes report);
+  void putImage(int slot, Bytes report);
+
+  // A profile file with that identity; the record's report rate tells files apart.
+  static std::string profileBytes(std::uint64_t id, const std::string& name,
+                                  std::uint32_t poRate = 0, bool isDefault = false);
+  void putProfile(const std::string& fileName, std::uint64_t id, const std::string& name,
+                  std::uint32_t poRate = 0) const;
+  static std::vector<std::string> namesOf(const ProfieController::Profiles& profiles);
+  static std::vector<std::uint64_t> idsOf(const ProfieController::Profiles& profiles);
+
+ private:
+  void install();
+
+  std::filesystem::path m_home;
+  std::filesystem::path m_resources;
+  std::optional<std::string> m_language;
+  std::shared_ptr<VirtualMouse> m_mouse;
+  std::shared_ptr<LXDeviceRequester> m_requester;
+  std::shared_ptr<RecordingNotificationCenter> m_notifications =
+      std::make_shared<RecordingNotificationCenter>();
+  std::vector<std::string> m_trace;
+  std::function<void()> m_onPause;
+};

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Tests/Support/ChildProcess.h"
+
+// A folder of the test's own, short enough for the name of a socket.
+class ShortFolder {
+ public:
+  ShortFolder();
+  ~ShortFolder();
+  ShortFolder(const ShortFolder&) = delete;
+  ShortFolder& operator=(const ShortFolder&) = delete;
+
+  std::filesystem::path path;
+};
+
+// A message as it travelled, read from its bytes.
+struct BusMessage {
+  std::string path;
+  std::string interface;
+  std::string member;
+  std::string signature;
+  std::string body;  // in words: "s:111 {value1=i:2 value2=b:1}"
+};
+
+// A session bus that only this test knows, announced in the environment, and an independent
+// listener on it that sees every message.
+class PrivateBus {
+ public:
+  PrivateBus();
+  ~PrivateBus();
+  PrivateBus(const PrivateBus&) = delete;
+  PrivateBus& operator=(const PrivateBus&) = delete;
+
+  // The next signal of our interface that somebody sent; nothing after `limit`.
+  std::optional<BusMessage> nextNotification(
+      std::chrono::milliseconds limit = std::chrono::seconds(20));
+  // Sends a signal from another process; the arguments are in GVariant text.
+  static void broadcast(const std::string& path, const std::string& interfaceAndMember,
+                        const std::vector<std::string>& arguments);
+
+  void freeze() const;
+  void thaw() const;
+  void end();
+
+ private:
+  ShortFolder m_folder;
+  std::unique_ptr<ChildProcess> m_daemon;
+  std::unique_ptr<ChildProcess> m_listener;
+  std::string m_bytes;
+
+  std::optional<BusMessage> next(std::chrono::steady_clock::time_point end);
+};

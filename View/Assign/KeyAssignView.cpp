@@ -1,0 +1,216 @@
+#include "View/Assign/KeyAssignView.h"
+
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Library/ProfieController.h"
+#include "Action/Record/EditState.h"
+#include "Action/Wire/KeyCodes.h"
+#include "Action/Wire/ProfileImage.h"
+#include "ArtworkFrames.h"
+#include "Kit/Widgets/LXButton.h"
+#include "Kit/Widgets/LXTextField.h"
+#include "View/Assign/SubLaunchProgramView.h"
+#include "View/Assign/SubSensitivityView.h"
+#include "View/Assign/SubSingleKeyView.h"
+#include "View/Assign/SubTKeyView.h"
+#include "View/Screen/ControlFactory.h"
+#include "View/Screen/Frames.h"
+#include "View/Windows/LocalNotifications.h"
+
+namespace {
+
+namespace frames = Artwork::KeyAssignView;
+
+constexpr int typeMenuWidth = 177;
+
+}  // namespace
+
+KeyAssignView::KeyAssignView() : ChildView({frames::screenWidth, frames::screenHeight}) {}
+
+KeyAssignView::~KeyAssignView() = default;
+
+void KeyAssignView::initData() {
+  setImageByName(QStringLiteral("KeyAssignView_Normal.png"));
+}
+
+void KeyAssignView::initControls() {
+  m_comSelBtn = NerinAction::addListButton(frameRect(frames::comSelBtn), *this, TagType,
+                                           QStringLiteral("comSelBtn"), "Function");
+  m_buttonTxt = NerinAction::AddLabTextField(frameRect(frames::buttonTxt), *this);
+  m_buttonTxt->setObjectName(QStringLiteral("buttonTxt"));
+  m_buttonTxt->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  // Its edge is that of what stands below.
+  m_buttonTxt->setTextMargins(0, 0, -LXTextField::ownMargin, 0);
+  m_buttonTxt->setTextColor(QColor::fromRgb(Artwork::Colour::mist));
+
+  m_singleKeyView = new SubSingleKeyView(this);
+  struct Panel {
+    KeyAssignSubView* view;
+    QRect frame;
+    const char* name;
+  };
+  const std::array<Panel, 4> panels{{
+      {new SubTKeyView(this), frameRect(frames::tkeyView), "tkeyView"},
+      {m_singleKeyView, frameRect(frames::singleKeyView), "singleKeyView"},
+      {new SubSensitivityView(this), frameRect(frames::sensitivityView), "sensitivityView"},
+      {new SubLaunchProgramView(this), frameRect(frames::launchProView), "launchProView"},
+  }};
+  m_keyAssignSetp = new LXSetpPanelObj(this);
+  for (std::size_t i = 0; i < panels.size(); ++i) {
+    KeyAssignSubView* view = panels[i].view;
+    view->setGeometry(panels[i].frame);
+    view->setObjectName(QString::fromLatin1(panels[i].name));
+    view->construct();
+    m_subViews[i] = view;
+    m_keyAssignSetp->addItem(nullptr, view);
+  }
+  m_keyAssignSetp->setSetpDelegate(this);
+
+  addButton(frameRect(frames::applyBtn), TagApply, "applyBtn", "Apply");
+  addButton(frameRect(frames::okBtn), TagClose, "okBtn", "Close");
+  addButton(frameRect(frames::cancelBtn), TagCancel, "cancelBtn", "Cancel");
+}
+
+void KeyAssignView::setButtonName(const QString& name) {
+  m_buttonTxt->setText(name);
+}
+
+void KeyAssignView::initNotify() {
+  LocalNotifications::shared().observe(NerinAction::notifyOutPlus, this,
+                                       [this] { devOutplusPro(); });
+}
+
+void KeyAssignView::deallocNotify() {
+  disconnect(&LocalNotifications::shared(), nullptr, this, nullptr);
+}
+
+void KeyAssignView::refreshData() {
+  NerinAction::refreshMenuListData(m_keyAssMenuList, this, NerinAction::keyAssignMenuNode,
+                                   typeMenuWidth);
+}
+
+void KeyAssignView::fillSettingData() {
+  for (KeyAssignSubView* view : m_subViews) {
+    view->setTmpBtnInfo(m_tmpBtnInfo);
+    view->setBtnIndex(m_btnIndex);
+  }
+  // Filled again, the same part is shown anew, too.
+  m_keyAssignSetp->resetSetp();
+  setCurrMenuData(NerinAction::getMenuInfoByFunId(static_cast<std::int32_t>(m_tmpBtnInfo.btnType),
+                                                  NerinAction::keyAssignMenuNode));
+}
+
+void KeyAssignView::setCurrMenuData(const std::shared_ptr<MenuInfo>& entry) {
+  m_currFunId = entry ? entry->functionID() : static_cast<std::int32_t>(NoType);
+  m_comSelBtn->setTitle(entry ? QString::fromStdString(entry->titleStr()) : QString());
+  setCurrType(m_currFunId - 1);
+}
+
+void KeyAssignView::setCurrType(std::int32_t type) {
+  if (type >= 1 && type <= static_cast<std::int32_t>(m_subViews.size())) {
+    m_keyAssignSetp->selectindex(type);
+  } else {
+    m_keyAssignSetp->resetSetp();
+  }
+}
+
+void KeyAssignView::onMenulistSelected(LXMenulist& /*list*/,
+                                       const std::shared_ptr<LXTreeNode>& selNode) {
+  if (const auto entry = std::dynamic_pointer_cast<MenuInfo>(selNode->nodeData())) {
+    setCurrMenuData(entry);
+  }
+}
+
+void KeyAssignView::onSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& /*sender*/) {
+  m_subViews[static_cast<std::size_t>(newIndex - 1)]->fillSettingData();
+}
+
+void KeyAssignView::saveData() {
+  switch (m_currFunId) {
+    case Default:
+      m_tmpBtnInfo = ProfieController::getShareProCon().getDefBtnInfoByIndex(m_btnIndex);
+      return;
+    case Disabled:
+      m_tmpBtnInfo.FuncID = NerinAction::FunctionDisabled;
+      m_tmpBtnInfo.FuncTableId = NerinAction::FunctionDisabled;
+      m_tmpBtnInfo.btnType = ButtonTypeDisabled;
+      return;
+    case Macro:
+    case SingleKey:
+    case Sensitivity:
+    case Launch: {
+      KeyAssignSubView& view = *m_subViews[static_cast<std::size_t>(m_currFunId - Macro)];
+      view.saveData();
+      m_tmpBtnInfo = view.tmpBtnInfo();
+      m_tmpBtnInfo.btnType = static_cast<std::uint32_t>(m_currFunId);
+      return;
+    }
+    default:
+      return;
+  }
+}
+
+void KeyAssignView::buttonAction(LXButton& sender) {
+  switch (sender.tag()) {
+    case TagType:
+      NerinAction::showMenulistWithBtn(sender, m_keyAssMenuList.get());
+      return;
+    case TagApply:
+      applyPro();
+      return;
+    case TagClose:
+      closePro();
+      return;
+    case TagCancel:
+      cancelAndEnd();
+      return;
+    default:
+      return;
+  }
+}
+
+void KeyAssignView::applyPro() {
+  saveData();
+  NerinAction::setBtnInfoToDevicePro(m_btnIndex, m_tmpBtnInfo);
+  if (m_currFunId == SingleKey) {
+    m_singleKeyView->showCurrentCaption();
+  }
+}
+
+// Nothing goes to the mouse here: the whole profile does when it is applied.
+void KeyAssignView::closePro() {
+  isNeedSave = true;
+  saveData();
+  selProfile.btnInfo[m_btnIndex] = m_tmpBtnInfo;
+  endWindow(1);
+}
+
+void KeyAssignView::restoreBtnInfo() {
+  m_tmpBtnInfo = selProfile.btnInfo[m_btnIndex];
+}
+
+void KeyAssignView::cancelEdit() {
+  restoreBtnInfo();
+  if (!m_isMouseGone) {
+    NerinAction::setBtnInfoToDevicePro(m_btnIndex, m_tmpBtnInfo);
+  }
+}
+
+// A click between the controls ends the capture of a key.
+void KeyAssignView::mousePressEvent(QMouseEvent* event) {
+  m_singleKeyView->clearFocus();
+  ChildView::mousePressEvent(event);
+}
+
+void KeyAssignView::devOutplusPro() {
+  m_isMouseGone = true;
+  if (m_keyAssMenuList) {
+    m_keyAssMenuList->hideMenulist();
+  }
+  for (KeyAssignSubView* view : m_subViews) {
+    view->closePopMenu();
+  }
+  deallocNotify();
+  restoreBtnInfo();
+  endWindow(0);
+  LocalNotifications::shared().post(NerinAction::notifyOutPlusEnd);
+}

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+
+#include "Action/Record/Records.h"
+#include "Kit/Widgets/LXMenulist.h"
+#include "Kit/Widgets/LXSetpPanelObj.h"
+#include "View/Windows/ChildView.h"
+
+class KeyAssignSubView;
+class LXTextField;
+class MenuInfo;
+class SubSingleKeyView;
+
+// Chooses what one button of the mouse does. Apply tries it on the mouse at once, Close keeps it in
+// the edited profile, Cancel puts the kept one back on the mouse.
+class KeyAssignView : public ChildView, public LXMenulistDelegate, public LXSetpPanelDelegate {
+  Q_OBJECT
+
+ public:
+  enum Tag : int { TagType = 270, TagApply = 271, TagClose = 272, TagCancel = 273 };
+  // The kinds of assignment, by the ids of the catalogue's key-assign menu.
+  enum Type : std::int32_t {
+    NoType = 0,
+    Default = 1,
+    Macro = 2,
+    SingleKey = 3,
+    Sensitivity = 4,
+    Launch = 5,
+    Disabled = 6,
+  };
+
+  KeyAssignView();
+  ~KeyAssignView() override;
+
+  // 0..15
+  void setBtnIndex(int btnIndex) { m_btnIndex = btnIndex; }
+  int btnIndex() const { return m_btnIndex; }
+  void setTmpBtnInfo(const _BTN_INFO& info) { m_tmpBtnInfo = info; }
+  const _BTN_INFO& tmpBtnInfo() const { return m_tmpBtnInfo; }
+  // What the button is called, beside the title.
+  void setButtonName(const QString& name);
+  std::int32_t currFunId() const { return m_currFunId; }
+
+  void refreshData() override;
+  void fillSettingData() override;
+  void saveData() override;
+  void buttonAction(LXButton& sender) override;
+  // Shows the part of a kind, 0-based; none for a kind that has none.
+  void setCurrType(std::int32_t type);
+  // The kind of an entry of the menu; null for none.
+  void setCurrMenuData(const std::shared_ptr<MenuInfo>& entry);
+  void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) override;
+  void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
+  // The mouse is gone: closes the window.
+  void devOutplusPro();
+  LXMenulist* keyAssMenuList() const { return m_keyAssMenuList.get(); }
+
+ protected:
+  void initData() override;
+  void initControls() override;
+  void initNotify() override;
+  void deallocNotify() override;
+  void cancelEdit() override;
+  void mousePressEvent(QMouseEvent* event) override;
+
+ private:
+  void applyPro();
+  void closePro();
+  void restoreBtnInfo();
+
+  int m_btnIndex = 0;
+  _BTN_INFO m_tmpBtnInfo{};
+  std::int32_t m_currFunId = NoType;
+  bool m_isMouseGone = false;
+  LXButton* m_comSelBtn = nullptr;
+  LXTextField* m_buttonTxt = nullptr;
+  LXSetpPanelObj* m_keyAssignSetp = nullptr;
+  SubSingleKeyView* m_singleKeyView = nullptr;
+  // In the order of the panel's items.
+  std::array<KeyAssignSubView*, 4> m_subViews{};
+  std::unique_ptr<LXMenulist> m_keyAssMenuList;
+};

@@ -1,0 +1,79 @@
+#include "View/Assign/SubLaunchProgramView.h"
+
+#include "Action/Library/ProfieController.h"
+#include "Action/Wire/KeyCodes.h"
+#include "ArtworkFrames.h"
+#include "Kit/Desktop/FilePanel.h"
+#include "Kit/Widgets/LXButton.h"
+#include "Kit/Widgets/LXTextField.h"
+#include "View/Screen/ControlFactory.h"
+#include "View/Screen/Frames.h"
+#include "View/Windows/NestedLoop.h"
+#include "View/Windows/Termination.h"
+
+namespace {
+
+namespace frames = Artwork::SubLaunchProgramView;
+
+constexpr int textMargin = 12 - LXTextField::ownMargin;
+
+}  // namespace
+
+SubLaunchProgramView::SubLaunchProgramView(QWidget* parent)
+    : KeyAssignSubView({frames::screenWidth, frames::screenHeight}, parent) {}
+
+void SubLaunchProgramView::initData() {
+  setImageByName(QStringLiteral("SubLaunchProgramView_Normal.png"));
+}
+
+void SubLaunchProgramView::initControls() {
+  addButton(frameRect(frames::launchProBtn), TagLaunch, "launchProBtn", "Choose program");
+  m_pathTxt = NerinAction::AddLabTextField(frameRect(frames::pathTxt), *this);
+  m_pathTxt->setObjectName(QStringLiteral("pathTxt"));
+  m_pathTxt->setAccessibleName(NerinAction::tooltipText("Program"));
+  m_pathTxt->setTextMargins(textMargin, 0, textMargin, 0);
+}
+
+void SubLaunchProgramView::showPath(const QString& path) {
+  m_pathTxt->setText(path);
+  m_pathTxt->setToolTip(path);
+  // Of a long path the end says more: there is the name of the program.
+  m_pathTxt->setCursorPosition(static_cast<int>(path.size()));
+}
+
+// Nothing is chosen yet, but what the button launches now is shown.
+void SubLaunchProgramView::fillSettingData() {
+  m_currLaunchPath.clear();
+  const bool launches = tmpBtnInfo().FuncTableId == NerinAction::FunctionLaunch;
+  const std::string_view path = launches ? textOf(tmpBtnInfo().app_path) : std::string_view();
+  showPath(QString::fromUtf8(path.data(), static_cast<qsizetype>(path.size())));
+}
+
+void SubLaunchProgramView::saveData() {
+  if (m_currLaunchPath.empty()) {
+    return;
+  }
+  _BTN_INFO& info = editedBtnInfo();
+  info.btnType = ButtonTypeLaunch;
+  info.FuncID = NerinAction::FunctionLaunch;
+  info.FuncTableId = NerinAction::FunctionLaunch;
+  // A path that the record has no room for is cut there; the preference keeps the whole of it.
+  setText(info.app_path, m_currLaunchPath);
+  ProfieController& library = ProfieController::getShareProCon();
+  library.setLaunchPath(m_currLaunchPath, library.currFWProfileIndex(), btnIndex());
+}
+
+void SubLaunchProgramView::buttonAction(LXButton& sender) {
+  if (sender.tag() == TagLaunch) {
+    choose();
+  }
+}
+
+void SubLaunchProgramView::choose() {
+  const NestedLoop scope;
+  const auto chosen = filepanel::openProgram(this);
+  if (chosen && !termination::isTerminating()) {
+    m_currLaunchPath = chosen->string();
+    showPath(QString::fromStdString(m_currLaunchPath));
+  }
+}

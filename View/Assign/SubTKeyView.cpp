@@ -1,0 +1,142 @@
+#include "View/Assign/SubTKeyView.h"
+
+#include <QPointer>
+#include <QTimer>
+#include <algorithm>
+
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Wire/KeyCodes.h"
+#include "ArtworkFrames.h"
+#include "Kit/Widgets/LXButton.h"
+#include "View/Assign/TkeyRepeatView.h"
+#include "View/Macros/MacroMenulist.h"
+#include "View/Screen/ControlFactory.h"
+#include "View/Screen/Frames.h"
+#include "View/Windows/ModalWindow.h"
+#include "View/Windows/Termination.h"
+
+namespace {
+
+namespace frames = Artwork::SubTKeyView;
+
+constexpr std::uint32_t playOnce = 1;
+constexpr std::int32_t repeatByCount = 2;
+constexpr int repeatMenuWidth = 264;
+// The list closes first.
+constexpr int countDelayMilliseconds = 100;
+
+}  // namespace
+
+SubTKeyView::SubTKeyView(QWidget* parent)
+    : KeyAssignSubView({frames::screenWidth, frames::screenHeight}, parent) {}
+
+SubTKeyView::~SubTKeyView() {
+  macromenulist::release(this);
+}
+
+void SubTKeyView::initData() {
+  setImageByName(QStringLiteral("SubTKeyView_Normal.png"));
+}
+
+void SubTKeyView::initControls() {
+  m_tkeySelBtn = NerinAction::addListButton(frameRect(frames::tkeySelBtn), *this, TagMacro,
+                                            QStringLiteral("tkeySelBtn"), "Select a macro");
+  NerinAction::initTooltip(*m_tkeySelBtn, QStringLiteral("tkeySelBtn"), "Select a macro");
+  m_repeatSelBtn = NerinAction::addListButton(frameRect(frames::repeatSelBtn), *this, TagRepeat,
+                                              QStringLiteral("repeatSelBtn"), "Repeat");
+  NerinAction::refreshMenuListData(m_repeatList, this, NerinAction::repeatMenuNode,
+                                   repeatMenuWidth);
+}
+
+void SubTKeyView::showRepeat() {
+  m_repeatSelBtn->setTitle(QString::fromStdString(
+      NerinAction::getMenuNameByFunTableId(static_cast<std::int32_t>(m_macroType),
+                                           NerinAction::repeatMenuNode)
+          .value_or("")));
+}
+
+void SubTKeyView::fillSettingData() {
+  const _BTN_INFO& info = tmpBtnInfo();
+  const bool isMacro = info.FuncTableId == NerinAction::FunctionMacro;
+  m_selMacroInfo =
+      isMacro ? NerinAction::getMacroById(static_cast<std::int32_t>(info.MacroID)) : nullptr;
+  m_tkeySelBtn->setTitle(m_selMacroInfo ? macromenulist::titleOf(*m_selMacroInfo) : QString());
+  m_macroType = isMacro ? info.KeyBit[0] : 0;
+  m_macroCount = isMacro ? info.KeyBit[1] : 0;
+  if (isMacro) {
+    showRepeat();
+  } else {
+    m_repeatSelBtn->setTitle({});
+  }
+}
+
+void SubTKeyView::saveData() {
+  _BTN_INFO& info = editedBtnInfo();
+  info.FuncID = NerinAction::FunctionMacro;
+  info.FuncTableId = NerinAction::FunctionMacro;
+  info.KeyBit[0] = m_macroType;
+  info.KeyBit[1] = m_macroCount;
+  info.MacroID = m_selMacroInfo ? static_cast<std::uint32_t>(m_selMacroInfo->macroId()) : 0;
+  info.btnType = ButtonTypeMacro;
+}
+
+void SubTKeyView::closePopMenu() {
+  macromenulist::release(this);
+  if (m_repeatList) {
+    m_repeatList->hideMenulist();
+  }
+}
+
+void SubTKeyView::buttonAction(LXButton& sender) {
+  if (sender.tag() == TagMacro) {
+    macromenulist::open(sender, this);
+  } else if (sender.tag() == TagRepeat) {
+    NerinAction::showMenulistWithBtn(sender, m_repeatList.get());
+  }
+}
+
+void SubTKeyView::onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) {
+  const auto entry = std::dynamic_pointer_cast<MenuInfo>(selNode->nodeData());
+  if (!entry) {
+    return;
+  }
+  if (&list != m_repeatList.get()) {
+    m_selMacroInfo = entry->macroInfo();
+    m_tkeySelBtn->setTitle(m_selMacroInfo ? macromenulist::titleOf(*m_selMacroInfo) : QString());
+    if (m_macroType == 0) {
+      m_macroType = playOnce;
+      showRepeat();
+    }
+    return;
+  }
+  m_repeatSelBtn->setTitle(QString::fromStdString(entry->titleStr()));
+  m_macroType = static_cast<std::uint32_t>(entry->functionTableID());
+  if (entry->functionID() == repeatByCount) {
+    QTimer::singleShot(countDelayMilliseconds, this, &SubTKeyView::showLoopFrm);
+  }
+}
+
+void SubTKeyView::showLoopFrm() {
+  if (m_isShowSubMode || !isVisible() || termination::isTerminating()) {
+    return;
+  }
+  m_isShowSubMode = true;
+  auto* view = new TkeyRepeatView;
+  view->construct();
+  view->setRepeatCount(static_cast<int>(std::min(m_macroCount, TkeyRepeatView::largestCount)));
+  const QPointer dialog = new ModalWindow(view, TkeyRepeatView::dragHeight,
+                                          NerinAction::tooltipText("Repeat count"), window());
+  view->makeTxtFirstRes();
+  const int code = dialog->run();
+  if (!dialog) {
+    return;  // Gone with the window under it, and with this view.
+  }
+  if (code == 1) {
+    m_macroCount = static_cast<std::uint32_t>(view->repeatCount());
+  }
+  delete dialog;
+  window()->raise();
+  window()->activateWindow();
+  m_isShowSubMode = false;
+}

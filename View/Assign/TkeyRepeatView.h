@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+
+#include "View/Windows/ChildView.h"
+
+class LXNumberTextField;
+
+// Asks how often a macro plays: 0..9999.
+class TkeyRepeatView : public ChildView {
+  Q_OBJECT
+
+ public:
+  enum Tag : int { TagOk = 320, TagCancel = 321 };
+  static constexpr int dragHeight = 28;
+  static constexpr std::uint32_t largestCount = 9999;
+
+  TkeyRepeatView();
+
+  void setRepeatCount(int repeatCount);
+  int repeatCount() const { return m_repeatCount; }
+  // Gives the field the keyboard.
+  void makeTxtFirstRes();
+  void buttonAction(LXButton& sender) override;
+
+ protected:
+  void initData() override;
+  void initControls() override;
+  void initNotify() override;
+  void deallocNotify() override;
+
+ private:
+  void confirm();
+
+  LXNumberTextField* m_repeatEdt = nullptr;
+  int m_repeatCount = 0;
+};

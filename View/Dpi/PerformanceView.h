@@ -1,0 +1,52 @@
+#pragma once
+
+#include <array>
+#include <memory>
+
+#include "Kit/Widgets/LXMenulist.h"
+#include "View/Dpi/DpiLevelsView.h"
+
+// The window of the mouse's performance: the DPI levels and how many of them are in use, the report
+// rate, which is tried at once, and the lift-off height.
+class PerformanceView : public DpiLevelsView, public LXMenulistDelegate {
+  Q_OBJECT
+
+ public:
+  enum Tag : int {
+    TagLevelSel = 250,
+    TagEnableXY = 251,
+    TagApply = 256,
+    TagClose = 257,
+    TagCancel = 258,
+    TagLift = 259,
+  };
+  static constexpr int highestLift = 30;
+
+  PerformanceView();
+
+  void refreshData() override;
+  void fillSettingData() override;
+  void saveData() override;
+  void buttonAction(LXButton& sender) override;
+  void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) override;
+  void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
+  void progessBarAction(LXProgressBar& sender) override;
+  LXMenulist* levelMenuList() const { return m_levelMenuList.get(); }
+
+ protected:
+  void initControls() override;
+  void cancelEdit() override;
+
+ private:
+  static constexpr std::size_t rates = 4;
+
+  static Places places();
+  void applyPro();
+  void closePro();
+
+  LXButton* m_levelSelBtn = nullptr;
+  std::unique_ptr<LXMenulist> m_levelMenuList;
+  std::array<LXButton*, rates> m_rateBtns{};
+  LXSetpPanelObj* m_rateSetp = nullptr;
+  LXProgressBar* m_liftPro = nullptr;
+};

@@ -1,0 +1,385 @@
+#include "View/Lights/LightView.h"
+
+#include <QPainter>
+
+#include "Action/Device/DeviceSettings.h"
+#include "Action/Record/EditState.h"
+#include "ArtworkFrames.h"
+#include "Kit/Widgets/LXImageView.h"
+#include "Kit/Widgets/LXProgressBar.h"
+#include "View/Screen/ControlFactory.h"
+#include "View/Screen/Frames.h"
+#include "View/Screen/Pictures.h"
+
+namespace {
+
+namespace frames = Artwork::LightOptionView;
+
+constexpr int zones = static_cast<int>(zoneCount);
+constexpr int wellInset = 4;
+constexpr double wellRadius = 5;
+// Where the colour bar's picture is looked up, from its bottom left.
+constexpr int barColumn = 20;
+constexpr int barTop = 265;
+
+std::string beforeKey(int index) {
+  return "bColor" + std::to_string(index);
+}
+
+std::string afterKey(int index) {
+  return "aColor" + std::to_string(index);
+}
+
+QRect inside(const Artwork::Frame& frame, const Artwork::Frame& parent) {
+  return frameRect(frame).translated(-parent.x, -parent.y);
+}
+
+}  // namespace
+
+LightView::LightView() : ChildView({frames::screenWidth, frames::screenHeight}) {}
+
+void LightView::initData() {
+  setImageByName(QStringLiteral("LightOptionView_Normal.png"));
+  for (int zone = 1; zone <= zones; ++zone) {
+    m_lights[static_cast<std::size_t>(zone - 1)] =
+        pictures::load(QStringLiteral("LightZone%1.png").arg(zone)).pixmap();
+  }
+  m_colorTagImage = pictures::load(QStringLiteral("ColorBar.png")).pixmap();
+}
+
+void LightView::initControls() {
+  initZones();
+  initPicker();
+  addButton(frameRect(frames::applyBtn), TagApply, "applyBtn", "Apply");
+  addButton(frameRect(frames::okBtn), TagOk, "okBtn", "Close");
+  addButton(frameRect(frames::cancelBtn), TagCancel, "cancelBtn", "Cancel");
+}
+
+void LightView::initZones() {
+  struct Zone {
+    Artwork::Frame button;
+    const char* buttonName;
+    Artwork::Frame marker;
+    const char* markerName;
+    const char* lineName;
+    const char* nameKey;
+  };
+  constexpr std::array<Zone, zoneCount> all{{
+      {frames::midLightBtn, "midLightBtn", frames::midLightTagBtn, "midLightTagBtn", "midImgView",
+       "Wheel"},
+      {frames::reProfileLightBtn, "reProfileLightBtn", frames::reProfileLightTagBtn,
+       "reProfileLightTagBtn", "reProfileImgView", "Profile light"},
+      {frames::logoLightBtn, "logoLightBtn", frames::logoLightTagBtn, "logoLightTagBtn",
+       "logoImgView", "Logo"},
+      {frames::leftLightBtn, "leftLightBtn", frames::leftLightTagBtn, "leftLightTagBtn",
+       "leftImgView", "Left side"},
+  }};
+  m_lightSetp = new LXSetpPanelObj(this);
+  m_lightTagSetp = new LXSetpPanelObj(this);
+  const auto none = [](LXButton&) {};
+  for (std::size_t i = 0; i < zoneCount; ++i) {
+    const Zone& zone = all[i];
+    const int number = static_cast<int>(i);
+    auto* line = new LXImageView(this);
+    line->setGeometry(0, 0, frames::screenWidth, frames::screenHeight);
+    line->setObjectName(QString::fromLatin1(zone.lineName));
+    m_lines[i] = line;
+
+    const QRect well = frameRect(zone.button);
+    m_btnColorRect[i] = well.adjusted(wellInset, wellInset, -wellInset, -wellInset);
+    LXButton* button = NerinAction::AddButton(well, none, {}, *this);
+    clearBtnImage(*button);
+    button->setBtnTag(FirstZoneTag + number);
+    NerinAction::initTooltip(*button, QString::fromLatin1(zone.buttonName), "Color adjustmen");
+    button->setAccessibleName(NerinAction::tooltipText(zone.nameKey));
+    button->setLXBtnDelege(this);
+    m_zoneBtns[i] = button;
+    m_lightSetp->addItem(button);
+
+    LXButton* marker = NerinAction::AddButton(frameRect(zone.marker), none, {}, *this);
+    marker->setBtnTag(FirstMarkerTag + number);
+    NerinAction::initTooltip(*marker, QString::fromLatin1(zone.markerName), "Color adjustmen");
+    marker->setAccessibleName(NerinAction::tooltipText(zone.nameKey));
+    marker->setLXBtnDelege(this);
+    m_markerBtns[i] = marker;
+    m_lightTagSetp->addItem(marker);
+  }
+  m_lightSetp->setSetpDelegate(this);
+  m_lightTagSetp->setSetpDelegate(this);
+}
+
+void LightView::initPicker() {
+  m_colorField = new HueSaturationView(this);
+  m_colorField->setGeometry(frameRect(frames::colorFieldView));
+  m_colorField->setObjectName(QStringLiteral("colorFieldView"));
+  m_colorField->setAccessibleName(NerinAction::tooltipText("Hue and saturation"));
+  m_brightness = new BrightnessView(this);
+  m_brightness->setGeometry(frameRect(frames::brightnessView));
+  m_brightness->setObjectName(QStringLiteral("brightnessView"));
+  m_brightness->setAccessibleName(NerinAction::tooltipText("Brightness"));
+  connect(m_colorField, &HueSaturationView::picked, this, &LightView::takePicked);
+  connect(m_brightness, &BrightnessView::picked, this, &LightView::takePicked);
+
+  m_colorBarView = NerinAction::AddProBar(
+      frameRect(frames::colorBarView), [this](LXProgressBar& sender) { progessBarAction(sender); },
+      *this, pictures::load(QStringLiteral("ColorKnob.png")), barTop, 0);
+  m_colorBarView->setTag(TagColorBar);
+  m_colorBarView->setObjectName(QStringLiteral("colorBarView"));
+  m_colorBarView->setAccessibleName(NerinAction::tooltipText("Color bar"));
+
+  m_beforeColorView = new LXColorView(this);
+  m_beforeColorView->setGeometry(frameRect(frames::beforeColorView));
+  m_beforeColorView->setObjectName(QStringLiteral("beforeColorView"));
+  m_beforeColorView->setAccessibleName(NerinAction::tooltipText("Before"));
+  m_afterColorView = new LXColorView(this);
+  m_afterColorView->setGeometry(frameRect(frames::afterColorView));
+  m_afterColorView->setObjectName(QStringLiteral("afterColorView"));
+  m_afterColorView->setAccessibleName(NerinAction::tooltipText("After"));
+
+  const Artwork::Frame& panel = frames::colorPanel;
+  m_colorPanel = new ColorPanel(frameRect(panel).size(),
+                                {inside(frames::redTxt, panel), inside(frames::greenTxt, panel),
+                                 inside(frames::blueTxt, panel), inside(frames::hexTxt, panel)},
+                                this);
+  m_colorPanel->move(panel.x, panel.y);
+  m_colorPanel->setObjectName(QStringLiteral("colorPanel"));
+  m_colorPanel->construct();
+  connect(m_colorPanel, &ColorPanel::selColorChanged, this,
+          [this] { OnColorChange(m_colorPanel, m_colorPanel->selColor()); });
+
+  m_recentColors = new RecentColorsView(this);
+  m_recentColors->setGeometry(frameRect(frames::recentColorsView));
+  m_recentColors->setObjectName(QStringLiteral("recentColorsView"));
+  m_recentColors->refresh();
+  connect(m_recentColors, &RecentColorsView::chosen, this,
+          [this](const QColor& color) { m_colorPanel->setSelColor(LightColor::of(color)); });
+}
+
+void LightView::clearBtnImage(LXButton& button) {
+  button.setImages({});
+}
+
+LightColor LightView::getColorPro(const _LightColorInfo& color) {
+  return LightColor::ofBytes(color.cR, color.cG, color.cB);
+}
+
+void LightView::setColorPro(int index, const LightColor& color) {
+  if (index < 0 || index >= zones) {
+    return;
+  }
+  const auto [red, green, blue] = color.bytes();
+  currSetProfile.lightColorArr[index] = {red, green, blue};
+}
+
+void LightView::fillSettingData() {
+  currSetProfile = selProfile;
+  displayBtnColor();
+  m_isOverFill = true;
+  for (int i = 0; i < zones; ++i) {
+    m_historyColorDir[beforeKey(i)] = {};
+    m_historyColorDir[afterKey(i)] = getColorPro(currSetProfile.lightColorArr[i]);
+  }
+  displayBAColor();
+}
+
+void LightView::setSwatches(const LightColor& before, const LightColor& after) {
+  m_before = before;
+  m_after = after;
+  m_beforeColorView->setColor(m_before.shown());
+  m_afterColorView->setColor(m_after.shown());
+}
+
+void LightView::displayBAColor() {
+  if (m_currSelectedIndex < 1 || m_currSelectedIndex > zones) {
+    return;
+  }
+  const int index = m_currSelectedIndex - 1;
+  setSwatches(m_historyColorDir[beforeKey(index)], m_historyColorDir[afterKey(index)]);
+  // The picker begins where the zone is.
+  showPicked(getColorPro(currSetProfile.lightColorArr[index]));
+}
+
+void LightView::showPicked(const LightColor& color) {
+  m_picked.setColor(color);
+  showInSliders();
+  m_colorPanel->showColor(color);
+}
+
+void LightView::showInSliders() {
+  m_colorField->show(m_picked);
+  m_brightness->show(m_picked);
+}
+
+void LightView::takePicked() {
+  m_picked.hue = m_colorField->hue();
+  m_picked.saturation = m_colorField->saturation();
+  m_picked.brightness = m_brightness->brightness();
+  // Of black every hue is black: who picks a hue wants to see it.
+  if (sender() == m_colorField && m_picked.brightness == 0) {
+    m_picked.brightness = 1;
+  }
+  showInSliders();
+  m_colorPanel->showColor(m_picked.color());
+  onChangeColorPro(m_picked.color());
+}
+
+void LightView::onChangeColorPro(const LightColor& color) {
+  if (!m_isOverFill) {
+    return;
+  }
+  // The last zone keeps its history as it was filled.
+  if (m_currSelectedIndex > 0 && m_currSelectedIndex < zones) {
+    m_historyColorDir[beforeKey(m_currSelectedIndex - 1)] = m_after;
+    m_historyColorDir[afterKey(m_currSelectedIndex - 1)] = color;
+  }
+  setSwatches(m_after, color);
+  setColorPro(m_currSelectedIndex - 1, color);
+  displayBtnColor();
+}
+
+void LightView::OnColorChange(QObject* /*sender*/, const LightColor& color) {
+  m_picked.setColor(color);
+  showInSliders();
+  onChangeColorPro(color);
+}
+
+void LightView::progessBarAction(LXProgressBar& sender) {
+  if (sender.tag() != TagColorBar) {
+    return;
+  }
+  const int fromBottom = barTop - sender.value();
+  const qreal ratio = m_colorTagImage.devicePixelRatio();
+  const QImage bar = m_colorTagImage.toImage();
+  // Pictures count from the top.
+  const int row = static_cast<int>(bar.height() / ratio) - 1 - fromBottom;
+  const QPoint point(static_cast<int>(barColumn * ratio), static_cast<int>(row * ratio));
+  if (bar.rect().contains(point)) {
+    m_colorPanel->setSelColor(LightColor::of(bar.pixelColor(point)));
+  }
+}
+
+void LightView::onSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& sender) {
+  // One zone is selected, in whichever panel, so that it can be selected again in the other.
+  (&sender == m_lightSetp ? m_lightTagSetp : m_lightSetp)->resetSetp();
+  if (newIndex == m_currSelectedIndex) {
+    return;
+  }
+  setLineImage(m_currSelectedIndex, false);
+  setLineImage(newIndex, true);
+  m_currSelectedIndex = newIndex;
+  displayBAColor();
+}
+
+void LightView::setLineImage(int zone, bool showTag) {
+  if (zone < 1 || zone > zones) {
+    return;
+  }
+  const auto index = static_cast<std::size_t>(zone - 1);
+  // The line ends at a marker that is lit, too.
+  showTag ? m_markerBtns[index]->setOverImagePro() : m_markerBtns[index]->setExitImagePro();
+  m_lines[index]->setImage(
+      showTag ? pictures::load(QStringLiteral("LightOptionView_Line%1.png").arg(zone)) : LXImage());
+}
+
+void LightView::onMouseEvent(LXButton& button, QEvent& /*event*/, int type) {
+  if (type == Entered) {
+    setLightSelImage(button, true);
+  } else if (type == Left) {
+    setLightSelImage(button, false);
+  }
+}
+
+void LightView::setLightSelImage(LXButton& button, bool showTag) {
+  const int tag = button.btnTag();
+  m_currShowIndex = 0;
+  if (tag >= FirstZoneTag && tag < FirstZoneTag + zones) {
+    m_currShowIndex = tag - FirstZoneTag + 1;
+  } else if (tag >= FirstMarkerTag && tag < FirstMarkerTag + zones) {
+    m_currShowIndex = tag - FirstMarkerTag + 1;
+  }
+  if (m_currShowIndex != m_currSelectedIndex) {
+    setLineImage(m_currShowIndex, showTag);
+  }
+}
+
+void LightView::buttonAction(LXButton& sender) {
+  m_colorPanel->commit();
+  switch (sender.tag()) {
+    case TagApply:
+      applyPro();
+      return;
+    case TagOk:
+      closePro();
+      return;
+    case TagCancel:
+      cancelAndEnd();
+      return;
+    default:
+      return;
+  }
+}
+
+void LightView::rememberColors() const {
+  for (int i = zones - 1; i >= 0; --i) {
+    const LightColor color = getColorPro(currSetProfile.lightColorArr[i]);
+    if (color != getColorPro(selProfile.lightColorArr[i])) {
+      RecentColorsView::remember(color);
+    }
+  }
+}
+
+void LightView::applyPro() {
+  rememberColors();
+  m_recentColors->refresh();
+  NerinAction::setColorToDevice2();
+  m_lightSetp->resetSetp();
+  m_lightTagSetp->resetSetp();
+  setLineImage(m_currSelectedIndex, false);
+  m_currSelectedIndex = 0;
+}
+
+// Nothing goes to the mouse here: the whole profile does when it is applied.
+void LightView::closePro() {
+  rememberColors();
+  isNeedSave = true;
+  selProfile = currSetProfile;
+  m_isOverFill = false;
+  endWindow(1);
+}
+
+void LightView::cancelEdit() {
+  m_isOverFill = false;
+  currSetProfile = selProfile;
+  NerinAction::setColorToDevice2();
+}
+
+void LightView::paintEvent(QPaintEvent* event) {
+  ChildView::paintEvent(event);
+  QPainter painter(this);
+  drawLights(painter);
+  drawColorBtn(painter);
+}
+
+void LightView::drawColorBtn(QPainter& painter) const {
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  for (int i = 0; i < zones; ++i) {
+    painter.setBrush(getColorPro(currSetProfile.lightColorArr[i]).shown());
+    painter.drawRoundedRect(m_btnColorRect[static_cast<std::size_t>(i)], wellRadius, wellRadius);
+  }
+}
+
+// The lights of the mouse in their colours: each picture is the light alone, white on nothing.
+void LightView::drawLights(QPainter& painter) const {
+  for (int i = 0; i < zones; ++i) {
+    QPixmap light = m_lights[static_cast<std::size_t>(i)];
+    if (light.isNull()) {
+      continue;
+    }
+    QPainter tint(&light);
+    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    tint.fillRect(light.rect(), getColorPro(currSetProfile.lightColorArr[i]).shown());
+    tint.end();
+    painter.drawPixmap(frameRect(frames::stageView).topLeft(), light);
+  }
+}

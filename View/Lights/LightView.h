@@ -1,0 +1,107 @@
+#pragma once
+
+#include <QPixmap>
+#include <array>
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "Action/Record/Records.h"
+#include "Kit/Widgets/LXButton.h"
+#include "Kit/Widgets/LXSetpPanelObj.h"
+#include "View/Lights/ColorPicker.h"
+#include "View/Lights/LightColor.h"
+#include "View/Windows/ChildView.h"
+
+class LXColorView;
+class LXImageView;
+class LXProgressBar;
+
+// The colours of the mouse's four zones. A change is seen here at once; Apply shows it on the
+// mouse, OK keeps it in the edited profile, Cancel gives the mouse the profile's colours again.
+class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonDelegate {
+  Q_OBJECT
+
+ public:
+  enum Tag : int {
+    FirstZoneTag = 230,
+    TagApply = 234,
+    TagCancel = 235,
+    TagOk = 236,
+    FirstMarkerTag = 240,
+    TagColorBar = 242,
+  };
+
+  LightView();
+
+  void fillSettingData() override;
+  void buttonAction(LXButton& sender) override;
+  void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
+  void onMouseEvent(LXButton& button, QEvent& event, int type) override;
+  void setLightSelImage(LXButton& button, bool showTag);
+  // Shows or hides the line of a zone, 1..4.
+  void setLineImage(int zone, bool showTag);
+
+  // The swatches of the selected zone.
+  void displayBAColor();
+  void displayBtnColor() { update(); }
+  static LightColor getColorPro(const _LightColorInfo& color);
+  // Stores a colour for a zone index, 0..3; other indices are passed over.
+  static void setColorPro(int index, const LightColor& color);
+  // A colour was chosen.
+  void onChangeColorPro(const LightColor& color);
+  void OnColorChange(QObject* sender, const LightColor& color);
+  void progessBarAction(LXProgressBar& sender);
+  static void clearBtnImage(LXButton& button);
+
+  // 1..4, 0 for none.
+  int currSelectedIndex() const { return m_currSelectedIndex; }
+  int currShowIndex() const { return m_currShowIndex; }
+  bool isOverFill() const { return m_isOverFill; }
+  const std::map<std::string, LightColor>& historyColorDir() const { return m_historyColorDir; }
+  const LightColor& beforeColor() const { return m_before; }
+  const LightColor& afterColor() const { return m_after; }
+  ColorPanel& colorPanel() { return *m_colorPanel; }
+
+ protected:
+  void initData() override;
+  void initControls() override;
+  void paintEvent(QPaintEvent* event) override;
+  void cancelEdit() override;
+
+ private:
+  void initZones();
+  void initPicker();
+  void drawColorBtn(QPainter& painter) const;
+  void drawLights(QPainter& painter) const;
+  void takePicked();
+  void showInSliders();
+  void showPicked(const LightColor& color);
+  void setSwatches(const LightColor& before, const LightColor& after);
+  void rememberColors() const;
+  void applyPro();
+  void closePro();
+
+  std::array<LXButton*, zoneCount> m_zoneBtns{};
+  std::array<LXButton*, zoneCount> m_markerBtns{};
+  std::array<LXImageView*, zoneCount> m_lines{};
+  std::array<QRect, zoneCount> m_btnColorRect{};
+  std::array<QPixmap, zoneCount> m_lights;
+  LXSetpPanelObj* m_lightSetp = nullptr;
+  LXSetpPanelObj* m_lightTagSetp = nullptr;
+  LXColorView* m_beforeColorView = nullptr;
+  LXColorView* m_afterColorView = nullptr;
+  HueSaturationView* m_colorField = nullptr;
+  BrightnessView* m_brightness = nullptr;
+  ColorPanel* m_colorPanel = nullptr;
+  RecentColorsView* m_recentColors = nullptr;
+  LXProgressBar* m_colorBarView = nullptr;
+  QPixmap m_colorTagImage;
+  PickedColor m_picked;
+  std::map<std::string, LightColor> m_historyColorDir;
+  LightColor m_before;
+  LightColor m_after;
+  int m_currSelectedIndex = 0;
+  int m_currShowIndex = 0;
+  bool m_isOverFill = false;
+};

@@ -1,0 +1,67 @@
+#include "View/Macros/MacroMenulist.h"
+
+#include <memory>
+
+#include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Catalogue/MenuInfo.h"
+#include "Action/Wire/MacroImage.h"
+#include "View/Screen/ControlFactory.h"
+
+namespace {
+
+constexpr int menuWidth = 195;
+
+std::unique_ptr<LXMenulist>& shared() {
+  static std::unique_ptr<LXMenulist> menu;
+  return menu;
+}
+
+// The entries are called as their macros are; the menu itself keeps the names that tell macros
+// apart.
+void showTitles() {
+  const auto& nodes = shared()->menuNode()->children();
+  for (int row = 0; row < shared()->count(); ++row) {
+    const auto& data = nodes[static_cast<std::size_t>(row)]->nodeData();
+    if (const auto entry = std::dynamic_pointer_cast<MenuInfo>(data); entry && entry->macroInfo()) {
+      QListWidgetItem* item = shared()->item(row);
+      item->setText(macromenulist::titleOf(*entry->macroInfo()));
+      item->setToolTip(item->text());
+    }
+  }
+}
+
+}  // namespace
+
+void macromenulist::open(LXButton& button, LXMenulistDelegate* delegate) {
+  NerinAction::macroMenuRebuilt = [](const std::shared_ptr<LXTreeNode>& node) {
+    if (shared()) {
+      shared()->setMenuNode(node);
+      showTitles();
+    }
+  };
+  NerinAction::refreshMenuList();
+  NerinAction::refreshMenuListData(shared(), delegate, NerinAction::macroNode, menuWidth);
+  if (shared()) {
+    shared()->setDelegate(delegate);
+    showTitles();
+  }
+  NerinAction::showMenulistWithBtn(button, shared().get());
+}
+
+// It goes with its user: at the end of the program it would outlive the toolkit.
+void macromenulist::release(LXMenulistDelegate* delegate) {
+  if (shared() && shared()->menuDelegate() == delegate) {
+    NerinAction::macroMenuRebuilt = {};
+    shared().reset();
+  }
+}
+
+LXMenulist* macromenulist::list() {
+  return shared().get();
+}
+
+QString macromenulist::titleOf(const MacroInfo& macro) {
+  const std::string name = macro.nameStr().value_or("");
+  return name.starts_with(NerinAction::generatedMacroName) ? NerinAction::tooltipText("MACRO KEY")
+                                                           : QString::fromStdString(name);
+}

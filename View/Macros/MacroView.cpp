@@ -1,0 +1,441 @@
+// The macro editor's window: its controls, what they do, and which of them can be used.
+
+#include "View/Macros/MacroView.h"
+
+#include <QHeaderView>
+#include <QLabel>
+
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Catalogue/MacroCatalogue.h"
+#include "ArtworkFrames.h"
+#include "Kit/Widgets/LXTextField.h"
+#include "View/Macros/MacroMenulist.h"
+#include "View/Macros/UsageBar.h"
+#include "View/Screen/ControlFactory.h"
+#include "View/Screen/Frames.h"
+#include "View/Screen/Pictures.h"
+#include "View/Windows/LocalNotifications.h"
+
+namespace {
+
+namespace frames = Artwork::MacroView;
+
+constexpr int insertMenuWidth = 195;
+constexpr int longestDelay = 5000;
+constexpr int delayDigits = 4;
+constexpr qreal smallType = 10.5;
+constexpr int nameMargin = 12 - LXTextField::ownMargin;
+// The room that the mouse has for the events of a macro, in bytes.
+constexpr int macroBytes = 2000;
+
+// A button that is disabled while it has the keyboard would pass it on to the next one, which is
+// another's business: the list of the commands takes it.
+class KeyboardToTable {
+ public:
+  explicit KeyboardToTable(QWidget* table)
+      : m_table(table), m_before(table->window()->focusWidget()) {}
+  ~KeyboardToTable() {
+    if (m_before != nullptr && !m_before->isEnabled() && m_table->isEnabled()) {
+      m_table->setFocus(Qt::OtherFocusReason);
+    }
+  }
+  KeyboardToTable(const KeyboardToTable&) = delete;
+  KeyboardToTable& operator=(const KeyboardToTable&) = delete;
+
+ private:
+  QWidget* m_table;
+  const QWidget* m_before;
+};
+
+}  // namespace
+
+struct MacroView::Control {
+  LXButton* MacroView::*member;
+  const char* name;
+  int tag;
+  const char* tooltipKey;
+  QRect frame;
+  // Others have the text for a screen reader only.
+  bool hasTooltip = true;
+};
+
+const std::vector<MacroView::Control>& MacroView::controls() {
+  static const std::vector<Control> all{
+      {&MacroView::m_newMacroBtn, "newMacroBtn", TagNewMacro, "Create New Macro",
+       frameRect(frames::newMacroBtn)},
+      {&MacroView::m_copyMacroBtn, "copyMacroBtn", TagCopyMacro, "copy a macro",
+       frameRect(frames::copyMacroBtn)},
+      {&MacroView::m_delMacroBtn, "delMacroBtn", TagDelMacro, "Delete a macro",
+       frameRect(frames::delMacroBtn)},
+      {&MacroView::m_importMacroBtn, "importMacroBtn", TagImportMacro, "Import macro",
+       frameRect(frames::importMacroBtn)},
+      {&MacroView::m_exportMacroBtn, "exportMacroBtn", TagExportMacro, "export macro",
+       frameRect(frames::exportMacroBtn)},
+      {&MacroView::m_autoDelayChk, "autoDelayChk", TagAutoDelay, "Delay time Auto-Dectecting",
+       frameRect(frames::autoDelayChk)},
+      {&MacroView::m_defDelayChk, "defDelayChk", TagDefDelay, "Fixed delay",
+       frameRect(frames::defDelayChk), false},
+      {&MacroView::m_lgnoreDelayChk, "lgnoreDelayChk", TagLgnoreDelay, "Without any delay",
+       frameRect(frames::lgnoreDelayChk)},
+      {&MacroView::m_recordBtn, "recordBtn", TagRecord, "RECORD", frameRect(frames::recordBtn)},
+      {&MacroView::m_stopBtn, "stopBtn", TagStop, "STOP", frameRect(frames::stopBtn)},
+      {&MacroView::m_keyUpBtn, "keyUpBtn", TagKeyUp, "Move instruction line up",
+       frameRect(frames::keyUpBtn)},
+      {&MacroView::m_keyDownBtn, "keyDownBtn", TagKeyDown, "Move instruction line down",
+       frameRect(frames::keyDownBtn)},
+      {&MacroView::m_delKeyBtn, "delKeyBtn", TagDelKey, "DELETE", frameRect(frames::delKeyBtn)},
+      {&MacroView::m_insertKeyBtn, "insertKeyBtn", TagInsertKey, "Insert instructions in macro",
+       frameRect(frames::insertKeyBtn)},
+      {&MacroView::m_insertAutoDelayChk, "insertAutoDelayChk", TagInsertAutoDelay, "Measured delay",
+       frameRect(frames::insertAutoDelayChk), false},
+      {&MacroView::m_insertDefDelayChk, "insertDefDelayChk", TagInsertDefDelay, "Fixed delay",
+       frameRect(frames::insertDefDelayChk), false},
+      {&MacroView::m_insertLgnoreDelayChk, "insertLgnoreDelayChk", TagInsertLgnoreDelay,
+       "Without any delay", frameRect(frames::insertLgnoreDelayChk), false},
+      {&MacroView::m_insertRecordBtn, "insertRecordBtn", TagInsertRecord, "RECORD",
+       frameRect(frames::insertRecordBtn), false},
+      {&MacroView::m_insertStopBtn, "insertStopBtn", TagInsertStop, "STOP",
+       frameRect(frames::insertStopBtn), false},
+      {&MacroView::m_insertIntBtn, "insertIntBtn", TagInsertInt, "Insert",
+       frameRect(frames::insertIntBtn), false},
+      {&MacroView::m_insertCancelBtn, "insertCancelBtn", TagInsertCancel, "Cancel",
+       frameRect(frames::insertCancelBtn)},
+      {&MacroView::m_applyBtn, "applyBtn", TagApply, "Apply", frameRect(frames::applyBtn)},
+      {&MacroView::m_okBtn, "okBtn", TagOk, "Close", frameRect(frames::okBtn)},
+      {&MacroView::m_cancelBtn, "cancelBtn", TagCancel, "Cancel", frameRect(frames::cancelBtn),
+       false},
+  };
+  return all;
+}
+
+MacroView::MacroView() : ChildView({frames::screenWidth, frames::screenHeight}) {}
+
+MacroView::~MacroView() {
+  endRecording();
+  macromenulist::release(this);
+}
+
+void MacroView::initData() {
+  setImageByName(QStringLiteral("MacroView_Normal.png"));
+}
+
+void MacroView::initControls() {
+  initFields();
+  initButtons();
+  initDelayGroups();
+  initTable();
+  setInsertState(false);
+}
+
+void MacroView::initFields() {
+  m_macroNameTxt = NerinAction::AddTextField(frameRect(frames::macroNameTxt), *this);
+  m_macroNameTxt->setObjectName(QStringLiteral("macroNameTxt"));
+  m_macroNameTxt->setAccessibleName(NerinAction::tooltipText("Macro name"));
+  m_macroNameTxt->setTextColor(Qt::black);
+  m_macroNameTxt->setTextMargins(nameMargin, 0, nameMargin, 0);
+  // While it is typed: the macro is called so at once, everywhere.
+  connect(m_macroNameTxt, &QLineEdit::textEdited, this, &MacroView::onMacroNameTextChange);
+
+  m_recordStateTxt = NerinAction::AddLabTextField(frameRect(frames::recordStateTxt), *this);
+  m_recordStateTxt->setObjectName(QStringLiteral("recordStateTxt"));
+  m_recordStateTxt->setTextMargins(-LXTextField::ownMargin, 0, -LXTextField::ownMargin, 0);
+  m_recordStateTxt->setTextColor(QColor::fromRgb(Artwork::Colour::emberLit));
+
+  const auto addUsage = [this](const Artwork::Frame& label, const Artwork::Frame& bar,
+                               const char* name, const char* nameKey) {
+    auto* number = new QLabel(this);
+    number->setGeometry(frameRect(label));
+    number->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    number->setFont(pictures::font(smallType, QFont::Normal));
+    number->setAccessibleName(NerinAction::tooltipText(nameKey));
+    auto* usage = new UsageBar(number, this);
+    usage->setGeometry(frameRect(bar));
+    usage->setObjectName(QString::fromLatin1(name));
+    return usage;
+  };
+  m_eventBar = addUsage(frames::eventCountTxt, frames::eventBar, "eventBar", "Events");
+  m_memoryBar = addUsage(frames::memoryTxt, frames::memoryBar, "memoryBar", "Memory");
+}
+
+void MacroView::initButtons() {
+  m_macroNameBtn = NerinAction::addListButton(frameRect(frames::macroNameBtn), *this, TagMacroName,
+                                              QStringLiteral("macroNameBtn"), "Macro");
+  NerinAction::initTooltip(*m_macroNameBtn, QStringLiteral("macroNameBtn"), "Select a macro");
+  m_insertBtn = NerinAction::addListButton(frameRect(frames::insertBtn), *this, TagInsert,
+                                           QStringLiteral("insertBtn"), "Insert");
+  for (const Control& control : controls()) {
+    LXButton* button = addButton(control.frame, control.tag, control.name,
+                                 control.hasTooltip ? control.tooltipKey : "NoTooltip");
+    button->setAccessibleName(NerinAction::tooltipText(control.tooltipKey));
+    this->*control.member = button;
+  }
+  // These come and go, so that they bring their pictures along.
+  struct Own {
+    LXButton* button;
+    const char* picture;
+  };
+  for (const Own& own :
+       {Own{m_insertIntBtn, "MacroInsertDelay"}, Own{m_insertAutoDelayChk, "MacroInsertAuto"},
+        Own{m_insertLgnoreDelayChk, "MacroInsertWithout"}}) {
+    const auto image = [&](const char* state) {
+      return getImageByName(QString::fromLatin1(own.picture), QString::fromLatin1(state),
+                            QStringLiteral("png"));
+    };
+    own.button->setIsNoanomaly(true);
+    own.button->setImages(
+        {image("Normal"), image("Over"), image("Down"), image("Disable"), image("Active")});
+  }
+  m_insertIntBtn->raise();
+  m_insertIntBtn->hide();
+  for (LXButton* button : allButtons()) {
+    button->setLXBtnDelege(this);
+  }
+}
+
+void MacroView::initDelayGroups() {
+  const auto addGroup = [this](const std::array<LXButton*, 3>& choices) {
+    auto* group = new LXSetpPanelObj(this);
+    for (LXButton* choice : choices) {
+      group->addItem(choice);
+    }
+    group->selectindex(DelayMeasured);
+    group->setSetpDelegate(this);
+    return group;
+  };
+  m_delaySetp = addGroup({m_autoDelayChk, m_defDelayChk, m_lgnoreDelayChk});
+  m_insertDelaySetp = addGroup({m_insertAutoDelayChk, m_insertDefDelayChk, m_insertLgnoreDelayChk});
+  const auto addDelay = [this](const Artwork::Frame& frame, const char* name) {
+    LXNumberTextField* field =
+        NerinAction::AddNumTextField(frameRect(frame), *this, longestDelay, 0, delayDigits, false);
+    field->setObjectName(QString::fromLatin1(name));
+    field->setAccessibleName(NerinAction::tooltipText("Fixed delay"));
+    field->setAlignment(Qt::AlignCenter);
+    field->setStep(1);
+    return field;
+  };
+  m_defDelayTxt = addDelay(frames::defDelayTxt, "defDelayTxt");
+  m_insertDefDelayTxt = addDelay(frames::insertDefDelayTxt, "insertDefDelayTxt");
+}
+
+void MacroView::initTable() {
+  m_table = new RigthMouseTBView(this);
+  m_table->setGeometry(frameRect(frames::commandTable));
+  m_table->setObjectName(QStringLiteral("commandTable"));
+  m_table->setAccessibleName(NerinAction::tooltipText("Commands"));
+  m_table->setLXBtnDelege(this);
+  m_commands = qobject_cast<MacroCommandModel*>(m_table->model());
+  connect(m_table->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+          &MacroView::selectionChanged);
+}
+
+void MacroView::initNotify() {
+  LocalNotifications::shared().observe(NerinAction::notifyOutPlus, this,
+                                       [this] { devOutplusPro(); });
+}
+
+void MacroView::deallocNotify() {
+  disconnect(&LocalNotifications::shared(), nullptr, this, nullptr);
+}
+
+std::vector<LXButton*> MacroView::allButtons() const {
+  std::vector<LXButton*> buttons{m_macroNameBtn, m_insertBtn};
+  for (const Control& control : controls()) {
+    buttons.push_back(this->*control.member);
+  }
+  return buttons;
+}
+
+void MacroView::refreshData() {
+  NerinAction::refreshMenuList();
+  NerinAction::refreshMenuListData(m_insertList, this, NerinAction::macroInsertMenuNode,
+                                   insertMenuWidth);
+  m_currDelayType = DelayMeasured;
+  m_currInsertDelayType = DelayMeasured;
+  setRecState(false, false);
+  fillSettingData();
+  m_insertBtn->setTitle(QString::fromStdString(
+      NerinAction::getMenuNameByFunId(m_currInsertType, NerinAction::macroInsertMenuNode)
+          .value_or("")));
+}
+
+void MacroView::fillSettingData() {
+  m_defDelayTxt->setValue(delayTime);
+  m_insertDefDelayTxt->setValue(defDelayTime);
+  setConEnable();
+  showUsage();
+}
+
+void MacroView::onNumTextChange(LXNumberTextField& sender) {
+  (&sender == m_defDelayTxt ? delayTime : defDelayTime) = sender.value();
+}
+
+bool MacroView::shouldSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& sender) {
+  return &sender != m_insertDelaySetp || m_currInsertType < InsertDelayBefore ||
+         newIndex == DelayFixed;
+}
+
+void MacroView::onSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& sender) {
+  (&sender == m_delaySetp ? m_currDelayType : m_currInsertDelayType) = newIndex;
+}
+
+void MacroView::onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) {
+  if (&list != m_insertList.get()) {
+    setSelMacroByNode(selNode);
+    return;
+  }
+  if (const auto entry = std::dynamic_pointer_cast<MenuInfo>(selNode->nodeData())) {
+    m_currInsertType = entry->functionID();
+    m_insertBtn->setTitle(QString::fromStdString(entry->titleStr()));
+    setInsertConVisable();
+  }
+}
+
+void MacroView::buttonAction(LXButton& sender) {
+  // What was typed counts, however the button was pressed.
+  m_defDelayTxt->commit();
+  m_insertDefDelayTxt->commit();
+  switch (sender.tag()) {
+    case TagMacroName:
+      macromenulist::open(sender, this);
+      return;
+    case TagNewMacro:
+      newMacro();
+      return;
+    case TagDelMacro:
+      delMacro();
+      return;
+    case TagCopyMacro:
+      copyMacro();
+      return;
+    case TagImportMacro:
+      importMacro();
+      return;
+    case TagExportMacro:
+      extentMacro();
+      return;
+    case TagRecord:
+      startRecording();
+      return;
+    case TagStop:
+      setRecState(false, false);
+      return;
+    case TagDelKey:
+      delCommand();
+      return;
+    case TagInsertKey:
+      setInsertState(true);
+      return;
+    case TagKeyUp:
+      upCom();
+      return;
+    case TagKeyDown:
+      downCom();
+      return;
+    case TagInsert:
+      NerinAction::showMenulistWithBtn(sender, m_insertList.get());
+      return;
+    case TagOk:
+      NerinAction::saveMenuList();
+      endWindow(1);
+      return;
+    case TagCancel:
+      cancelAndEnd();
+      return;
+    case TagApply:
+      NerinAction::saveMenuList();
+      return;
+    case TagInsertRecord:
+      startInsertRecording();
+      return;
+    case TagInsertStop:
+      setRecState(false, true);
+      return;
+    case TagInsertInt:
+      insertDelayPro();
+      return;
+    case TagInsertCancel:
+      setInsertState(false);
+      return;
+    default:
+      return;
+  }
+}
+
+// The macros keep what was done to them: they are the catalogue's own, and only the file is not
+// written.
+void MacroView::cancelEdit() {
+  endRecording();
+}
+
+void MacroView::devOutplusPro() {
+  endRecording();
+  macromenulist::release(this);
+  if (m_insertList) {
+    m_insertList->hideMenulist();
+  }
+  deallocNotify();
+  endWindow(0);
+  LocalNotifications::shared().post(NerinAction::notifyOutPlusEnd);
+}
+
+void MacroView::showUsage() {
+  const MacroInfo::Events* events = keyArrs();
+  m_eventBar->showUsage(events != nullptr ? static_cast<int>(events->size()) : 0,
+                        static_cast<int>(mostCommands));
+  m_memoryBar->showUsage(m_currMacroInfo ? m_currMacroInfo->getMacroCount() : 0, macroBytes);
+}
+
+void MacroView::setConEnable() {
+  setConEnableWithMacro();
+  setConEnableWithKey();
+}
+
+void MacroView::setConEnableWithMacro() {
+  const KeyboardToTable keyboard(m_table);
+  const bool hasMacro = m_currMacroInfo != nullptr;
+  for (LXButton* button : {m_recordBtn, m_stopBtn, m_delKeyBtn, m_keyUpBtn, m_keyDownBtn,
+                           m_insertKeyBtn, m_delMacroBtn}) {
+    button->setIsEnable(hasMacro);
+  }
+  setConEnableWithKey();
+}
+
+void MacroView::setConEnableWithKey() {
+  const KeyboardToTable keyboard(m_table);
+  const MacroInfo::Events* events = keyArrs();
+  const bool hasCommands = events != nullptr && !events->empty();
+  for (LXButton* button : {m_delKeyBtn, m_keyUpBtn, m_keyDownBtn, m_insertKeyBtn}) {
+    button->setIsEnable(hasCommands);
+  }
+  if (!hasCommands) {
+    return;
+  }
+  const int row = selectedRow();
+  const int count = static_cast<int>(events->size());
+  m_delKeyBtn->setIsEnable(row >= 0 && row < count);
+  m_keyUpBtn->setIsEnable(row > 0);
+  m_keyDownBtn->setIsEnable(row < count - 1);
+}
+
+void MacroView::setInsertState(bool isInsert) {
+  const KeyboardToTable keyboard(m_table);
+  m_isInsert = isInsert;
+  for (LXButton* button :
+       {m_insertBtn, m_insertAutoDelayChk, m_insertDefDelayChk, m_insertLgnoreDelayChk,
+        m_insertRecordBtn, m_insertStopBtn, m_insertIntBtn, m_insertCancelBtn}) {
+    button->setIsEnable(isInsert);
+  }
+  m_insertDefDelayTxt->setEnabled(isInsert);
+}
+
+void MacroView::setInsertConVisable() {
+  const bool records = m_currInsertType < InsertDelayBefore;
+  for (LXButton* button :
+       {m_insertAutoDelayChk, m_insertLgnoreDelayChk, m_insertRecordBtn, m_insertStopBtn}) {
+    button->setVisible(records);
+  }
+  m_insertIntBtn->setVisible(!records);
+  if (!records) {
+    m_insertDelaySetp->selectindex(DelayFixed);
+  }
+}

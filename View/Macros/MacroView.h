@@ -1,0 +1,257 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <vector>
+
+#include "Action/Catalogue/MacroInfo.h"
+#include "Kit/Core/LXTreeNode.h"
+#include "Kit/Desktop/KeyTracker.h"
+#include "Kit/Widgets/LXButton.h"
+#include "Kit/Widgets/LXMenulist.h"
+#include "Kit/Widgets/LXSetpPanelObj.h"
+#include "View/Macros/RigthMouseTBView.h"
+#include "View/Windows/ChildView.h"
+
+class LXTextField;
+class MenuInfo;
+class QInputEvent;
+class UsageBar;
+
+// What the editor's delay fields show at first, in milliseconds, and the delay rule of the
+// recording that runs: 1 measures, 2 takes the field's value, anything else is none. They last as
+// long as the program.
+inline std::int32_t delayTime = 50;
+inline std::int32_t defDelayTime = 50;
+inline std::int32_t delayType = 1;
+
+// The macro editor: the user's library of macros, and the commands of one of them, which are
+// recorded from the keyboard and the mouse. Works on the macros of the catalogue themselves; saving
+// writes the catalogue's file.
+class MacroView : public ChildView,
+                  public LXMenulistDelegate,
+                  public LXSetpPanelDelegate,
+                  public LXButtonDelegate,
+                  public RigthMouseTBDelegate {
+  Q_OBJECT
+
+ public:
+  enum Tag : int {
+    TagMacroName = 200,
+    TagNewMacro,
+    TagDelMacro,
+    TagCopyMacro,
+    TagImportMacro,
+    TagExportMacro,
+    TagRecord,
+    TagStop,
+    TagDelKey,
+    TagInsertKey,
+    TagKeyUp,
+    TagKeyDown,
+    TagAutoDelay,
+    TagDefDelay,
+    TagLgnoreDelay,
+    TagInsert,
+    TagInsertAutoDelay,
+    TagInsertDefDelay,
+    TagInsertLgnoreDelay,
+    TagOk,
+    TagCancel,
+    TagApply,
+    TagInsertRecord = 223,
+    TagInsertStop,
+    TagInsertInt,
+    TagInsertCancel,
+  };
+  // The entries of the insert list: what is recorded or put in, and where from the selected
+  // command.
+  enum InsertType : std::int32_t {
+    InsertRecordBefore = 1,
+    InsertRecordAfter,
+    InsertDelayBefore,
+    InsertDelayAfter,
+  };
+  // The choices of both delay groups.
+  enum DelayRule : int { DelayMeasured = 1, DelayFixed, DelayNone };
+  static constexpr std::size_t mostCommands = 40;
+
+  MacroView();
+  ~MacroView() override;
+
+  void refreshData() override;
+  void fillSettingData() override;
+  void buttonAction(LXButton& sender) override;
+  void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) override;
+  bool shouldSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
+  void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
+  void onNumTextChange(LXNumberTextField& sender) override;
+  void onMacroNameTextChange();
+  // The mouse is gone: closes the window.
+  void devOutplusPro();
+
+  // --- The library -------------------------------------------------------------------------
+
+  void setSelMacro(const std::shared_ptr<MenuInfo>& entry);
+  void setSelMacroByNode(const std::shared_ptr<LXTreeNode>& node);
+  // The node of the macro menu that stands for the macro, or null.
+  static std::shared_ptr<LXTreeNode> getNodeByData(const MacroInfo* macro);
+  void renamePro();
+  void addMacroPro(const std::shared_ptr<MacroInfo>& macro);
+  void addMacorByName(const std::string& name);
+  void newMacro();
+  void copyMacro();
+  void delMacro();
+  void extentMacro();
+  void importMacro();
+
+  // --- The commands ------------------------------------------------------------------------
+
+  void insertAdjustTim();
+  void insertDelayPro();
+  void insertComPro(const MenuInfo& entry);
+  void insertCom();
+  void selectComByIndex(int index);
+  void selectLastCom();
+  void selectNewCom(const std::shared_ptr<MacroKeyInfo>& command);
+  void delCommand();
+  void moveCom(bool isDown);
+  void upCom() { moveCom(false); }
+  void downCom() { moveCom(true); }
+  void delAllCommand();
+
+  // --- Recording ---------------------------------------------------------------------------
+
+  void setRecState(bool isRecord, bool isInsert);
+  void AddNewKey(std::uint32_t keyCode, std::uint32_t flag);
+  void setConCaptureEvent(bool captures);
+  // Whether the event is on the Stop button that ends the recording.
+  bool checkMouseEvent(const QMouseEvent& event) const;
+  void onMouseEvent(LXButton& button, QEvent& event, int type) override;
+  void onMouseEvent(RigthMouseTBView& table, QMouseEvent& event, int type) override;
+
+  // --- What can be used --------------------------------------------------------------------
+
+  void setConEnable();
+  void setConEnableWithMacro();
+  void setConEnableWithKey();
+  void setInsertState(bool isInsert);
+  void setInsertConVisable();
+
+  bool isRecord() const { return m_isRecord; }
+  bool isInsert() const { return m_isInsert; }
+  bool isInsertRecord() const { return m_isInsertRecord; }
+  std::int32_t currInsertType() const { return m_currInsertType; }
+  const std::shared_ptr<MacroInfo>& currMacroInfo() const { return m_currMacroInfo; }
+  const std::shared_ptr<MacroKeyInfo>& selKeyInfo() const { return m_selKeyInfo; }
+  LXMenulist* insertMenulist() const { return m_insertList.get(); }
+
+ protected:
+  void initData() override;
+  void initControls() override;
+  void initNotify() override;
+  void deallocNotify() override;
+  void cancelEdit() override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  bool event(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+
+ private:
+  struct Control;
+  static const std::vector<Control>& controls();
+
+  void initButtons();
+  void initFields();
+  void initDelayGroups();
+  void initTable();
+  std::vector<LXButton*> allButtons() const;
+
+  MacroInfo::Events* keyArrs() const;
+  int selectedRow() const;
+  std::int32_t indexOf(const MacroKeyInfo* command) const;
+  void reloadTable();
+  void showUsage();
+  void selectionChanged();
+  bool hasRoomForMacro() const;
+  void findNodeAgain();
+
+  void startRecording();
+  void startInsertRecording();
+  void endRecording();
+  void takeKeyboard();
+  void forgetKeys();
+  bool belongsToMacro(const QKeyEvent& event, std::uint16_t keyCode);
+  void takeKey(const QKeyEvent& event);
+  bool takeMouse(const QMouseEvent& event, bool isDown);
+  LXButton& activeStop() const;
+  void rememberTime(const QInputEvent& event);
+
+  LXButton* m_macroNameBtn = nullptr;
+  LXButton* m_newMacroBtn = nullptr;
+  LXButton* m_delMacroBtn = nullptr;
+  LXButton* m_copyMacroBtn = nullptr;
+  LXButton* m_importMacroBtn = nullptr;
+  LXButton* m_exportMacroBtn = nullptr;
+  LXButton* m_recordBtn = nullptr;
+  LXButton* m_stopBtn = nullptr;
+  LXButton* m_delKeyBtn = nullptr;
+  LXButton* m_insertKeyBtn = nullptr;
+  LXButton* m_keyUpBtn = nullptr;
+  LXButton* m_keyDownBtn = nullptr;
+  LXButton* m_insertBtn = nullptr;
+  LXButton* m_insertRecordBtn = nullptr;
+  LXButton* m_insertStopBtn = nullptr;
+  LXButton* m_insertIntBtn = nullptr;
+  LXButton* m_insertCancelBtn = nullptr;
+  LXButton* m_okBtn = nullptr;
+  LXButton* m_cancelBtn = nullptr;
+  LXButton* m_applyBtn = nullptr;
+  LXButton* m_autoDelayChk = nullptr;
+  LXButton* m_defDelayChk = nullptr;
+  LXButton* m_lgnoreDelayChk = nullptr;
+  LXButton* m_insertAutoDelayChk = nullptr;
+  LXButton* m_insertDefDelayChk = nullptr;
+  LXButton* m_insertLgnoreDelayChk = nullptr;
+  LXTextField* m_macroNameTxt = nullptr;
+  LXNumberTextField* m_defDelayTxt = nullptr;
+  LXNumberTextField* m_insertDefDelayTxt = nullptr;
+  LXTextField* m_recordStateTxt = nullptr;
+  UsageBar* m_eventBar = nullptr;
+  UsageBar* m_memoryBar = nullptr;
+  LXSetpPanelObj* m_delaySetp = nullptr;
+  LXSetpPanelObj* m_insertDelaySetp = nullptr;
+  RigthMouseTBView* m_table = nullptr;
+  MacroCommandModel* m_commands = nullptr;
+  std::unique_ptr<LXMenulist> m_insertList;
+
+  std::shared_ptr<LXTreeNode> m_selMacroNode;
+  std::shared_ptr<MenuInfo> m_currMacroData;
+  std::shared_ptr<MacroInfo> m_currMacroInfo;
+  std::shared_ptr<MacroKeyInfo> m_selKeyInfo;
+  std::shared_ptr<MacroKeyInfo> m_lastKeyInfo;
+  std::size_t m_currInsertIndex = 0;
+  bool m_isRecord = false;
+  bool m_isInsert = false;
+  bool m_isInsertRecord = false;
+  bool m_isAddDelay = false;
+  bool m_isInfoShown = false;
+  // Milliseconds of the events' clock; none before the first event of a recording.
+  std::optional<std::uint64_t> m_oldTime;
+  std::uint64_t m_eventTime = 0;
+  std::int32_t m_currDefDelayTim = 0;
+  std::int32_t m_currInsertType = 1;
+  int m_currDelayType = 1;
+  int m_currInsertDelayType = 1;
+  KeyTracker m_keys;
+  // What is held down since the recording began: Mac key codes, and buttons of the mouse by where
+  // they were pressed.
+  std::set<std::uint16_t> m_pressedKeys;
+  Qt::MouseButtons m_buttonsOnStop;
+  Qt::MouseButtons m_buttonsElsewhere;
+};

@@ -1,0 +1,145 @@
+// The commands of the macro that is edited: the selected one, moving, deleting, delays.
+
+#include <QPointer>
+#include <algorithm>
+
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Kit/Core/LXAction.h"
+#include "Kit/Widgets/LXNumberTextField.h"
+#include "View/Macros/MacroView.h"
+#include "View/Windows/Termination.h"
+
+// The macro's own commands: an edit changes the macro.
+MacroInfo::Events* MacroView::keyArrs() const {
+  return m_currMacroInfo ? &m_currMacroInfo->keyInfoArr() : nullptr;
+}
+
+int MacroView::selectedRow() const {
+  return m_table->currentIndex().isValid() ? m_table->currentIndex().row() : -1;
+}
+
+std::int32_t MacroView::indexOf(const MacroKeyInfo* command) const {
+  const MacroInfo::Events* events = keyArrs();
+  if (events == nullptr || command == nullptr) {
+    return -1;
+  }
+  const auto found = std::find_if(events->begin(), events->end(),
+                                  [&](const auto& one) { return one.get() == command; });
+  return found == events->end() ? -1 : static_cast<std::int32_t>(found - events->begin());
+}
+
+void MacroView::reloadTable() {
+  m_commands->reloadData();
+  showUsage();
+}
+
+void MacroView::selectionChanged() {
+  const MacroInfo::Events* events = keyArrs();
+  const int row = selectedRow();
+  if (events == nullptr || row < 0 || row >= static_cast<int>(events->size())) {
+    return;
+  }
+  m_selKeyInfo = (*events)[static_cast<std::size_t>(row)];
+  if (!m_isRecord) {
+    setConEnableWithKey();
+  }
+}
+
+void MacroView::selectComByIndex(int index) {
+  if (index < 0 || index >= m_commands->rowCount()) {
+    return;
+  }
+  m_table->selectRow(index);
+  m_table->scrollTo(m_commands->index(index, 0));
+}
+
+void MacroView::selectLastCom() {
+  selectComByIndex(m_commands->rowCount() - 1);
+}
+
+void MacroView::selectNewCom(const std::shared_ptr<MacroKeyInfo>& command) {
+  selectComByIndex(indexOf(command.get()));
+}
+
+void MacroView::moveCom(bool isDown) {
+  const std::int32_t from = indexOf(m_selKeyInfo.get());
+  if (from >= 0) {
+    MacroInfo::Events& events = *keyArrs();
+    const std::int32_t target = isDown ? from + 1 : from - 1;
+    if (target >= 0 && target < static_cast<std::int32_t>(events.size())) {
+      std::swap(events[static_cast<std::size_t>(from)], events[static_cast<std::size_t>(target)]);
+      reloadTable();
+      selectComByIndex(target);
+    }
+  }
+  setConEnableWithKey();
+}
+
+void MacroView::delCommand() {
+  MacroInfo::Events* events = keyArrs();
+  const int row = selectedRow();
+  if (events != nullptr && row >= 0 && row < static_cast<int>(events->size())) {
+    events->erase(events->begin() + row);
+    m_selKeyInfo = nullptr;
+    reloadTable();
+    selectComByIndex(std::min(row, static_cast<int>(events->size()) - 1));
+  }
+  setConEnableWithKey();
+}
+
+void MacroView::delAllCommand() {
+  MacroInfo::Events* events = keyArrs();
+  const QPointer<MacroView> self = this;
+  if (events == nullptr ||
+      !LXAction::ChooseInfoMessage("Are you sure you want to Clear Commands?") || !self ||
+      termination::isTerminating()) {
+    return;
+  }
+  events->clear();
+  m_selKeyInfo = nullptr;
+  reloadTable();
+  setConEnableWithKey();
+}
+
+void MacroView::insertAdjustTim() {
+  if (m_selKeyInfo) {
+    m_selKeyInfo->setDelay(m_defDelayTxt->value());
+    reloadTable();
+    selectNewCom(m_selKeyInfo);
+  }
+}
+
+// A pause is kept with the command that it follows. So the one before the selected command is the
+// pause of the command above it.
+void MacroView::insertDelayPro() {
+  const std::int32_t selected = indexOf(m_selKeyInfo.get());
+  if (selected < 0) {
+    return;
+  }
+  const std::int32_t target =
+      m_currInsertType == InsertDelayBefore ? std::max(0, selected - 1) : selected;
+  (*keyArrs())[static_cast<std::size_t>(target)]->setDelay(m_insertDefDelayTxt->value());
+  reloadTable();
+  selectComByIndex(selected);
+}
+
+void MacroView::insertComPro(const MenuInfo& entry) {
+  MacroInfo::Events* events = keyArrs();
+  if (events == nullptr) {
+    return;
+  }
+  const auto command =
+      std::make_shared<MacroKeyInfo>(entry.functionID(), MacroKeyInfo::Function, 0);
+  const int row = std::clamp(selectedRow(), 0, static_cast<int>(events->size()));
+  events->insert(events->begin() + row, command);
+  m_lastKeyInfo = command;
+  reloadTable();
+  selectNewCom(command);
+}
+
+void MacroView::insertCom() {
+  if (const auto entry =
+          NerinAction::getMenuInfoByFunId(m_currInsertType, NerinAction::macroInsertMenuNode)) {
+    insertComPro(*entry);
+  }
+}

@@ -1,0 +1,394 @@
+// Recording: while it runs, every key and every button of the mouse in the window becomes a command
+// of the macro.
+
+#include <QAbstractButton>
+#include <QAbstractSlider>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPointer>
+#include <QWindow>
+#include <algorithm>
+#include <chrono>
+#include <set>
+
+#include "Kit/Core/LXAction.h"
+#include "Kit/Core/LXLogger.h"
+#include "Kit/Widgets/LXNumberTextField.h"
+#include "Kit/Widgets/LXTextField.h"
+#include "View/Macros/MacroView.h"
+#include "View/Screen/ControlFactory.h"
+
+namespace {
+
+constexpr std::uint32_t leftButton = 120;
+constexpr std::uint32_t rightButton = 121;
+constexpr std::uint32_t otherButton = 122;
+
+std::uint32_t codeOf(Qt::MouseButton button) {
+  return button == Qt::LeftButton    ? leftButton
+         : button == Qt::RightButton ? rightButton
+                                     : otherButton;
+}
+
+// Whether the clicks on it would be lost: fields and scroll bars keep them, and a button that
+// cannot be used swallows them.
+bool keepsClicks(const QWidget& widget) {
+  const auto* button = qobject_cast<const QAbstractButton*>(&widget);
+  return button != nullptr ? !button->isEnabled()
+                           : qobject_cast<const QLineEdit*>(&widget) != nullptr ||
+                                 qobject_cast<const QAbstractSlider*>(&widget) != nullptr;
+}
+
+// The keys that are pressed while a message stands over the window answer it. Their releases are no
+// part of the macro either, even when they come after its end.
+class MessageKeys : public QObject {
+ public:
+  MessageKeys() : QObject(qApp) { qApp->installEventFilter(this); }
+
+  // The message is gone. Stays for the releases that are still to come.
+  void end() {
+    m_isOver = true;
+    leave();
+  }
+
+ protected:
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    if (event->type() == QEvent::KeyPress && !m_isOver) {
+      m_down.insert(static_cast<QKeyEvent*>(event)->nativeScanCode());
+    }
+    if (event->type() != QEvent::KeyRelease || static_cast<QKeyEvent*>(event)->isAutoRepeat()) {
+      return false;
+    }
+    const bool wasDown = m_down.erase(static_cast<QKeyEvent*>(event)->nativeScanCode()) != 0;
+    const bool isSwallowed = wasDown && m_isOver;
+    if (isSwallowed) {
+      leave();
+    }
+    return isSwallowed;
+  }
+
+ private:
+  void leave() {
+    if (m_down.empty()) {
+      deleteLater();
+    }
+  }
+
+  std::set<quint32> m_down;
+  bool m_isOver = false;
+};
+
+std::uint64_t clockMilliseconds() {
+  return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(
+                                        std::chrono::steady_clock::now().time_since_epoch())
+                                        .count());
+}
+
+}  // namespace
+
+void MacroView::startRecording() {
+  if (!m_currMacroInfo) {
+    return;
+  }
+  m_currInsertIndex = keyArrs()->size();
+  delayType = m_delaySetp->currentSetp();
+  m_currDefDelayTim = m_defDelayTxt->value();
+  setRecState(true, false);
+}
+
+void MacroView::startInsertRecording() {
+  if (!m_currMacroInfo || !m_isInsert) {
+    return;
+  }
+  m_currInsertIndex = static_cast<std::size_t>(std::max(0, selectedRow()));
+  if (m_currInsertType == InsertRecordAfter || m_currInsertType == InsertDelayAfter) {
+    ++m_currInsertIndex;
+  }
+  m_currInsertIndex = std::min(m_currInsertIndex, keyArrs()->size());
+  delayType = m_insertDelaySetp->currentSetp();
+  m_currDefDelayTim = m_insertDefDelayTxt->value();
+  setRecState(true, true);
+}
+
+void MacroView::setRecState(bool isRecord, bool isInsert) {
+  if (isInsert) {
+    m_isInsertRecord = isRecord;
+  }
+  for (LXButton* button : {m_macroNameBtn,      m_newMacroBtn,
+                           m_delMacroBtn,       m_copyMacroBtn,
+                           m_importMacroBtn,    m_exportMacroBtn,
+                           m_autoDelayChk,      m_defDelayChk,
+                           m_lgnoreDelayChk,    m_recordBtn,
+                           m_delKeyBtn,         m_keyUpBtn,
+                           m_keyDownBtn,        m_insertKeyBtn,
+                           m_insertBtn,         m_insertAutoDelayChk,
+                           m_insertDefDelayChk, m_insertLgnoreDelayChk,
+                           m_insertRecordBtn,   m_insertIntBtn,
+                           m_insertCancelBtn,   m_okBtn,
+                           m_cancelBtn,         m_applyBtn}) {
+    button->setIsEnable(!isRecord);
+  }
+  m_macroNameTxt->setEnabled(!isRecord);
+  (m_isInsertRecord ? m_stopBtn : m_insertStopBtn)->setIsEnable(!isRecord);
+  setConCaptureEvent(isRecord);
+  m_isRecord = isRecord;
+  m_lastKeyInfo = nullptr;
+  m_isAddDelay = true;
+  m_recordStateTxt->setText(isRecord ? NerinAction::tooltipText("Recording. Press Stop to end")
+                                     : QString());
+  if (isRecord) {
+    m_oldTime.reset();
+    m_buttonsOnStop = {};
+    m_buttonsElsewhere = {};
+    forgetKeys();
+    qApp->installEventFilter(this);
+    m_table->setFocus(Qt::OtherFocusReason);
+    takeKeyboard();
+    return;
+  }
+  endRecording();
+  setConEnableWithMacro();
+  setInsertState(isInsert);
+}
+
+// Keys that the desktop would take for itself belong to the macro, too, but not those that are
+// meant for another window.
+void MacroView::takeKeyboard() {
+  if (m_isRecord && !m_isInfoShown) {
+    m_table->grabKeyboard();
+  }
+}
+
+void MacroView::forgetKeys() {
+  m_keys.forgetAll();
+  m_pressedKeys.clear();
+}
+
+void MacroView::endRecording() {
+  m_isRecord = false;
+  qApp->removeEventFilter(this);
+  if (m_table != nullptr) {
+    m_table->releaseKeyboard();
+  }
+}
+
+void MacroView::setConCaptureEvent(bool captures) {
+  for (LXButton* button : allButtons()) {
+    button->setIsCaptureMouseEvent(captures);
+  }
+  m_table->setIsCaptureMouseEvent(captures);
+}
+
+LXButton& MacroView::activeStop() const {
+  return m_isInsertRecord ? *m_insertStopBtn : *m_stopBtn;
+}
+
+bool MacroView::checkMouseEvent(const QMouseEvent& event) const {
+  return activeStop().rect().contains(activeStop().mapFromGlobal(event.globalPosition().toPoint()));
+}
+
+// Delays follow the time that the events carry; what made an event by hand gave it none.
+void MacroView::rememberTime(const QInputEvent& event) {
+  m_eventTime = event.timestamp() != 0 ? event.timestamp() : clockMilliseconds();
+}
+
+// A key that was down before, such as the one that pressed the Record button, neither repeats into
+// the macro nor is let go in it.
+bool MacroView::belongsToMacro(const QKeyEvent& event, std::uint16_t keyCode) {
+  if (event.type() == QEvent::KeyRelease) {
+    return m_pressedKeys.erase(keyCode) != 0;
+  }
+  if (event.isAutoRepeat() && !m_pressedKeys.contains(keyCode)) {
+    return false;
+  }
+  m_pressedKeys.insert(keyCode);
+  return true;
+}
+
+void MacroView::takeKey(const QKeyEvent& event) {
+  rememberTime(event);
+  const auto key = m_keys.take(event);
+  if (!key) {
+    return;
+  }
+  const LXSourcePlace place = LXSourcePlace::current("View/MacroView");
+  switch (key->kind) {
+    case TrackedKey::Kind::KeyDown:
+      LXLogger::debug("keyDown", place);
+      break;
+    case TrackedKey::Kind::KeyUp:
+      LXLogger::debug("keyUp", place);
+      break;
+    case TrackedKey::Kind::FlagsChanged:
+      LXLogger::debug("flagsChanged", place);
+      break;
+  }
+  if (!m_isRecord || key->isRepeat || !belongsToMacro(event, key->keyCode)) {
+    return;
+  }
+  if (key->kind == TrackedKey::Kind::FlagsChanged) {
+    const bool isDown = (key->modifierFlags & keyModifierFlag(key->keyCode)) != 0;
+    AddNewKey(key->keyCode, isDown ? MacroKeyInfo::KeyPress : MacroKeyInfo::KeyRelease);
+  } else {
+    AddNewKey(key->keyCode, key->kind == TrackedKey::Kind::KeyDown ? MacroKeyInfo::KeyPress
+                                                                   : MacroKeyInfo::KeyRelease);
+  }
+}
+
+// True when the event is one of the recording, false when it is left to whom it hit. A button that
+// was pressed on Stop is let go there, wherever the pointer is, and one that was not is none of
+// Stop's.
+bool MacroView::takeMouse(const QMouseEvent& event, bool isDown) {
+  if (!m_isRecord) {
+    return false;
+  }
+  const Qt::MouseButton button = event.button();
+  bool isOnStop = checkMouseEvent(event);
+  if (isDown) {
+    // Until the next press, because a release may come by two ways.
+    m_buttonsOnStop.setFlag(button, isOnStop);
+    m_buttonsElsewhere.setFlag(button, !isOnStop);
+  } else if (m_buttonsOnStop.testFlag(button)) {
+    isOnStop = true;
+  } else if (m_buttonsElsewhere.testFlag(button)) {
+    isOnStop = false;
+  }
+  if (isOnStop) {
+    return false;
+  }
+  rememberTime(event);
+  AddNewKey(codeOf(button), isDown ? MacroKeyInfo::MousePress : MacroKeyInfo::MouseRelease);
+  return true;
+}
+
+void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
+  const auto code = static_cast<std::int32_t>(keyCode & 0xFFFFU);
+  const auto keyFlag = static_cast<std::int32_t>(flag);
+  MacroInfo::Events* events = keyArrs();
+  if (events == nullptr) {
+    return;
+  }
+  if (m_lastKeyInfo && m_lastKeyInfo->keyFlag() == keyFlag && m_lastKeyInfo->keyCode() == code) {
+    return;
+  }
+  if (events->size() >= mostCommands) {
+    if (!m_isInfoShown) {
+      m_isInfoShown = true;
+      // The message is answered with keys, too, which the table would take.
+      m_table->releaseKeyboard();
+      auto* keys = new MessageKeys;
+      const QPointer<MacroView> self = this;
+      LXAction::showInfoMessage("Maximum number of macros reached");
+      keys->end();
+      if (!self) {
+        return;
+      }
+      m_isInfoShown = false;
+      takeKeyboard();
+    }
+    return;
+  }
+  if (m_isAddDelay) {
+    const std::uint64_t elapsed =
+        m_oldTime && m_eventTime > *m_oldTime ? m_eventTime - *m_oldTime : 0;
+    if (m_oldTime && m_lastKeyInfo) {
+      constexpr std::uint64_t longest = INT32_MAX;
+      m_lastKeyInfo->setDelay(delayType == DelayMeasured
+                                  ? static_cast<std::int32_t>(std::min(elapsed, longest))
+                              : delayType == DelayFixed ? m_currDefDelayTim
+                                                        : 0);
+    }
+    m_oldTime = m_eventTime;
+  }
+  const auto command = std::make_shared<MacroKeyInfo>(code, keyFlag, 0);
+  m_currInsertIndex = std::min(m_currInsertIndex, events->size());
+  events->insert(events->begin() + static_cast<std::ptrdiff_t>(m_currInsertIndex), command);
+  ++m_currInsertIndex;
+  m_lastKeyInfo = command;
+  reloadTable();
+  selectNewCom(command);
+}
+
+// Before Qt makes shortcuts and steps of the focus out of keys, and before a control keeps a click.
+// A message that stands over the window keeps its own.
+bool MacroView::eventFilter(QObject* watched, QEvent* event) {
+  const auto* widget = qobject_cast<QWidget*>(watched);
+  const bool isOurs =
+      widget != nullptr ? widget->window() == window() : watched == window()->windowHandle();
+  if (!m_isRecord || m_isInfoShown || !isOurs) {
+    return ChildView::eventFilter(watched, event);
+  }
+  switch (event->type()) {
+    case QEvent::ShortcutOverride:
+    case QEvent::ContextMenu:
+      break;
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+      takeKey(*static_cast<QKeyEvent*>(event));
+      break;
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+      if (widget == nullptr || !keepsClicks(*widget)) {
+        return ChildView::eventFilter(watched, event);
+      }
+      takeMouse(*static_cast<QMouseEvent*>(event), event->type() != QEvent::MouseButtonRelease);
+      m_table->setFocus(Qt::OtherFocusReason);
+      break;
+    default:
+      return ChildView::eventFilter(watched, event);
+  }
+  event->accept();
+  return true;
+}
+
+// What is typed into another window is none of the macro's business, and what is held there
+// neither.
+bool MacroView::event(QEvent* event) {
+  if (m_isRecord && event->type() == QEvent::WindowActivate) {
+    forgetKeys();
+    takeKeyboard();
+  } else if (m_isRecord && event->type() == QEvent::WindowDeactivate) {
+    m_table->releaseKeyboard();
+  }
+  return ChildView::event(event);
+}
+
+void MacroView::keyPressEvent(QKeyEvent* event) {
+  takeKey(*event);
+  ChildView::keyPressEvent(event);
+}
+
+void MacroView::keyReleaseEvent(QKeyEvent* event) {
+  takeKey(*event);
+  ChildView::keyReleaseEvent(event);
+}
+
+void MacroView::mousePressEvent(QMouseEvent* event) {
+  if (takeMouse(*event, true)) {
+    event->accept();
+  } else {
+    ChildView::mousePressEvent(event);
+  }
+}
+
+void MacroView::mouseReleaseEvent(QMouseEvent* event) {
+  if (takeMouse(*event, false)) {
+    event->accept();
+  } else {
+    ChildView::mouseReleaseEvent(event);
+  }
+}
+
+void MacroView::onMouseEvent(LXButton& /*button*/, QEvent& event, int type) {
+  if (type >= LeftDown && type <= OtherUp) {
+    takeMouse(static_cast<QMouseEvent&>(event), (type - LeftDown) % 2 == 0);
+  }
+}
+
+void MacroView::onMouseEvent(RigthMouseTBView& /*table*/, QMouseEvent& event, int type) {
+  if (type >= LeftDown && type <= OtherUp) {
+    takeMouse(event, (type - LeftDown) % 2 == 0);
+  }
+}

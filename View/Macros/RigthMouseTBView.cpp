@@ -1,0 +1,224 @@
+#include "View/Macros/RigthMouseTBView.h"
+
+#include <QHeaderView>
+#include <QMouseEvent>
+#include <QStyledItemDelegate>
+
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Kit/Core/LXKey.h"
+#include "Kit/Widgets/LXButton.h"
+#include "View/Screen/Pictures.h"
+
+namespace {
+
+constexpr int commandHeight = 20;
+constexpr int iconColumnWidth = 28;
+constexpr int delayColumnWidth = 88;
+constexpr int delayIcon = 3;
+constexpr int typeSize = 12;
+
+QString keyName(std::int32_t keyCode) {
+  switch (keyCode) {
+    case 120:
+      return QStringLiteral("L Button");
+    case 121:
+      return QStringLiteral("R Button");
+    case 122:
+      return QStringLiteral("M Button");
+    default:
+      return QString::fromStdString(LXKey::getStrByKeycode(keyCode));
+  }
+}
+
+// The pictures of the selected command stay as they are: tinted with the colour of the selection
+// they would be lost in it.
+class CommandDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    const auto picture = index.data(Qt::DecorationRole).value<QPixmap>();
+    if (!picture.isNull()) {
+      option->icon.addPixmap(picture, QIcon::Selected);
+    }
+  }
+};
+
+}  // namespace
+
+MacroCommandModel::MacroCommandModel(QObject* parent) : QAbstractTableModel(parent) {
+  for (const char* name : {"MacroIconKeyDown", "MacroIconKeyUp", "MacroIconCommand",
+                           "MacroIconDelay", "MacroIconMouseDown", "MacroIconMouseUp"}) {
+    m_icons.push_back(pictures::load(QString::fromLatin1(name) + QStringLiteral(".png")));
+  }
+}
+
+void MacroCommandModel::setCommands(const Commands* commands) {
+  beginResetModel();
+  m_commands = commands;
+  endResetModel();
+}
+
+void MacroCommandModel::reloadData() {
+  beginResetModel();
+  endResetModel();
+}
+
+QString MacroCommandModel::describe(const MacroKeyInfo& command) {
+  QString key = keyName(command.keyCode());
+  switch (command.keyFlag()) {
+    case MacroKeyInfo::KeyPress:
+      return QStringLiteral("Press %1").arg(key);
+    case MacroKeyInfo::KeyRelease:
+      return QStringLiteral("Release %1").arg(key);
+    case MacroKeyInfo::Function:
+      return QString::fromStdString(
+          NerinAction::getMacroMenuNameById(command.keyCode()).value_or(""));
+    case MacroKeyInfo::MousePress:
+      return QStringLiteral("%1 Down").arg(key);
+    case MacroKeyInfo::MouseRelease:
+      return QStringLiteral("%1 Up").arg(key);
+    default:
+      return key;
+  }
+}
+
+int MacroCommandModel::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() || m_commands == nullptr ? 0 : static_cast<int>(m_commands->size());
+}
+
+int MacroCommandModel::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(columns);
+}
+
+QPixmap MacroCommandModel::icon(int index) const {
+  return index >= 0 && index < static_cast<int>(m_icons.size())
+             ? m_icons[static_cast<std::size_t>(index)].pixmap()
+             : QPixmap();
+}
+
+QVariant MacroCommandModel::data(const QModelIndex& index, int role) const {
+  if (!index.isValid() || index.row() >= rowCount()) {
+    return {};
+  }
+  const MacroKeyInfo& command = *(*m_commands)[static_cast<std::size_t>(index.row())];
+  if (role == Qt::DecorationRole && index.column() == CommandImage) {
+    return icon(command.keyFlag());
+  }
+  if (role == Qt::DecorationRole && index.column() == DelayImage) {
+    return icon(delayIcon);
+  }
+  const bool isWords = role == Qt::DisplayRole || role == Qt::AccessibleTextRole;
+  if (isWords && index.column() == Command) {
+    return describe(command);
+  }
+  if (isWords && index.column() == Delay) {
+    return QStringLiteral("%1 ms").arg(command.delay());
+  }
+  if (role == Qt::EditRole && (index.column() == Command || index.column() == Delay)) {
+    return QString::number(command.delay());
+  }
+  return {};
+}
+
+Qt::ItemFlags MacroCommandModel::flags(const QModelIndex& index) const {
+  const Qt::ItemFlags flags = QAbstractTableModel::flags(index);
+  const bool isText = index.column() == Command || index.column() == Delay;
+  return isText ? flags | Qt::ItemIsEditable : flags;
+}
+
+bool MacroCommandModel::setData(const QModelIndex& /*index*/, const QVariant& /*value*/,
+                                int /*role*/) {
+  return false;
+}
+
+RigthMouseTBView::RigthMouseTBView(QWidget* parent) : QTableView(parent) {
+  horizontalHeader()->hide();
+  verticalHeader()->hide();
+  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  verticalHeader()->setDefaultSectionSize(commandHeight);
+  setShowGrid(false);
+  setFrameShape(QFrame::NoFrame);
+  setSelectionBehavior(QAbstractItemView::SelectRows);
+  setSelectionMode(QAbstractItemView::SingleSelection);
+  setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+  setTabKeyNavigation(false);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setFont(pictures::font(typeSize, QFont::Normal));
+  setStyleSheet(QStringLiteral(
+      "QTableView { color: white; background: black; outline: 0; }"
+      "QTableView::item { border: 0; padding: 0 4px; }"
+      "QTableView::item:selected { color: white; background: #7D0608; }"
+      "QLineEdit { color: white; background: #22252C; border: 0; }"
+      "QScrollBar:vertical { background: black; width: 8px; }"
+      "QScrollBar::handle:vertical { background: #9AA3B2; border-radius: 4px; min-height: 24px; }"
+      "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"));
+  auto* commands = new MacroCommandModel(this);
+  setModel(commands);
+  setItemDelegate(new CommandDelegate(this));
+  horizontalHeader()->setMinimumSectionSize(iconColumnWidth);
+  setColumnWidth(MacroCommandModel::CommandImage, iconColumnWidth);
+  setColumnWidth(MacroCommandModel::DelayImage, iconColumnWidth);
+  setColumnWidth(MacroCommandModel::Delay, delayColumnWidth);
+  horizontalHeader()->setSectionResizeMode(MacroCommandModel::Command, QHeaderView::Stretch);
+}
+
+bool RigthMouseTBView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) {
+  const bool isRefused = m_delegate != nullptr && !m_delegate->textShouldBeginEditing(*this);
+  return !isRefused && QTableView::edit(index, trigger, event);
+}
+
+void RigthMouseTBView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
+  if (m_delegate == nullptr || m_delegate->textShouldEndEditing(*this)) {
+    QTableView::closeEditor(editor, hint);
+  }
+}
+
+QItemSelectionModel::SelectionFlags RigthMouseTBView::selectionCommand(
+    const QModelIndex& index, const QEvent* /*event*/) const {
+  return index.isValid() ? QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows
+                         : QItemSelectionModel::SelectionFlags(QItemSelectionModel::NoUpdate);
+}
+
+void RigthMouseTBView::sendMouseMove(QMouseEvent& event, bool isDown) {
+  if (m_delegate != nullptr) {
+    m_delegate->onMouseEvent(*this, event, LXButtonDelegate::pressType(event, isDown));
+  }
+}
+
+void RigthMouseTBView::mousePressEvent(QMouseEvent* event) {
+  sendMouseMove(*event, true);
+  if (m_isCaptureMouseEvent) {
+    event->accept();
+  } else if (event->button() == Qt::RightButton) {
+    // A right button is no business of the rows.
+    event->ignore();
+  } else {
+    QTableView::mousePressEvent(event);
+    event->accept();
+  }
+}
+
+void RigthMouseTBView::mouseReleaseEvent(QMouseEvent* event) {
+  sendMouseMove(*event, false);
+  if (!m_isCaptureMouseEvent) {
+    QTableView::mouseReleaseEvent(event);
+  }
+}
+
+// The second press of a double click is a press.
+void RigthMouseTBView::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (m_isCaptureMouseEvent) {
+    mousePressEvent(event);
+  } else {
+    QTableView::mouseDoubleClickEvent(event);
+  }
+}
+
+void RigthMouseTBView::mouseMoveEvent(QMouseEvent* event) {
+  if (!m_isCaptureMouseEvent) {
+    QTableView::mouseMoveEvent(event);
+  }
+}

@@ -1,0 +1,247 @@
+// The main window: how its controls are filled, and where a click goes.
+
+#include "View/Main/MainView.h"
+
+#include <QFileInfo>
+#include <algorithm>
+
+#include "Action/Library/ProfieController.h"
+#include "Action/Library/ProfileMenuData.h"
+#include "Action/Library/SupportFolder.h"
+#include "Action/NerinAction.h"
+#include "Action/Record/EditState.h"
+#include "Action/Texts/TooltipManager.h"
+#include "ArtworkFrames.h"
+#include "Kit/Core/LXAction.h"
+#include "Kit/Core/LXPlatform.h"
+#include "View/Main/MainSubView1.h"
+#include "View/Main/MainSubView2.h"
+#include "View/Main/MainViewTags.h"
+#include "View/Screen/ControlFactory.h"
+#include "View/Windows/Termination.h"
+
+namespace {
+
+constexpr int profileMenuWidth = 188;
+
+ProfieController& library() {
+  return ProfieController::getShareProCon();
+}
+
+}  // namespace
+
+MainView::MainView(QWidget* parent)
+    : TavImageView({Artwork::MainView::screenWidth, Artwork::MainView::screenHeight}, parent) {}
+
+MainView::~MainView() {
+  MainView::deallocNotify();
+}
+
+int MainView::currentSlot() {
+  return library().currFWProfileIndex();
+}
+
+void MainView::initData() {
+  LXAction::setLoggerTempLevel();
+  m_isOutPlus = false;
+  NerinAction::getSysPath();
+  // The log goes into the folder that was just prepared.
+  LXAction::setLoggerHasFile(true);
+  TooltipManager::shareTooltipManager();
+  NerinAction::initMenuList();
+  ProfieController::getShareProCon();
+  setImageByName(QStringLiteral("MainView_Normal.png"));
+  NerinAction::startListenDev();
+  m_lochelpPath =
+      (LXPlatform::current().resourceFolder / "Help" / "UserInterfaceSetupGuide_en.html").string();
+}
+
+void MainView::refreshData() {
+  m_profileStep->selectindex(NerinAction::getProfileIndexByDevice() + 1);
+  m_modeStep->selectindex(static_cast<int>(selProfile.modeType) + 1);
+  refreshProfileMenu();
+  isNeedSave = false;
+  refreshApplyBtn();
+}
+
+void MainView::fillSettingData() {
+  m_isFillSetting = true;
+  for (int i = 0; i < static_cast<int>(buttonCount); ++i) {
+    fillBtnCaption(i);
+  }
+  showName();
+  m_modeStep->selectindex(static_cast<int>(selProfile.modeType) + 1);
+  m_linkProChk->setChecked(library().currIsActive());
+  showLinkPath();
+  m_isFillSetting = false;
+}
+
+void MainView::fillBtnCaption(int index) {
+  if (index < 0 || index >= static_cast<int>(buttonCount)) {
+    return;
+  }
+  const auto i = static_cast<std::size_t>(index);
+  const QString caption =
+      QString::fromStdString(NerinAction::getBtnCaption(selProfile.btnInfo[i], index));
+  LXButton& button = *m_btnArrs[i];
+  button.setTitle(caption);
+  button.setToolTip(caption);
+  // Who cannot see where the caption stands hears which button of the mouse it is.
+  button.setAccessibleName(physicalButtonName(index) + QStringLiteral(": ") + caption);
+}
+
+void MainView::showName() {
+  m_profileNameTxt->setText(QString::fromStdString(library().currFWProfileName().value_or("")));
+}
+
+void MainView::showTitle(const std::optional<std::string>& name) {
+  const QString title = QString::fromStdString(name.value_or(""));
+  const QString& words = m_currProfileBtn->toolTip();
+  m_currProfileBtn->setTitle(title);
+  m_currProfileBtn->setAccessibleName(title.isEmpty() ? words
+                                                      : words + QStringLiteral(": ") + title);
+}
+
+void MainView::showLinkPath() {
+  const QString path = QString::fromStdString(library().currActivePath().value_or(""));
+  const QString words = NerinAction::tooltipText("Link this profile to the program you selected.");
+  m_linkProBtn->setToolTip(path.isEmpty() ? words : words + u'\n' + path);
+  m_linkProBtn->setTitle(path.isEmpty() ? NerinAction::tooltipText("Choose program")
+                                        : QFileInfo(path).fileName());
+}
+
+void MainView::refreshProfileMenu() {
+  if (!profileNode) {
+    profileNode = std::make_shared<LXTreeNode>();
+  }
+  profileNode->removeAllChild();
+  for (const auto& profile : library().profileArr()) {
+    const auto entry = ProfileMenuData::initWithProfileValue(profile);
+    entry->setType(1);
+    profileNode->addChild(entry);
+  }
+  NerinAction::refreshMenuListData(m_profileList, this, profileNode, profileMenuWidth);
+}
+
+void MainView::refreshApplyBtn() {
+  m_applyBtn->setIsEnable(isNeedSave);
+  m_okBtn->setIsEnable(isNeedSave);
+}
+
+void MainView::raiseNeedSave() {
+  isNeedSave = true;
+  refreshApplyBtn();
+}
+
+void MainView::buttonAction(LXButton& sender) {
+  if (m_isModalSeron >= 1) {
+    return;
+  }
+  const auto hotSpot = std::find(m_btnArrs.begin(), m_btnArrs.end(), &sender);
+  if (sender.tag() >= TagFirstHotSpot && sender.tag() <= TagLastHotSpot &&
+      hotSpot != m_btnArrs.end()) {
+    m_selBtnIndex = static_cast<std::int32_t>(hotSpot - m_btnArrs.begin());
+    showKeyAssignView();
+    return;
+  }
+  switch (sender.tag()) {
+    case TagReset:
+      resetPro();
+      break;
+    case TagHome:
+      connectTtsSite();
+      break;
+    case TagHelp:
+      openHelpPro();
+      break;
+    case TagClose:
+    case TagCancel:
+      cancelPro();
+      break;
+    case TagMacros:
+      showMacroView();
+      break;
+    case TagProfileMenu:
+      NerinAction::showMenulistWithBtn(*m_currProfileBtn, m_profileList.get());
+      break;
+    case TagNew:
+      addProfile();
+      break;
+    case TagDelete:
+      delProfile();
+      break;
+    case TagDuplicate:
+      copyProfile();
+      break;
+    case TagImport:
+      importProfile();
+      break;
+    case TagExport:
+      extentProfile();
+      break;
+    case TagPerformance:
+      showPerformanceView();
+      break;
+    case TagLight:
+      showLightView();
+      break;
+    case TagLinkSwitch:
+      library().setCurrIsActive(m_linkProChk->Checked());
+      raiseNeedSave();
+      break;
+    case TagLinkProgram:
+      showLaunchPro();
+      break;
+    case TagApply:
+      applyPro();
+      break;
+    case TagOk:
+      applyPro();
+      closeAppPro();
+      break;
+    case TagMenu:
+      m_menu.popup(m_menuBtn->mapToGlobal(QPoint(0, m_menuBtn->height())));
+      break;
+    default:
+      break;
+  }
+}
+
+// The field also loses the focus when its window goes, and then nobody meant to commit it.
+void MainView::onProfileTextChange() {
+  if (!termination::isTerminating()) {
+    reNamePro();
+  }
+}
+
+void MainView::menuNeedsUpdate() {
+  refreshOsdMenu();
+}
+
+void MainView::refreshOsdMenu() {
+  const bool isOn = library().isOSD();
+  m_osdMenu->setText(NerinAction::tooltipText(isOn ? "Disable the OSD" : "Enable the OSD"));
+  m_osdMenu->setData(isOn ? 2 : 1);
+}
+
+void MainView::osdClick() {
+  library().setIsOSD(m_osdMenu->data().toInt() == 1);
+  NerinAction::sendMessageToDaemon(NerinAction::MessageOsdChanged, {library().isOSD()});
+  refreshOsdMenu();
+}
+
+void MainView::connectTtsSite() {
+  LXAction::openPage(webPage);
+}
+
+void MainView::openHelpPro() const {
+  LXAction::openFile(m_lochelpPath);
+}
+
+void MainView::closeAppPro() {
+  termination::terminate();
+}
+
+void MainView::cancelPro() {
+  closeAppPro();
+}

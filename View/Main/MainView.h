@@ -1,0 +1,221 @@
+#pragma once
+
+#include <QMenu>
+#include <QPointer>
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Action/Record/Records.h"
+#include "Kit/Core/LXNotificationCenter.h"
+#include "Kit/Core/LXTreeNode.h"
+#include "Kit/Widgets/LXMenulist.h"
+#include "Kit/Widgets/LXNoTitleWindow.h"
+#include "Kit/Widgets/LXSetpPanelObj.h"
+#include "View/Screen/TavImageView.h"
+
+class ChildView;
+class LXButton;
+class LXTextField;
+class MainSubView1;
+class MainSubView2;
+class ProgressLine;
+
+// The root of the pop-up menu of library profiles, made once and refilled.
+inline std::shared_ptr<LXTreeNode> profileNode;
+
+// The content of the main window. The user picks one of the mouse's ten slots, binds a library
+// profile to it or begins a new one, edits it, and applies it to the mouse, the library and the
+// background service. Also watches whether the mouse is there.
+class MainView : public TavImageView,
+                 public LXSetpPanelDelegate,
+                 public LXMenulistDelegate,
+                 public LXWindowDelegate {
+  Q_OBJECT
+
+ public:
+  static constexpr const char* webPage = "https://nerin.example/register";
+
+  explicit MainView(QWidget* parent = nullptr);
+  ~MainView() override;
+
+  // --- Controls ----------------------------------------------------------------------------
+
+  void buttonAction(LXButton& sender) override;
+  bool shouldSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
+  void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
+  void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) override;
+  void onProfileTextChange();
+
+  void refreshData() override;
+  void fillSettingData() override;
+  void fillBtnCaption(int index);
+  void refreshProfileMenu();
+  void refreshApplyBtn();
+
+  // --- The slot ----------------------------------------------------------------------------
+
+  void getFwProfileDataPro(int slot);
+  void setFwProfileDataPro(int slot);
+  void saveLinkApp();
+  void applyPro();
+  void resetPro();
+
+  // --- Profiles ----------------------------------------------------------------------------
+
+  void addProfile();
+  void copyProfile();
+  void delProfile();
+  void extentProfile();
+  void importProfile();
+  void reNamePro();
+  void showLaunchPro();
+  void setSelectedProfileProById(std::uint64_t profileId, const std::optional<std::string>& name);
+  // Whether a profile may be renamed so: not as a factory profile, not as another of the library.
+  static bool checkProfileName(const std::string& name);
+
+  // --- Reassigning a button ----------------------------------------------------------------
+
+  // Whether button i (0..15) can be reassigned and some button keeps the primary click.
+  bool checkOnlyLeft(int i) const;
+  bool checkOnlyLeftPro();
+  bool IsCurrSelectedBtn() const;
+  std::int32_t selBtnIndex() const { return m_selBtnIndex; }
+
+  // --- Child windows -----------------------------------------------------------------------
+
+  void showMacroView();
+  void showLightView();
+  void showPerformanceView();
+  void showKeyAssignView();
+  void windowWillClose(LXNoTitleWindow& window) override;
+  // How many child windows are open.
+  std::int32_t isModalSeron() const { return m_isModalSeron; }
+
+  // --- The mouse comes and goes ------------------------------------------------------------
+
+  // Takes a report of the background service, on any thread.
+  void devReportPro(const LXUserInfo& userInfo);
+  void checkDevPro();
+  void outPlusePro();
+  void changeProfilePro(std::int32_t slot);
+  void dpiChangePro(std::int32_t value);
+  void subWindowEndOutplus();
+  bool isOutPlus() const { return m_isOutPlus; }
+  bool isDevOnTag() const { return m_isDevOnTag; }
+
+  // --- The application menu, help and the end ----------------------------------------------
+
+  QMenu& applicationMenu() { return m_menu; }
+  void refreshOsdMenu();
+  void osdClick();
+  void menuNeedsUpdate();
+  static void connectTtsSite();
+  void openHelpPro() const;
+  static void closeAppPro();
+  static void cancelPro();
+  static void reluanchAppPro();
+  // Nothing is done with these notifications.
+  void ShowToolTip() {}
+  void HideToolTip() {}
+
+ signals:
+  void aboutRequested();
+
+ protected:
+  void initData() override;
+  void initControls() override;
+  void initNotify() override;
+  void deallocNotify() override;
+
+ private:
+  static constexpr int slotTabs = 10;
+
+  struct Control;
+  static const std::vector<Control>& controls();
+
+  void initButtons();
+  void initNameField();
+  void initStepPanels();
+  void initMaps();
+  void initMenu();
+  void initShortcuts();
+
+  void selectSlot(int newIndex, int oldIndex);
+  void selectMode(int newIndex, int oldIndex);
+  void raiseNeedSave();
+  void unbindSlot();
+  void beginProfile(const std::string& name);
+  void settleName();
+  void showTitle(const std::optional<std::string>& name);
+  void showName();
+  void showLinkPath();
+  bool hasRoomForProfile() const;
+  static int currentSlot();
+  // What a button of the mouse is called, by its place on it: "Left button".
+  static QString physicalButtonName(int index);
+
+  // Opens a window for the view, which it owns.
+  void openChild(QPointer<LXNoTitleWindow>& child, ChildView* view, int dragHeight,
+                 const char* titleKey);
+  void handOver(void (MainView::*work)(std::int32_t), std::int32_t value);
+  void outPlusReported(std::int32_t value);
+
+  LXButton* m_reDefBtn = nullptr;
+  LXButton* m_homeBtn = nullptr;
+  LXButton* m_helpBtn = nullptr;
+  LXButton* m_closeBtn = nullptr;
+  LXButton* m_menuBtn = nullptr;
+  std::array<LXButton*, slotTabs> m_profileBtns{};
+  LXButton* m_normalModeBtn = nullptr;
+  LXButton* m_battleModeBtn = nullptr;
+  LXButton* m_MacroSettingBtn = nullptr;
+  LXButton* m_currProfileBtn = nullptr;
+  LXButton* m_profileNewBtn = nullptr;
+  LXButton* m_profileDelBtn = nullptr;
+  LXButton* m_profileSaveBtn = nullptr;
+  LXButton* m_profileImportBtn = nullptr;
+  LXButton* m_profileExportBtn = nullptr;
+  LXButton* m_preformanceBtn = nullptr;
+  LXButton* m_lightOptionBtn = nullptr;
+  LXButton* m_linkProChk = nullptr;
+  LXButton* m_linkProBtn = nullptr;
+  LXButton* m_applyBtn = nullptr;
+  LXButton* m_okBtn = nullptr;
+  LXButton* m_cancelBtn = nullptr;
+  LXButton* m_goLeftBtn = nullptr;
+  LXButton* m_goRightBtn = nullptr;
+  LXTextField* m_profileNameTxt = nullptr;
+  MainSubView1* m_subView1 = nullptr;
+  MainSubView2* m_subView2 = nullptr;
+  ProgressLine* m_progressBar = nullptr;
+  std::unique_ptr<LXMenulist> m_profileList;
+  QMenu m_menu;
+  QAction* m_osdMenu = nullptr;
+  LXSetpPanelObj* m_profileStep = nullptr;
+  LXSetpPanelObj* m_modeStep = nullptr;
+  LXSetpPanelObj* m_subViewStep = nullptr;
+  // The captions in the order of the record's buttons, which is not that of their tags.
+  std::array<LXButton*, buttonCount> m_btnArrs{};
+
+  std::int32_t m_selBtnIndex = -1;
+  std::int32_t m_isModalSeron = 0;
+  QPointer<LXNoTitleWindow> m_macroWindow;
+  QPointer<LXNoTitleWindow> m_lightWindow;
+  QPointer<LXNoTitleWindow> m_performanceWindow;
+  QPointer<LXNoTitleWindow> m_keyAssignWindow;
+  // The edited profile when the child window was opened.
+  _Nerin_PROFILE m_profileBeforeChild{};
+  // Written on the thread on which the service's reports arrive.
+  std::atomic<bool> m_isOutPlus = false;
+  std::atomic<bool> m_isDevOnTag = false;
+  // The question whether the mouse comes back is being asked.
+  std::atomic<bool> m_isAskingForMouse = false;
+  bool m_isFWChangeProfile = false;
+  bool m_isFillSetting = false;
+  bool m_isFirstOpen = false;
+  std::string m_lochelpPath;
+};

@@ -1,0 +1,231 @@
+// What stands in the main window: its controls, step panels, maps, menu and shortcuts.
+
+#include <QShortcut>
+
+#include "ArtworkFrames.h"
+#include "View/Main/MainSubView1.h"
+#include "View/Main/MainSubView2.h"
+#include "View/Main/MainView.h"
+#include "View/Main/MainViewTags.h"
+#include "View/Screen/ControlFactory.h"
+#include "View/Screen/Frames.h"
+#include "View/Screen/Pictures.h"
+#include "View/Windows/TransferProgress.h"
+
+namespace {
+
+namespace frames = Artwork::MainView;
+
+constexpr int captionLeftPad = 12;
+constexpr int captionRightPad = 32;
+// Behind the sign of a program.
+constexpr int programLeftPad = 44;
+constexpr int programRightPad = 12;
+constexpr qreal programType = 12;
+constexpr int nameType = 15;
+constexpr int nameFieldPad = 8;
+
+// The captions of the two maps by the button of the record that they show, with what that button
+// is called on the mouse.
+struct Caption {
+  const char* name;
+  const char* physicalName;
+};
+constexpr std::array<Caption, buttonCount> captionOrder{{
+    {"leftClickBtn", "Left button"},
+    {"rightBtn", "Right button"},
+    {"WhellBtn", "Wheel button"},
+    {"bomBtn2", "Thumb button 2"},
+    {"bomBtn1", "Thumb button 1"},
+    {"midleBtn1", "Middle button 1"},
+    {"midleBtn2", "Middle button 2"},
+    {"rightBtn1", "Right front button 1"},
+    {"rightBtn2", "Right front button 2"},
+    {"rightBtn3", "Right front button 3"},
+    {"leftBtn2", "Left side button 2"},
+    {"leftBtn4", "Left side button 4"},
+    {"leftBtn3", "Left side button 3"},
+    {"leftBtn1", "Left side button 1"},
+    {"WhellUpBtn", "Wheel up"},
+    {"WhellDownBtn", "Wheel down"},
+}};
+
+}  // namespace
+
+struct MainView::Control {
+  LXButton* MainView::*member;
+  const char* name;
+  int tag;
+  const char* tooltipKey;
+  QRect frame;
+  bool isCheckBox = false;
+};
+
+// In the order in which Tab goes through them.
+const std::vector<MainView::Control>& MainView::controls() {
+  static const std::vector<Control> all{
+      {&MainView::m_menuBtn, "menuBtn", TagMenu, "Menu", frameRect(frames::menuBtn)},
+      {&MainView::m_homeBtn, "homeBtn", TagHome, "Go to the Corvex NERIN register web site.",
+       frameRect(frames::homeBtn)},
+      {&MainView::m_helpBtn, "helpBtn", TagHelp, "Open the help docuement.",
+       frameRect(frames::helpBtn)},
+      {&MainView::m_closeBtn, "closeBtn", TagClose, "Close", frameRect(frames::closeBtn)},
+      {&MainView::m_goLeftBtn, "goLeftBtn", TagTopView, "Top View", frameRect(frames::goLeftBtn)},
+      {&MainView::m_goRightBtn, "goRightBtn", TagSideView, "Side View",
+       frameRect(frames::goRightBtn)},
+      {&MainView::m_currProfileBtn, "currProfileBtn", TagProfileMenu, "Select one profile.",
+       frameRect(frames::currProfileBtn)},
+      {&MainView::m_profileNewBtn, "profileNewBtn", TagNew, "Create a new profile",
+       frameRect(frames::profileNewBtn)},
+      // The tooltip is what users know this button by; it duplicates the profile.
+      {&MainView::m_profileSaveBtn, "profileSaveBtn", TagDuplicate, "Save as file",
+       frameRect(frames::profileSaveBtn)},
+      {&MainView::m_profileDelBtn, "profileDelBtn", TagDelete, "Delete a profile",
+       frameRect(frames::profileDelBtn)},
+      {&MainView::m_profileImportBtn, "profileImportBtn", TagImport, "Import profile",
+       frameRect(frames::profileImportBtn)},
+      {&MainView::m_profileExportBtn, "profileExportBtn", TagExport, "export profile",
+       frameRect(frames::profileExportBtn)},
+      {&MainView::m_normalModeBtn, "normalModeBtn", TagNormalMode,
+       "Switch to Normal LED Control Mode", frameRect(frames::normalModeBtn)},
+      {&MainView::m_battleModeBtn, "battleModeBtn", TagBattleMode, "Switch to Battle LED Mode",
+       frameRect(frames::battleModeBtn)},
+      {&MainView::m_MacroSettingBtn, "MacroSettingBtn", TagMacros, "Open Macro editor",
+       frameRect(frames::MacroSettingBtn)},
+      {&MainView::m_preformanceBtn, "preformanceBtn", TagPerformance,
+       "Advanced mouse configuration.", frameRect(frames::preformanceBtn)},
+      {&MainView::m_lightOptionBtn, "lightOptionBtn", TagLight, "LED configuration.",
+       frameRect(frames::lightOptionBtn)},
+      {&MainView::m_linkProChk, "linkProChk", TagLinkSwitch, "Enable link to program",
+       frameRect(frames::linkProChk), true},
+      {&MainView::m_linkProBtn, "linkProBtn", TagLinkProgram,
+       "Link this profile to the program you selected.", frameRect(frames::linkProBtn)},
+      {&MainView::m_reDefBtn, "reDefBtn", TagReset, "Reset this profile to system default.",
+       frameRect(frames::reDefBtn)},
+      {&MainView::m_applyBtn, "applyBtn", TagApply, "Apply", frameRect(frames::applyBtn)},
+      {&MainView::m_okBtn, "okBtn", TagOk, "Close", frameRect(frames::okBtn)},
+      {&MainView::m_cancelBtn, "cancelBtn", TagCancel, "Cancel", frameRect(frames::cancelBtn)},
+  };
+  return all;
+}
+
+void MainView::initControls() {
+  initButtons();
+  initMaps();
+  initNameField();
+  initStepPanels();
+  initMenu();
+  initShortcuts();
+  m_progressBar = new ProgressLine(this);
+  m_progressBar->setObjectName(QStringLiteral("progressBar"));
+  m_progressBar->setGeometry(frameRect(frames::progressBar));
+}
+
+void MainView::initButtons() {
+  static constexpr std::array<Artwork::Frame, slotTabs> tabFrames{
+      frames::profile1Btn, frames::profile2Btn, frames::profile3Btn, frames::profile4Btn,
+      frames::profile5Btn, frames::profile6Btn, frames::profile7Btn, frames::profile8Btn,
+      frames::profile9Btn, frames::profile10Btn};
+  for (std::size_t i = 0; i < tabFrames.size(); ++i) {
+    const auto number = std::to_string(i + 1);
+    // The tag of the last tab breaks the row; nothing is dispatched by it.
+    const int tag = i + 1 < tabFrames.size() ? TagFirstSlot + static_cast<int>(i) : TagLastSlot;
+    m_profileBtns[i] = addButton(frameRect(tabFrames[i]), tag, ("profile" + number + "Btn").c_str(),
+                                 ("Switch to profile " + number + " page.").c_str());
+  }
+  for (const Control& control : controls()) {
+    this->*control.member =
+        control.isCheckBox
+            ? addCheckBox(control.frame, control.tag, control.name, control.tooltipKey)
+            : addButton(control.frame, control.tag, control.name, control.tooltipKey);
+  }
+  // The tooltip is another button's; the picture says "OK".
+  m_okBtn->setAccessibleName(NerinAction::tooltipText("OK"));
+  m_currProfileBtn->setBtnTextAlignment(Qt::AlignLeft);
+  m_currProfileBtn->setLeftPad(captionLeftPad);
+  m_currProfileBtn->setRightPad(captionRightPad);
+  m_linkProBtn->setBtnTextAlignment(Qt::AlignLeft);
+  m_linkProBtn->setLeftPad(programLeftPad);
+  m_linkProBtn->setRightPad(programRightPad);
+  m_linkProBtn->setBtnFont(pictures::font(programType, QFont::Medium));
+}
+
+void MainView::initNameField() {
+  m_profileNameTxt = NerinAction::AddTextField(
+      frameRect(frames::profileNameTxt).adjusted(nameFieldPad, 0, -nameFieldPad, 0), *this,
+      nameType);
+  m_profileNameTxt->setObjectName(QStringLiteral("profileNameTxt"));
+  m_profileNameTxt->setAccessibleName(NerinAction::tooltipText("Profile name"));
+  m_profileNameTxt->setToolTip(m_profileNameTxt->accessibleName());
+  m_profileNameTxt->setTextColor(Qt::black);
+  m_profileNameTxt->setAction([this](LXTextField&) { onProfileTextChange(); });
+  setTabOrder(m_currProfileBtn, m_profileNewBtn);
+  setTabOrder(m_goRightBtn, m_profileNameTxt);
+  setTabOrder(m_profileNameTxt, m_currProfileBtn);
+}
+
+void MainView::initMaps() {
+  m_subView1 = new MainSubView1(this);
+  m_subView2 = new MainSubView2(this);
+  m_subView1->setObjectName(QStringLiteral("subView1"));
+  m_subView2->setObjectName(QStringLiteral("subView2"));
+  m_subView1->setGeometry(frameRect(frames::subView1));
+  m_subView2->setGeometry(frameRect(frames::subView2));
+  for (ButtonMapView* map :
+       {static_cast<ButtonMapView*>(m_subView1), static_cast<ButtonMapView*>(m_subView2)}) {
+    map->setDelegate(this);
+    map->construct();
+  }
+  for (std::size_t i = 0; i < buttonCount; ++i) {
+    m_btnArrs[i] = findChild<LXButton*>(QString::fromLatin1(captionOrder[i].name));
+  }
+}
+
+void MainView::initStepPanels() {
+  m_profileStep = new LXSetpPanelObj(this);
+  for (LXButton* tab : m_profileBtns) {
+    m_profileStep->addItem(tab);
+  }
+  m_modeStep = new LXSetpPanelObj(this);
+  m_modeStep->addItem(m_normalModeBtn);
+  m_modeStep->addItem(m_battleModeBtn);
+  m_subViewStep = new LXSetpPanelObj(this);
+  m_subViewStep->addItem(m_goLeftBtn, m_subView1);
+  m_subViewStep->addItem(m_goRightBtn, m_subView2);
+  for (LXSetpPanelObj* panel : {m_profileStep, m_modeStep, m_subViewStep}) {
+    panel->setSetpDelegate(this);
+  }
+  m_subViewStep->selectindex(1);
+}
+
+void MainView::initMenu() {
+  m_menu.addAction(NerinAction::tooltipText("About NerinOption"), this, &MainView::aboutRequested)
+      ->setObjectName(QStringLiteral("aboutMenu"));
+  m_osdMenu = m_menu.addAction(QString(), this, &MainView::osdClick);
+  m_osdMenu->setObjectName(QStringLiteral("osdMenu"));
+  m_menu.addSeparator();
+  m_menu.addAction(NerinAction::tooltipText("Web page"), this, &MainView::connectTtsSite)
+      ->setObjectName(QStringLiteral("webMenu"));
+  m_menu.addAction(NerinAction::tooltipText("Help"), this, &MainView::openHelpPro)
+      ->setObjectName(QStringLiteral("helpMenu"));
+  m_menu.addSeparator();
+  m_menu.addAction(NerinAction::tooltipText("Quit"), this, &MainView::closeAppPro)
+      ->setObjectName(QStringLiteral("quitMenu"));
+  m_menuBtn->setOpenedList(&m_menu);
+  connect(&m_menu, &QMenu::aboutToShow, this, &MainView::menuNeedsUpdate);
+}
+
+void MainView::initShortcuts() {
+  connect(new QShortcut(QKeySequence::Save, this), &QShortcut::activated, this, [this] {
+    m_profileNameTxt->commit();
+    m_applyBtn->click();
+  });
+  connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, m_helpBtn,
+          &QAbstractButton::click);
+}
+
+QString MainView::physicalButtonName(int index) {
+  return index >= 0 && index < static_cast<int>(buttonCount)
+             ? NerinAction::tooltipText(captionOrder[static_cast<std::size_t>(index)].physicalName)
+             : QString();
+}

@@ -1,0 +1,207 @@
+// The library of profiles as the main window offers it: new, duplicate, delete, import, export,
+// choose, rename, and the program that a profile is linked to.
+
+#include <algorithm>
+#include <filesystem>
+
+#include "Action/Edit/SlotOperations.h"
+#include "Action/Library/ProfieController.h"
+#include "Action/Library/ProfileMenuData.h"
+#include "Action/NerinAction.h"
+#include "Action/Record/EditState.h"
+#include "Kit/Core/LXAction.h"
+#include "Kit/Core/LXPlatform.h"
+#include "Kit/Core/Utf8.h"
+#include "Kit/Desktop/FilePanel.h"
+#include "Kit/Widgets/LXTextField.h"
+#include "View/Main/MainView.h"
+#include "View/Screen/ControlFactory.h"
+#include "View/Windows/NestedLoop.h"
+#include "View/Windows/PopDialogView.h"
+#include "View/Windows/Termination.h"
+#include "View/Windows/TransferProgress.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* tooManyProfiles = "Maximum number of profiles reached";
+constexpr const char* brokenProfile = "Profile data destruction";
+constexpr const char* replaceQuestion = "A file of this name is there already. Replace it?";
+constexpr int nameReports = 3;
+constexpr int factoryProfileCount = 10;
+
+ProfieController& library() {
+  return ProfieController::getShareProCon();
+}
+
+fs::path documentsFolder() {
+  return LXPlatform::current().homeFolder / "Documents";
+}
+
+// What the mouse can keep as a name, and a folder as the name of a file.
+bool isStorable(const std::string& name) {
+  return !name.empty() && name.size() <= NerinAction::maximumNameLength &&
+         std::all_of(name.begin(), name.end(), [](char letter) {
+           return letter >= ' ' && letter <= '~' && letter != '/' && letter != ':';
+         });
+}
+
+}  // namespace
+
+bool MainView::hasRoomForProfile() const {
+  if (library().getProfileCount() < ProfieController::maximumProfiles) {
+    return true;
+  }
+  const NestedLoop scope;
+  LXAction::showInfoMessage(tooManyProfiles);
+  return false;
+}
+
+void MainView::unbindSlot() {
+  library().setFwProfileId(-1, currentSlot());
+}
+
+// The library gets the profile with the next Apply.
+void MainView::beginProfile(const std::string& name) {
+  unbindSlot();
+  library().setCurrFWProfileName(name);
+  showName();
+  library().setCurrProfile(nullptr);
+  showTitle(std::nullopt);
+  raiseNeedSave();
+  library().saveToSys();
+}
+
+void MainView::addProfile() {
+  if (hasRoomForProfile()) {
+    beginProfile(library().getNewProfileName());
+  }
+}
+
+void MainView::copyProfile() {
+  const auto profile = library().currProfile();
+  if (!profile) {
+    NerinAction::showPopView("WarningNoItem", false);
+    return;
+  }
+  if (hasRoomForProfile()) {
+    beginProfile(library().getNewProfileNameByData(*profile));
+  }
+}
+
+void MainView::delProfile() {
+  const auto profile = library().currProfile();
+  if (!profile) {
+    return;
+  }
+  library().delProfile(profile);
+  refreshProfileMenu();
+  showTitle(std::nullopt);
+  unbindSlot();
+  library().saveToSys();
+}
+
+void MainView::extentProfile() {
+  const auto profile = library().currProfile();
+  if (!profile) {
+    NerinAction::showPopView("WarningNoItem", false);
+    return;
+  }
+  const NestedLoop scope;
+  const auto chosen = filepanel::saveFile(
+      this, {.folder = documentsFolder(), .name = profile->name().value_or("")});
+  if (!chosen || termination::isTerminating()) {
+    return;
+  }
+  fs::path path = *chosen;
+  path += ".pro";
+  std::error_code error;
+  if (fs::exists(path, error) &&
+      !LXAction::ChooseInfoMessage(NerinAction::tooltipText(replaceQuestion).toStdString())) {
+    return;
+  }
+  if (profile->saveToPath(path)) {
+    LXAction::showInfoMessage(
+        NerinAction::tooltipText("The file could not be written.").toStdString());
+  }
+}
+
+void MainView::importProfile() {
+  const NestedLoop scope;
+  const auto chosen =
+      filepanel::openFile(this, {.folder = documentsFolder(), .patterns = {"*.pro", "*.PRO"}});
+  if (termination::isTerminating()) {
+    return;
+  }
+  if (chosen) {
+    switch (library().addByPath(*chosen, true)) {
+      case ProfieController::Added:
+        refreshProfileMenu();
+        break;
+      case ProfieController::NoFile:
+        LXAction::showInfoMessage(brokenProfile);
+        break;
+      case ProfieController::NameTaken:
+        break;
+    }
+  }
+  library().saveToSys();
+}
+
+void MainView::onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) {
+  if (&list != m_profileList.get()) {
+    return;
+  }
+  const auto entry = std::dynamic_pointer_cast<ProfileMenuData>(selNode->nodeData());
+  if (!entry) {
+    return;
+  }
+  setSelectedProfileProById(static_cast<std::uint64_t>(entry->profileId()), entry->profileName());
+  raiseNeedSave();
+}
+
+void MainView::setSelectedProfileProById(std::uint64_t profileId,
+                                         const std::optional<std::string>& name) {
+  NerinAction::bindSlot(profileId);
+  fillSettingData();
+  showTitle(name);
+}
+
+bool MainView::checkProfileName(const std::string& name) {
+  const std::string lower = utf8::lowercased(name);
+  for (int number = 1; number <= factoryProfileCount; ++number) {
+    if (lower == "profile#" + std::to_string(number)) {
+      return false;
+    }
+  }
+  return library().checkProfileName(lower, library().currProfile());
+}
+
+void MainView::reNamePro() {
+  const std::string name = m_profileNameTxt->text().toStdString();
+  const int slot = currentSlot();
+  const bool isSlot = slot >= 0 && slot < ProfieController::slotCount;
+  if (isSlot && isStorable(name) && checkProfileName(name)) {
+    const TransferProgress progress(m_progressBar, nameReports);
+    library().setCurrFWProfileName(name);
+    settleName();
+    NerinAction::setFWProfileName(static_cast<std::uint8_t>(slot), library().currFWProfileName());
+    library().saveCurrFWProfileToList();
+    showTitle(library().currFWProfileName());
+    refreshProfileMenu();
+    library().saveToSys();
+  }
+  showName();
+}
+
+void MainView::showLaunchPro() {
+  const NestedLoop scope;
+  const auto chosen = filepanel::openProgram(this);
+  if (!chosen || termination::isTerminating()) {
+    return;
+  }
+  library().setCurrActivePath(chosen->string());
+  showLinkPath();
+  raiseNeedSave();
+}

@@ -1,0 +1,221 @@
+#include "View/Screen/Pictures.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QFont>
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QImageReader>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QPainter>
+#include <algorithm>
+#include <future>
+#include <map>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "Action/Texts/TooltipManager.h"
+#include "Kit/Core/LXPlatform.h"
+
+namespace {
+
+constexpr qreal pointsPerInch = 72;
+// Smaller than this nobody reads; then the words are cut short.
+constexpr int smallestType = 8;
+
+QString pathOf(const QString& fileName) {
+  return QString::fromStdString(LXPlatform::current().resourceFolder.string()) + u'/' + fileName;
+}
+
+// The file for the screen that the program is on.
+QString scaledPathOf(const QString& path) {
+  if (qGuiApp != nullptr && qGuiApp->devicePixelRatio() > 1) {
+    const qsizetype dot = path.lastIndexOf(u'.');
+    QString fine = path.left(dot) + QStringLiteral("@2x") + path.mid(dot);
+    if (QFileInfo::exists(fine)) {
+      return fine;
+    }
+  }
+  return path;
+}
+
+// In the form in which pictures are drawn, so that they need not be converted for it.
+QImage readNow(const QString& scaledPath) {
+  QImage image = QImageReader(scaledPath).read();
+  if (image.isNull()) {
+    return image;
+  }
+  image.convertTo(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                          : QImage::Format_RGB32);
+  image.setDevicePixelRatio(scaledPath.contains(u"@2x.") ? 2 : 1);
+  return image;
+}
+
+std::map<QString, std::future<QImage>>& prefetched() {
+  static std::map<QString, std::future<QImage>> images;
+  return images;
+}
+
+QImage read(const QString& path) {
+  const QString scaledPath = scaledPathOf(path);
+  auto found = prefetched().extract(scaledPath);
+  return found ? found.mapped().get() : readNow(scaledPath);
+}
+
+std::map<QString, QJsonObject>& loadedWords() {
+  static std::map<QString, QJsonObject> words;
+  return words;
+}
+
+// The words of one drawing. Only those of the screens that were shown are kept.
+const QJsonObject& wordsOf(const QString& screen) {
+  auto& words = loadedWords();
+  const auto found = words.find(screen);
+  if (found != words.end()) {
+    return found->second;
+  }
+  QFile file(pathOf(QStringLiteral("ArtworkWords.json")));
+  const QJsonObject all = file.open(QIODevice::ReadOnly)
+                              ? QJsonDocument::fromJson(file.readAll()).object()
+                              : QJsonObject();
+  return words[screen] = all[screen].toObject();
+}
+
+// What a word says in the user's language.
+QString textOf(const QJsonObject& word) {
+  const QString key = word[u"key"].toString();
+  if (!key.isEmpty()) {
+    if (const auto text = TooltipManager::shareTooltipManager().getTooltip(key.toStdString())) {
+      return QString::fromStdString(*text);
+    }
+  }
+  return word[u"text"].toString();
+}
+
+QColor colorOf(const QJsonObject& word, const QString& state) {
+  const QJsonObject colors = word[u"colors"].toObject();
+  return {colors[colors.contains(state) ? state : QStringLiteral("Normal")].toString()};
+}
+
+Qt::Alignment alignmentOf(const QJsonObject& word) {
+  const QString name = word[u"align"].toString();
+  if (name == u"center") {
+    return Qt::AlignHCenter | Qt::AlignVCenter;
+  }
+  if (name == u"right") {
+    return Qt::AlignRight | Qt::AlignVCenter;
+  }
+  // A paragraph begins at its top, however many lines it has.
+  return Qt::AlignLeft | (word[u"wrap"].toBool() ? Qt::AlignTop : Qt::AlignVCenter);
+}
+
+bool fits(const QFontMetricsF& metrics, const QString& text, const QRectF& room, int flags) {
+  if ((flags & Qt::TextSingleLine) != 0) {
+    return metrics.horizontalAdvance(text) <= room.width();
+  }
+  const QRectF needed = metrics.boundingRect(room, flags, text);
+  return needed.width() <= room.width() && needed.height() <= room.height();
+}
+
+// Other languages need more room than there may be: the type shrinks until the words fit.
+QFont fittingFont(const QPixmap& picture, const QJsonObject& word, const QString& text,
+                  const QRectF& room, int flags) {
+  const auto weight = word[u"fontWeight"].toInt(QFont::Normal);
+  QFont font;
+  // In halves of a pixel.
+  for (int size = qRound(word[u"fontSize"].toDouble() * 2); size >= smallestType * 2; --size) {
+    font = pictures::font(size / 2.0, weight);
+    if (fits(QFontMetricsF(font, &picture), text, room, flags)) {
+      break;
+    }
+  }
+  return font;
+}
+
+void drawWord(QPainter& painter, const QPixmap& picture, const QJsonObject& word,
+              const QString& state) {
+  const QRectF room(word[u"x"].toDouble(), word[u"y"].toDouble(), word[u"width"].toDouble(),
+                    word[u"height"].toDouble());
+  const bool wraps = word[u"wrap"].toBool();
+  const int flags =
+      static_cast<int>(alignmentOf(word)) | (wraps ? Qt::TextWordWrap : Qt::TextSingleLine);
+  QString text = textOf(word);
+  painter.setPen(colorOf(word, state));
+  // The drawing has room for its own words.
+  if (!wraps && text == word[u"text"].toString()) {
+    painter.setFont(
+        pictures::font(word[u"fontSize"].toDouble(), word[u"fontWeight"].toInt(QFont::Normal)));
+    painter.drawText(room, flags, text);
+    return;
+  }
+  const QFont font = fittingFont(picture, word, text, room, flags);
+  const QFontMetricsF metrics(font, &picture);
+  if (!wraps && !fits(metrics, text, room, flags)) {
+    text = metrics.elidedText(text, Qt::ElideRight, room.width());
+  }
+  painter.setFont(font);
+  painter.drawText(room, flags, text);
+}
+
+QPixmap loadNow(const QString& path, const QString& screen, const QString& state) {
+  QPixmap picture = QPixmap::fromImage(read(path));
+  const QJsonObject& drawing = wordsOf(screen);
+  const QJsonArray words = drawing[u"words"].toArray();
+  // A picture without a state stands alone; other names behind the "_" are pictures of their own.
+  const bool isOfDrawing = state.isEmpty() || drawing[u"states"].toArray().contains(state);
+  if (picture.isNull() || words.isEmpty() || !isOfDrawing) {
+    return picture;
+  }
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::TextAntialiasing);
+  for (const auto& word : words) {
+    drawWord(painter, picture, word.toObject(), state);
+  }
+  return picture;
+}
+
+}  // namespace
+
+LXImage pictures::load(const QString& fileName) {
+  const QString path = pathOf(fileName);
+  if (fileName.isEmpty() || !QFileInfo::exists(path)) {
+    return {};
+  }
+  const QString stem = QFileInfo(fileName).completeBaseName();
+  const qsizetype underscore = stem.indexOf(u'_');
+  const QString screen = stem.left(underscore < 0 ? stem.size() : underscore);
+  const QString state = underscore < 0 ? QString() : stem.mid(underscore + 1);
+  return LXImage([path, screen, state] { return loadNow(path, screen, state); });
+}
+
+void pictures::prefetch(const QStringList& fileNames) {
+  std::vector<std::pair<QString, std::promise<QImage>>> wanted;
+  for (const QString& fileName : fileNames) {
+    const QString path = scaledPathOf(pathOf(fileName));
+    wanted.emplace_back(path, std::promise<QImage>());
+    prefetched()[path] = wanted.back().second.get_future();
+  }
+  // One after the other, so that the window is not kept from its processor.
+  static std::future<void> reader;
+  reader = std::async(std::launch::async, [images = std::move(wanted)]() mutable {
+    for (auto& [path, image] : images) {
+      image.set_value(readNow(path));
+    }
+  });
+}
+
+QFont pictures::font(qreal pixels, int weight) {
+  QFont font;
+  font.setFamilies({QStringLiteral("Inter"), font.family()});
+  // Type sizes are halves of a pixel, which Qt takes only in points.
+  font.setPointSizeF(pixels * pointsPerInch / QPixmap(1, 1).logicalDpiY());
+  font.setWeight(static_cast<QFont::Weight>(weight));
+  return font;
+}
+
+void pictures::releaseWords() {
+  loadedWords().clear();
+}

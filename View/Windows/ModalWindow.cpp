@@ -1,0 +1,39 @@
+#include "View/Windows/ModalWindow.h"
+
+#include <QEventLoop>
+#include <QPointer>
+
+#include "View/Windows/ChildView.h"
+#include "View/Windows/LocalNotifications.h"
+
+ModalWindow::ModalWindow(ChildView* view, int dragHeight, const QString& title, QWidget* over)
+    : LXNoTitleWindow(view->size(), over), m_view(view) {
+  setWindowTitle(title);
+  setWindowModality(Qt::WindowModal);
+  setIsCanDrag(dragHeight > 0);
+  setDragHeight(dragHeight);
+  setClosesOnEscape(true);
+  setContentView(view);
+  center(over);
+}
+
+int ModalWindow::run() {
+  QEventLoop loop;
+  connect(m_view, &ChildView::ended, &loop, &QEventLoop::quit);
+  connect(this, &LXNoTitleWindow::closed, &loop, &QEventLoop::quit);
+  // The window under this one goes with the mouse, and would take this one with it.
+  LocalNotifications::shared().observe(NerinAction::notifyOutPlus, &loop, [&loop] { loop.quit(); });
+  const QPointer<ModalWindow> self = this;
+  show();
+  loop.exec();
+  if (!self) {
+    return 0;
+  }
+  hide();
+  return m_view->endTag();
+}
+
+void ModalWindow::closeEvent(QCloseEvent* event) {
+  m_view->windowCloses();
+  LXNoTitleWindow::closeEvent(event);
+}

@@ -1,0 +1,158 @@
+#include "View/Windows/PopDialogView.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QKeyEvent>
+#include <utility>
+
+#include "Action/Texts/TooltipManager.h"
+#include "ArtworkFrames.h"
+#include "Kit/Core/LXAction.h"
+#include "Kit/Widgets/LXNoTitleWindow.h"
+#include "View/Screen/ControlFactory.h"
+#include "View/Screen/Frames.h"
+#include "View/Windows/NestedLoop.h"
+#include "View/Windows/Termination.h"
+
+namespace {
+
+namespace frames = Artwork::WarningNoDevice;
+constexpr QSize dialogSize(frames::screenWidth, frames::screenHeight);
+constexpr int dragStrip = 50;
+
+std::function<bool(const std::string&, bool)>& answererInUse() {
+  static std::function<bool(const std::string&, bool)> answerer;
+  return answerer;
+}
+
+// Who hears the button and who sees it call it the same.
+void setDrawnName(LXButton& button, const std::string& key) {
+  button.setAccessibleName(
+      QString::fromStdString(TooltipManager::shareTooltipManager().getTooltip(key).value_or(key)));
+}
+
+}  // namespace
+
+PopDialogView::PopDialogView(const QSize& frame, std::string imageNameStr,
+                             std::optional<std::string> showStr, bool isChoose)
+    : TavImageView(frame),
+      m_imageNameStr(std::move(imageNameStr)),
+      m_showStr(std::move(showStr)),
+      m_isChoose(isChoose) {}
+
+void PopDialogView::initData2() {
+  setImageByName(QString::fromStdString(m_imageNameStr) + QStringLiteral("_Normal.png"));
+  // The words are part of the picture, which nobody hears.
+  setAccessibleName(QString::fromStdString(
+      LXAction::getNonullStr(TooltipManager::shareTooltipManager().getTooltip(m_imageNameStr))));
+  setAccessibleDescription(QString::fromStdString(LXAction::getNonullStr(
+      TooltipManager::shareTooltipManager().getTooltip(m_imageNameStr + "Detail"))));
+}
+
+void PopDialogView::initControls2() {
+  m_inPutTxt = NerinAction::AddLabTextField(frameRect(frames::inPutTxt), *this);
+  m_inPutTxt->setObjectName(QStringLiteral("inPutTxt"));
+  // A button that stands alone stands where the second of two does.
+  addOkBtnByRect(frameRect(m_isChoose ? frames::okBtn : Artwork::WarningBattle::okBtn));
+  if (m_isChoose) {
+    addCancelBtnByRect(frameRect(frames::cancelBtn));
+  }
+  fillSettingData();
+}
+
+void PopDialogView::addOkBtnByRect(const QRect& rect) {
+  m_okBtn = addButton(rect, okTag, "okBtn", "YES");
+  setDrawnName(*m_okBtn, "OK");
+}
+
+void PopDialogView::addCancelBtnByRect(const QRect& rect) {
+  m_cancelBtn = addButton(rect, cancelTag, "cancelBtn", "NO");
+  setDrawnName(*m_cancelBtn, "Cancel");
+}
+
+void PopDialogView::setTextRect(const QRect& rect) {
+  m_inPutTxt->setGeometry(rect);
+}
+
+void PopDialogView::setOkBtnRect(const QRect& rect) {
+  m_okBtn->setGeometry(rect);
+}
+
+void PopDialogView::setCancelBtnRect(const QRect& rect) {
+  if (m_cancelBtn != nullptr) {
+    m_cancelBtn->setGeometry(rect);
+  }
+}
+
+void PopDialogView::fillSettingData() {
+  m_inPutTxt->setText(QString::fromStdString(m_showStr.value_or("")));
+}
+
+void PopDialogView::buttonAction(LXButton& sender) {
+  if (sender.tag() == okTag || sender.tag() == cancelTag) {
+    emit ended(sender.tag() == okTag ? 1 : 0);
+  }
+}
+
+void PopDialogView::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      emit ended(1);
+      return;
+    case Qt::Key_Escape:
+      emit ended(m_isChoose ? 0 : 1);
+      return;
+    default:
+      TavImageView::keyPressEvent(event);
+  }
+}
+
+QWidget* NerinAction::messageOwner() {
+  if (QWidget* modal = QApplication::activeModalWidget()) {
+    return modal;
+  }
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (window->isVisible() && qobject_cast<LXNoTitleWindow*>(window) != nullptr) {
+      return window;
+    }
+  }
+  return nullptr;
+}
+
+bool NerinAction::showPopView(const std::string& key, bool isChoose) {
+  if (termination::isTerminating()) {
+    return !isChoose;
+  }
+  const NestedLoop scope;
+  if (answererInUse()) {
+    return answererInUse()(key, isChoose);
+  }
+  QWidget* parent = messageOwner();
+  LXNoTitleWindow window(dialogSize, parent);
+  window.setIsCanDrag(true);
+  window.setDragHeight(dragStrip);
+  window.setWindowModality(Qt::WindowModal);
+  auto* view = new PopDialogView(dialogSize, key, std::nullopt, isChoose);
+  view->construct();
+  window.setWindowTitle(QCoreApplication::applicationName());
+  window.setAccessibleName(view->accessibleName());
+  window.setAccessibleDescription(view->accessibleDescription());
+  window.setContentView(view);
+  int code = 0;
+  QEventLoop loop;
+  QObject::connect(view, &PopDialogView::ended, &loop, [&](int endCode) {
+    code = endCode;
+    loop.quit();
+  });
+  QObject::connect(&window, &LXNoTitleWindow::closed, &loop, &QEventLoop::quit);
+  window.center(parent);
+  window.show();
+  view->okBtn()->showFocus();
+  loop.exec();
+  return !isChoose || code != 0;
+}
+
+void NerinAction::setPopViewAnswerer(std::function<bool(const std::string&, bool)> answerer) {
+  answererInUse() = std::move(answerer);
+}
