@@ -5,6 +5,7 @@
 #include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Device/DeviceLink.h"
 #include "Action/Device/DeviceSettings.h"
+#include "Action/Device/SlotTransfer.h"
 #include "Action/Edit/SlotOperations.h"
 #include "Action/Library/SupportFolder.h"
 #include "Action/Service/DaemonMessages.h"

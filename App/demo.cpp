@@ -23,7 +23,7 @@ int run(QApplication& application) {
   platform.bundleIdentifier = "com.corvex.NerinOptionDemo";
   LXPlatform::install(platform);
   NerinAction::getSysPath();
-  const auto mouse = std::make_shared<VirtualMouse>(std::filesystem::path(sysPath) / "mouse");
+  const auto mouse = std::make_shared<VirtualMouse>(std::filesystem::path(*sysPath) / "mouse");
   platform.deviceRequester = std::make_shared<VirtualDeviceRequester>(mouse);
   LXPlatform::install(platform);
   // Two owners, and the centre would not flush at the end.

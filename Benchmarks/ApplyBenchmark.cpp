@@ -20,7 +20,7 @@ using Clock = std::chrono::steady_clock;
 void giveEveryButtonAMacro() {
   NerinAction::initMenuList();
   NerinAction::refreshMenuList();
-  for (_BTN_INFO& button : selProfile.btnInfo) {
+  for (_BTN_INFO& button : editState->selProfile().btnInfo) {
     const auto macro = NerinAction::addMacorByName(NerinAction::getNewMacroName());
     for (int i = 0; i < 40; ++i) {
       macro->keyInfoArr().push_back(std::make_shared<MacroKeyInfo>(i / 2, i % 2, 10));
@@ -49,15 +49,15 @@ void applySlot(benchmark::State& state) {
   BenchmarkHome::fillLibrary(50);
   BenchmarkHome::loadLibrary();
   NerinAction::startListenDev();
-  NerinAction::loadSlot(0);
+  static_cast<void>(NerinAction::loadSlot(0));
   giveEveryButtonAMacro();
   stated = {};
   Clock::duration taken{};
   for (auto iteration : state) {
     static_cast<void>(iteration);
-    selProfile.poRate = (selProfile.poRate + 1) % 4;
+    editState->edit().poRate = (editState->selProfile().poRate + 1) % 4;
     const auto begin = Clock::now();
-    if (NerinAction::applySlot()) {
+    if (!NerinAction::applySlot().isDone()) {
       state.SkipWithError("the library was not saved");
       break;
     }

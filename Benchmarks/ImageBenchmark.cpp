@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr auto noMacro = [](int) { return false; };
-
 // The factory profile of the first slot: mouse buttons, keys, DPI functions.
 _Nerin_PROFILE factoryRecord() {
   return BenchmarkHome::loadLibrary().defaultProfile()->profileData();
@@ -19,7 +17,7 @@ void encodeImage(benchmark::State& state) {
   const _Nerin_PROFILE record = factoryRecord();
   for (auto iteration : state) {
     static_cast<void>(iteration);
-    benchmark::DoNotOptimize(NerinAction::encodeProfileImage(0, record, noMacro));
+    benchmark::DoNotOptimize(NerinAction::encodeProfileImage(0, record, {}));
   }
   state.SetLabel("at most 2 us");
 }
@@ -28,11 +26,12 @@ BENCHMARK(encodeImage);
 void decodeImage(benchmark::State& state) {
   const BenchmarkHome home;
   NerinAction::initMenuList();
-  const auto image = NerinAction::encodeProfileImage(0, factoryRecord(), noMacro);
+  const auto image = NerinAction::encodeProfileImage(0, factoryRecord(), {});
   _Nerin_PROFILE record{};
   for (auto iteration : state) {
     static_cast<void>(iteration);
-    NerinAction::decodeProfileImage(image, record, [](int) {});
+    benchmark::DoNotOptimize(
+        NerinAction::decodeProfileImage(image, record, NerinAction::singleFunctionIdOf));
     benchmark::DoNotOptimize(record);
   }
 }

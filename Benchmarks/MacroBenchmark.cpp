@@ -1,5 +1,6 @@
 #include <benchmark/benchmark.h>
 
+#include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Wire/MacroImage.h"
 
 namespace {
@@ -22,15 +23,16 @@ void encodeMacro(benchmark::State& state) {
   const MacroInfo macro = macroOf(static_cast<int>(state.range(0)));
   for (auto iteration : state) {
     static_cast<void>(iteration);
-    benchmark::DoNotOptimize(NerinAction::encodeMacroReport(0, runsOnce, macro));
+    benchmark::DoNotOptimize(
+        NerinAction::encodeMacroReport(0, NerinAction::streamOf(macro, runsOnce)));
   }
   state.SetLabel("1000 events at most 20 us");
 }
 BENCHMARK(encodeMacro)->Arg(40)->Arg(1000);
 
 void decodeMacro(benchmark::State& state) {
-  auto report =
-      NerinAction::encodeMacroReport(0, runsOnce, macroOf(static_cast<int>(state.range(0))));
+  auto report = NerinAction::encodeMacroReport(
+      0, NerinAction::streamOf(macroOf(static_cast<int>(state.range(0))), runsOnce));
   report[0] = 0xB0;
   for (auto iteration : state) {
     static_cast<void>(iteration);

@@ -62,12 +62,13 @@ bool isKept(const NerinAction::MacroStreamEvent& event) {
          NerinAction::GetFWKeyCode(NerinAction::GetKeyCodeByFW(event.code)) == event.code;
 }
 
-void readMacro(int slot, int index, _BTN_INFO& button, SlotBackup& backup,
-               std::vector<std::string>& notes) {
-  const auto stream = NerinAction::readMacroStream(static_cast<std::uint8_t>(slot), index);
+Outcome readMacro(int slot, int index, _BTN_INFO& button, SlotBackup& backup,
+                  std::vector<std::string>& notes) {
+  const auto [outcome, stream] =
+      NerinAction::readMacroStream(static_cast<std::uint8_t>(slot), index);
   if (!stream) {
     notes.push_back(place(slot, index) + ": the mouse holds no macro for it");
-    return;
+    return outcome;
   }
   // The parameters of the image stay where they say the same, so that they come back to the byte.
   std::uint8_t type = 0;
@@ -82,22 +83,32 @@ void readMacro(int slot, int index, _BTN_INFO& button, SlotBackup& backup,
     notes.push_back(place(slot, index) + ": its macro has keys that a macro file cannot name");
   }
   backup.macros[index] = macroOf(*stream);
+  return outcome;
 }
 
-SlotBackup readSlot(int slot, std::vector<std::string>& notes) {
+NerinAction::ReadResult<SlotBackup> readSlotBackup(int slot, std::vector<std::string>& notes) {
   const auto number = static_cast<std::uint8_t>(slot);
-  SlotBackup backup;
-  const auto name = NerinAction::getFWProfileName(number);
+  NerinAction::ReadResult<SlotBackup> result;
+  SlotBackup& backup = result.value;
+  const auto [nameOutcome, name] = NerinAction::getFWProfileName(number);
+  result.outcome += nameOutcome;
   if (!name) {
     notes.push_back("slot " + std::to_string(slot + 1) + ": its name is not ASCII and is left out");
   }
   backup.profile.setName(name.value_or(""));
   _Nerin_PROFILE record{};
-  NerinAction::decodeProfileImage(NerinAction::readProfileImage(number), record, [&](int index) {
-    readMacro(slot, index, record.btnInfo[index], backup, notes);
-  });
+  const auto [imageOutcome, image] = NerinAction::readProfileImage(number);
+  result.outcome += imageOutcome;
+  const auto macros =
+      NerinAction::decodeProfileImage(image, record, NerinAction::singleFunctionIdOf);
+  for (std::size_t index = 0; index < buttonCount; ++index) {
+    if (macros[index]) {
+      result.outcome +=
+          readMacro(slot, static_cast<int>(index), record.btnInfo[index], backup, notes);
+    }
+  }
   backup.profile.setProfileData(record);
-  return backup;
+  return result;
 }
 
 std::vector<durable::FolderEntry> filesOf(int slot, SlotBackup& backup) {
@@ -145,14 +156,16 @@ void backup(Session& session, const std::string& folder) {
   std::vector<durable::FolderEntry> files;
   std::vector<std::string> notes;
   std::size_t macros = 0;
+  Outcome outcome;
   for (int slot = 0; slot < ProfieController::slotCount; ++slot) {
-    SlotBackup slotBackup = readSlot(slot, notes);
+    auto [slotOutcome, slotBackup] = readSlotBackup(slot, notes);
+    outcome += slotOutcome;
     macros += slotBackup.macros.size();
     for (auto& file : filesOf(slot, slotBackup)) {
       files.push_back(std::move(file));
     }
   }
-  session.checkTransfers();
+  session.require(outcome);
   writeFiles(folder, files);
   std::vector<std::string> lines{"10 slots and " + std::to_string(macros) + " macros are in " +
                                  printable(folder)};
@@ -195,7 +208,7 @@ std::unique_ptr<SlotBackup> loadSlotBackup(const fs::path& folder, int slot) {
 
 // The macros join the catalogue for this run only, hidden, so that the slot's buttons can name
 // them.
-void writeSlotBackup(int slot, const SlotBackup& backup) {
+Outcome writeSlotBackup(int slot, const SlotBackup& backup) {
   _Nerin_PROFILE record = backup.profile.profileData();
   for (_BTN_INFO& button : record.btnInfo) {
     if (playsMacro(button)) {
@@ -205,14 +218,15 @@ void writeSlotBackup(int slot, const SlotBackup& backup) {
   for (const auto& [index, macro] : backup.macros) {
     macro->setMacroId(NerinAction::getNewMacorId());
     macro->setIsNoDisplay(true);
-    NerinAction::macroListArrs.push_back(macro);
+    NerinAction::macroStore->macroListArrs.push_back(macro);
     record.btnInfo[index].MacroID = static_cast<std::uint32_t>(macro->macroId());
   }
   const auto number = static_cast<std::uint8_t>(slot);
-  currFWProfile = record;
-  NerinAction::setFWProfileName(number, backup.profile.name());
-  NerinAction::setFWProfileDataPro(number);
-  NerinAction::refreshDeviceData();
+  editState->currFWProfile() = record;
+  Outcome outcome = NerinAction::setFWProfileName(number, backup.profile.name());
+  outcome += NerinAction::setFWProfileDataPro(number);
+  outcome += NerinAction::refreshDeviceData();
+  return outcome;
 }
 
 std::vector<std::string> missingMacros(int slot, const SlotBackup& backup) {
@@ -246,12 +260,13 @@ void restore(Session& session, const std::string& folder) {
   session.openMouse();
   session.showProgress(macros);
   std::vector<std::string> notes;
+  Outcome outcome;
   for (const auto& [slot, slotBackup] : slots) {
-    writeSlotBackup(slot, *slotBackup);
+    outcome += writeSlotBackup(slot, *slotBackup);
     const auto missing = missingMacros(slot, *slotBackup);
     notes.insert(notes.end(), missing.begin(), missing.end());
   }
-  session.checkTransfers();
+  session.require(outcome);
   NerinAction::sendMessageToDaemon(NerinAction::MessageProfileApplied);
   std::vector<std::string> lines{std::to_string(slots.size()) + " slots and " +
                                  std::to_string(macros) + " macros are on the mouse again"};

@@ -7,23 +7,9 @@
 
 #include <unistd.h>
 
+#include "Action/Library/ProfileNames.h"
 #include "Action/NerinAction.h"
 #include "CommandLine/CommandError.h"
-#include "Kit/Core/Utf8.h"
-
-namespace {
-
-bool isFactoryName(const std::string& name) {
-  const std::string lower = utf8::lowercased(name);
-  for (int n = 1; n <= ProfieController::slotCount; ++n) {
-    if (lower == "profile#" + std::to_string(n)) {
-      return true;
-    }
-  }
-  return false;
-}
-
-}  // namespace
 
 CLI::App* addCommand(CLI::App& parent, const std::string& name, const std::string& description,
                      const std::string& example) {
@@ -61,15 +47,12 @@ void require(const std::error_code& error, const std::string& what) {
 
 void requireProfileName(const ProfieController& library, const std::string& name,
                         const ProfieController::Profile& profile) {
-  const bool isPrintable = std::all_of(name.begin(), name.end(), [](char byte) {
-    return byte >= 0x20 && byte < 0x7F && byte != '/' && byte != ':';
-  });
-  if (name.empty() || name.size() > NerinAction::maximumNameLength || !isPrintable) {
+  if (!profilenames::isStorable(name)) {
     throw CommandError(ExitCode::Usage,
                        "a profile's name has 1 to 65 ASCII characters, as the mouse keeps it, and "
                        "neither / nor :");
   }
-  if (isFactoryName(name)) {
+  if (profilenames::isFactoryName(name)) {
     throw CommandError(ExitCode::Failed, name + " is the name of a factory profile");
   }
   if (!library.checkProfileName(name, profile)) {
@@ -101,8 +84,9 @@ ProfieController::Profile profileInFile(const std::string& path) {
 }
 
 int activeSlotOf(Session& session) {
-  const int slot = NerinAction::getProfileIndexByDevice();
-  session.checkTransfers();
+  const auto active = NerinAction::getProfileIndexByDevice();
+  session.require(active.outcome);
+  const int slot = active.value;
   if (slot >= ProfieController::slotCount) {
     throw CommandError(ExitCode::Failed, "the mouse is on a slot that it does not have");
   }

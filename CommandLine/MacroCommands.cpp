@@ -2,9 +2,10 @@
 #include <memory>
 
 #include "Action/NerinAction.h"
+#include "Action/Record/Limits.h"
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
-#include "CommandLine/Descriptions.h"
+#include "CommandLine/RecordOutput.h"
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/Utf8.h"
 
@@ -44,8 +45,8 @@ void list(Session& session) {
   session.openLibraryWithMacros();
   std::vector<std::vector<std::string>> rows;
   Json document = Json::array();
-  for (const auto& macro : NerinAction::macroListArrs) {
-    rows.push_back({std::to_string(macro->macroId()), macroTitle(*macro),
+  for (const auto& macro : NerinAction::macroStore->macroListArrs) {
+    rows.push_back({std::to_string(macro->macroId()), printable(descriptions::macroTitle(*macro)),
                     std::to_string(macro->keyInfoArr().size()) + " events"});
     document.push_back(summary(*macro));
   }
@@ -55,7 +56,7 @@ void list(Session& session) {
 void show(Session& session, const std::string& name) {
   session.openLibraryWithMacros();
   const auto macro = macroNamed(name);
-  session.output.print(describe(*macro), asJson(*macro));
+  session.output.print(linesOf(descriptions::describe(*macro)), asJson(*macro));
 }
 
 void import(Session& session, const std::string& file) {
@@ -67,14 +68,14 @@ void import(Session& session, const std::string& file) {
   }
   const std::string name = std::filesystem::path(file).stem().string();
   requireMacroName(name);
-  if (NerinAction::macroNode->children().size() >= NerinAction::maximumMacros) {
+  if (NerinAction::macroStore->macroNode->children().size() >= limits::macros) {
     throw CommandError(ExitCode::Failed, "Maximum number of macros reached");
   }
   // A script goes on with the macro by its id, and a hidden one would be lost at once.
   macro->setNameStr(name);
   macro->setMacroId(NerinAction::getNewMacorId());
   macro->setIsNoDisplay(false);
-  NerinAction::macroListArrs.push_back(macro);
+  NerinAction::macroStore->macroListArrs.push_back(macro);
   save();
   session.output.print({"imported " + printable(name)}, summary(*macro));
 }
@@ -100,7 +101,7 @@ void rename(Session& session, const std::string& oldName, const std::string& new
 void remove(Session& session, const std::string& name) {
   session.openLibraryWithMacros();
   const auto macro = macroNamed(name);
-  std::erase(NerinAction::macroListArrs, macro);
+  std::erase(NerinAction::macroStore->macroListArrs, macro);
   save();
   session.output.print({"deleted " + printable(name)}, summary(*macro));
 }

@@ -3,7 +3,7 @@
 
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
-#include "CommandLine/Descriptions.h"
+#include "CommandLine/RecordOutput.h"
 
 namespace {
 
@@ -14,7 +14,7 @@ Json summary(const ProfileValue& profile) {
 }
 
 void requireRoom(const ProfieController& library) {
-  if (library.getProfileCount() >= ProfieController::maximumProfiles) {
+  if (library.getProfileCount() >= limits::profiles) {
     throw CommandError(ExitCode::Failed, "Maximum number of profiles reached");
   }
 }
@@ -107,12 +107,13 @@ void show(Session& session, const std::string& nameOrFile) {
       {"linked program", profile->isActiveApp() ? printable(profile->activeAppPath().value_or(""))
                                                 : std::string("none")},
   });
-  const auto words = describe(profile->profileData(), RecordSource::Library);
+  const auto words =
+      linesOf(descriptions::describe(profile->profileData(), descriptions::RecordSource::Library));
   lines.insert(lines.end(), words.begin(), words.end());
   Json document = summary(*profile);
   document["linkActive"] = profile->isActiveApp();
   document["linkedProgram"] = profile->activeAppPath().value_or("");
-  document.update(asJson(profile->profileData(), RecordSource::Library));
+  document.update(asJson(profile->profileData(), descriptions::RecordSource::Library));
   session.output.print(lines, document);
 }
 

@@ -61,7 +61,7 @@ std::shared_ptr<LXDeviceRequester> virtualMouse(const SessionOptions& options) {
 
 Session::~Session() {
   // The platform refers to this session, and the bus must be gone before Qt's own globals are.
-  NerinAction::sysDeviceReq.reset();
+  NerinAction::sysDeviceReq->reset();
   LXPlatform::install({});
 }
 
@@ -171,9 +171,20 @@ void Session::openMouse() {
                                                    : "the virtual mouse is not plugged in");
 }
 
-void Session::checkTransfers() {
-  if (m_failedTransfers == 0) {
+void Session::require(const Outcome& outcome) {
+  const auto& failure = outcome.failure();
+  if (!failure) {
     return;
+  }
+  if (failure->step == SlotStep::SaveLibrary) {
+    throw CommandError(ExitCode::Failed,
+                       "the mouse has the profile, but the library could not be "
+                       "saved: " +
+                           failure->error.message());
+  }
+  if (failure->step == SlotStep::SavePreferences) {
+    throw CommandError(ExitCode::Failed,
+                       "done, but the linked program could not be stored in the preferences");
   }
   if (!NerinAction::checkListenDev()) {
     throw CommandError(ExitCode::NoMouse, "the mouse went away before everything was done");

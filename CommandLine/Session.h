@@ -7,6 +7,7 @@
 #include <string>
 
 #include "Action/Library/ProfieController.h"
+#include "Action/Record/Outcome.h"
 #include "CommandLine/Output.h"
 #include "Kit/Core/FileLock.h"
 #include "Kit/Core/LXDeviceRequester.h"
@@ -41,8 +42,8 @@ class Session {
   ProfieController& openLibraryWithMacros();
   // Waits for nothing: throws CommandError with what was looked for when the mouse is not there.
   void openMouse();
-  // Throws CommandError when a transfer of this run failed or came back short.
-  void checkTransfers();
+  // Throws CommandError, with what it means for the user, when the operation failed.
+  void require(const Outcome& outcome);
   // To be called when the command is done. Throws CommandError when the trace is not whole.
   void end();
   // Says on a terminal what long report is being written; `macros` of them are macros.

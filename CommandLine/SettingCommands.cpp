@@ -8,14 +8,10 @@
 #include "Action/Record/EditState.h"
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
-#include "CommandLine/Descriptions.h"
+#include "CommandLine/RecordOutput.h"
 
 namespace {
 
-constexpr std::uint32_t dpiUnit = 50;
-constexpr std::uint32_t lowestDpi = 100;
-constexpr std::uint32_t highestDpi = 8200;
-constexpr int highestLift = 31;
 constexpr int hexadecimal = 16;
 
 // A setting of the whole command line, "3=1600x800".
@@ -34,26 +30,27 @@ Assignment split(std::string_view text, char separator) {
                                       : Assignment{text.substr(0, at), text.substr(at + 1)};
 }
 
-std::uint32_t number(std::string_view text, std::uint32_t lowest, std::uint32_t highest,
+std::uint32_t number(std::string_view text, std::uint32_t minimum, std::uint32_t maximum,
                      const std::string& what, int base = 10) {
   std::uint32_t value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
-  if (error != std::errc() || end != text.data() + text.size() || value < lowest ||
-      value > highest) {
+  if (error != std::errc() || end != text.data() + text.size() || value < minimum ||
+      value > maximum) {
     refuse(what + ": " + printable(text));
   }
   return value;
 }
 
-std::uint32_t dpiUnits(std::string_view text) {
-  const std::uint32_t dpi = number(text, lowestDpi, highestDpi, "no DPI value from 100 to 8200");
-  if (dpi % dpiUnit != 0) {
+std::uint32_t sensitivityOf(std::string_view text) {
+  const std::uint32_t dpi =
+      number(text, limits::minimumDpi, limits::maximumDpi, "no DPI value from 100 to 8200");
+  if (dpi % limits::dpiStep != 0) {
     refuse("the mouse knows DPI values in steps of 50: " + printable(text));
   }
-  return dpi / dpiUnit;
+  return dpi / limits::dpiStep;
 }
 
-_LightColorInfo colourOf(std::string_view text) {
+_LightColorInfo colorOf(std::string_view text) {
   if (text.starts_with('#')) {
     text.remove_prefix(1);
   }
@@ -69,22 +66,26 @@ _LightColorInfo colourOf(std::string_view text) {
 void takeActiveProfile(Session& session) {
   session.openMouse();
   const auto slot = static_cast<std::uint8_t>(activeSlotOf(session));
-  currSetProfile = {};
-  NerinAction::decodeProfileImage(NerinAction::readProfileImage(slot), currSetProfile, [](int) {});
-  session.checkTransfers();
+  editState->currSetProfile() = {};
+  const auto image = NerinAction::readProfileImage(slot);
+  session.require(image.outcome);
+  static_cast<void>(NerinAction::decodeProfileImage(image.value, editState->currSetProfile(),
+                                                    NerinAction::singleFunctionIdOf));
 }
 
-void report(Session& session, const std::string& line, const Json& document) {
-  session.checkTransfers();
+// A live command has no use without its last report, so that any failure ends it.
+void report(Session& session, const Outcome& outcome, const std::string& line,
+            const Json& document) {
+  session.require(outcome);
   session.output.print({line}, document);
 }
 
 void rate(Session& session, int hertz) {
-  for (std::uint32_t index = 0; rateInHz(index); ++index) {
-    if (*rateInHz(index) == hertz) {
+  for (std::uint32_t index = 0; descriptions::rateInHz(index); ++index) {
+    if (*descriptions::rateInHz(index) == hertz) {
       session.openMouse();
-      NerinAction::setRateToDevice(index);
-      report(session, "report rate " + std::to_string(hertz) + " Hz", {{"rate", hertz}});
+      report(session, NerinAction::setRateToDevice(index),
+             "report rate " + std::to_string(hertz) + " Hz", {{"rate", hertz}});
       return;
     }
   }
@@ -102,8 +103,9 @@ void setLevel(const std::string& value) {
   const std::size_t index = number(level, 1, levelCount, "no DPI level") - 1;
   const auto [x, y] = split(dpi, 'x');
   const bool isOneValue = x.size() == dpi.size();
-  currSetProfile.xSensArr[index] = dpiUnits(x);
-  currSetProfile.ySensArr[index] = dpiUnits(isOneValue ? x : y);
+  _Nerin_PROFILE& profile = editState->currSetProfile();
+  profile.xSensArr[index] = sensitivityOf(x);
+  profile.ySensArr[index] = sensitivityOf(isOneValue ? x : y);
 }
 
 void requireLevel(const std::optional<int>& level) {
@@ -114,9 +116,10 @@ void requireLevel(const std::optional<int>& level) {
 
 // A level that was not in use has no values in the mouse.
 void requireValuesOfLevels() {
-  const std::size_t used = std::min<std::size_t>(currSetProfile.dpiLevel, levelCount);
+  const _Nerin_PROFILE& profile = editState->currSetProfile();
+  const std::size_t used = std::min<std::size_t>(profile.dpiLevel, levelCount);
   for (std::size_t level = 0; level < used; ++level) {
-    if (currSetProfile.xSensArr[level] == 0 || currSetProfile.ySensArr[level] == 0) {
+    if (profile.xSensArr[level] == 0 || profile.ySensArr[level] == 0) {
       const std::string name = std::to_string(level + 1);
       std::string message = "DPI level ";
       message.append(name).append(" has no value yet: give --set ").append(name).append("=DPI");
@@ -132,33 +135,33 @@ void dpi(Session& session, const DpiOptions& options) {
   requireLevel(options.levels);
   requireLevel(options.active);
   takeActiveProfile(session);
+  _Nerin_PROFILE& profile = editState->currSetProfile();
   if (options.levels) {
-    currSetProfile.dpiLevel = static_cast<std::uint32_t>(*options.levels);
+    profile.dpiLevel = static_cast<std::uint32_t>(*options.levels);
   }
   if (options.active) {
-    currSetProfile.currSelectDPI = static_cast<std::uint32_t>(*options.active) - 1;
+    profile.currSelectDPI = static_cast<std::uint32_t>(*options.active) - 1;
   }
   std::for_each(options.values.begin(), options.values.end(), setLevel);
   requireValuesOfLevels();
-  if (options.active && currSetProfile.currSelectDPI >= currSetProfile.dpiLevel) {
+  if (options.active && profile.currSelectDPI >= profile.dpiLevel) {
     refuse("that DPI level is not in use");
   }
-  currSetProfile.currSelectDPI =
-      std::min(currSetProfile.currSelectDPI, currSetProfile.dpiLevel - 1);
-  NerinAction::setSettingToDevice();
-  const Json profile = asJson(currSetProfile, RecordSource::Mouse);
-  report(session, "DPI levels set",
-         {{"levels", profile["levels"]}, {"activeLevel", profile["activeLevel"]}});
+  profile.currSelectDPI = std::min(profile.currSelectDPI, profile.dpiLevel - 1);
+  const Outcome outcome = NerinAction::setSettingToDevice();
+  const Json json = asJson(profile, descriptions::RecordSource::Mouse);
+  report(session, outcome, "DPI levels set",
+         {{"levels", json["levels"]}, {"activeLevel", json["activeLevel"]}});
 }
 
 void lift(Session& session, int height) {
-  if (height < 0 || height > highestLift) {
+  if (height < 0 || height > static_cast<int>(limits::maximumLift)) {
     refuse("the lift height is 0 to 31");
   }
   takeActiveProfile(session);
-  currSetProfile.liftHeight = static_cast<std::uint32_t>(height);
-  NerinAction::setSettingToDevice();
-  report(session, "lift height " + std::to_string(height), {{"lift", height}});
+  editState->currSetProfile().liftHeight = static_cast<std::uint32_t>(height);
+  const Outcome outcome = NerinAction::setSettingToDevice();
+  report(session, outcome, "lift height " + std::to_string(height), {{"lift", height}});
 }
 
 struct LedOptions {
@@ -172,24 +175,27 @@ void leds(Session& session, const LedOptions& options) {
   }
   takeActiveProfile(session);
   if (options.all) {
-    std::fill(std::begin(currSetProfile.lightColorArr), std::end(currSetProfile.lightColorArr),
-              colourOf(*options.all));
+    std::fill(std::begin(editState->currSetProfile().lightColorArr),
+              std::end(editState->currSetProfile().lightColorArr), colorOf(*options.all));
   }
   for (const std::string& zone : options.zones) {
-    const auto [index, colour] = split(zone, '=');
-    currSetProfile.lightColorArr[number(index, 1, zoneCount, "no LED zone") - 1] = colourOf(colour);
+    const auto [index, color] = split(zone, '=');
+    editState->currSetProfile().lightColorArr[number(index, 1, zoneCount, "no LED zone") - 1] =
+        colorOf(color);
   }
-  NerinAction::setColorToDevice2();
-  report(session, "colours set", {{"zones", asJson(currSetProfile, RecordSource::Mouse)["zones"]}});
+  const Outcome outcome = NerinAction::setColorToDevice2();
+  report(
+      session, outcome, "colours set",
+      {{"zones", asJson(editState->currSetProfile(), descriptions::RecordSource::Mouse)["zones"]}});
 }
 
 void mode(Session& session, bool isBattle) {
   session.openMouse();
-  currSetProfile = {};
-  currSetProfile.modeType = isBattle ? 1 : 0;
-  NerinAction::setModelToDevice();
+  editState->currSetProfile() = {};
+  editState->currSetProfile().modeType = isBattle ? 1 : 0;
+  const Outcome outcome = NerinAction::setModelToDevice();
   const std::string name = isBattle ? "battle" : "normal";
-  report(session, "LED mode " + name, {{"mode", name}});
+  report(session, outcome, "LED mode " + name, {{"mode", name}});
 }
 
 }  // namespace

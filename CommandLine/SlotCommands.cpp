@@ -5,7 +5,7 @@
 #include "Action/Record/EditState.h"
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
-#include "CommandLine/Descriptions.h"
+#include "CommandLine/RecordOutput.h"
 #include "Kit/Core/Utf8.h"
 
 namespace {
@@ -26,30 +26,31 @@ void status(Session& session) {
   ProfieController& library = session.openLibrary();
   session.openMouse();
   const int slot = activeSlotOf(session);
-  const auto name = NerinAction::getFWProfileName(static_cast<std::uint8_t>(slot));
-  session.checkTransfers();
+  const auto [outcome, name] = NerinAction::getFWProfileName(static_cast<std::uint8_t>(slot));
+  session.require(outcome);
   session.output.print(
       table({{"mouse", session.isVirtual() ? "virtual" : "USB"},
              {"active slot", std::to_string(slot + 1) + " " + shownName(name)},
              {"in the library", isInLibrary(library, name) ? "yes" : "no"},
              {"profiles", std::to_string(library.getProfileCount())},
-             {"macros", std::to_string(NerinAction::macroNode->children().size())}}),
+             {"macros", std::to_string(NerinAction::macroStore->macroNode->children().size())}}),
       {{"mouse", session.isVirtual() ? "virtual" : "usb"},
        {"activeSlot", slot + 1},
        {"name", nameJson(name)},
        {"inLibrary", isInLibrary(library, name)},
        {"profiles", library.getProfileCount()},
-       {"macros", NerinAction::macroNode->children().size()}});
+       {"macros", NerinAction::macroStore->macroNode->children().size()}});
 }
 
 void slots(Session& session) {
   ProfieController& library = session.openLibrary();
   session.openMouse();
-  const int active = NerinAction::getProfileIndexByDevice();
+  auto [outcome, active] = NerinAction::getProfileIndexByDevice();
   std::vector<std::vector<std::string>> rows;
   Json document = Json::array();
   for (int slot = 0; slot < ProfieController::slotCount; ++slot) {
-    const auto name = NerinAction::getFWProfileName(static_cast<std::uint8_t>(slot));
+    const auto [nameOutcome, name] = NerinAction::getFWProfileName(static_cast<std::uint8_t>(slot));
+    outcome += nameOutcome;
     rows.push_back({slot == active ? "*" : " ", std::to_string(slot + 1), shownName(name),
                     isInLibrary(library, name) ? "in the library" : ""});
     document.push_back({{"slot", slot + 1},
@@ -57,15 +58,13 @@ void slots(Session& session) {
                         {"name", nameJson(name)},
                         {"inLibrary", isInLibrary(library, name)}});
   }
-  session.checkTransfers();
+  session.require(outcome);
   session.output.print(table(rows), document);
 }
 
 void switchSlot(Session& session, int slot) {
   session.openMouse();
-  NerinAction::setProfileIndexToDevice(static_cast<std::uint8_t>(slot));
-  session.checkTransfers();
-  NerinAction::sendProfileChangeToDaemon(slot);
+  session.require(NerinAction::changeSlot(slot));
   session.output.print({"slot " + std::to_string(slot + 1) + " is active"},
                        {{"activeSlot", slot + 1}});
 }
@@ -74,7 +73,7 @@ bool hasMacro(const _BTN_INFO& button) {
   return NerinAction::getMacroById(static_cast<std::int32_t>(button.MacroID)) != nullptr;
 }
 
-std::size_t macroButtonsOf(const _Nerin_PROFILE& profile) {
+std::size_t macrosOf(const _Nerin_PROFILE& profile) {
   return static_cast<std::size_t>(std::count_if(
       std::begin(profile.btnInfo), std::end(profile.btnInfo), [](const _BTN_INFO& button) {
         return button.FuncTableId == NerinAction::FunctionMacro && hasMacro(button);
@@ -86,8 +85,8 @@ std::vector<std::string> lossesOf(const std::string& name, const _Nerin_PROFILE&
   std::vector<std::string> losses;
   if (!utf8::isAscii(name)) {
     losses.push_back("the slot keeps its old name, since the mouse knows only ASCII");
-  } else if (name.size() > NerinAction::maximumNameLength) {
-    losses.push_back("the mouse keeps only " + std::to_string(NerinAction::maximumNameLength) +
+  } else if (name.size() > limits::nameCharacters) {
+    losses.push_back("the mouse keeps only " + std::to_string(limits::nameCharacters) +
                      " characters of the name");
   }
   for (std::size_t index = 0; index < buttonCount; ++index) {
@@ -107,14 +106,11 @@ void apply(Session& session, const std::string& name, int slot) {
     throw CommandError(ExitCode::Failed, "a profile needs a name before a slot can have it");
   }
   session.openMouse();
-  library.setCurrFWProfileIndex(slot);
-  NerinAction::loadSlotLink(slot);
+  NerinAction::beginSlot(slot);
   NerinAction::bindSlot(profile->profileId());
-  session.showProgress(macroButtonsOf(selProfile));
-  const auto error = NerinAction::applySlot();
-  session.checkTransfers();
-  require(error, "the mouse has the profile, but the library could not be saved");
-  const auto losses = lossesOf(name, selProfile);
+  session.showProgress(macrosOf(editState->selProfile()));
+  session.require(NerinAction::applySlot());
+  const auto losses = lossesOf(name, editState->selProfile());
   std::vector<std::string> lines{printable(name) + " is in slot " + std::to_string(slot + 1)};
   lines.insert(lines.end(), losses.begin(), losses.end());
   session.output.print(lines, {{"profile", name}, {"slot", slot + 1}, {"notes", losses}});
@@ -123,17 +119,15 @@ void apply(Session& session, const std::string& name, int slot) {
 void saveReadProfile(const std::string& file, const std::string& name) {
   ProfileValue profile;
   profile.setName(name);
-  profile.setProfileData(currFWProfile);
+  profile.setProfileData(editState->currFWProfile());
   require(profile.saveToPath(file), "the profile could not be written to " + printable(file));
 }
 
 void read(Session& session, int slot, const std::optional<std::string>& file) {
   ProfieController& library = session.openLibrary();
   session.openMouse();
-  library.setCurrFWProfileIndex(slot);
-  isHaveNewName = false;
-  const bool hasProfile = NerinAction::getFWProfileData(static_cast<std::uint8_t>(slot));
-  session.checkTransfers();
+  const auto [outcome, hasProfile] = NerinAction::readSlot(slot);
+  session.require(outcome);
   if (!hasProfile) {
     throw CommandError(ExitCode::NotFound,
                        "slot " + std::to_string(slot + 1) + " holds no profile");
@@ -144,10 +138,11 @@ void read(Session& session, int slot, const std::optional<std::string>& file) {
   }
   std::vector<std::string> lines =
       table({{"slot", std::to_string(slot + 1)}, {"name", printable(name)}});
-  const auto words = describe(currFWProfile, RecordSource::Mouse);
+  const auto words = linesOf(
+      descriptions::describe(editState->currFWProfile(), descriptions::RecordSource::Mouse));
   lines.insert(lines.end(), words.begin(), words.end());
   Json document{{"slot", slot + 1}, {"name", name}};
-  document.update(asJson(currFWProfile, RecordSource::Mouse));
+  document.update(asJson(editState->currFWProfile(), descriptions::RecordSource::Mouse));
   session.output.print(lines, document);
 }
 

@@ -1,6 +1,7 @@
 #include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Device/DeviceLink.h"
+#include "Action/Device/SlotTransfer.h"
 #include "Action/Record/EditState.h"
 #include "Action/Wire/ProfileImage.h"
 #include "Fuzz/FuzzInput.h"
@@ -10,14 +11,15 @@
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::home();
   NerinAction::startListenDev();
-  NerinAction::macroListArrs.clear();
+  NerinAction::macroStore->macroListArrs.clear();
   NerinAction::refreshMenuList();
   fuzz::answerReadsWith({data, size});
-  NerinAction::getFWProfileDataPro(0);
+  static_cast<void>(NerinAction::getFWProfileDataPro(0));
   for (int index = 0; index < static_cast<int>(buttonCount); ++index) {
-    NerinAction::getBtnCaption(currFWProfile.btnInfo[index], index);
-    NerinAction::setBtnInfoToDevicePro(index, currFWProfile.btnInfo[index]);
+    NerinAction::getBtnCaption(editState->currFWProfile().btnInfo[index], index);
+    static_cast<void>(
+        NerinAction::setBtnInfoToDevicePro(index, editState->currFWProfile().btnInfo[index]));
   }
-  NerinAction::setFWProfileDataPro(0);
+  static_cast<void>(NerinAction::setFWProfileDataPro(0));
   return 0;
 }

@@ -1,3 +1,4 @@
+#include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Catalogue/MenuInfo.h"
 #include "Action/Wire/MacroImage.h"
 #include "Fuzz/FuzzInput.h"
@@ -22,6 +23,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::require(copy->keyInfoArr()[i]->keyCode() == macro.keyInfoArr()[i]->keyCode());
     fuzz::require(copy->keyInfoArr()[i]->delay() == macro.keyInfoArr()[i]->delay());
   }
-  NerinAction::encodeMacroReport(0, _BTN_INFO{}, macro);
+  NerinAction::encodeMacroReport(0, NerinAction::streamOf(macro, _BTN_INFO{}));
   return 0;
 }

@@ -1,5 +1,6 @@
 #include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Device/DeviceLink.h"
+#include "Action/Device/SlotTransfer.h"
 #include "Action/Record/EditState.h"
 #include "Action/Wire/MacroImage.h"
 #include "Fuzz/FuzzInput.h"
@@ -8,14 +9,14 @@
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::home();
   NerinAction::startListenDev();
-  NerinAction::macroListArrs.clear();
+  NerinAction::macroStore->macroListArrs.clear();
   NerinAction::refreshMenuList();
   for (const int button : {0, 15}) {
     fuzz::answerReadsWith({data, size});
-    NerinAction::getFWMacroData(0, button);
-    NerinAction::setFWMacroData(0, button);
+    static_cast<void>(NerinAction::getFWMacroData(0, button));
+    static_cast<void>(NerinAction::setFWMacroData(0, button).value);
   }
-  for (const auto& macro : NerinAction::macroListArrs) {
+  for (const auto& macro : NerinAction::macroStore->macroListArrs) {
     fuzz::require(macro->keyInfoArr().size() <= 2000);
   }
   return 0;

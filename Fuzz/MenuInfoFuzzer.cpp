@@ -17,13 +17,13 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   leftClick.btnType = ButtonTypeSingle;
   NerinAction::getBtnCaption(leftClick, 0);
   NerinAction::refreshMenuList();
-  const std::size_t macros = NerinAction::macroListArrs.size();
-  for (const auto& macro : NerinAction::macroListArrs) {
+  const std::size_t macros = NerinAction::macroStore->macroListArrs.size();
+  for (const auto& macro : NerinAction::macroStore->macroListArrs) {
     macro->getMacroCount();
   }
   if (NerinAction::saveMenuList()) {
     NerinAction::initMenuList();
-    fuzz::require(NerinAction::macroListArrs.size() == macros);
+    fuzz::require(NerinAction::macroStore->macroListArrs.size() == macros);
   }
   return 0;
 }

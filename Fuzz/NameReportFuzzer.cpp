@@ -1,5 +1,6 @@
 #include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Device/DeviceLink.h"
+#include "Action/Device/SlotTransfer.h"
 #include "Action/Edit/SlotOperations.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Wire/ProfileImage.h"
@@ -9,13 +10,13 @@
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::home();
   NerinAction::startListenDev();
-  NerinAction::macroListArrs.clear();
+  NerinAction::macroStore->macroListArrs.clear();
   NerinAction::refreshMenuList();
   fuzz::answerReadsWith({data, size});
-  const auto name = NerinAction::getFWProfileName(0);
-  fuzz::require(!name || name->size() <= NerinAction::maximumNameLength);
+  const auto name = NerinAction::getFWProfileName(0).value;
+  fuzz::require(!name || name->size() <= limits::nameCharacters);
   fuzz::answerReadsWith({data, size});
-  NerinAction::loadSlot(9);
-  NerinAction::setFWProfileName(9, name);
+  static_cast<void>(NerinAction::loadSlot(9));
+  static_cast<void>(NerinAction::setFWProfileName(9, name));
   return 0;
 }

@@ -12,7 +12,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   for (int index = 0; index < static_cast<int>(buttonCount); ++index) {
     NerinAction::getBtnCaption(record.btnInfo[index], index);
   }
-  NerinAction::encodeProfileImage(0, record, [](int) { return true; });
+  NerinAction::encodeProfileImage(0, record, {});
   const std::string name = ProfileFileNames().next(profile->name());
   fuzz::require(std::filesystem::path(name).filename() == name && name.size() <= 255);
   const auto bytes = profile->fileBytes();

@@ -67,24 +67,25 @@ def header(theme, screens):
     lines.append("}  // namespace Colour")
 
     def table(kind, rows):
-        lines.append("inline constexpr std::array<NamedFrame, %d> %s{{" % (len(rows), kind))
-        lines.extend("    {\"%s\", %s}," % row for row in rows)
-        lines.append("}};")
+        lines.append("  static constexpr std::array<NamedFrame, %d> %s{{" % (len(rows), kind))
+        lines.extend("      {\"%s\", %s}," % row for row in rows)
+        lines.append("  }};")
 
     def braces(frame):
         return "{%d, %d, %d, %d, %d}" % (frame.x, frame.y, frame.width, frame.height, frame.radius)
 
+    # A screen is a type, so that a template can be written for screens that share their controls.
     for screen in screens:
-        lines += ["", "namespace %s {" % screen.name,
-                  "inline constexpr int screenWidth = %d;" % screen.width,
-                  "inline constexpr int screenHeight = %d;" % screen.height]
-        lines += ["inline constexpr Frame %s%s;" % (control.name, braces(control.frame))
+        lines += ["", "struct %s {" % screen.name,
+                  "  static constexpr int screenWidth = %d;" % screen.width,
+                  "  static constexpr int screenHeight = %d;" % screen.height]
+        lines += ["  static constexpr Frame %s%s;" % (control.name, braces(control.frame))
                   for control in screen.controls]
         if screen.controls:
             table("controls", [(control.name, control.name) for control in screen.controls])
         if screen.lines:
             table("lines", [(name, braces(frame)) for name, frame in screen.lines])
-        lines.append("}  // namespace %s" % screen.name)
+        lines.append("};")
     lines += ["", "}  // namespace Artwork", ""]
     return "\n".join(lines)
 

@@ -48,6 +48,7 @@ bool VirtualDeviceRequester::isDevOn() {
 bool VirtualDeviceRequester::sendDeviceRequest(LXDeviceRequest& request) {
   request.wLenDone = 0;
   if (!isDevOn() || request.data.size() > std::numeric_limits<std::uint16_t>::max()) {
+    request.error = std::make_error_code(std::errc::no_such_device);
     return false;
   }
   const SetupPacket setup{request.bmRequestType, request.bRequest, request.wValue, request.wIndex,
@@ -57,6 +58,10 @@ bool VirtualDeviceRequester::sendDeviceRequest(LXDeviceRequest& request) {
     logTransfer(setup, result, request.data);
   }
   request.wLenDone = result.bytes;
+  if (result.status != TransferStatus::Done) {
+    request.error = std::make_error_code(
+        result.status == TransferStatus::Gone ? std::errc::no_such_device : std::errc::broken_pipe);
+  }
   return result.status == TransferStatus::Done;
 }
 

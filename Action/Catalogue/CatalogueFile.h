@@ -6,11 +6,11 @@
 class CatalogueFile {
  public:
   // False when there is no file or it is no XML; the document is then empty.
-  bool load();
+  [[nodiscard]] bool load();
   // Writes the document in the place of the file, in the encoding it was read in. Comments, unknown
   // attributes and other sections go out as they came in. False, logged, when it cannot be written,
   // or defines entities of its own, which would not survive.
-  bool save() const;
+  [[nodiscard]] bool save() const;
 
   // The first section of that name below the root, or a null node.
   pugi::xml_node section(const char* name) const;

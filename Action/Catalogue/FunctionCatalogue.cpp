@@ -14,6 +14,7 @@
 #include "Action/Wire/MacroImage.h"
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXKey.h"
+#include "Kit/Core/LXLogger.h"
 
 namespace {
 
@@ -90,19 +91,19 @@ std::string launchCaption(const _BTN_INFO& btnInfo, int index) {
   if (std::string name = programName(path.value_or("")); !name.empty()) {
     return name;
   }
-  return NerinAction::getMenuNameByFunId(ButtonTypeLaunch, NerinAction::keyAssignMenuNode)
+  return NerinAction::getMenuNameByFunId(ButtonTypeLaunch,
+                                         NerinAction::functionMenus->keyAssignMenuNode)
       .value_or("");
 }
 
 }  // namespace
 
 void NerinAction::initMenuList() {
-  macroListArrs.clear();
-  for (MenuRoot* root : {&macroInsertMenuNode, &keyAssignMenuNode, &singleMenuNode, &repeatMenuNode,
-                         &sensitivityMenuNode, &levelMenuNode}) {
-    root->reset();
+  macroStore->macroListArrs.clear();
+  *functionMenus = {};
+  if (!LXAction::checkAddCopyFileFromResourceWithPath(getSysPath(), "MenuInfo.xml")) {
+    LXLogger::warning(getSysPath() + " has no MenuInfo.xml");
   }
-  LXAction::checkAddCopyFileFromResourceWithPath(getSysPath(), "MenuInfo.xml");
   CatalogueFile file;
   if (!file.load()) {
     return;
@@ -122,27 +123,27 @@ void NerinAction::initMenuList() {
 }
 
 void NerinAction::initMacroInsertMenulist(const pugi::xml_node& section) {
-  loadMenu(macroInsertMenuNode, section, true);
+  loadMenu(functionMenus->macroInsertMenuNode, section, true);
 }
 
 void NerinAction::initKeyAssignMenulist(const pugi::xml_node& section) {
-  loadMenu(keyAssignMenuNode, section, true);
+  loadMenu(functionMenus->keyAssignMenuNode, section, true);
 }
 
 void NerinAction::initSingleMenulist(const pugi::xml_node& section) {
-  loadMenu(singleMenuNode, section, true);
+  loadMenu(functionMenus->singleMenuNode, section, true);
 }
 
 void NerinAction::initRepeatMenulist(const pugi::xml_node& section) {
-  loadMenu(repeatMenuNode, section, true);
+  loadMenu(functionMenus->repeatMenuNode, section, true);
 }
 
 void NerinAction::initSensitivityMenulist(const pugi::xml_node& section) {
-  loadMenu(sensitivityMenuNode, section, true);
+  loadMenu(functionMenus->sensitivityMenuNode, section, true);
 }
 
 void NerinAction::initLevelMenulist(const pugi::xml_node& section) {
-  loadMenu(levelMenuNode, section, false);
+  loadMenu(functionMenus->levelMenuNode, section, false);
 }
 
 void NerinAction::initMenuPro(LXTreeNode& root, const pugi::xml_node& selElem, bool isTooltip) {
@@ -204,18 +205,18 @@ std::optional<std::string> NerinAction::getMenuNameByFunTableId(std::int32_t cod
 }
 
 std::shared_ptr<MenuInfo> NerinAction::getSingleById(std::int32_t id) {
-  return getMenuInfoByFunId(id, singleMenuNode);
+  return getMenuInfoByFunId(id, functionMenus->singleMenuNode);
 }
 
 std::optional<std::string> NerinAction::getSingleNameById(std::int32_t id) {
-  return getMenuNameByFunId(id, singleMenuNode);
+  return getMenuNameByFunId(id, functionMenus->singleMenuNode);
 }
 
 std::shared_ptr<MenuInfo> NerinAction::getSingleByBtnInfo(const _BTN_INFO& btnInfo) {
   const auto isWord = [](std::int32_t number, std::uint32_t word) {
     return static_cast<std::uint32_t>(number) == word;
   };
-  return firstEntry(singleMenuNode, [&](const MenuInfo& entry) {
+  return firstEntry(functionMenus->singleMenuNode, [&](const MenuInfo& entry) {
     return isWord(entry.functionTableID(), btnInfo.FuncTableId) &&
            isWord(entry.KeyBit1(), btnInfo.KeyBit[0]) &&
            isWord(entry.KeyBit2(), btnInfo.KeyBit[1]) &&
@@ -223,12 +224,21 @@ std::shared_ptr<MenuInfo> NerinAction::getSingleByBtnInfo(const _BTN_INFO& btnIn
   });
 }
 
+std::optional<std::uint32_t> NerinAction::singleFunctionIdOf(const _BTN_INFO& btnInfo) {
+  const auto entry = getSingleByBtnInfo(btnInfo);
+  return entry ? std::optional(static_cast<std::uint32_t>(entry->functionID())) : std::nullopt;
+}
+
+void NerinAction::setFunIDAndBtnType(_BTN_INFO* btnInfo) {
+  setFunIDAndBtnType(btnInfo, singleFunctionIdOf);
+}
+
 std::shared_ptr<MenuInfo> NerinAction::getMacroMenuByFunid(std::int32_t id) {
-  return getMenuInfoByFunId(id, macroInsertMenuNode);
+  return getMenuInfoByFunId(id, functionMenus->macroInsertMenuNode);
 }
 
 std::optional<std::string> NerinAction::getMacroMenuNameById(std::int32_t id) {
-  return getMenuNameByFunId(id, macroInsertMenuNode);
+  return getMenuNameByFunId(id, functionMenus->macroInsertMenuNode);
 }
 
 std::string NerinAction::getBtnCaption(const _BTN_INFO& btnInfo, int getIndex) {
@@ -238,7 +248,8 @@ std::string NerinAction::getBtnCaption(const _BTN_INFO& btnInfo, int getIndex) {
     case ButtonTypeSingle:
       return singleCaption(btnInfo);
     case ButtonTypeSensitivity:
-      return getMenuNameByFunId(static_cast<std::int32_t>(btnInfo.FuncID), sensitivityMenuNode)
+      return getMenuNameByFunId(static_cast<std::int32_t>(btnInfo.FuncID),
+                                functionMenus->sensitivityMenuNode)
           .value_or("");
     case ButtonTypeLaunch:
       return launchCaption(btnInfo, getIndex);

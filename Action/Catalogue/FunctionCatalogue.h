@@ -9,6 +9,7 @@
 #include "Action/Catalogue/MenuInfo.h"
 #include "Action/Record/Records.h"
 #include "Kit/Core/LXTreeNode.h"
+#include "Kit/Core/ProcessWide.h"
 
 namespace pugi {
 class xml_node;
@@ -18,13 +19,18 @@ class xml_node;
 // node whose children carry one MenuInfo each, in file order.
 namespace NerinAction {
 
-// Null until the first load with a section of that menu.
-inline std::shared_ptr<LXTreeNode> keyAssignMenuNode;
-inline std::shared_ptr<LXTreeNode> singleMenuNode;
-inline std::shared_ptr<LXTreeNode> macroInsertMenuNode;
-inline std::shared_ptr<LXTreeNode> repeatMenuNode;
-inline std::shared_ptr<LXTreeNode> sensitivityMenuNode;
-inline std::shared_ptr<LXTreeNode> levelMenuNode;
+using MenuRoot = std::shared_ptr<LXTreeNode>;
+
+// The roots of the menus; each is null until a catalogue with a section of that menu was loaded.
+struct FunctionMenus {
+  MenuRoot keyAssignMenuNode;
+  MenuRoot singleMenuNode;
+  MenuRoot macroInsertMenuNode;
+  MenuRoot repeatMenuNode;
+  MenuRoot sensitivityMenuNode;
+  MenuRoot levelMenuNode;
+};
+inline ProcessWide<FunctionMenus> functionMenus;
 
 // Loads the menus and the macros; the file that came with the program is put into the support
 // folder first when there is none. A file that is no XML leaves everything empty.
@@ -41,7 +47,6 @@ std::shared_ptr<LXTreeNode> addNodeByEle(const pugi::xml_node& item, LXTreeNode&
 void initNodeTooltip(LXTreeNode& root);
 
 // Lookups: the first match in menu order, or nothing. A null root has no entries.
-using MenuRoot = std::shared_ptr<LXTreeNode>;
 std::shared_ptr<MenuInfo> getMenuInfoByFunId(std::int32_t id, const MenuRoot& parNode);
 std::optional<std::string> getMenuNameByFunId(std::int32_t id, const MenuRoot& parNode);
 std::shared_ptr<MenuInfo> getMenuInfoByFunTableId(std::int32_t code, const MenuRoot& parNode);
@@ -50,6 +55,11 @@ std::shared_ptr<MenuInfo> getSingleById(std::int32_t id);
 std::optional<std::string> getSingleNameById(std::int32_t id);
 // The mouse function with the button's code and exactly its four key bits.
 std::shared_ptr<MenuInfo> getSingleByBtnInfo(const _BTN_INFO& btnInfo);
+// The id of that function; nothing when there is none.
+std::optional<std::uint32_t> singleFunctionIdOf(const _BTN_INFO& btnInfo);
+// Turns a button as it was read into the record's form, in place, with the functions of this
+// catalogue.
+void setFunIDAndBtnType(_BTN_INFO* btnInfo);
 std::shared_ptr<MenuInfo> getMacroMenuByFunid(std::int32_t id);
 std::optional<std::string> getMacroMenuNameById(std::int32_t id);
 

@@ -6,13 +6,53 @@
 #include <pugixml.hpp>
 
 #include "Action/Catalogue/CatalogueFile.h"
+#include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MenuInfo.h"
+#include "Action/Record/Limits.h"
+#include "Action/Wire/KeyCodes.h"
 #include "Kit/Core/LXAction.h"
 
 namespace {
 
 std::int32_t decimalAttribute(const pugi::xml_node& node, const char* name) {
   return LXAction::getIntValue(LXAction::getNonullStr(LXAction::getNodeAtrValue(node, name)));
+}
+
+std::uint8_t deviceCodeOf(std::int32_t macKey) {
+  return static_cast<std::uint8_t>(NerinAction::GetFWKeyCode(static_cast<std::uint32_t>(macKey)));
+}
+
+// A combination is pressed key by key and let go in the opposite order.
+void appendCombination(std::vector<NerinAction::MacroStreamEvent>& events,
+                       const MacroKeyInfo& event) {
+  const auto entry = NerinAction::getMacroMenuByFunid(event.keyCode());
+  if (!entry) {
+    return;
+  }
+  const std::vector<std::int32_t> keys = entry->usedKeys();
+  for (const std::int32_t key : keys) {
+    events.push_back({deviceCodeOf(key), false, 0});
+  }
+  std::for_each(keys.rbegin(), keys.rend(), [&](std::int32_t key) {
+    events.push_back({deviceCodeOf(key), true, 0});
+  });
+}
+
+NerinAction::MacroStreamEvent streamEventOf(const MacroKeyInfo& event) {
+  const std::int32_t kind = event.keyFlag();
+  const bool isMouse = kind == MacroKeyInfo::MousePress || kind == MacroKeyInfo::MouseRelease;
+  const bool isRelease = kind == MacroKeyInfo::KeyRelease || kind == MacroKeyInfo::MouseRelease;
+  return {isMouse ? static_cast<std::uint8_t>(event.keyCode()) : deviceCodeOf(event.keyCode()),
+          isRelease, event.delay()};
+}
+
+std::shared_ptr<MacroKeyInfo> keyInfoOf(const NerinAction::MacroStreamEvent& event) {
+  const bool isMouse = event.isMouseButton();
+  const std::int32_t press = isMouse ? MacroKeyInfo::MousePress : MacroKeyInfo::KeyPress;
+  const std::int32_t release = isMouse ? MacroKeyInfo::MouseRelease : MacroKeyInfo::KeyRelease;
+  return std::make_shared<MacroKeyInfo>(
+      static_cast<std::int32_t>(NerinAction::GetKeyCodeByFW(event.code)),
+      event.isRelease ? release : press, event.delay);
 }
 
 }  // namespace
@@ -34,19 +74,21 @@ void NerinAction::addMacroInfoByEle(const pugi::xml_node& item) {
                                                                  decimalAttribute(key, "keyFlag"),
                                                                  decimalAttribute(key, "delay")));
   }
-  macroListArrs.push_back(std::move(macro));
+  macroStore->macroListArrs.push_back(std::move(macro));
 }
 
 std::shared_ptr<MacroInfo> NerinAction::getMacroById(std::int32_t id) {
-  const auto found = std::find_if(macroListArrs.begin(), macroListArrs.end(),
-                                  [&](const auto& macro) { return macro->macroId() == id; });
-  return found != macroListArrs.end() ? *found : nullptr;
+  const auto found =
+      std::find_if(macroStore->macroListArrs.begin(), macroStore->macroListArrs.end(),
+                   [&](const auto& macro) { return macro->macroId() == id; });
+  return found != macroStore->macroListArrs.end() ? *found : nullptr;
 }
 
 std::shared_ptr<MacroInfo> NerinAction::getMacroByName(const std::string& name) {
-  const auto found = std::find_if(macroListArrs.begin(), macroListArrs.end(),
-                                  [&](const auto& macro) { return macro->nameStr() == name; });
-  return found != macroListArrs.end() ? *found : nullptr;
+  const auto found =
+      std::find_if(macroStore->macroListArrs.begin(), macroStore->macroListArrs.end(),
+                   [&](const auto& macro) { return macro->nameStr() == name; });
+  return found != macroStore->macroListArrs.end() ? *found : nullptr;
 }
 
 std::optional<std::string> NerinAction::getMacroNameById(std::int32_t id) {
@@ -56,7 +98,7 @@ std::optional<std::string> NerinAction::getMacroNameById(std::int32_t id) {
 
 std::int32_t NerinAction::getNewMacorId() {
   std::int32_t largest = 0;
-  for (const auto& macro : macroListArrs) {
+  for (const auto& macro : macroStore->macroListArrs) {
     largest = std::max(largest, macro->macroId());
   }
   if (largest < std::numeric_limits<std::int32_t>::max()) {
@@ -71,8 +113,9 @@ std::int32_t NerinAction::getNewMacorId() {
 }
 
 bool NerinAction::checkMacroName(const std::string& name) {
-  return !macroNode ||
-         std::none_of(macroNode->children().begin(), macroNode->children().end(),
+  return !macroStore->macroNode ||
+         std::none_of(macroStore->macroNode->children().begin(),
+                      macroStore->macroNode->children().end(),
                       [&](const auto& child) { return child->nodeData()->titleStr() == name; });
 }
 
@@ -85,13 +128,13 @@ std::string NerinAction::getNewMacroName() {
 }
 
 std::shared_ptr<MacroInfo> NerinAction::addMacorByName(const std::string& name) {
-  if (macroNode && macroNode->children().size() >= maximumMacros) {
+  if (macroStore->macroNode && macroStore->macroNode->children().size() >= limits::macros) {
     return nullptr;
   }
   auto macro = std::make_shared<MacroInfo>();
   macro->setNameStr(name);
   macro->setMacroId(getNewMacorId());
-  return macroListArrs.emplace_back(std::move(macro));
+  return macroStore->macroListArrs.emplace_back(std::move(macro));
 }
 
 void NerinAction::SaveMacroInfoToEle(pugi::xml_node item, const MacroInfo& selData) {
@@ -123,7 +166,7 @@ bool NerinAction::saveMenuList() {
     return false;
   }
   section.remove_children();
-  for (const auto& macro : macroListArrs) {
+  for (const auto& macro : macroStore->macroListArrs) {
     if (!macro->isNoDisplay()) {
       addElementByNode(*macro, section);
     }
@@ -132,16 +175,40 @@ bool NerinAction::saveMenuList() {
 }
 
 void NerinAction::refreshMenuList() {
-  if (!macroNode) {
-    macroNode = std::make_shared<LXTreeNode>();
+  if (!macroStore->macroNode) {
+    macroStore->macroNode = std::make_shared<LXTreeNode>();
   }
-  macroNode->removeAllChild();
-  for (const auto& macro : macroListArrs) {
+  macroStore->macroNode->removeAllChild();
+  for (const auto& macro : macroStore->macroListArrs) {
     if (!macro->isNoDisplay()) {
-      macroNode->addChild(MenuInfo::initWithMacroData(macro));
+      macroStore->macroNode->addChild(MenuInfo::initWithMacroData(macro));
     }
   }
-  if (macroMenuRebuilt) {
-    macroMenuRebuilt(macroNode);
+  if (macroStore->macroMenuRebuilt) {
+    macroStore->macroMenuRebuilt(macroStore->macroNode);
   }
+}
+
+NerinAction::MacroStream NerinAction::streamOf(const MacroInfo& macro, const _BTN_INFO& btnInfo) {
+  MacroStream stream;
+  getMacroRepeatType(stream.repeatType, stream.repeatCount, btnInfo);
+  stream.name = macro.nameStr();
+  stream.events.reserve(macro.keyInfoArr().size());
+  for (const auto& event : macro.keyInfoArr()) {
+    if (event->keyFlag() == MacroKeyInfo::Function) {
+      appendCombination(stream.events, *event);
+    } else {
+      stream.events.push_back(streamEventOf(*event));
+    }
+  }
+  return stream;
+}
+
+MacroInfo::Events NerinAction::eventsOf(const MacroStream& stream) {
+  MacroInfo::Events events;
+  events.reserve(stream.events.size());
+  for (const MacroStreamEvent& event : stream.events) {
+    events.push_back(keyInfoOf(event));
+  }
+  return events;
 }

@@ -8,7 +8,10 @@
 #include <vector>
 
 #include "Action/Catalogue/MacroInfo.h"
+#include "Action/Record/Records.h"
+#include "Action/Wire/MacroImage.h"
 #include "Kit/Core/LXTreeNode.h"
+#include "Kit/Core/ProcessWide.h"
 
 namespace pugi {
 class xml_node;
@@ -17,15 +20,15 @@ class xml_node;
 // The user's macros: kept in memory for the run, stored in a section of "MenuInfo.xml".
 namespace NerinAction {
 
-// The most macros that the menu shows.
-inline constexpr std::size_t maximumMacros = 100;
-
-// Every macro, hidden ones too, in file order and then in order of creation.
-inline std::vector<std::shared_ptr<MacroInfo>> macroListArrs;
-// The root of the macro menu: one child for each shown macro. Null until refreshMenuList.
-inline std::shared_ptr<LXTreeNode> macroNode;
-// Called by refreshMenuList with the rebuilt menu, for the pop-up list that shows it.
-inline std::function<void(const std::shared_ptr<LXTreeNode>&)> macroMenuRebuilt;
+struct MacroStore {
+  // Every macro, hidden ones too, in file order and then in order of creation.
+  std::vector<std::shared_ptr<MacroInfo>> macroListArrs;
+  // The root of the macro menu: one child for each shown macro. Null until refreshMenuList.
+  std::shared_ptr<LXTreeNode> macroNode;
+  // Called by refreshMenuList with the rebuilt menu, for the pop-up list that shows it.
+  std::function<void(const std::shared_ptr<LXTreeNode>&)> macroMenuRebuilt;
+};
+inline ProcessWide<MacroStore> macroStore;
 
 void initMacroList(const pugi::xml_node& macroList);
 void addMacroInfoByEle(const pugi::xml_node& item);
@@ -49,8 +52,15 @@ pugi::xml_node addElementByNode(const MacroInfo& macro, pugi::xml_node parNode,
                                 const std::string& itemName = {});
 // Writes the shown macros back into their section; the rest of the file stays. False when nothing
 // was written: no file, no section, or a failure, which is logged.
-bool saveMenuList();
+[[nodiscard]] bool saveMenuList();
 // Rebuilds the macro menu.
 void refreshMenuList();
+
+// The macro as the mouse plays it from that button: combinations of the macro-insert menu become
+// their keys, and the button says how it repeats.
+MacroStream streamOf(const MacroInfo& macro, const _BTN_INFO& btnInfo);
+// The events of a macro that was read. Mouse buttons have no key code of their own: they get 0,
+// and only the event's kind tells that it is a mouse button.
+MacroInfo::Events eventsOf(const MacroStream& stream);
 
 }  // namespace NerinAction

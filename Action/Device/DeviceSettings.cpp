@@ -13,99 +13,104 @@ constexpr std::uint8_t imageBank = 0;
 constexpr std::uint8_t levelBank = 1;
 constexpr std::uint8_t liftSelector = 46;
 
-// Offsets inside bank 0.
-constexpr std::uint8_t atRate = 0;
-constexpr std::uint8_t atLift = 1;
-constexpr std::uint8_t atLevels = 2;
-constexpr std::uint8_t atDpi = 3;
-constexpr std::uint8_t atZones = 38;
-
 // Where the LED zones of slot 0 lie in device memory.
 constexpr std::uint32_t zonesAddress = 294;
-
-constexpr std::uint8_t liftFlag = 0x20;
 
 constexpr std::uint8_t byteOf(std::uint32_t word) {
   return static_cast<std::uint8_t>(word);
 }
 
-constexpr std::uint8_t offsetOf(std::size_t base, std::size_t stride, std::size_t index) {
-  return static_cast<std::uint8_t>(base + stride * index);
+// Bank 0 is the profile image without its header.
+Outcome setImageByte(std::size_t imageOffset, std::uint32_t value) {
+  return NerinAction::setSettingToDevicePro(
+      imageBank, static_cast<std::uint8_t>(imageOffset - reportlayout::headerSize), byteOf(value));
 }
 
-void setImageByte(std::uint8_t offset, std::uint32_t value) {
-  NerinAction::setSettingToDevicePro(imageBank, offset, byteOf(value));
+constexpr std::size_t zoneOffset(std::size_t zone) {
+  return imagelayout::atZones + imagelayout::zoneSize * zone;
 }
 
 void takeCurrentSlot() {
-  currSetProfileID =
-      static_cast<std::uint32_t>(ProfieController::getShareProCon().currFWProfileIndex());
+  editState->setCurrSetProfileID(
+      static_cast<std::uint32_t>(ProfieController::getShareProCon().currFWProfileIndex()));
 }
 
-void concludeLedSettings() {
-  NerinAction::sendCommand(std::array<std::uint8_t, 4>{0xC4, 0x03, 0x03, 0x03});
+Outcome concludeLedSettings() {
+  return NerinAction::sendCommand(std::array<std::uint8_t, 4>{0xC4, 0x03, 0x03, 0x03});
 }
 
 }  // namespace
 
-void NerinAction::setSettingToDevicePro(std::uint8_t pro, std::uint8_t com2, std::uint8_t com3) {
-  sendCommand(std::array<std::uint8_t, 5>{0xC4, 0x0F, pro, com2, com3});
+Outcome NerinAction::setSettingToDevicePro(std::uint8_t pro, std::uint8_t com2, std::uint8_t com3) {
+  return sendCommand(std::array<std::uint8_t, 5>{0xC4, 0x0F, pro, com2, com3});
 }
 
-void NerinAction::setSettingToDevicePro2(std::uint8_t pro, std::uint8_t com2, std::uint8_t com3) {
-  sendCommand(std::array<std::uint8_t, 5>{0xC5, 0x00, pro, com2, com3});
+Outcome NerinAction::setSettingToDevicePro2(std::uint8_t pro, std::uint8_t com2,
+                                            std::uint8_t com3) {
+  return sendCommand(std::array<std::uint8_t, 5>{0xC5, 0x00, pro, com2, com3});
 }
 
-void NerinAction::setSettingToDevice() {
+Outcome NerinAction::setSettingToDevice() {
+  using namespace imagelayout;
+  const _Nerin_PROFILE& profile = editState->currSetProfile();
+  Outcome outcome;
   for (std::size_t level = 0; level < levelCount; ++level) {
-    setImageByte(offsetOf(atDpi + 1, 5, level), currSetProfile.xSensArr[level]);
-    setImageByte(offsetOf(atDpi, 5, level), currSetProfile.ySensArr[level]);
+    const std::size_t entry = atDpi + levelSize * level;
+    outcome += setImageByte(entry + 1, profile.xSensArr[level]);
+    outcome += setImageByte(entry, profile.ySensArr[level]);
   }
-  setImageByte(atLevels, currSetProfile.currSelectDPI + byteOf(currSetProfile.dpiLevel * 16));
-  setSettingToDevicePro(levelBank, byteOf(currSetProfile.currSelectDPI), 0);
-  setImageByte(atLift, currSetProfile.liftHeight | liftFlag);
-  setSettingToDevicePro2(liftSelector, byteOf(currSetProfile.liftHeight), 0);
+  outcome += setImageByte(atLevels, profile.currSelectDPI + byteOf(profile.dpiLevel * 16));
+  outcome += setSettingToDevicePro(levelBank, byteOf(profile.currSelectDPI), 0);
+  outcome += setImageByte(atLift, profile.liftHeight | liftFlag);
+  outcome += setSettingToDevicePro2(liftSelector, byteOf(profile.liftHeight), 0);
+  return outcome;
 }
 
-void NerinAction::setRateToDevice(std::uint32_t poRate) {
-  setImageByte(atRate, rateByteOf(poRate));
+Outcome NerinAction::setRateToDevice(std::uint32_t poRate) {
+  const Outcome outcome = setImageByte(imagelayout::atRate, rateByteOf(poRate));
   pauseAfterReport();
+  return outcome;
 }
 
-void NerinAction::setColorToDevice() {
+Outcome NerinAction::setColorToDevice() {
   takeCurrentSlot();
-  const std::uint32_t base = getOffsetAdrBy(zonesAddress, currSetProfileID);
-  const std::uint8_t mode = currSetProfile.modeType == 1 ? 3 : 1;
+  const _Nerin_PROFILE& profile = editState->currSetProfile();
+  const std::uint32_t base = getOffsetAdrBy(zonesAddress, editState->currSetProfileID());
+  const std::uint8_t mode = profile.modeType == 1 ? 3 : 1;
+  Outcome outcome;
   for (std::size_t zone = 0; zone < zoneCount; ++zone) {
-    const _LightColorInfo& colour = currSetProfile.lightColorArr[zone];
-    const auto address = static_cast<std::uint16_t>(base + 4 * zone);
-    const auto next = [&](int by) { return static_cast<std::uint16_t>(address + by); };
-    setAdrrData(mode, address);
-    setAdrrData(byteOf(colour.cR), next(1));
-    setAdrrData(byteOf(colour.cG), next(2));
-    setAdrrData(byteOf(colour.cB), next(3));
+    const _LightColorInfo& color = profile.lightColorArr[zone];
+    std::uint32_t address = base + 4 * static_cast<std::uint32_t>(zone);
+    for (const std::uint8_t value : {mode, byteOf(color.cR), byteOf(color.cG), byteOf(color.cB)}) {
+      outcome += setAdrrData(value, static_cast<std::uint16_t>(address++));
+    }
   }
-  refreshDeviceData();
+  outcome += refreshDeviceData();
+  return outcome;
 }
 
-void NerinAction::setColorToDevice2() {
+Outcome NerinAction::setColorToDevice2() {
   takeCurrentSlot();
+  Outcome outcome;
   for (std::size_t zone = 0; zone < zoneCount; ++zone) {
-    const _LightColorInfo& colour = currSetProfile.lightColorArr[zone];
-    setImageByte(offsetOf(atZones + 1, 4, zone), colour.cR);
-    setImageByte(offsetOf(atZones + 2, 4, zone), colour.cG);
-    setImageByte(offsetOf(atZones + 3, 4, zone), colour.cB);
+    const _LightColorInfo& color = editState->currSetProfile().lightColorArr[zone];
+    outcome += setImageByte(zoneOffset(zone) + 1, color.cR);
+    outcome += setImageByte(zoneOffset(zone) + 2, color.cG);
+    outcome += setImageByte(zoneOffset(zone) + 3, color.cB);
   }
-  concludeLedSettings();
+  outcome += concludeLedSettings();
+  return outcome;
 }
 
-void NerinAction::setModelToDevice() {
+Outcome NerinAction::setModelToDevice() {
   // Zone 2 has a mode of its own in normal operation.
   constexpr std::array<std::uint8_t, zoneCount> normal{1, 1, 2, 1};
   constexpr std::array<std::uint8_t, zoneCount> battle{3, 3, 3, 3};
-  const auto& modes = currSetProfile.modeType != 0 ? battle : normal;
+  const auto& modes = editState->currSetProfile().modeType != 0 ? battle : normal;
+  Outcome outcome;
   for (std::size_t zone = 0; zone < zoneCount; ++zone) {
-    setImageByte(offsetOf(atZones, 4, zone), modes[zone]);
+    outcome += setImageByte(zoneOffset(zone), modes[zone]);
   }
-  concludeLedSettings();
+  outcome += concludeLedSettings();
+  return outcome;
 }

@@ -1,11 +1,14 @@
 #include "Action/Edit/SlotOperations.h"
 
+#include "Action/Device/SlotTransfer.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Record/EditState.h"
+#include "Action/Record/Limits.h"
 #include "Action/Service/DaemonMessages.h"
-#include "Action/Wire/ProfileImage.h"
 
 namespace {
+
+constexpr int lastResetSlot = 4;
 
 ProfieController& library() {
   return ProfieController::getShareProCon();
@@ -13,38 +16,86 @@ ProfieController& library() {
 
 // The mouse has four bits for its active slot and can name slots that it does not have.
 bool isSlot(int slot) {
-  return slot >= 0 && slot < ProfieController::slotCount;
+  return slot >= 0 && slot < limits::slotCount;
+}
+
+Outcome noSuchSlot(SlotStep step) {
+  return {step, std::make_error_code(std::errc::invalid_argument)};
+}
+
+// The slot's profile must have a name that no other profile has: two profiles of one name would
+// share a file, and one of them would be lost.
+void settleName() {
+  const auto& name = library().currFWProfileName();
+  if (!name || name->empty()) {
+    library().setCurrFWProfileName(library().getNewProfileName());
+  } else if (const auto owner = library().getProfileByName(name);
+             owner && owner != library().getProfileByFWProIndex(library().currFWProfileIndex())) {
+    library().setCurrFWProfileName(library().getNewProfileNameByData(*owner));
+  }
+}
+
+Outcome saveSlotToLibrary() {
+  return {SlotStep::SaveLibrary, library().saveCurrFWProfileToList()};
+}
+
+// The part that Apply and Reset share.
+Outcome commit() {
+  Outcome outcome = NerinAction::writeSlot(library().currFWProfileIndex());
+  outcome += saveSlotToLibrary();
+  NerinAction::sendMessageToDaemon(NerinAction::MessageProfileApplied);
+  editState->settle();
+  return outcome;
 }
 
 }  // namespace
 
-bool NerinAction::loadSlot(int slot) {
+NerinAction::ReadResult<bool> NerinAction::loadSlot(int slot) {
   if (!isSlot(slot)) {
-    return false;
+    return {noSuchSlot(SlotStep::ReadName), false};
+  }
+  const auto read = readSlot(slot);
+  if (read.value) {
+    editState->load(editState->currFWProfile());
+    // A profile that the slot is not linked to must not stay selected.
+    library().setCurrProfile(library().getProfileByFWProIndex(slot));
+    library().saveSelProfileToData();
+  } else {
+    editState->forgetBase();
+  }
+  beginSlot(slot);
+  return read;
+}
+
+NerinAction::ReadResult<bool> NerinAction::readSlot(int slot) {
+  if (!isSlot(slot)) {
+    return {noSuchSlot(SlotStep::ReadName), false};
   }
   library().setCurrFWProfileIndex(slot);
-  const bool hasProfile = loadSlotProfile(slot);
-  loadSlotLink(slot);
-  return hasProfile;
+  editState->setIsHaveNewName(false);
+  return getFWProfileData(static_cast<std::uint8_t>(slot));
 }
 
-bool NerinAction::loadSlotProfile(int slot) {
-  isHaveNewName = false;
-  if (!isSlot(slot) || !getFWProfileData(static_cast<std::uint8_t>(slot))) {
-    return false;
-  }
-  selProfile = currFWProfile;
-  if (const auto profile = library().getProfileByFWProIndex(slot)) {
-    library().setCurrProfile(profile);
-    library().saveSelProfileToData();
-  }
-  return true;
-}
-
-void NerinAction::loadSlotLink(int slot) {
+void NerinAction::beginSlot(int slot) {
+  library().setCurrFWProfileIndex(slot);
   bool isActive = false;
   library().setCurrActivePath(library().getLinkAppPath(slot, isActive));
   library().setCurrIsActive(isActive);
+}
+
+Outcome NerinAction::changeSlot(int slot, const std::function<Outcome()>& whenSelected) {
+  if (!isSlot(slot)) {
+    return noSuchSlot(SlotStep::SelectSlot);
+  }
+  Outcome outcome = setProfileIndexToDevice(static_cast<std::uint8_t>(slot));
+  const bool isSelected = outcome.isDone();
+  if (whenSelected) {
+    outcome += whenSelected();
+  }
+  if (isSelected) {
+    sendProfileChangeToDaemon(slot);
+  }
+  return outcome;
 }
 
 void NerinAction::bindSlot(std::uint64_t profileId) {
@@ -53,27 +104,67 @@ void NerinAction::bindSlot(std::uint64_t profileId) {
   library().refreshSelProfileFromData();
 }
 
-void NerinAction::saveLinkApp() {
+Outcome NerinAction::beginProfile(const std::string& name) {
+  library().setFwProfileId(-1, library().currFWProfileIndex());
+  library().setCurrFWProfileName(name);
+  library().setCurrProfile(nullptr);
+  editState->raiseNeedSave();
+  return {SlotStep::SaveLibrary, library().saveToSys()};
+}
+
+Outcome NerinAction::deleteSelectedProfile() {
+  library().delProfile(library().currProfile());
+  library().setFwProfileId(-1, library().currFWProfileIndex());
+  return {SlotStep::SaveLibrary, library().saveToSys()};
+}
+
+Outcome NerinAction::saveLinkApp() {
   if (const auto& profile = library().currProfile()) {
     profile->setIsActiveApp(library().currIsActive());
     profile->setActiveAppPath(library().currActivePath());
   }
-  library().setLinkAppPath(library().currActivePath(), library().currFWProfileIndex(),
-                           library().currIsActive());
+  return Outcome::of(
+      SlotStep::SavePreferences,
+      library().setLinkAppPath(library().currActivePath(), library().currFWProfileIndex(),
+                               library().currIsActive()));
 }
 
-void NerinAction::writeSlot(int slot) {
+Outcome NerinAction::writeSlot(int slot) {
   if (!isSlot(slot)) {
-    return;
+    return noSuchSlot(SlotStep::WriteImage);
   }
-  currFWProfile = selProfile;
-  setFWProfileData(static_cast<std::uint8_t>(slot));
+  editState->currFWProfile() = editState->selProfile();
+  return setFWProfileData(static_cast<std::uint8_t>(slot));
 }
 
-std::error_code NerinAction::applySlot() {
-  saveLinkApp();
-  writeSlot(library().currFWProfileIndex());
-  const auto error = library().saveCurrFWProfileToList();
-  sendMessageToDaemon(MessageProfileApplied);
-  return error;
+Outcome NerinAction::applySlot() {
+  settleName();
+  const Outcome link = saveLinkApp();
+  Outcome outcome = commit();
+  outcome += link;
+  return outcome;
+}
+
+bool NerinAction::canResetSlot(int slot) {
+  return isSlot(slot) && slot <= lastResetSlot;
+}
+
+Outcome NerinAction::resetSlot() {
+  const auto factory = library().currDefProfile();
+  if (!factory) {
+    return {};
+  }
+  library().setCurrFWProfileName(factory->name());
+  editState->bind(factory->profileData());
+  settleName();
+  return commit();
+}
+
+Outcome NerinAction::renameSlot(const std::string& name) {
+  library().setCurrFWProfileName(name);
+  settleName();
+  Outcome outcome = setFWProfileName(static_cast<std::uint8_t>(library().currFWProfileIndex()),
+                                     library().currFWProfileName());
+  outcome += saveSlotToLibrary();
+  return outcome;
 }

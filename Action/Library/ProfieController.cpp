@@ -11,6 +11,7 @@
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXLogger.h"
 #include "Kit/Core/LXPlatform.h"
+#include "Kit/Core/ProcessWide.h"
 #include "Kit/Core/Utf8.h"
 
 namespace fs = std::filesystem;
@@ -19,10 +20,7 @@ namespace {
 
 constexpr const char* libraryFolder = "Profiles";
 
-std::unique_ptr<ProfieController>& sharedController() {
-  static std::unique_ptr<ProfieController> controller;
-  return controller;
-}
+ProcessWide<std::unique_ptr<ProfieController>> sharedController;
 
 bool hasProfileExtension(const fs::path& path) {
   return utf8::lowercased(path.extension().string()) ==
@@ -48,7 +46,7 @@ std::vector<fs::path> profileFilesIn(const fs::path& folder, std::error_code& er
 }  // namespace
 
 ProfieController& ProfieController::getShareProCon() {
-  auto& controller = sharedController();
+  auto& controller = *sharedController;
   if (!controller) {
     controller = std::make_unique<ProfieController>();
   }
@@ -56,14 +54,16 @@ ProfieController& ProfieController::getShareProCon() {
 }
 
 void ProfieController::releaseShareProCon() {
-  sharedController().reset();
+  sharedController->reset();
 }
 
 ProfieController::ProfieController()
     : m_sysProPath(fs::path(NerinAction::getSysPath()) / libraryFolder) {
   // Before the folder is made, since an interrupted save may have left none of that name.
   durable::recoverFolder(m_sysProPath);
-  LXAction::creatDirectoryPro(m_sysProPath);
+  if (!LXAction::creatDirectoryPro(m_sysProPath)) {
+    LXLogger::error("the folder cannot be made: " + m_sysProPath.string());
+  }
   loadDefaults();
   refreshProfile();
 }
@@ -81,7 +81,9 @@ void ProfieController::refreshProfile() {
   m_profileArr.clear();
   m_loadError.clear();
   for (const fs::path& file : profileFilesIn(m_sysProPath, m_loadError)) {
-    addByPath(file);
+    if (addByPath(file) == NoFile) {
+      LXLogger::warning(file.string() + " went away while the library was read");
+    }
   }
   if (m_loadError) {
     LXLogger::error("the library cannot be read: " + m_loadError.message());
@@ -229,7 +231,9 @@ void ProfieController::clearAllProfile() {
   }
   std::error_code error;
   fs::remove_all(m_sysProPath, error);
-  LXAction::creatDirectoryPro(m_sysProPath);
+  if (error || !LXAction::creatDirectoryPro(m_sysProPath)) {
+    LXLogger::error("the folder cannot be emptied: " + m_sysProPath.string());
+  }
 }
 
 std::error_code ProfieController::saveSeltoPath(const fs::path& folder) {
@@ -253,13 +257,13 @@ std::error_code ProfieController::saveSelProfile() {
 
 void ProfieController::saveSelProfileToData() {
   if (m_currProfile) {
-    m_currProfile->setProfileData(selProfile);
+    m_currProfile->setProfileData(editState->selProfile());
   }
 }
 
 void ProfieController::refreshSelProfileFromData() {
   if (m_currProfile) {
-    selProfile = m_currProfile->profileData();
+    editState->bind(m_currProfile->profileData());
   }
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Action/Library/ProfileValue.h"
+#include "Action/Record/Limits.h"
 
 // The library of profiles on disk, the selection in it, the factory profiles, and what ties the
 // mouse's ten slots to the library. Lookups are linear and answer the first match.
@@ -18,11 +19,9 @@ class ProfieController {
   using Profile = std::shared_ptr<ProfileValue>;
   using Profiles = std::vector<Profile>;
 
-  static constexpr int slotCount = 10;
+  static constexpr int slotCount = limits::slotCount;
   // The id of a slot that is linked to no profile.
   static constexpr std::uint64_t notLinked = ~std::uint64_t{0};
-  // The most profiles that the views let the library grow to.
-  static constexpr std::size_t maximumProfiles = 50;
   // The position of a profile that is not in the list.
   static constexpr std::size_t notFound = ~std::size_t{0};
 
@@ -60,19 +59,19 @@ class ProfieController {
   // --- Import, saving, export --------------------------------------------------------------
 
   enum AddResult { Added = 0, NoFile = 1, NameTaken = 2 };
-  AddResult addByPath(const std::filesystem::path& path);
+  [[nodiscard]] AddResult addByPath(const std::filesystem::path& path);
   // With `isCreate` a profile whose name is taken is renamed and added.
-  AddResult addByPath(const std::filesystem::path& path, bool isCreate);
+  [[nodiscard]] AddResult addByPath(const std::filesystem::path& path, bool isCreate);
   // Writes every profile into the folder, each under a file name made from its name.
-  std::error_code saveToPath(const std::filesystem::path& folder);
+  [[nodiscard]] std::error_code saveToPath(const std::filesystem::path& folder);
   // Makes the library's folder hold exactly the list: in one step, so that a crash or a full disk
   // leaves the old library or the new one. A failure is logged.
-  std::error_code saveToSys();
+  [[nodiscard]] std::error_code saveToSys();
   // Empties the library's folder. Refuses a folder that is not the library's.
   void clearAllProfile();
   // Takes selProfile into the selected profile and writes that one; nothing without a selection.
-  std::error_code saveSeltoPath(const std::filesystem::path& folder);
-  std::error_code saveSelProfile();
+  [[nodiscard]] std::error_code saveSeltoPath(const std::filesystem::path& folder);
+  [[nodiscard]] std::error_code saveSelProfile();
   // Copies between selProfile and the selected profile's record; nothing without a selection.
   void saveSelProfileToData();
   void refreshSelProfileFromData();
@@ -113,7 +112,7 @@ class ProfieController {
   Profile getProfileByFWProIndex(int index) const;
   void refreshFWCurrName();
   // Stores the current slot's profile in the library: a new one for a slot without a link.
-  std::error_code saveCurrFWProfileToList();
+  [[nodiscard]] std::error_code saveCurrFWProfileToList();
   // Has no effect: the mouse's slot is written elsewhere.
   void setFWProfileByIndex(int index);
   std::array<std::uint64_t, slotCount>& fwProfileID() { return m_fwProfileID; }
@@ -128,15 +127,18 @@ class ProfieController {
 
   // --- Preferences -------------------------------------------------------------------------
 
+  // The setters answer false when the preferences could not be written, which is logged.
+
   // The link record of slot k - 1 under the number k (1..10): a boolean, and only advice, since the
   // mouse itself says which profile a slot holds.
-  void saveFWProfileIdByIndex(int k);
+  [[nodiscard]] bool saveFWProfileIdByIndex(int k);
   std::int64_t getFWProfileIdByIndex(int k) const;
-  void setLaunchPath(const std::string& path, int pIndex, int bIndex);
+  [[nodiscard]] bool setLaunchPath(const std::string& path, int pIndex, int bIndex);
   std::optional<std::string> getLaunchPath(int pIndex, int bIndex) const;
-  void setLinkAppPath(const std::optional<std::string>& path, int pIndex, bool isActive);
+  [[nodiscard]] bool setLinkAppPath(const std::optional<std::string>& path, int pIndex,
+                                    bool isActive);
   std::optional<std::string> getLinkAppPath(int pIndex, bool& isActive) const;
-  void setIsOSD(bool isOSD);
+  [[nodiscard]] bool setIsOSD(bool isOSD);
   // The on-screen display is on unless it was switched off; asking stores that.
   bool isOSD();
 

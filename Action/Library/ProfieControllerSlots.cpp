@@ -3,7 +3,7 @@
 #include "Action/Library/PreferenceKeys.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Library/SupportFolder.h"
-#include "Action/Record/EditState.h"
+#include "Kit/Core/LXLogger.h"
 #include "Kit/Core/PreferenceFile.h"
 
 namespace {
@@ -57,7 +57,10 @@ std::error_code ProfieController::saveCurrFWProfileToList() {
   } else if (m_currProfile) {
     m_currProfile->setName(m_currFWProfileName);
   }
-  saveFWProfileIdByIndex(m_currFWProfileIndex);
+  if (!saveFWProfileIdByIndex(m_currFWProfileIndex)) {
+    // Only advice: the mouse itself says which profile a slot holds.
+    LXLogger::warning("the slot's link could not be stored in the preferences");
+  }
   // Not by itself first: between two writes a kill would find neither the old library nor the new.
   saveSelProfileToData();
   return saveToSys();
@@ -83,13 +86,13 @@ _BTN_INFO ProfieController::getDefBtnInfoByIndex(int index) const {
   return m_currDefProfile->profileData().btnInfo[index];
 }
 
-void ProfieController::saveFWProfileIdByIndex(int k) {
+bool ProfieController::saveFWProfileIdByIndex(int k) {
   if (k < 1 || k > slotCount) {
-    return;
+    return true;
   }
   constexpr std::uint64_t lowByte = 0xFF;
   const std::uint64_t id = m_fwProfileID[static_cast<std::size_t>(k - 1)];
-  preferences().setValue(preferencekeys::profile(k), (id & lowByte) != 0);
+  return preferences().setValue(preferencekeys::profile(k), (id & lowByte) != 0);
 }
 
 std::int64_t ProfieController::getFWProfileIdByIndex(int k) const {
@@ -99,19 +102,19 @@ std::int64_t ProfieController::getFWProfileIdByIndex(int k) const {
   return preferences().integerFor(preferencekeys::profile(k)).value_or(-1);
 }
 
-void ProfieController::setLaunchPath(const std::string& path, int pIndex, int bIndex) {
-  preferences().setValue(preferencekeys::launchPath(pIndex, bIndex), path);
+bool ProfieController::setLaunchPath(const std::string& path, int pIndex, int bIndex) {
+  return preferences().setValue(preferencekeys::launchPath(pIndex, bIndex), path);
 }
 
 std::optional<std::string> ProfieController::getLaunchPath(int pIndex, int bIndex) const {
   return preferences().stringFor(preferencekeys::launchPath(pIndex, bIndex));
 }
 
-void ProfieController::setLinkAppPath(const std::optional<std::string>& path, int pIndex,
+bool ProfieController::setLinkAppPath(const std::optional<std::string>& path, int pIndex,
                                       bool isActive) {
-  preferences().setValues(preferencekeys::linkApp,
-                          {{preferencekeys::profile(pIndex), path.value_or("")},
-                           {preferencekeys::linkIsActive(pIndex), isActive}});
+  return preferences().setValues(preferencekeys::linkApp,
+                                 {{preferencekeys::profile(pIndex), path.value_or("")},
+                                  {preferencekeys::linkIsActive(pIndex), isActive}});
 }
 
 std::optional<std::string> ProfieController::getLinkAppPath(int pIndex, bool& isActive) const {
@@ -121,17 +124,17 @@ std::optional<std::string> ProfieController::getLinkAppPath(int pIndex, bool& is
   return file.stringFor(preferencekeys::linkApp, preferencekeys::profile(pIndex));
 }
 
-void ProfieController::setIsOSD(bool isOSD) {
+bool ProfieController::setIsOSD(bool isOSD) {
   m_isOSD = isOSD;
-  preferences().setValue(preferencekeys::osd, isOSD);
+  return preferences().setValue(preferencekeys::osd, isOSD);
 }
 
 bool ProfieController::isOSD() {
   const auto stored = preferences().boolFor(preferencekeys::osd);
   if (stored) {
     m_isOSD = *stored;
-  } else {
-    setIsOSD(true);
+  } else if (!setIsOSD(true)) {
+    LXLogger::warning("the display stays on, and the preferences do not say so");
   }
   return m_isOSD;
 }

@@ -19,7 +19,7 @@ class ProfileValue {
   // short is zero where it gives nothing; what it has beyond its 5264 bytes is passed over.
   static std::shared_ptr<ProfileValue> initWithPath(const std::filesystem::path& path);
   // Writes the file, whole or not at all. A failure is logged.
-  std::error_code saveToPath(const std::filesystem::path& path);
+  [[nodiscard]] std::error_code saveToPath(const std::filesystem::path& path);
   // The bytes that saveToPath writes.
   ConfigBytes fileBytes();
 

@@ -6,15 +6,17 @@
 #include "Kit/Core/LXPlatform.h"
 
 const std::string& NerinAction::getSysPath() {
-  if (sysPath.empty()) {
+  if (sysPath->empty()) {
     const LXPlatform& platform = LXPlatform::current();
-    sysPath = (platform.homeFolder / "Library" / "Application Support" / platform.bundleIdentifier)
-                  .string();
-    LXAction::creatDirectoryPro(sysPath);
-    durable::sweepTemporaries(sysPath);
-    LXLogger::debug("sysPath=" + sysPath);
+    *sysPath = (platform.homeFolder / "Library" / "Application Support" / platform.bundleIdentifier)
+                   .string();
+    if (!LXAction::creatDirectoryPro(*sysPath)) {
+      LXLogger::error("the folder cannot be made: " + *sysPath);
+    }
+    durable::sweepTemporaries(*sysPath);
+    LXLogger::debug("sysPath=" + *sysPath);
   }
-  return sysPath;
+  return *sysPath;
 }
 
 std::filesystem::path NerinAction::preferenceFilePath() {

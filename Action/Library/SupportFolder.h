@@ -3,8 +3,10 @@
 #include <filesystem>
 #include <string>
 
+#include "Kit/Core/ProcessWide.h"
+
 // The folder that holds the library and the catalogues; empty until getSysPath.
-inline std::string sysPath;
+inline ProcessWide<std::string> sysPath;
 
 namespace NerinAction {
 

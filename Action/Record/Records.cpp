@@ -6,6 +6,10 @@
 
 #include "Kit/Core/Utf8.h"
 
+bool isSameRecord(const _Nerin_PROFILE& a, const _Nerin_PROFILE& b) {
+  return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
 std::size_t getlen(const char (&field)[textSize]) {
   const auto* end = field + textSize - 1;
   return static_cast<std::size_t>(std::find(field, end, '\0') - field);

@@ -95,6 +95,9 @@ static_assert(offsetof(_Nerin_CONFIG, isActiveApp) == 5000);
 static_assert(offsetof(_Nerin_CONFIG, activeAppPath) == 5001);
 static_assert(std::is_trivially_copyable_v<_Nerin_CONFIG>);
 
+// Whether two profiles hold the same bytes.
+bool isSameRecord(const _Nerin_PROFILE& a, const _Nerin_PROFILE& b);
+
 // Length in bytes of a char field up to its first NUL, at most 255 even without one.
 std::size_t getlen(const char (&field)[textSize]);
 

@@ -10,6 +10,7 @@
 #include "Kit/Core/DurableFile.h"
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXLogger.h"
+#include "Kit/Core/ProcessWide.h"
 
 namespace {
 
@@ -27,10 +28,7 @@ constexpr LanguageName languageNames[] = {
     {"ru", "Russian"},  {"es", "Spanish"}, {"tr", "Turkish"},
 };
 
-std::unique_ptr<TooltipManager>& sharedManager() {
-  static std::unique_ptr<TooltipManager> manager;
-  return manager;
-}
+ProcessWide<std::unique_ptr<TooltipManager>> sharedManager;
 
 // Tips are shown without a closing period.
 std::optional<std::string> withoutPeriod(std::optional<std::string> text) {
@@ -59,7 +57,7 @@ const TooltipData* firstIn(const LanData* language, Matches matches) {
 }  // namespace
 
 TooltipManager& TooltipManager::shareTooltipManager() {
-  auto& manager = sharedManager();
+  auto& manager = *sharedManager;
   if (!manager) {
     manager = std::make_unique<TooltipManager>();
   }
@@ -67,7 +65,7 @@ TooltipManager& TooltipManager::shareTooltipManager() {
 }
 
 void TooltipManager::releaseTooltipManager() {
-  sharedManager().reset();
+  sharedManager->reset();
 }
 
 TooltipManager::TooltipManager() {
@@ -80,7 +78,9 @@ void TooltipManager::initData() {
   m_currLan = nullptr;
   m_engLan = nullptr;
   const std::string& folder = NerinAction::getSysPath();
-  LXAction::checkAddCopyFileFromResourceWithPath(folder, catalogueFile);
+  if (!LXAction::checkAddCopyFileFromResourceWithPath(folder, catalogueFile)) {
+    LXLogger::warning(folder + " has no " + catalogueFile);
+  }
   const auto bytes = durable::readFile(std::filesystem::path(folder) / catalogueFile);
   if (!bytes) {
     return;

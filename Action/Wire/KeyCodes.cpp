@@ -6,8 +6,6 @@
 #include <cstdint>
 #include <iterator>
 
-#include "Action/Catalogue/FunctionCatalogue.h"
-
 namespace {
 
 struct UsageAndKey {
@@ -110,12 +108,10 @@ void setKey(_BTN_INFO& button) {
                                     : NerinAction::GetKeyCodeByFW(usage);
 }
 
-void setMouseFunction(_BTN_INFO& button) {
+void setMouseFunction(_BTN_INFO& button, const NerinAction::FunctionIdOf& functionIdOf) {
   button.btnType = ButtonTypeSingle;
   button.MacroID = 1;
-  if (const auto entry = NerinAction::getSingleByBtnInfo(button)) {
-    button.FuncID = static_cast<std::uint32_t>(entry->functionID());
-  }
+  button.FuncID = functionIdOf(button).value_or(button.FuncID);
 }
 
 void setSensitivity(_BTN_INFO& button, std::uint32_t functionId) {
@@ -165,14 +161,14 @@ std::uint32_t NerinAction::getFunIdByBtn(const _BTN_INFO& btnInfo) {
   return btnInfo.FuncTableId;
 }
 
-void NerinAction::setFunIDAndBtnType(_BTN_INFO* btnInfo) {
+void NerinAction::setFunIDAndBtnType(_BTN_INFO* btnInfo, const FunctionIdOf& functionIdOf) {
   _BTN_INFO& button = *btnInfo;
   button.FuncTableId = button.FuncID;
   switch (button.FuncTableId) {
     case 0:
     case FunctionMouse:
     case 4:
-      setMouseFunction(button);
+      setMouseFunction(button, functionIdOf);
       break;
     case FunctionKey:
       setKey(button);

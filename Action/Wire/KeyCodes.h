@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 
 #include "Action/Record/Records.h"
 
@@ -38,9 +40,12 @@ std::uint32_t getKeyCodeFlagByFW(std::uint32_t modifiers);
 
 // The device code that is written for the button.
 std::uint32_t getFunIdByBtn(const _BTN_INFO& btnInfo);
+// The id of the mouse function with the button's code and key bits, as a catalogue of functions
+// knows it; nothing for a function that it does not know.
+using FunctionIdOf = std::function<std::optional<std::uint32_t>(const _BTN_INFO& btnInfo)>;
 // Turns a button as it was read (FuncID = device code, KeyBit = parameter bytes) into the record's
 // form, in place.
-void setFunIDAndBtnType(_BTN_INFO* btnInfo);
+void setFunIDAndBtnType(_BTN_INFO* btnInfo, const FunctionIdOf& functionIdOf);
 
 // How a macro button repeats, for the mouse. `type` stays as it is for an unknown mode.
 void getMacroRepeatType(std::uint8_t& type, std::uint8_t& count, const _BTN_INFO& btnInfo);

@@ -6,14 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "Action/Catalogue/MacroInfo.h"
-#include "Action/Record/Records.h"
+#include "Action/Wire/ReportLayout.h"
 
 // The macros that the mouse plays by itself: one macro slot for each button position of each slot.
 namespace NerinAction {
 
-inline constexpr std::size_t macroReportSize = 2053;
-using MacroReport = std::array<std::uint8_t, macroReportSize>;
+using MacroReport = std::array<std::uint8_t, reportlayout::macroSize>;
 
 // Names that the program makes for macros that the mouse keeps without one begin with this. They
 // are never written to the mouse.
@@ -26,7 +24,8 @@ std::uint8_t macroSlotOf(std::uint8_t slot, int btnIndex);
 struct MacroStreamEvent {
   std::uint8_t code = 0;  // a device key code, or 120..126 for mouse buttons
   bool isRelease = false;
-  std::int32_t delay = 0;  // after it, in milliseconds, 0..65535
+  // After it, in milliseconds: 0..65535 as read, the low 16 bits are written. 0 or less is none.
+  std::int32_t delay = 0;
 
   bool isMouseButton() const { return code >= 120 && code <= 126; }
 };
@@ -35,23 +34,14 @@ struct MacroStreamEvent {
 struct MacroStream {
   std::uint8_t repeatType = 0;
   std::uint8_t repeatCount = 0;
-  std::optional<std::string> name;  // nothing when it is empty or no ASCII text
+  // As read, nothing when it is empty or no ASCII text. Only ASCII is written.
+  std::optional<std::string> name;
   std::vector<MacroStreamEvent> events;
 };
 
 // The report that writes a macro, checksum included. Events that no longer fit are left out.
-MacroReport encodeMacroReport(std::uint8_t macroSlot, const _BTN_INFO& btnInfo,
-                              const MacroInfo& macro);
+MacroReport encodeMacroReport(std::uint8_t macroSlot, const MacroStream& macro);
 // Takes apart what the mouse answered; nothing when the macro slot holds no macro.
 std::optional<MacroStream> decodeMacroReport(const MacroReport& report);
-
-// Reads a macro slot and takes apart what it holds, without touching the macro catalogue.
-std::optional<MacroStream> readMacroStream(std::uint8_t slot, int btnIndex);
-
-// Writes the macro of currFWProfile's button (0..15). False when the catalogue has no such macro.
-bool setFWMacroData(std::uint8_t slot, int btnIndex);
-// Reads the macro of a button into the catalogue, under its name, and into currFWProfile's button.
-// Nothing changes when the macro slot holds none.
-void getFWMacroData(std::uint8_t slot, int btnIndex);
 
 }  // namespace NerinAction

@@ -24,7 +24,7 @@ std::optional<std::string> readFile(const std::filesystem::path& path,
 // Writes the bytes to a new file beside `path`, syncs it, and puts it in the place of `path`. On
 // an error nothing is left behind and the old file is untouched. Its permissions are kept, and a
 // symbolic link stays one. What is there and is no regular file is an error.
-std::error_code writeFile(const std::filesystem::path& path, std::string_view bytes);
+[[nodiscard]] std::error_code writeFile(const std::filesystem::path& path, std::string_view bytes);
 
 // Removes what a kill left of writeFile in the folder, once it is an hour old.
 void sweepTemporaries(const std::filesystem::path& folder);
@@ -39,8 +39,8 @@ struct FolderEntry {
 // take the place of the old one in one step. A file that is there already with the same bytes is
 // taken over as it is. On an error the old folder is untouched. Another process that replaces the
 // same folder is waited for.
-std::error_code replaceFolder(const std::filesystem::path& folder,
-                              std::span<const FolderEntry> entries);
+[[nodiscard]] std::error_code replaceFolder(const std::filesystem::path& folder,
+                                            std::span<const FolderEntry> entries);
 
 // Cleans up after a replaceFolder that was interrupted: the folder is the old one or the new one
 // afterwards, and nothing of the other is left. Call it before the folder is read. While another

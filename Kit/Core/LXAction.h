@@ -22,11 +22,11 @@ class LXAction {
   static std::string getNonullStr(const std::optional<std::string>& text);
 
   // Makes the folder with all above it; false when it is not there afterwards.
-  static bool creatDirectoryPro(const std::filesystem::path& folder);
+  [[nodiscard]] static bool creatDirectoryPro(const std::filesystem::path& folder);
   // Puts the file that came with the program into the folder when the folder has none. Answers
   // whether the folder has it afterwards.
-  static bool checkAddCopyFileFromResourceWithPath(const std::filesystem::path& folder,
-                                                   const std::string& fileName);
+  [[nodiscard]] static bool checkAddCopyFileFromResourceWithPath(
+      const std::filesystem::path& folder, const std::string& fileName);
 
   // A hexadecimal number ("F" is 15); 0 for anything else and for what 32 bits do not hold.
   static std::int32_t getIntValueByHex(std::string_view text);
@@ -44,7 +44,8 @@ class LXAction {
   static std::optional<std::string> getSysLanName();
 
   // Writes the archive of the object to the file, whole or not at all.
-  static bool SaveObject(const LXCoding& object, const std::filesystem::path& forPath);
+  [[nodiscard]] static bool SaveObject(const LXCoding& object,
+                                       const std::filesystem::path& forPath);
   // Reads the object back; null when the file holds nothing of that class.
   template <typename Object>
   static std::shared_ptr<Object> CopyObject(const std::filesystem::path& forPath) {
@@ -59,8 +60,8 @@ class LXAction {
   }
 
   // Opens a document or a web address with its default application.
-  static bool openFile(const std::string& path);
-  static bool openPage(const std::string& address);
+  [[nodiscard]] static bool openFile(const std::string& path);
+  [[nodiscard]] static bool openPage(const std::string& address);
 
   // Shows a text and waits until the user has read it; a question, and waits for yes or no.
   static void showInfoMessage(const std::string& text);

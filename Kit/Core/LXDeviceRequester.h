@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <system_error>
 
 // One USB control transfer on endpoint 0: the setup packet and its data stage.
 struct LXDeviceRequest {
@@ -14,6 +15,8 @@ struct LXDeviceRequest {
   std::span<std::uint8_t> data;
   // How many bytes of the data stage were transferred; 0 before the call.
   std::uint32_t wLenDone = 0;
+  // Why the transfer failed, as far as the requester knows.
+  std::error_code error = {};
 };
 
 // The port to the mouse. The program knows nothing of USB beyond this class; the real one stands

@@ -31,13 +31,14 @@ class PreferenceFile {
   // Stores one value. False when the file could not be written, or when the value is no text that a
   // property list can hold (UTF-8 without control characters); the old file is then still there.
   // A file that is no property list is set aside under another name first.
-  bool setValue(const std::string& key, const Value& value);
+  [[nodiscard]] bool setValue(const std::string& key, const Value& value);
   // Stores values in the dictionary under `dictionary`, which is made when it is missing; its
   // other keys stay.
-  bool setValues(const std::string& dictionary, const std::map<std::string, Value>& values);
+  [[nodiscard]] bool setValues(const std::string& dictionary,
+                               const std::map<std::string, Value>& values);
 
  private:
-  bool change(const std::function<void(void* root)>& edit);
+  [[nodiscard]] bool change(const std::function<void(void* root)>& edit);
 
   std::filesystem::path m_path;
 };

@@ -6,12 +6,11 @@
 #include <QSortFilterProxyModel>
 #include <utility>
 
+#include "Kit/Core/ProcessWide.h"
+
 namespace {
 
-std::function<filepanel::Answer(const filepanel::Request&)>& answererInUse() {
-  static std::function<filepanel::Answer(const filepanel::Request&)> answerer;
-  return answerer;
-}
+ProcessWide<std::function<filepanel::Answer(const filepanel::Request&)>> answererInUse;
 
 bool isProgram(const QFileInfo& file) {
   const QString suffix = file.suffix();
@@ -56,8 +55,8 @@ class Panel : public QFileDialog {
 };
 
 filepanel::Answer run(Panel& dialog, const filepanel::Request& request) {
-  if (answererInUse()) {
-    return answererInUse()(request);
+  if (*answererInUse) {
+    return (*answererInUse)(request);
   }
   QStringList patterns;
   for (const std::string& pattern : request.patterns) {
@@ -102,5 +101,5 @@ filepanel::Answer filepanel::saveFile(QWidget* parent, const Request& request) {
 }
 
 void filepanel::setAnswerer(std::function<Answer(const Request&)> answerer) {
-  answererInUse() = std::move(answerer);
+  *answererInUse = std::move(answerer);
 }

@@ -318,13 +318,16 @@ bool HidDeviceRequester::sendDeviceRequest(LXDeviceRequest& request) {
   if ((!isSet && !isGet) || static_cast<unsigned>(request.wValue >> 8U) != featureReport ||
       request.wIndex >= interfaceCount || request.data.empty() ||
       request.data.size() + shift > maxReportSize) {
+    request.error = std::make_error_code(std::errc::invalid_argument);
     return false;
   }
   // The kernel takes the report's number from the first byte and nowhere else.
   if (isSet && shift == 0 && request.data[0] != reportId) {
+    request.error = std::make_error_code(std::errc::invalid_argument);
     return false;
   }
   if (!isDevOn()) {
+    request.error = std::make_error_code(std::errc::no_such_device);
     return false;
   }
 
@@ -340,7 +343,9 @@ bool HidDeviceRequester::sendDeviceRequest(LXDeviceRequest& request) {
                            : hid_get_feature_report(device, buffer.data(), buffer.size());
   const int error = errno;
 
-  if (result >= 0) {
+  if (result < 0) {
+    request.error = {error, std::generic_category()};
+  } else {
     const auto count = static_cast<std::size_t>(result);
     const std::size_t done = std::min(count - std::min(count, shift), request.data.size());
     if (isGet) {

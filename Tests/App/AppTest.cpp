@@ -76,7 +76,7 @@ TEST_F(App, ClosingItsWindowEndsTheProgramWithoutAQuestion) {
   QTimer poll;
   QObject::connect(&poll, &QTimer::timeout, &poll, [this] {
     if (m_delegate.window().isCanDrag()) {
-      isNeedSave = true;
+      editState->raiseNeedSave();
       m_delegate.window().close();
     }
   });
@@ -131,11 +131,11 @@ TEST_F(App, TheMainWindowRestsWhileAboutIsOpen) {
     EXPECT_TRUE(about().isVisible());
   });
   m_delegate.showAboutPro();
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_FALSE(termination::isTerminating());
   EXPECT_THAT(trace(), IsEmpty());
   clickThroughWindow(appButton("profileNewBtn"));
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
 }
 
 TEST_F(App, AboutIsClosedByItsButtonAndByEscape) {

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Wire/MacroImage.h"
 #include "Action/Wire/ProfileImage.h"
 #include "Tests/CommandLine/TestHome.h"
@@ -59,11 +60,14 @@ void fillSlot(VirtualMouse& mouse, int slot, const std::string& name, const Prof
         NerinAction::macroSlotOf(static_cast<std::uint8_t>(slot), button);
     MouseHost::announceMacro(mouse, macroSlot);
     MouseHost::write(mouse, MouseHost::copyOf(NerinAction::encodeMacroReport(
-                                macroSlot, record.btnInfo[button], macro)));
+                                macroSlot, NerinAction::streamOf(macro, record.btnInfo[button]))));
+  }
+  auto disabled = NerinAction::macroButtonsOf(record);
+  for (const auto& [button, macro] : macros) {
+    disabled.reset(static_cast<std::size_t>(button));
   }
   MouseHost::write(mouse, MouseHost::copyOf(NerinAction::encodeProfileImage(
-                              static_cast<std::uint8_t>(slot), record,
-                              [&](int button) { return macros.contains(button); })));
+                              static_cast<std::uint8_t>(slot), record, disabled)));
   ASSERT_THAT(mouse.faults(), testing::IsEmpty());
 }
 
@@ -239,8 +243,7 @@ TEST(NerinctlBackup, NotesWhatNoFileCanHold) {
     ProfileValue profile = profileNamed("");
     setMacro(profile, 2, 1, 1);
     // The image names a macro that was never written.
-    auto image = MouseHost::copyOf(
-        NerinAction::encodeProfileImage(1, profile.profileData(), [](int) { return true; }));
+    auto image = MouseHost::copyOf(NerinAction::encodeProfileImage(1, profile.profileData(), {}));
     MouseHost::write(mouse, image);
   }
   EXPECT_THAT(user.lines({"backup", "kept"}),

@@ -10,10 +10,9 @@
 
 #include "Action/Library/SupportFolder.h"
 #include "Action/NerinAction.h"
-#include "Action/Record/EditState.h"
-#include "Action/Texts/TooltipManager.h"
 #include "Kit/Core/LXPlatform.h"
 #include "Kit/Core/ObservedDeviceRequester.h"
+#include "Kit/Core/ProcessWide.h"
 #include "VirtualMouse/VirtualDeviceRequester.h"
 
 namespace fs = std::filesystem;
@@ -126,24 +125,7 @@ void ActionTest::install() {
 }
 
 void ActionTest::endProgram() {
-  ProfieController::releaseShareProCon();
-  TooltipManager::releaseTooltipManager();
-  sysPath.clear();
-  NerinAction::sysDeviceReq.reset();
-  NerinAction::macroListArrs.clear();
-  NerinAction::macroMenuRebuilt = nullptr;
-  for (auto* root :
-       {&NerinAction::macroNode, &NerinAction::keyAssignMenuNode, &NerinAction::singleMenuNode,
-        &NerinAction::macroInsertMenuNode, &NerinAction::repeatMenuNode,
-        &NerinAction::sensitivityMenuNode, &NerinAction::levelMenuNode}) {
-    root->reset();
-  }
-  selProfile = {};
-  currSetProfile = {};
-  currSetProfileID = 0;
-  currFWProfile = {};
-  isNeedSave = false;
-  isHaveNewName = false;
+  ProcessWideBase::resetAll();
 }
 
 void ActionTest::beginProgram() {
@@ -196,7 +178,7 @@ std::shared_ptr<MacroInfo> ActionTest::addMacro(int id, const std::string& name,
     macro->keyInfoArr().push_back(
         std::make_shared<MacroKeyInfo>(event.at(0), event.at(1), event.at(2)));
   }
-  return NerinAction::macroListArrs.emplace_back(std::move(macro));
+  return NerinAction::macroStore->macroListArrs.emplace_back(std::move(macro));
 }
 
 ActionTest::Events ActionTest::eventsOf(const MacroInfo& macro) {

@@ -133,12 +133,13 @@ std::vector<std::string> EditorTest::told() const {
 }
 
 KeyAssignView& AssignTest::openPanel(int btnIndex, const _BTN_INFO& stored) {
-  selProfile.btnInfo[btnIndex] = stored;
+  editState->edit().btnInfo[btnIndex] = stored;
+  editState->clearNeedSave();
   m_panel = new KeyAssignView;
   m_panel->construct();
   place(m_panel);
   m_panel->setBtnIndex(btnIndex);
-  m_panel->setTmpBtnInfo(selProfile.btnInfo[btnIndex]);
+  m_panel->setTmpBtnInfo(editState->selProfile().btnInfo[btnIndex]);
   m_panel->fillSettingData();
   show();
   return *m_panel;

@@ -112,7 +112,7 @@ class AssignTest : public EditorTest {
   KeyAssignView& openPanel(int btnIndex, const _BTN_INFO& stored);
   KeyAssignView& panel() { return *m_panel; }
   int btnIndex() const { return m_panel->btnIndex(); }
-  const _BTN_INFO& stored() const { return selProfile.btnInfo[m_panel->btnIndex()]; }
+  const _BTN_INFO& stored() const { return editState->selProfile().btnInfo[m_panel->btnIndex()]; }
   // By its title in the list of kinds.
   void chooseType(const char* title) { chooseIn("comSelBtn", title); }
   // The parts that show.

@@ -167,7 +167,7 @@ std::string macroNameAsRead(const std::string& name, int slot, int index) {
 _Nerin_PROFILE slotAsRead(int slot, const _Nerin_PROFILE& written) {
   _Nerin_PROFILE read = written;
   std::vector<NamedMacro> macros;
-  for (const auto& macro : NerinAction::macroListArrs) {
+  for (const auto& macro : NerinAction::macroStore->macroListArrs) {
     macros.push_back({static_cast<std::uint32_t>(macro->macroId()), macro->nameStr().value_or("")});
   }
   read.modeType = written.modeType == 1 ? 1 : 0;

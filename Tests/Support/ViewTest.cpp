@@ -13,7 +13,6 @@
 #include "View/Windows/Termination.h"
 
 ViewTest::ViewTest() {
-  termination::revive();
   // A loop that another test ended would end every loop of this one.
   QTimer::singleShot(0, qApp, &QCoreApplication::quit);
   QApplication::exec();
@@ -53,9 +52,11 @@ ViewTest::~ViewTest() {
   process();
   NerinAction::setPopViewAnswerer({});
   filepanel::setAnswerer({});
-  profileNode.reset();
-  selProfile = {};
-  isNeedSave = false;
+}
+
+void ViewTest::endProgram() {
+  ActionTest::endProgram();
+  installSeams();
 }
 
 void ViewTest::start() {
@@ -73,10 +74,8 @@ void ViewTest::startAgain() {
   m_window.reset();
   process();
   endProgram();
-  termination::revive();
   setPreferredLanguage(std::nullopt);
   installSeams();
-  profileNode.reset();
   start();
 }
 

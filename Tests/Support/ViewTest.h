@@ -24,6 +24,8 @@ class ViewTest : public ActionTest {
   ViewTest();
   ~ViewTest() override;
 
+  // As if the program ended. Messages and file panels are answered as before.
+  void endProgram();
   // Starts the program with its window.
   void start();
   // Ends the program, as far as it is not ended, and starts it again on the same home and mouse.

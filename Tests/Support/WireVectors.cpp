@@ -94,10 +94,10 @@ _Nerin_PROFILE WireVectorTest::load(const WireVector& vector) {
 }
 
 void WireVectorTest::write(const WireVector& vector) {
-  selProfile = load(vector);
+  editState->edit() = load(vector);
   library().setCurrFWProfileName(vector.name);
   mouse().clearTranscript();
-  NerinAction::writeSlot(vector.slot);
+  EXPECT_TRUE(NerinAction::writeSlot(vector.slot).isDone());
 }
 
 std::vector<std::string> WireVectorTest::transfersToTheMouse() {
@@ -118,7 +118,7 @@ void WireVectorTest::expectWritten(const WireVector& vector) {
   write(vector);
   std::vector<std::string> expected{"0306 1 " + vector.nameReport, refresh};
   for (int index = 0; index < static_cast<int>(buttonCount); ++index) {
-    if (selProfile.btnInfo[index].FuncTableId != 6) {
+    if (editState->selProfile().btnInfo[index].FuncTableId != 6) {
       continue;
     }
     expected.push_back(readyToWrite(vector.slot, index));
@@ -146,22 +146,22 @@ void WireVectorTest::expectWritten(const WireVector& vector) {
 
 void WireVectorTest::expectReadBack(const WireVector& vector) {
   write(vector);
-  const _Nerin_PROFILE expected = slotAsRead(vector.slot, selProfile);
+  const _Nerin_PROFILE expected = slotAsRead(vector.slot, editState->selProfile());
   std::vector<std::pair<int, MacroEvents>> macros;
   for (const WireVector::MacroReport& report : vector.macroReports) {
-    const std::uint32_t id = selProfile.btnInfo[report.button].MacroID;
+    const std::uint32_t id = editState->selProfile().btnInfo[report.button].MacroID;
     macros.emplace_back(report.button,
                         eventsAsRead(*NerinAction::getMacroById(static_cast<std::int32_t>(id))));
   }
-  selProfile = {};
-  EXPECT_TRUE(NerinAction::loadSlot(vector.slot));
-  EXPECT_EQ(differenceOf(selProfile, expected), "");
+  editState->edit() = {};
+  EXPECT_TRUE(NerinAction::loadSlot(vector.slot).value);
+  EXPECT_EQ(differenceOf(editState->selProfile(), expected), "");
   EXPECT_EQ(library().currFWProfileName(), vector.name.substr(0, 65));
   // A macro on two buttons, or under two names that the mouse cuts to one, is what was read last.
   for (const auto& [button, events] : macros) {
-    const std::uint32_t id = selProfile.btnInfo[button].MacroID;
+    const std::uint32_t id = editState->selProfile().btnInfo[button].MacroID;
     const bool isReadLast = std::none_of(macros.begin(), macros.end(), [&](const auto& other) {
-      return other.first > button && selProfile.btnInfo[other.first].MacroID == id;
+      return other.first > button && editState->selProfile().btnInfo[other.first].MacroID == id;
     });
     const auto macro = NerinAction::getMacroById(static_cast<std::int32_t>(id));
     ASSERT_NE(macro, nullptr);
@@ -172,9 +172,9 @@ void WireVectorTest::expectReadBack(const WireVector& vector) {
 }
 
 void WireVectorTest::expectSettings(const WireVector& vector) {
-  currSetProfile = load(vector);
+  editState->currSetProfile() = load(vector);
   mouse().clearTranscript();
-  NerinAction::setSettingToDevice();
+  EXPECT_TRUE(NerinAction::setSettingToDevice().isDone());
   std::vector<std::string> expected;
   for (const std::string& command : vector.settings) {
     expected.push_back("0300 0 " + command);
@@ -189,20 +189,20 @@ void WireVectorTest::expectFactoryProfile(int slot) {
   const auto factory = library().defaultProfile();
   ASSERT_NE(factory, nullptr);
   mouse().clearSlot(slot);
-  selProfile = factory->profileData();
+  editState->edit() = factory->profileData();
   library().setCurrFWProfileName(factory->name());
   mouse().clearTranscript();
-  NerinAction::writeSlot(slot);
+  EXPECT_TRUE(NerinAction::writeSlot(slot).isDone());
   const auto transfers = transfersToTheMouse();
   ASSERT_EQ(transfers.size(), 4U);
   EXPECT_EQ(transfers[2], "0305 1 " + image);
   EXPECT_EQ(hexOf(mouse().imageReport(slot)), image);
   EXPECT_EQ(mouse().slotName(slot), "Profile#" + std::to_string(slot + 1));
 
-  const _Nerin_PROFILE expected = slotAsRead(slot, selProfile);
-  EXPECT_TRUE(NerinAction::loadSlot(slot));
-  EXPECT_EQ(differenceOf(selProfile, expected), "");
+  const _Nerin_PROFILE expected = slotAsRead(slot, editState->selProfile());
+  EXPECT_TRUE(NerinAction::loadSlot(slot).value);
+  EXPECT_EQ(differenceOf(editState->selProfile(), expected), "");
   const auto again =
-      NerinAction::encodeProfileImage(static_cast<std::uint8_t>(slot), selProfile, nullptr);
+      NerinAction::encodeProfileImage(static_cast<std::uint8_t>(slot), editState->selProfile(), {});
   EXPECT_EQ(hexOf(again), image);
 }

@@ -181,8 +181,8 @@ class Frames(CompilerTest):
     def testTheHeaderHasThem(self):
         theme, screens = masters.readScreens(self.folder)
         text = compiler.header(theme, screens)
-        self.assertIn("namespace Panel {", text)
-        self.assertIn("inline constexpr Frame okBtn{4, 2, 16, 10, 3};", text)
+        self.assertIn("struct Panel {", text)
+        self.assertIn("static constexpr Frame okBtn{4, 2, 16, 10, 3};", text)
         self.assertIn("inline constexpr std::uint32_t glow = 0xFF0000;", text)
         self.assertIn("{\"Line1\", {0, 16, 35, 14, 0}},", text)
 
@@ -192,7 +192,7 @@ class Frames(CompilerTest):
                    .replace("data-for=\"okBtn\" data-padding=\"2 2\"", "data-box=\"0 0 9 9\""))
         theme, screens = masters.readScreens(self.folder)
         text = compiler.header(theme, screens)
-        self.assertIn("namespace Panel {", text)
+        self.assertIn("struct Panel {", text)
         self.assertNotIn("> controls", text)
 
     def testOfALineHoldItsRectangles(self):

@@ -1,10 +1,10 @@
 #include "View/Assign/KeyAssignView.h"
 
 #include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Device/SlotTransfer.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Record/EditState.h"
 #include "Action/Wire/KeyCodes.h"
-#include "Action/Wire/ProfileImage.h"
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXButton.h"
 #include "Kit/Widgets/LXTextField.h"
@@ -14,11 +14,12 @@
 #include "View/Assign/SubTKeyView.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
+#include "View/Windows/FailureMessage.h"
 #include "View/Windows/LocalNotifications.h"
 
 namespace {
 
-namespace frames = Artwork::KeyAssignView;
+using frames = Artwork::KeyAssignView;
 
 constexpr int typeMenuWidth = 177;
 
@@ -65,9 +66,8 @@ void KeyAssignView::initControls() {
   }
   m_keyAssignSetp->setSetpDelegate(this);
 
-  addButton(frameRect(frames::applyBtn), TagApply, "applyBtn", "Apply");
-  addButton(frameRect(frames::okBtn), TagClose, "okBtn", "Close");
-  addButton(frameRect(frames::cancelBtn), TagCancel, "cancelBtn", "Cancel");
+  addEndButtons({frameRect(frames::applyBtn), TagApply}, {frameRect(frames::okBtn), TagClose},
+                {frameRect(frames::cancelBtn), TagCancel});
 }
 
 void KeyAssignView::setButtonName(const QString& name) {
@@ -84,8 +84,8 @@ void KeyAssignView::deallocNotify() {
 }
 
 void KeyAssignView::refreshData() {
-  NerinAction::refreshMenuListData(m_keyAssMenuList, this, NerinAction::keyAssignMenuNode,
-                                   typeMenuWidth);
+  NerinAction::refreshMenuListData(m_keyAssMenuList, this,
+                                   NerinAction::functionMenus->keyAssignMenuNode, typeMenuWidth);
 }
 
 void KeyAssignView::fillSettingData() {
@@ -96,7 +96,7 @@ void KeyAssignView::fillSettingData() {
   // Filled again, the same part is shown anew, too.
   m_keyAssignSetp->resetSetp();
   setCurrMenuData(NerinAction::getMenuInfoByFunId(static_cast<std::int32_t>(m_tmpBtnInfo.btnType),
-                                                  NerinAction::keyAssignMenuNode));
+                                                  NerinAction::functionMenus->keyAssignMenuNode));
 }
 
 void KeyAssignView::setCurrMenuData(const std::shared_ptr<MenuInfo>& entry) {
@@ -150,48 +150,36 @@ void KeyAssignView::saveData() {
 }
 
 void KeyAssignView::buttonAction(LXButton& sender) {
-  switch (sender.tag()) {
-    case TagType:
-      NerinAction::showMenulistWithBtn(sender, m_keyAssMenuList.get());
-      return;
-    case TagApply:
-      applyPro();
-      return;
-    case TagClose:
-      closePro();
-      return;
-    case TagCancel:
-      cancelAndEnd();
-      return;
-    default:
-      return;
+  if (sender.tag() == TagType) {
+    NerinAction::showMenulistWithBtn(sender, m_keyAssMenuList.get());
+  } else {
+    ChildView::buttonAction(sender);
   }
 }
 
-void KeyAssignView::applyPro() {
+void KeyAssignView::applyEdit() {
   saveData();
-  NerinAction::setBtnInfoToDevicePro(m_btnIndex, m_tmpBtnInfo);
+  const Outcome outcome = NerinAction::setBtnInfoToDevicePro(m_btnIndex, m_tmpBtnInfo);
   if (m_currFunId == SingleKey) {
     m_singleKeyView->showCurrentCaption();
   }
+  failuremessage::tell(outcome);
 }
 
 // Nothing goes to the mouse here: the whole profile does when it is applied.
-void KeyAssignView::closePro() {
-  isNeedSave = true;
+void KeyAssignView::keepEdit() {
   saveData();
-  selProfile.btnInfo[m_btnIndex] = m_tmpBtnInfo;
-  endWindow(1);
+  editState->edit().btnInfo[m_btnIndex] = m_tmpBtnInfo;
 }
 
 void KeyAssignView::restoreBtnInfo() {
-  m_tmpBtnInfo = selProfile.btnInfo[m_btnIndex];
+  m_tmpBtnInfo = editState->selProfile().btnInfo[m_btnIndex];
 }
 
 void KeyAssignView::cancelEdit() {
   restoreBtnInfo();
   if (!m_isMouseGone) {
-    NerinAction::setBtnInfoToDevicePro(m_btnIndex, m_tmpBtnInfo);
+    failuremessage::tell(NerinAction::setBtnInfoToDevicePro(m_btnIndex, m_tmpBtnInfo));
   }
 }
 

@@ -63,12 +63,12 @@ class KeyAssignView : public ChildView, public LXMenulistDelegate, public LXSetp
   void initControls() override;
   void initNotify() override;
   void deallocNotify() override;
+  void applyEdit() override;
+  void keepEdit() override;
   void cancelEdit() override;
   void mousePressEvent(QMouseEvent* event) override;
 
  private:
-  void applyPro();
-  void closePro();
   void restoreBtnInfo();
 
   int m_btnIndex = 0;

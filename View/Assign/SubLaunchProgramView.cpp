@@ -8,12 +8,13 @@
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
+#include "View/Windows/FailureMessage.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/Termination.h"
 
 namespace {
 
-namespace frames = Artwork::SubLaunchProgramView;
+using frames = Artwork::SubLaunchProgramView;
 
 constexpr int textMargin = 12 - LXTextField::ownMargin;
 
@@ -60,7 +61,9 @@ void SubLaunchProgramView::saveData() {
   // A path that the record has no room for is cut there; the preference keeps the whole of it.
   setText(info.app_path, m_currLaunchPath);
   ProfieController& library = ProfieController::getShareProCon();
-  library.setLaunchPath(m_currLaunchPath, library.currFWProfileIndex(), btnIndex());
+  failuremessage::tell(Outcome::of(
+      SlotStep::SavePreferences,
+      library.setLaunchPath(m_currLaunchPath, library.currFWProfileIndex(), btnIndex())));
 }
 
 void SubLaunchProgramView::buttonAction(LXButton& sender) {

@@ -3,6 +3,7 @@
 #include <QPointer>
 
 #include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Record/Limits.h"
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXButton.h"
 #include "View/Assign/SubSensitivityViewSub.h"
@@ -13,12 +14,13 @@
 
 namespace {
 
-namespace frames = Artwork::SubSensitivityView;
+using frames = Artwork::SubSensitivityView;
 
 constexpr std::int32_t setsDpi = 0;
 constexpr std::int32_t showsDpi = 3;
-constexpr std::uint32_t lowestStored = 2;
-constexpr std::uint32_t highestStored = 163;
+// What the slider offers; a stored value outside begins at the plain one.
+constexpr std::uint32_t minimumStored = limits::minimumSensitivity;
+constexpr std::uint32_t maximumStored = limits::maximumSensitivity - 1;
 constexpr std::uint32_t plainValue = 64;
 constexpr int functionMenuWidth = 264;
 
@@ -40,8 +42,8 @@ void SubSensitivityView::initControls() {
   m_subView->move(frameRect(frames::subView).topLeft());
   m_subView->setObjectName(QStringLiteral("subView"));
   m_subView->construct();
-  NerinAction::refreshMenuListData(m_senMenuList, this, NerinAction::sensitivityMenuNode,
-                                   functionMenuWidth);
+  NerinAction::refreshMenuListData(
+      m_senMenuList, this, NerinAction::functionMenus->sensitivityMenuNode, functionMenuWidth);
   setSelMenu(nullptr);
 }
 
@@ -61,9 +63,9 @@ void SubSensitivityView::setSelMenu(std::shared_ptr<MenuInfo> entry) {
 void SubSensitivityView::fillSettingData() {
   _BTN_INFO& info = editedBtnInfo();
   setSelMenu(NerinAction::getMenuInfoByFunId(static_cast<std::int32_t>(info.FuncID),
-                                             NerinAction::sensitivityMenuNode));
+                                             NerinAction::functionMenus->sensitivityMenuNode));
   for (const int axis : {0, 1}) {
-    if (info.KeyBit[axis] < lowestStored || info.KeyBit[axis] > highestStored) {
+    if (info.KeyBit[axis] < minimumStored || info.KeyBit[axis] > maximumStored) {
       info.KeyBit[axis] = plainValue;
     }
   }

@@ -10,7 +10,7 @@
 
 namespace {
 
-namespace frames = Artwork::SubSensitivityViewSub;
+using frames = Artwork::SubSensitivityViewSub;
 
 constexpr std::uint32_t firstValue = 100;
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-namespace frames = Artwork::SubSingleKeyView;
+using frames = Artwork::SubSingleKeyView;
 
 constexpr std::uint32_t mouseFunctionMark = 1;
 constexpr std::uint32_t keyMark = 2;
@@ -68,7 +68,7 @@ void SubSingleKeyView::initControls() {
   m_singleSetp->addItem(m_mouseFunChk);
   m_singleSetp->addItem(m_keybordChk);
   m_singleSetp->setSetpDelegate(this);
-  NerinAction::refreshMenuListData(m_singleList, this, NerinAction::singleMenuNode,
+  NerinAction::refreshMenuListData(m_singleList, this, NerinAction::functionMenus->singleMenuNode,
                                    functionMenuWidth);
 }
 
@@ -102,7 +102,7 @@ void SubSingleKeyView::fillSettingData() {
     const bool isKeyboard = info.MacroID != mouseFunctionMark;
     m_selKeyCode = isKeyboard ? static_cast<std::int32_t>(info.KeyBit[0]) : noKey;
     m_function = NerinAction::getMenuInfoByFunId(static_cast<std::int32_t>(info.FuncID),
-                                                 NerinAction::singleMenuNode);
+                                                 NerinAction::functionMenus->singleMenuNode);
     m_singleSetp->selectindex(isKeyboard ? KeyboardKey : MouseFunction);
   }
   m_selBtn->setTitle(m_function ? QString::fromStdString(m_function->titleStr()) : QString());

@@ -18,7 +18,7 @@
 
 namespace {
 
-namespace frames = Artwork::SubTKeyView;
+using frames = Artwork::SubTKeyView;
 
 constexpr std::uint32_t playOnce = 1;
 constexpr std::int32_t repeatByCount = 2;
@@ -45,14 +45,14 @@ void SubTKeyView::initControls() {
   NerinAction::initTooltip(*m_tkeySelBtn, QStringLiteral("tkeySelBtn"), "Select a macro");
   m_repeatSelBtn = NerinAction::addListButton(frameRect(frames::repeatSelBtn), *this, TagRepeat,
                                               QStringLiteral("repeatSelBtn"), "Repeat");
-  NerinAction::refreshMenuListData(m_repeatList, this, NerinAction::repeatMenuNode,
+  NerinAction::refreshMenuListData(m_repeatList, this, NerinAction::functionMenus->repeatMenuNode,
                                    repeatMenuWidth);
 }
 
 void SubTKeyView::showRepeat() {
   m_repeatSelBtn->setTitle(QString::fromStdString(
       NerinAction::getMenuNameByFunTableId(static_cast<std::int32_t>(m_macroType),
-                                           NerinAction::repeatMenuNode)
+                                           NerinAction::functionMenus->repeatMenuNode)
           .value_or("")));
 }
 
@@ -124,7 +124,7 @@ void SubTKeyView::showLoopFrm() {
   m_isShowSubMode = true;
   auto* view = new TkeyRepeatView;
   view->construct();
-  view->setRepeatCount(static_cast<int>(std::min(m_macroCount, TkeyRepeatView::largestCount)));
+  view->setRepeatCount(static_cast<int>(std::min(m_macroCount, TkeyRepeatView::maximumCount)));
   const QPointer dialog = new ModalWindow(view, TkeyRepeatView::dragHeight,
                                           NerinAction::tooltipText("Repeat count"), window());
   view->makeTxtFirstRes();

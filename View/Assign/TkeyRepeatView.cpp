@@ -9,7 +9,7 @@
 
 namespace {
 
-namespace frames = Artwork::TkeyRepeatView;
+using frames = Artwork::TkeyRepeatView;
 
 constexpr int countDigits = 4;
 
@@ -23,7 +23,7 @@ void TkeyRepeatView::initData() {
 
 void TkeyRepeatView::initControls() {
   m_repeatEdt = NerinAction::AddNumTextField(frameRect(frames::repeatEdt), *this,
-                                             static_cast<int>(largestCount), 0, countDigits, false);
+                                             static_cast<int>(maximumCount), 0, countDigits, false);
   m_repeatEdt->setObjectName(QStringLiteral("repeatEdt"));
   m_repeatEdt->setAccessibleName(NerinAction::tooltipText("Repeat count"));
   m_repeatEdt->setAlignment(Qt::AlignCenter);

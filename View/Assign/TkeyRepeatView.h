@@ -13,7 +13,7 @@ class TkeyRepeatView : public ChildView {
  public:
   enum Tag : int { TagOk = 320, TagCancel = 321 };
   static constexpr int dragHeight = 28;
-  static constexpr std::uint32_t largestCount = 9999;
+  static constexpr std::uint32_t maximumCount = 9999;
 
   TkeyRepeatView();
 

@@ -3,16 +3,17 @@
 #include <algorithm>
 
 #include "Action/Record/EditState.h"
+#include "Action/Record/Limits.h"
 #include "Kit/Widgets/LXButton.h"
 #include "View/Screen/ControlFactory.h"
 
 namespace {
 
-constexpr auto mostLevels = static_cast<std::uint32_t>(levelCount);
+constexpr auto maximumLevels = static_cast<std::uint32_t>(levelCount);
 
 // What a stored value looks like on the screen: the mouse knows no others.
 std::uint32_t limited(std::uint32_t value) {
-  return std::clamp(value, DpiSliderView::smallest, DpiSliderView::largest);
+  return std::clamp(value, limits::minimumSensitivity, limits::maximumSensitivity);
 }
 
 }  // namespace
@@ -81,18 +82,19 @@ void DpiLevelsView::setLevelsVisible(Levels& levels, std::size_t count) {
 }
 
 void DpiLevelsView::fillSettingData() {
-  currSetProfile = selProfile;
+  editState->currSetProfile() = editState->selProfile();
   setLevelsVisible(m_levelViewArrs, 0);
   setLevelsVisible(m_levelXYViewArrs, 0);
-  const std::uint32_t count = std::clamp(currSetProfile.dpiLevel, 1U, mostLevels);
+  const std::uint32_t count = std::clamp(editState->currSetProfile().dpiLevel, 1U, maximumLevels);
   fillXYChk(count);
   for (std::size_t i = 0; i < levelCount; ++i) {
-    const std::uint32_t x = limited(currSetProfile.xSensArr[i]);
+    const std::uint32_t x = limited(editState->currSetProfile().xSensArr[i]);
     m_levelViewArrs[i]->setDpiValue(x);
     m_levelXYViewArrs[i]->setDpiXValue(x);
-    m_levelXYViewArrs[i]->setDpiYValue(limited(currSetProfile.ySensArr[i]));
+    m_levelXYViewArrs[i]->setDpiYValue(limited(editState->currSetProfile().ySensArr[i]));
   }
-  const std::uint32_t active = std::min(currSetProfile.currSelectDPI, mostLevels - 1);
+  const std::uint32_t active =
+      std::min(editState->currSetProfile().currSelectDPI, maximumLevels - 1);
   // Filled again, the same level is a selection, too.
   m_bgViewSetp->resetSetp();
   m_bgViewSetp->selectindex(static_cast<int>(active) + 1);
@@ -101,9 +103,10 @@ void DpiLevelsView::fillSettingData() {
 }
 
 void DpiLevelsView::fillXYChk(std::uint32_t count) {
-  const std::size_t used = std::min(count, mostLevels);
+  const std::size_t used = std::min(count, maximumLevels);
   const bool hasTwo =
-      !std::equal(currSetProfile.xSensArr, currSetProfile.xSensArr + used, currSetProfile.ySensArr);
+      !std::equal(editState->currSetProfile().xSensArr, editState->currSetProfile().xSensArr + used,
+                  editState->currSetProfile().ySensArr);
   m_enableXYChk->setChecked(hasTwo);
   m_dpiSliderView->setShowType(hasTwo ? DpiSliderView::ShowXY : DpiSliderView::ShowCommon);
 }
@@ -116,23 +119,23 @@ void DpiLevelsView::setSelectedDpi(std::uint32_t level) {
 
 void DpiLevelsView::setCurrLevlePro(std::uint32_t count, bool isXY) {
   m_currLevel = count;
-  currSetProfile.dpiLevel = count;
-  if (count < 1 || count > mostLevels) {
+  editState->currSetProfile().dpiLevel = count;
+  if (count < 1 || count > maximumLevels) {
     return;
   }
   setLevelsVisible(isXY ? m_levelXYViewArrs : m_levelViewArrs, count);
   for (std::size_t i = 0; i < levelCount; ++i) {
     m_levelBtns[i]->setVisible(i < count);
   }
-  if (currSetProfile.currSelectDPI >= count) {
-    currSetProfile.currSelectDPI = count - 1;
+  if (editState->currSetProfile().currSelectDPI >= count) {
+    editState->currSetProfile().currSelectDPI = count - 1;
     setSelectedDpi(count - 1);
     m_bgViewSetp->selectindex(static_cast<int>(count));
   }
 }
 
 void DpiLevelsView::fillDPiData(std::uint32_t level) {
-  if (level >= mostLevels) {
+  if (level >= maximumLevels) {
     return;
   }
   m_dpiSliderView->setDpiXValue(m_levelXYViewArrs[level]->dpiXValue());
@@ -141,13 +144,13 @@ void DpiLevelsView::fillDPiData(std::uint32_t level) {
 }
 
 void DpiLevelsView::saveDPiData(std::uint32_t level) {
-  if (level >= mostLevels) {
+  if (level >= maximumLevels) {
     return;
   }
   const DpiSliderView& slider = *m_dpiSliderView;
   const bool isTwo = slider.showType() == DpiSliderView::ShowXY;
-  currSetProfile.xSensArr[level] = isTwo ? slider.dpiXValue() : slider.dpiValue();
-  currSetProfile.ySensArr[level] = isTwo ? slider.dpiYValue() : slider.dpiValue();
+  editState->currSetProfile().xSensArr[level] = isTwo ? slider.dpiXValue() : slider.dpiValue();
+  editState->currSetProfile().ySensArr[level] = isTwo ? slider.dpiYValue() : slider.dpiValue();
 }
 
 void DpiLevelsView::saveDpiDataPro() {
@@ -155,14 +158,14 @@ void DpiLevelsView::saveDpiDataPro() {
   for (std::size_t i = 0; i < levelCount; ++i) {
     const LevelView& both = *m_levelXYViewArrs[i];
     const LevelView& one = *m_levelViewArrs[i];
-    currSetProfile.xSensArr[i] = isTwo ? both.dpiXValue() : one.dpiValue();
-    currSetProfile.ySensArr[i] = isTwo ? both.dpiYValue() : one.dpiValue();
+    editState->currSetProfile().xSensArr[i] = isTwo ? both.dpiXValue() : one.dpiValue();
+    editState->currSetProfile().ySensArr[i] = isTwo ? both.dpiYValue() : one.dpiValue();
   }
 }
 
 void DpiLevelsView::fillLevelViewData() {
-  const std::uint32_t level = currSetProfile.currSelectDPI;
-  if (level >= mostLevels) {
+  const std::uint32_t level = editState->currSetProfile().currSelectDPI;
+  if (level >= maximumLevels) {
     return;
   }
   const DpiSliderView& slider = *m_dpiSliderView;
@@ -187,7 +190,8 @@ void DpiLevelsView::onDpiChange(LevelView& level, int type) {
                               : type == DpiY ? level.dpiYValue()
                                              : level.dpiValue();
   // What is typed belongs to the level in which it is typed: that one becomes the active one.
-  if (static_cast<std::uint32_t>(level.levelIndex()) != currSetProfile.currSelectDPI + 1) {
+  if (static_cast<std::uint32_t>(level.levelIndex()) !=
+      editState->currSetProfile().currSelectDPI + 1) {
     onLevelChange(level);
     level.setIsActive(true);
   }
@@ -210,7 +214,7 @@ void DpiLevelsView::onSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj
     return;
   }
   const auto level = static_cast<std::uint32_t>(newIndex - 1);
-  currSetProfile.currSelectDPI = level;
+  editState->currSetProfile().currSelectDPI = level;
   fillDPiData(level);
   setSelectedDpi(level);
 }
@@ -230,10 +234,12 @@ void DpiLevelsView::buttonAction(LXButton& sender) {
   if (&sender == m_enableXYChk) {
     enableXYAction();
   }
+  ChildView::buttonAction(sender);
 }
 
 void DpiLevelsView::enableXYAction() {
-  const std::uint32_t active = std::min(currSetProfile.currSelectDPI, mostLevels - 1);
+  const std::uint32_t active =
+      std::min(editState->currSetProfile().currSelectDPI, maximumLevels - 1);
   setLevelsVisible(hiddenLevels(), 0);
   if (isXY()) {
     m_dpiSliderView->setShowType(DpiSliderView::ShowXY);

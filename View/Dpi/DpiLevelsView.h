@@ -8,6 +8,7 @@
 #include "Kit/Widgets/LXSetpPanelObj.h"
 #include "View/Dpi/DpiSliderView.h"
 #include "View/Dpi/LevelView.h"
+#include "View/Screen/Frames.h"
 #include "View/Windows/ChildView.h"
 
 // The editor of the DPI levels, which two windows share: five levels with one value each, five with
@@ -53,6 +54,16 @@ class DpiLevelsView : public ChildView,
     QRect enableXYChk;
     int enableXYTag;
   };
+
+  // Where the shared controls stand in the artwork of a screen.
+  template <typename Frames>
+  static Places placesIn(int enableXYTag) {
+    return {{frameRect(Frames::level1), frameRect(Frames::level2), frameRect(Frames::level3),
+             frameRect(Frames::level4), frameRect(Frames::level5)},
+            frameRect(Frames::sliderView),
+            frameRect(Frames::enableXYChk),
+            enableXYTag};
+  }
 
   DpiLevelsView(const QSize& frame, const char* picture, const Places& places);
 

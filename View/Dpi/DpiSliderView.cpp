@@ -11,8 +11,8 @@
 
 namespace {
 
-namespace frames = Artwork::DpiSliderView;
-namespace framesXY = Artwork::DpiSliderViewXY;
+using frames = Artwork::DpiSliderView;
+using framesXY = Artwork::DpiSliderViewXY;
 
 constexpr QSize labelSize(32, 14);
 constexpr qreal labelType = 10.5;
@@ -41,8 +41,8 @@ DpiSliderView::Slider DpiSliderView::addSlider(const QRect& frame, int tag, cons
   Slider slider;
   slider.bar = NerinAction::AddProBar(
       frame, [this](LXProgressBar& sender) { progessBarAction(sender); }, *this,
-      pictures::load(QStringLiteral("Slider.png")), static_cast<int>(largest),
-      static_cast<int>(smallest));
+      pictures::load(QStringLiteral("Slider.png")), static_cast<int>(limits::maximumSensitivity),
+      static_cast<int>(limits::minimumSensitivity));
   slider.bar->setOverImage(NerinAction::GetImageFromRect(overImage(), frame));
   slider.bar->setTag(tag);
   slider.bar->setPageStep(pageSteps);
@@ -60,8 +60,8 @@ void DpiSliderView::showValue(const Slider& slider, std::uint32_t value) {
   if (slider.bar == nullptr) {
     return;
   }
-  slider.bar->setValue(static_cast<int>(std::min(value, largest)));
-  slider.label->setText(QString::number(value * unit));
+  slider.bar->setValue(static_cast<int>(std::min(value, limits::maximumSensitivity)));
+  slider.label->setText(QString::number(value * limits::dpiStep));
   const int most = slider.bar->parentWidget()->width() - labelSize.width();
   const int left = slider.bar->x() + slider.bar->indicatePosition() - labelSize.width() / 2;
   slider.label->move(std::clamp(left, 0, most), slider.bar->y() - labelSize.height());

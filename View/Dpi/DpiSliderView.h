@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "Action/Record/Limits.h"
 #include "View/Screen/TavImageView.h"
 
 class DpiSliderView;
@@ -23,9 +24,6 @@ class DpiSliderView : public TavImageView {
  public:
   enum ShowType : int { ShowCommon = 1, ShowXY = 2 };
   enum Tag : int { CommonTag = 1000, XTag = 1001, YTag = 1002 };
-  static constexpr std::uint32_t unit = 50;
-  static constexpr std::uint32_t smallest = 2;
-  static constexpr std::uint32_t largest = 164;
 
   explicit DpiSliderView(QWidget* parent = nullptr);
 
@@ -60,9 +58,9 @@ class DpiSliderView : public TavImageView {
   Slider m_common;
   Slider m_x;
   Slider m_y;
-  std::uint32_t m_dpiValue = smallest;
-  std::uint32_t m_dpiXValue = smallest;
-  std::uint32_t m_dpiYValue = smallest;
+  std::uint32_t m_dpiValue = limits::minimumSensitivity;
+  std::uint32_t m_dpiXValue = limits::minimumSensitivity;
+  std::uint32_t m_dpiYValue = limits::minimumSensitivity;
   int m_showType = ShowCommon;
   DpiSliderDelegate* m_delegate = nullptr;
 };

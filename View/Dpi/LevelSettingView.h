@@ -14,13 +14,11 @@ class LevelSettingView : public DpiLevelsView {
 
   void refreshData() override { fillSettingData(); }
   void saveData() override;
-  void buttonAction(LXButton& sender) override;
   void progessBarAction(LXProgressBar& /*sender*/) override {}
 
  protected:
   void initControls() override;
+  void applyEdit() override;
+  void keepEdit() override;
   void cancelEdit() override;
-
- private:
-  static Places places();
 };

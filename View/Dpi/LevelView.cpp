@@ -4,6 +4,7 @@
 #include <QMouseEvent>
 #include <algorithm>
 
+#include "Action/Record/Limits.h"
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXNumberTextField.h"
 #include "View/Dpi/DpiSliderView.h"
@@ -13,11 +14,9 @@
 
 namespace {
 
-namespace frames = Artwork::LevelView;
-namespace framesXY = Artwork::LevelXYView;
+using frames = Artwork::LevelView;
+using framesXY = Artwork::LevelXYView;
 
-constexpr int highestDpi = 8200;
-constexpr int lowestDpi = 100;
 constexpr int dpiDigits = 4;
 constexpr qreal numberType = 10.5;
 
@@ -56,10 +55,11 @@ void LevelView::initControls() {
 
 LXNumberTextField* LevelView::addField(const QRect& frame, const char* name, const QString& axis) {
   LXNumberTextField* field =
-      NerinAction::AddNumTextField(frame, *this, highestDpi, lowestDpi, dpiDigits, false);
+      NerinAction::AddNumTextField(frame, *this, static_cast<int>(limits::maximumDpi),
+                                   static_cast<int>(limits::minimumDpi), dpiDigits, false);
   field->setObjectName(QString::fromLatin1(name));
   field->setAlignment(Qt::AlignCenter);
-  field->setStep(static_cast<int>(DpiSliderView::unit));
+  field->setStep(static_cast<int>(limits::dpiStep));
   field->setAccessibleName(NerinAction::tooltipText("DPI of each level") + u' ' +
                            QString::number(m_levelIndex) + axis);
   field->installEventFilter(this);
@@ -70,7 +70,7 @@ void LevelView::setValue(int type, std::uint32_t value) {
   const auto index = static_cast<std::size_t>(type);
   m_values[index] = value;
   if (m_edits[index] != nullptr) {
-    m_edits[index]->setValue(static_cast<int>(value * DpiSliderView::unit));
+    m_edits[index]->setValue(static_cast<int>(value * limits::dpiStep));
   }
 }
 
@@ -92,8 +92,8 @@ void LevelView::onNumTextChange(LXNumberTextField& sender) {
     return;
   }
   const auto type = static_cast<int>(found - m_edits.begin());
-  const auto typed = static_cast<std::uint32_t>(sender.value()) / DpiSliderView::unit;
-  setValue(type, std::clamp(typed, DpiSliderView::smallest, DpiSliderView::largest));
+  const auto typed = static_cast<std::uint32_t>(sender.value()) / limits::dpiStep;
+  setValue(type, std::clamp(typed, limits::minimumSensitivity, limits::maximumSensitivity));
   if (m_levelDelegate != nullptr) {
     m_levelDelegate->onDpiChange(*this, type);
   }

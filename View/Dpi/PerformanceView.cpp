@@ -12,10 +12,11 @@
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
 #include "View/Screen/Pictures.h"
+#include "View/Windows/FailureMessage.h"
 
 namespace {
 
-namespace frames = Artwork::PerformanceView;
+using frames = Artwork::PerformanceView;
 
 constexpr int levelMenuWidth = 73;
 constexpr int titleLeftPad = 12;
@@ -23,17 +24,9 @@ constexpr int titleRightPad = 28;
 
 }  // namespace
 
-DpiLevelsView::Places PerformanceView::places() {
-  return {{frameRect(frames::level1), frameRect(frames::level2), frameRect(frames::level3),
-           frameRect(frames::level4), frameRect(frames::level5)},
-          frameRect(frames::sliderView),
-          frameRect(frames::enableXYChk),
-          TagEnableXY};
-}
-
 PerformanceView::PerformanceView()
     : DpiLevelsView({frames::screenWidth, frames::screenHeight}, "PerformanceView_Normal.png",
-                    places()) {}
+                    placesIn<frames>(TagEnableXY)) {}
 
 void PerformanceView::initControls() {
   m_levelSelBtn = addButton(frameRect(frames::levelSelBtn), TagLevelSel, "levelSelBtn",
@@ -62,19 +55,18 @@ void PerformanceView::initControls() {
 
   m_liftPro = NerinAction::AddProBar(
       frameRect(frames::liftPro), [this](LXProgressBar& sender) { progessBarAction(sender); },
-      *this, pictures::load(QStringLiteral("Slider.png")), highestLift, 0);
+      *this, pictures::load(QStringLiteral("Slider.png")), maximumShownLift, 0);
   m_liftPro->setOverImage(NerinAction::GetImageFromRect(overImage(), frameRect(frames::liftPro)));
   m_liftPro->setTag(TagLift);
   m_liftPro->setObjectName(QStringLiteral("liftPro"));
   m_liftPro->setAccessibleName(NerinAction::tooltipText("Lift-off height"));
 
-  addButton(frameRect(frames::applyBtn), TagApply, "applyBtn", "Apply");
-  addButton(frameRect(frames::okBtn), TagClose, "okBtn", "Close");
-  addButton(frameRect(frames::cancelBtn), TagCancel, "cancelBtn", "Cancel");
+  addEndButtons({frameRect(frames::applyBtn), TagApply}, {frameRect(frames::okBtn), TagClose},
+                {frameRect(frames::cancelBtn), TagCancel});
 }
 
 void PerformanceView::refreshData() {
-  NerinAction::refreshMenuListData(m_levelMenuList, this, NerinAction::levelMenuNode,
+  NerinAction::refreshMenuListData(m_levelMenuList, this, NerinAction::functionMenus->levelMenuNode,
                                    levelMenuWidth);
   fillSettingData();
 }
@@ -83,11 +75,11 @@ void PerformanceView::fillSettingData() {
   DpiLevelsView::fillSettingData();
   m_levelSelBtn->setTitle(QString::number(currLevel()));
   // Sets no record: a height that the slider does not reach stays until it is moved.
-  m_liftPro->setValue(static_cast<int>(
-      std::min(currSetProfile.liftHeight, static_cast<std::uint32_t>(highestLift))));
+  m_liftPro->setValue(static_cast<int>(std::min(editState->currSetProfile().liftHeight,
+                                                static_cast<std::uint32_t>(maximumShownLift))));
   m_rateSetp->resetSetp();
   m_rateSetp->selectindex(
-      static_cast<int>(std::min<std::size_t>(currSetProfile.poRate, rates - 1)) + 1);
+      static_cast<int>(std::min<std::size_t>(editState->currSetProfile().poRate, rates - 1)) + 1);
 }
 
 void PerformanceView::saveData() {
@@ -109,56 +101,44 @@ void PerformanceView::onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& 
     DpiLevelsView::onSelectIndex(newIndex, oldIndex, sender);
     return;
   }
-  currSetProfile.poRate = static_cast<std::uint32_t>(newIndex - 1);
-  currFWProfile = currSetProfile;
-  NerinAction::setRateToDevice(currFWProfile.poRate);
+  editState->currSetProfile().poRate = static_cast<std::uint32_t>(newIndex - 1);
+  editState->currFWProfile() = editState->currSetProfile();
+  failuremessage::tell(NerinAction::setRateToDevice(editState->currFWProfile().poRate));
 }
 
 void PerformanceView::progessBarAction(LXProgressBar& sender) {
   if (sender.tag() == TagLift) {
-    currSetProfile.liftHeight = static_cast<std::uint32_t>(sender.value());
+    editState->currSetProfile().liftHeight = static_cast<std::uint32_t>(sender.value());
   }
 }
 
 void PerformanceView::buttonAction(LXButton& sender) {
   DpiLevelsView::buttonAction(sender);
-  switch (sender.tag()) {
-    case TagLevelSel:
-      NerinAction::showMenulistWithBtn(*m_levelSelBtn, m_levelMenuList.get());
-      return;
-    case TagApply:
-      applyPro();
-      return;
-    case TagClose:
-      closePro();
-      return;
-    case TagCancel:
-      cancelAndEnd();
-      return;
-    default:
-      return;
+  if (sender.tag() == TagLevelSel) {
+    NerinAction::showMenulistWithBtn(*m_levelSelBtn, m_levelMenuList.get());
   }
 }
 
-void PerformanceView::applyPro() {
+void PerformanceView::applyEdit() {
   saveData();
-  currFWProfile = currSetProfile;
-  NerinAction::setSettingToDevice();
+  editState->currFWProfile() = editState->currSetProfile();
+  const Outcome outcome = NerinAction::setSettingToDevice();
   NerinAction::setIsDpiTem(true);
+  failuremessage::tell(outcome);
 }
 
-void PerformanceView::closePro() {
+void PerformanceView::keepEdit() {
   saveData();
-  selProfile = currSetProfile;
+  editState->take(editState->currSetProfile());
   NerinAction::setIsDpiTem(false);
-  endWindow(1);
 }
 
 // The levels on the mouse stay as they were tried until the profile is written the next time: the
 // settings that are sent are those of the working copy. Only the rate goes back at once.
 void PerformanceView::cancelEdit() {
   NerinAction::setIsDpiTem(false);
-  currFWProfile = selProfile;
-  NerinAction::setSettingToDevice();
-  NerinAction::setRateToDevice(currFWProfile.poRate);
+  editState->currFWProfile() = editState->selProfile();
+  Outcome outcome = NerinAction::setSettingToDevice();
+  outcome += NerinAction::setRateToDevice(editState->currFWProfile().poRate);
+  failuremessage::tell(outcome);
 }

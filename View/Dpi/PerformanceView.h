@@ -3,6 +3,7 @@
 #include <array>
 #include <memory>
 
+#include "Action/Record/Limits.h"
 #include "Kit/Widgets/LXMenulist.h"
 #include "View/Dpi/DpiLevelsView.h"
 
@@ -20,7 +21,8 @@ class PerformanceView : public DpiLevelsView, public LXMenulistDelegate {
     TagCancel = 258,
     TagLift = 259,
   };
-  static constexpr int highestLift = 30;
+  // What the slider reaches; the record holds one more.
+  static constexpr int maximumShownLift = static_cast<int>(limits::maximumLift) - 1;
 
   PerformanceView();
 
@@ -35,14 +37,12 @@ class PerformanceView : public DpiLevelsView, public LXMenulistDelegate {
 
  protected:
   void initControls() override;
+  void applyEdit() override;
+  void keepEdit() override;
   void cancelEdit() override;
 
  private:
   static constexpr std::size_t rates = 4;
-
-  static Places places();
-  void applyPro();
-  void closePro();
 
   LXButton* m_levelSelBtn = nullptr;
   std::unique_ptr<LXMenulist> m_levelMenuList;

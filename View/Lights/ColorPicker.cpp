@@ -9,6 +9,7 @@
 #include <cmath>
 
 #include "ArtworkFrames.h"
+#include "Kit/Core/ProcessWide.h"
 #include "Kit/Widgets/LXNumberTextField.h"
 #include "View/Screen/ControlFactory.h"
 
@@ -66,10 +67,7 @@ class Swatch : public QAbstractButton {
   QColor m_color;
 };
 
-std::vector<LightColor>& recentColors() {
-  static std::vector<LightColor> colors;
-  return colors;
-}
+ProcessWide<std::vector<LightColor>> recentColors;
 
 }  // namespace
 
@@ -231,14 +229,14 @@ void BrightnessView::paintEvent(QPaintEvent* /*event*/) {
 RecentColorsView::RecentColorsView(QWidget* parent) : QWidget(parent) {}
 
 void RecentColorsView::remember(const LightColor& color) {
-  auto& colors = recentColors();
+  auto& colors = (*recentColors);
   colors.erase(std::remove(colors.begin(), colors.end(), color), colors.end());
   colors.insert(colors.begin(), color);
   colors.resize(std::min(colors.size(), most));
 }
 
 void RecentColorsView::refresh() {
-  const auto& colors = recentColors();
+  const auto& colors = (*recentColors);
   while (m_swatches.size() < colors.size()) {
     auto* swatch = new Swatch(this);
     swatch->setGeometry(static_cast<int>(m_swatches.size()) * swatchPitch, 0, swatchSize,

@@ -10,10 +10,11 @@
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
 #include "View/Screen/Pictures.h"
+#include "View/Windows/FailureMessage.h"
 
 namespace {
 
-namespace frames = Artwork::LightOptionView;
+using frames = Artwork::LightOptionView;
 
 constexpr int zones = static_cast<int>(zoneCount);
 constexpr int wellInset = 4;
@@ -50,9 +51,8 @@ void LightView::initData() {
 void LightView::initControls() {
   initZones();
   initPicker();
-  addButton(frameRect(frames::applyBtn), TagApply, "applyBtn", "Apply");
-  addButton(frameRect(frames::okBtn), TagOk, "okBtn", "Close");
-  addButton(frameRect(frames::cancelBtn), TagCancel, "cancelBtn", "Cancel");
+  addEndButtons({frameRect(frames::applyBtn), TagApply}, {frameRect(frames::okBtn), TagOk},
+                {frameRect(frames::cancelBtn), TagCancel});
 }
 
 void LightView::initZones() {
@@ -168,16 +168,16 @@ void LightView::setColorPro(int index, const LightColor& color) {
     return;
   }
   const auto [red, green, blue] = color.bytes();
-  currSetProfile.lightColorArr[index] = {red, green, blue};
+  editState->currSetProfile().lightColorArr[index] = {red, green, blue};
 }
 
 void LightView::fillSettingData() {
-  currSetProfile = selProfile;
+  editState->currSetProfile() = editState->selProfile();
   displayBtnColor();
   m_isOverFill = true;
   for (int i = 0; i < zones; ++i) {
     m_historyColorDir[beforeKey(i)] = {};
-    m_historyColorDir[afterKey(i)] = getColorPro(currSetProfile.lightColorArr[i]);
+    m_historyColorDir[afterKey(i)] = getColorPro(editState->currSetProfile().lightColorArr[i]);
   }
   displayBAColor();
 }
@@ -196,7 +196,7 @@ void LightView::displayBAColor() {
   const int index = m_currSelectedIndex - 1;
   setSwatches(m_historyColorDir[beforeKey(index)], m_historyColorDir[afterKey(index)]);
   // The picker begins where the zone is.
-  showPicked(getColorPro(currSetProfile.lightColorArr[index]));
+  showPicked(getColorPro(editState->currSetProfile().lightColorArr[index]));
 }
 
 void LightView::showPicked(const LightColor& color) {
@@ -304,53 +304,40 @@ void LightView::setLightSelImage(LXButton& button, bool showTag) {
 
 void LightView::buttonAction(LXButton& sender) {
   m_colorPanel->commit();
-  switch (sender.tag()) {
-    case TagApply:
-      applyPro();
-      return;
-    case TagOk:
-      closePro();
-      return;
-    case TagCancel:
-      cancelAndEnd();
-      return;
-    default:
-      return;
-  }
+  ChildView::buttonAction(sender);
 }
 
 void LightView::rememberColors() const {
   for (int i = zones - 1; i >= 0; --i) {
-    const LightColor color = getColorPro(currSetProfile.lightColorArr[i]);
-    if (color != getColorPro(selProfile.lightColorArr[i])) {
+    const LightColor color = getColorPro(editState->currSetProfile().lightColorArr[i]);
+    if (color != getColorPro(editState->selProfile().lightColorArr[i])) {
       RecentColorsView::remember(color);
     }
   }
 }
 
-void LightView::applyPro() {
+void LightView::applyEdit() {
   rememberColors();
   m_recentColors->refresh();
-  NerinAction::setColorToDevice2();
+  const Outcome outcome = NerinAction::setColorToDevice2();
   m_lightSetp->resetSetp();
   m_lightTagSetp->resetSetp();
   setLineImage(m_currSelectedIndex, false);
   m_currSelectedIndex = 0;
+  failuremessage::tell(outcome);
 }
 
 // Nothing goes to the mouse here: the whole profile does when it is applied.
-void LightView::closePro() {
+void LightView::keepEdit() {
   rememberColors();
-  isNeedSave = true;
-  selProfile = currSetProfile;
+  editState->edit() = editState->currSetProfile();
   m_isOverFill = false;
-  endWindow(1);
 }
 
 void LightView::cancelEdit() {
   m_isOverFill = false;
-  currSetProfile = selProfile;
-  NerinAction::setColorToDevice2();
+  editState->currSetProfile() = editState->selProfile();
+  failuremessage::tell(NerinAction::setColorToDevice2());
 }
 
 void LightView::paintEvent(QPaintEvent* event) {
@@ -364,7 +351,7 @@ void LightView::drawColorBtn(QPainter& painter) const {
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);
   for (int i = 0; i < zones; ++i) {
-    painter.setBrush(getColorPro(currSetProfile.lightColorArr[i]).shown());
+    painter.setBrush(getColorPro(editState->currSetProfile().lightColorArr[i]).shown());
     painter.drawRoundedRect(m_btnColorRect[static_cast<std::size_t>(i)], wellRadius, wellRadius);
   }
 }
@@ -378,7 +365,7 @@ void LightView::drawLights(QPainter& painter) const {
     }
     QPainter tint(&light);
     tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    tint.fillRect(light.rect(), getColorPro(currSetProfile.lightColorArr[i]).shown());
+    tint.fillRect(light.rect(), getColorPro(editState->currSetProfile().lightColorArr[i]).shown());
     tint.end();
     painter.drawPixmap(frameRect(frames::stageView).topLeft(), light);
   }

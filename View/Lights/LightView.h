@@ -67,6 +67,8 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   void initData() override;
   void initControls() override;
   void paintEvent(QPaintEvent* event) override;
+  void applyEdit() override;
+  void keepEdit() override;
   void cancelEdit() override;
 
  private:
@@ -79,8 +81,6 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   void showPicked(const LightColor& color);
   void setSwatches(const LightColor& before, const LightColor& after);
   void rememberColors() const;
-  void applyPro();
-  void closePro();
 
   std::array<LXButton*, zoneCount> m_zoneBtns{};
   std::array<LXButton*, zoneCount> m_markerBtns{};

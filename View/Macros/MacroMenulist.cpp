@@ -5,15 +5,17 @@
 #include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Catalogue/MenuInfo.h"
 #include "Action/Wire/MacroImage.h"
+#include "Kit/Core/ProcessWide.h"
 #include "View/Screen/ControlFactory.h"
 
 namespace {
 
 constexpr int menuWidth = 195;
 
+ProcessWide<std::unique_ptr<LXMenulist>> sharedMenu;
+
 std::unique_ptr<LXMenulist>& shared() {
-  static std::unique_ptr<LXMenulist> menu;
-  return menu;
+  return *sharedMenu;
 }
 
 // The entries are called as their macros are; the menu itself keeps the names that tell macros
@@ -33,14 +35,15 @@ void showTitles() {
 }  // namespace
 
 void macromenulist::open(LXButton& button, LXMenulistDelegate* delegate) {
-  NerinAction::macroMenuRebuilt = [](const std::shared_ptr<LXTreeNode>& node) {
+  NerinAction::macroStore->macroMenuRebuilt = [](const std::shared_ptr<LXTreeNode>& node) {
     if (shared()) {
       shared()->setMenuNode(node);
       showTitles();
     }
   };
   NerinAction::refreshMenuList();
-  NerinAction::refreshMenuListData(shared(), delegate, NerinAction::macroNode, menuWidth);
+  NerinAction::refreshMenuListData(shared(), delegate, NerinAction::macroStore->macroNode,
+                                   menuWidth);
   if (shared()) {
     shared()->setDelegate(delegate);
     showTitles();
@@ -51,7 +54,7 @@ void macromenulist::open(LXButton& button, LXMenulistDelegate* delegate) {
 // It goes with its user: at the end of the program it would outlive the toolkit.
 void macromenulist::release(LXMenulistDelegate* delegate) {
   if (shared() && shared()->menuDelegate() == delegate) {
-    NerinAction::macroMenuRebuilt = {};
+    NerinAction::macroStore->macroMenuRebuilt = {};
     shared().reset();
   }
 }

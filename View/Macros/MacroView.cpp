@@ -14,11 +14,12 @@
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
 #include "View/Screen/Pictures.h"
+#include "View/Windows/FailureMessage.h"
 #include "View/Windows/LocalNotifications.h"
 
 namespace {
 
-namespace frames = Artwork::MacroView;
+using frames = Artwork::MacroView;
 
 constexpr int insertMenuWidth = 195;
 constexpr int longestDelay = 5000;
@@ -26,7 +27,6 @@ constexpr int delayDigits = 4;
 constexpr qreal smallType = 10.5;
 constexpr int nameMargin = 12 - LXTextField::ownMargin;
 // The room that the mouse has for the events of a macro, in bytes.
-constexpr int macroBytes = 2000;
 
 // A button that is disabled while it has the keyboard would pass it on to the next one, which is
 // another's business: the list of the commands takes it.
@@ -124,6 +124,7 @@ void MacroView::initControls() {
   initButtons();
   initDelayGroups();
   initTable();
+  setEndTags(TagApply, TagOk, TagCancel);
   setInsertState(false);
 }
 
@@ -247,26 +248,27 @@ std::vector<LXButton*> MacroView::allButtons() const {
 
 void MacroView::refreshData() {
   NerinAction::refreshMenuList();
-  NerinAction::refreshMenuListData(m_insertList, this, NerinAction::macroInsertMenuNode,
-                                   insertMenuWidth);
+  NerinAction::refreshMenuListData(
+      m_insertList, this, NerinAction::functionMenus->macroInsertMenuNode, insertMenuWidth);
   m_currDelayType = DelayMeasured;
   m_currInsertDelayType = DelayMeasured;
   setRecState(false, false);
   fillSettingData();
-  m_insertBtn->setTitle(QString::fromStdString(
-      NerinAction::getMenuNameByFunId(m_currInsertType, NerinAction::macroInsertMenuNode)
-          .value_or("")));
+  m_insertBtn->setTitle(
+      QString::fromStdString(NerinAction::getMenuNameByFunId(
+                                 m_currInsertType, NerinAction::functionMenus->macroInsertMenuNode)
+                                 .value_or("")));
 }
 
 void MacroView::fillSettingData() {
-  m_defDelayTxt->setValue(delayTime);
-  m_insertDefDelayTxt->setValue(defDelayTime);
+  m_defDelayTxt->setValue(macroDelays->delayTime);
+  m_insertDefDelayTxt->setValue(macroDelays->defDelayTime);
   setConEnable();
   showUsage();
 }
 
 void MacroView::onNumTextChange(LXNumberTextField& sender) {
-  (&sender == m_defDelayTxt ? delayTime : defDelayTime) = sender.value();
+  (&sender == m_defDelayTxt ? macroDelays->delayTime : macroDelays->defDelayTime) = sender.value();
 }
 
 bool MacroView::shouldSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& sender) {
@@ -334,16 +336,6 @@ void MacroView::buttonAction(LXButton& sender) {
     case TagInsert:
       NerinAction::showMenulistWithBtn(sender, m_insertList.get());
       return;
-    case TagOk:
-      NerinAction::saveMenuList();
-      endWindow(1);
-      return;
-    case TagCancel:
-      cancelAndEnd();
-      return;
-    case TagApply:
-      NerinAction::saveMenuList();
-      return;
     case TagInsertRecord:
       startInsertRecording();
       return;
@@ -357,8 +349,19 @@ void MacroView::buttonAction(LXButton& sender) {
       setInsertState(false);
       return;
     default:
+      ChildView::buttonAction(sender);
       return;
   }
+}
+
+void MacroView::applyEdit() {
+  if (!NerinAction::saveMenuList()) {
+    failuremessage::tellMacrosNotSaved();
+  }
+}
+
+void MacroView::keepEdit() {
+  applyEdit();
 }
 
 // The macros keep what was done to them: they are the catalogue's own, and only the file is not
@@ -381,8 +384,9 @@ void MacroView::devOutplusPro() {
 void MacroView::showUsage() {
   const MacroInfo::Events* events = keyArrs();
   m_eventBar->showUsage(events != nullptr ? static_cast<int>(events->size()) : 0,
-                        static_cast<int>(mostCommands));
-  m_memoryBar->showUsage(m_currMacroInfo ? m_currMacroInfo->getMacroCount() : 0, macroBytes);
+                        static_cast<int>(maximumCommands));
+  m_memoryBar->showUsage(m_currMacroInfo ? m_currMacroInfo->getMacroCount() : 0,
+                         limits::macroBytes);
 }
 
 void MacroView::setConEnable() {

@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "Action/Catalogue/MacroInfo.h"
+#include "Action/Record/Limits.h"
 #include "Kit/Core/LXTreeNode.h"
+#include "Kit/Core/ProcessWide.h"
 #include "Kit/Desktop/KeyTracker.h"
 #include "Kit/Widgets/LXButton.h"
 #include "Kit/Widgets/LXMenulist.h"
@@ -24,9 +26,12 @@ class UsageBar;
 // What the editor's delay fields show at first, in milliseconds, and the delay rule of the
 // recording that runs: 1 measures, 2 takes the field's value, anything else is none. They last as
 // long as the program.
-inline std::int32_t delayTime = 50;
-inline std::int32_t defDelayTime = 50;
-inline std::int32_t delayType = 1;
+struct MacroDelays {
+  std::int32_t delayTime = 50;
+  std::int32_t defDelayTime = 50;
+  std::int32_t delayType = 1;
+};
+inline ProcessWide<MacroDelays> macroDelays;
 
 // The macro editor: the user's library of macros, and the commands of one of them, which are
 // recorded from the keyboard and the mouse. Works on the macros of the catalogue themselves; saving
@@ -77,7 +82,7 @@ class MacroView : public ChildView,
   };
   // The choices of both delay groups.
   enum DelayRule : int { DelayMeasured = 1, DelayFixed, DelayNone };
-  static constexpr std::size_t mostCommands = 40;
+  static constexpr std::size_t maximumCommands = limits::macroEvents;
 
   MacroView();
   ~MacroView() override;
@@ -154,6 +159,8 @@ class MacroView : public ChildView,
   void initControls() override;
   void initNotify() override;
   void deallocNotify() override;
+  void applyEdit() override;
+  void keepEdit() override;
   void cancelEdit() override;
   bool eventFilter(QObject* watched, QEvent* event) override;
   bool event(QEvent* event) override;

@@ -138,8 +138,8 @@ void MacroView::insertComPro(const MenuInfo& entry) {
 }
 
 void MacroView::insertCom() {
-  if (const auto entry =
-          NerinAction::getMenuInfoByFunId(m_currInsertType, NerinAction::macroInsertMenuNode)) {
+  if (const auto entry = NerinAction::getMenuInfoByFunId(
+          m_currInsertType, NerinAction::functionMenus->macroInsertMenuNode)) {
     insertComPro(*entry);
   }
 }

@@ -49,10 +49,10 @@ void MacroView::setSelMacro(const std::shared_ptr<MenuInfo>& entry) {
 }
 
 std::shared_ptr<LXTreeNode> MacroView::getNodeByData(const MacroInfo* macro) {
-  if (!NerinAction::macroNode || macro == nullptr) {
+  if (!NerinAction::macroStore->macroNode || macro == nullptr) {
     return nullptr;
   }
-  const auto& nodes = NerinAction::macroNode->children();
+  const auto& nodes = NerinAction::macroStore->macroNode->children();
   const auto found = std::find_if(nodes.begin(), nodes.end(), [&](const auto& node) {
     const auto entry = std::dynamic_pointer_cast<MenuInfo>(node->nodeData());
     return entry && entry->macroInfo().get() == macro;
@@ -84,14 +84,14 @@ void MacroView::findNodeAgain() {
 }
 
 void MacroView::addMacroPro(const std::shared_ptr<MacroInfo>& macro) {
-  NerinAction::macroListArrs.push_back(macro);
+  NerinAction::macroStore->macroListArrs.push_back(macro);
   NerinAction::refreshMenuList();
   setSelMacroByNode(getNodeByData(macro.get()));
 }
 
 bool MacroView::hasRoomForMacro() const {
-  if (!NerinAction::macroNode ||
-      NerinAction::macroNode->children().size() < NerinAction::maximumMacros) {
+  if (!NerinAction::macroStore->macroNode ||
+      NerinAction::macroStore->macroNode->children().size() < limits::macros) {
     return true;
   }
   LXAction::showInfoMessage(tooManyMacros);
@@ -135,7 +135,7 @@ void MacroView::delMacro() {
     return;
   }
   findNodeAgain();
-  const auto& nodes = NerinAction::macroNode->children();
+  const auto& nodes = NerinAction::macroStore->macroNode->children();
   auto next = std::find(nodes.begin(), nodes.end(), m_selMacroNode);
   std::shared_ptr<MacroInfo> following;
   if (next != nodes.end() && ++next != nodes.end()) {
@@ -143,7 +143,7 @@ void MacroView::delMacro() {
       following = entry->macroInfo();
     }
   }
-  auto& macros = NerinAction::macroListArrs;
+  auto& macros = NerinAction::macroStore->macroListArrs;
   macros.erase(std::remove(macros.begin(), macros.end(), m_currMacroInfo), macros.end());
   NerinAction::refreshMenuList();
   setSelMacroByNode(getNodeByData(following.get()));

@@ -92,7 +92,7 @@ void MacroView::startRecording() {
     return;
   }
   m_currInsertIndex = keyArrs()->size();
-  delayType = m_delaySetp->currentSetp();
+  macroDelays->delayType = m_delaySetp->currentSetp();
   m_currDefDelayTim = m_defDelayTxt->value();
   setRecState(true, false);
 }
@@ -106,7 +106,7 @@ void MacroView::startInsertRecording() {
     ++m_currInsertIndex;
   }
   m_currInsertIndex = std::min(m_currInsertIndex, keyArrs()->size());
-  delayType = m_insertDelaySetp->currentSetp();
+  macroDelays->delayType = m_insertDelaySetp->currentSetp();
   m_currDefDelayTim = m_insertDefDelayTxt->value();
   setRecState(true, true);
 }
@@ -272,7 +272,7 @@ void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
   if (m_lastKeyInfo && m_lastKeyInfo->keyFlag() == keyFlag && m_lastKeyInfo->keyCode() == code) {
     return;
   }
-  if (events->size() >= mostCommands) {
+  if (events->size() >= maximumCommands) {
     if (!m_isInfoShown) {
       m_isInfoShown = true;
       // The message is answered with keys, too, which the table would take.
@@ -294,10 +294,10 @@ void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
         m_oldTime && m_eventTime > *m_oldTime ? m_eventTime - *m_oldTime : 0;
     if (m_oldTime && m_lastKeyInfo) {
       constexpr std::uint64_t longest = INT32_MAX;
-      m_lastKeyInfo->setDelay(delayType == DelayMeasured
+      m_lastKeyInfo->setDelay(macroDelays->delayType == DelayMeasured
                                   ? static_cast<std::int32_t>(std::min(elapsed, longest))
-                              : delayType == DelayFixed ? m_currDefDelayTim
-                                                        : 0);
+                              : macroDelays->delayType == DelayFixed ? m_currDefDelayTim
+                                                                     : 0);
     }
     m_oldTime = m_eventTime;
   }

@@ -7,7 +7,7 @@
 
 namespace {
 
-namespace frames = Artwork::MainViewSub1;
+using frames = Artwork::MainViewSub1;
 
 }  // namespace
 

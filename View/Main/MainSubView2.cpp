@@ -7,7 +7,7 @@
 
 namespace {
 
-namespace frames = Artwork::MainViewSub2;
+using frames = Artwork::MainViewSub2;
 
 }  // namespace
 

@@ -13,11 +13,13 @@
 #include "Action/Texts/TooltipManager.h"
 #include "ArtworkFrames.h"
 #include "Kit/Core/LXAction.h"
+#include "Kit/Core/LXLogger.h"
 #include "Kit/Core/LXPlatform.h"
 #include "View/Main/MainSubView1.h"
 #include "View/Main/MainSubView2.h"
 #include "View/Main/MainViewTags.h"
 #include "View/Screen/ControlFactory.h"
+#include "View/Windows/FailureMessage.h"
 #include "View/Windows/Termination.h"
 
 namespace {
@@ -57,10 +59,11 @@ void MainView::initData() {
 }
 
 void MainView::refreshData() {
-  m_profileStep->selectindex(NerinAction::getProfileIndexByDevice() + 1);
-  m_modeStep->selectindex(static_cast<int>(selProfile.modeType) + 1);
+  const auto active = NerinAction::getProfileIndexByDevice();
+  m_profileStep->selectindex(active.value + 1);
+  m_modeStep->selectindex(static_cast<int>(editState->selProfile().modeType) + 1);
   refreshProfileMenu();
-  isNeedSave = false;
+  editState->clearNeedSave();
   refreshApplyBtn();
 }
 
@@ -70,7 +73,7 @@ void MainView::fillSettingData() {
     fillBtnCaption(i);
   }
   showName();
-  m_modeStep->selectindex(static_cast<int>(selProfile.modeType) + 1);
+  m_modeStep->selectindex(static_cast<int>(editState->selProfile().modeType) + 1);
   m_linkProChk->setChecked(library().currIsActive());
   showLinkPath();
   m_isFillSetting = false;
@@ -82,7 +85,7 @@ void MainView::fillBtnCaption(int index) {
   }
   const auto i = static_cast<std::size_t>(index);
   const QString caption =
-      QString::fromStdString(NerinAction::getBtnCaption(selProfile.btnInfo[i], index));
+      QString::fromStdString(NerinAction::getBtnCaption(editState->selProfile().btnInfo[i], index));
   LXButton& button = *m_btnArrs[i];
   button.setTitle(caption);
   button.setToolTip(caption);
@@ -102,6 +105,11 @@ void MainView::showTitle(const std::optional<std::string>& name) {
                                                       : words + QStringLiteral(": ") + title);
 }
 
+void MainView::showSlotTitle() {
+  const auto id = library().fwProfileID()[static_cast<std::size_t>(currentSlot())];
+  showTitle(id != ProfieController::notLinked ? library().currFWProfileName() : std::nullopt);
+}
+
 void MainView::showLinkPath() {
   const QString path = QString::fromStdString(library().currActivePath().value_or(""));
   const QString words = NerinAction::tooltipText("Link this profile to the program you selected.");
@@ -111,25 +119,25 @@ void MainView::showLinkPath() {
 }
 
 void MainView::refreshProfileMenu() {
-  if (!profileNode) {
-    profileNode = std::make_shared<LXTreeNode>();
+  if (!*profileNode) {
+    *profileNode = std::make_shared<LXTreeNode>();
   }
-  profileNode->removeAllChild();
+  (*profileNode)->removeAllChild();
   for (const auto& profile : library().profileArr()) {
     const auto entry = ProfileMenuData::initWithProfileValue(profile);
     entry->setType(1);
-    profileNode->addChild(entry);
+    (*profileNode)->addChild(entry);
   }
-  NerinAction::refreshMenuListData(m_profileList, this, profileNode, profileMenuWidth);
+  NerinAction::refreshMenuListData(m_profileList, this, *profileNode, profileMenuWidth);
 }
 
 void MainView::refreshApplyBtn() {
-  m_applyBtn->setIsEnable(isNeedSave);
-  m_okBtn->setIsEnable(isNeedSave);
+  m_applyBtn->setIsEnable(editState->isNeedSave());
+  m_okBtn->setIsEnable(editState->isNeedSave());
 }
 
 void MainView::raiseNeedSave() {
-  isNeedSave = true;
+  editState->raiseNeedSave();
   refreshApplyBtn();
 }
 
@@ -225,17 +233,22 @@ void MainView::refreshOsdMenu() {
 }
 
 void MainView::osdClick() {
-  library().setIsOSD(m_osdMenu->data().toInt() == 1);
+  const bool isStored = library().setIsOSD(m_osdMenu->data().toInt() == 1);
   NerinAction::sendMessageToDaemon(NerinAction::MessageOsdChanged, {library().isOSD()});
   refreshOsdMenu();
+  failuremessage::tell(Outcome::of(SlotStep::SavePreferences, isStored));
 }
 
 void MainView::connectTtsSite() {
-  LXAction::openPage(webPage);
+  if (!LXAction::openPage(webPage)) {
+    LXLogger::warning(std::string("no program opens ") + webPage);
+  }
 }
 
 void MainView::openHelpPro() const {
-  LXAction::openFile(m_lochelpPath);
+  if (!LXAction::openFile(m_lochelpPath)) {
+    LXLogger::warning("no program opens " + m_lochelpPath);
+  }
 }
 
 void MainView::closeAppPro() {

@@ -9,9 +9,11 @@
 #include <optional>
 #include <string>
 
+#include "Action/Record/Outcome.h"
 #include "Action/Record/Records.h"
 #include "Kit/Core/LXNotificationCenter.h"
 #include "Kit/Core/LXTreeNode.h"
+#include "Kit/Core/ProcessWide.h"
 #include "Kit/Widgets/LXMenulist.h"
 #include "Kit/Widgets/LXNoTitleWindow.h"
 #include "Kit/Widgets/LXSetpPanelObj.h"
@@ -25,7 +27,7 @@ class MainSubView2;
 class ProgressLine;
 
 // The root of the pop-up menu of library profiles, made once and refilled.
-inline std::shared_ptr<LXTreeNode> profileNode;
+inline ProcessWide<std::shared_ptr<LXTreeNode>> profileNode;
 
 // The content of the main window. The user picks one of the mouse's ten slots, binds a library
 // profile to it or begins a new one, edits it, and applies it to the mouse, the library and the
@@ -58,9 +60,9 @@ class MainView : public TavImageView,
 
   // --- The slot ----------------------------------------------------------------------------
 
-  void getFwProfileDataPro(int slot);
-  void setFwProfileDataPro(int slot);
-  void saveLinkApp();
+  Outcome getFwProfileDataPro(int slot);
+  Outcome setFwProfileDataPro(int slot);
+  static Outcome saveLinkApp();
   void applyPro();
   void resetPro();
 
@@ -147,9 +149,8 @@ class MainView : public TavImageView,
   void selectSlot(int newIndex, int oldIndex);
   void selectMode(int newIndex, int oldIndex);
   void raiseNeedSave();
-  void unbindSlot();
   void beginProfile(const std::string& name);
-  void settleName();
+  void showSlotTitle();
   void showTitle(const std::optional<std::string>& name);
   void showName();
   void showLinkPath();
@@ -159,8 +160,7 @@ class MainView : public TavImageView,
   static QString physicalButtonName(int index);
 
   // Opens a window for the view, which it owns.
-  void openChild(QPointer<LXNoTitleWindow>& child, ChildView* view, int dragHeight,
-                 const char* titleKey);
+  void openChild(ChildView* view, int dragHeight, const char* titleKey);
   void handOver(void (MainView::*work)(std::int32_t), std::int32_t value);
   void outPlusReported(std::int32_t value);
 
@@ -203,12 +203,8 @@ class MainView : public TavImageView,
 
   std::int32_t m_selBtnIndex = -1;
   std::int32_t m_isModalSeron = 0;
-  QPointer<LXNoTitleWindow> m_macroWindow;
-  QPointer<LXNoTitleWindow> m_lightWindow;
-  QPointer<LXNoTitleWindow> m_performanceWindow;
-  QPointer<LXNoTitleWindow> m_keyAssignWindow;
-  // The edited profile when the child window was opened.
-  _Nerin_PROFILE m_profileBeforeChild{};
+  // The open child window: there is at most one.
+  QPointer<LXNoTitleWindow> m_child;
   // Written on the thread on which the service's reports arrive.
   std::atomic<bool> m_isOutPlus = false;
   std::atomic<bool> m_isDevOnTag = false;

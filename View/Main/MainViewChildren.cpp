@@ -1,8 +1,8 @@
 // The windows that the main window opens, and what they leave behind.
 
 #include <algorithm>
-#include <cstring>
 
+#include "Action/Edit/PrimaryClick.h"
 #include "Action/Record/EditState.h"
 #include "View/Assign/KeyAssignView.h"
 #include "View/Dpi/PerformanceView.h"
@@ -19,10 +19,6 @@ constexpr int macroStrip = 70;
 constexpr int lightStrip = 60;
 constexpr int performanceStrip = 45;
 
-bool isPrimaryClick(const _BTN_INFO& button) {
-  return button.FuncID == 1 && button.FuncTableId == 1 && button.KeyBit[0] == 1;
-}
-
 }  // namespace
 
 bool MainView::IsCurrSelectedBtn() const {
@@ -33,11 +29,7 @@ bool MainView::checkOnlyLeft(int i) const {
   if (i < 0 || i >= static_cast<int>(buttonCount)) {
     return false;
   }
-  if (!IsCurrSelectedBtn() || !isPrimaryClick(selProfile.btnInfo[i])) {
-    return true;
-  }
-  return std::count_if(std::begin(selProfile.btnInfo), std::end(selProfile.btnInfo),
-                       isPrimaryClick) >= 2;
+  return !IsCurrSelectedBtn() || NerinAction::canReassignButton(editState->selProfile(), i);
 }
 
 bool MainView::checkOnlyLeftPro() {
@@ -48,29 +40,27 @@ bool MainView::checkOnlyLeftPro() {
   return false;
 }
 
-void MainView::openChild(QPointer<LXNoTitleWindow>& child, ChildView* view, int dragHeight,
-                         const char* titleKey) {
+void MainView::openChild(ChildView* view, int dragHeight, const char* titleKey) {
   view->construct();
-  child = new ModalWindow(view, dragHeight, NerinAction::tooltipText(titleKey), window());
-  child->setWindowDelegate(this);
-  connect(view, &ChildView::ended, child.data(), &QWidget::close);
-  m_profileBeforeChild = selProfile;
+  m_child = new ModalWindow(view, dragHeight, NerinAction::tooltipText(titleKey), window());
+  m_child->setWindowDelegate(this);
+  connect(view, &ChildView::ended, m_child.data(), &QWidget::close);
   ++m_isModalSeron;
-  child->show();
+  m_child->show();
 }
 
 void MainView::showMacroView() {
-  openChild(m_macroWindow, new MacroView, macroStrip, "Macro editor");
+  openChild(new MacroView, macroStrip, "Macro editor");
 }
 
 void MainView::showLightView() {
   auto* view = new LightView;
-  openChild(m_lightWindow, view, lightStrip, "LED");
+  openChild(view, lightStrip, "LED");
   view->fillSettingData();
 }
 
 void MainView::showPerformanceView() {
-  openChild(m_performanceWindow, new PerformanceView, performanceStrip, "Advanced");
+  openChild(new PerformanceView, performanceStrip, "Advanced");
 }
 
 void MainView::showKeyAssignView() {
@@ -78,38 +68,29 @@ void MainView::showKeyAssignView() {
     return;
   }
   auto* view = new KeyAssignView;
-  openChild(m_keyAssignWindow, view, 0, "Key assignment");
+  openChild(view, 0, "Key assignment");
   view->setBtnIndex(m_selBtnIndex);
-  view->setTmpBtnInfo(selProfile.btnInfo[m_selBtnIndex]);
+  view->setTmpBtnInfo(editState->selProfile().btnInfo[m_selBtnIndex]);
   view->setButtonName(physicalButtonName(m_selBtnIndex));
   view->fillSettingData();
 }
 
 void MainView::windowWillClose(LXNoTitleWindow& window) {
-  const bool isOurs = &window == m_macroWindow || &window == m_lightWindow ||
-                      &window == m_performanceWindow || &window == m_keyAssignWindow;
-  if (!isOurs || m_isModalSeron == 0) {
+  if (&window != m_child || m_isModalSeron == 0) {
     return;
   }
-  if (&window == m_keyAssignWindow && IsCurrSelectedBtn()) {
-    if (const auto* view = qobject_cast<KeyAssignView*>(window.contentView())) {
-      selProfile.btnInfo[m_selBtnIndex] = view->tmpBtnInfo();
-      fillBtnCaption(m_selBtnIndex);
-    }
-  }
-  // Whatever the child edited can be applied.
-  if (std::memcmp(&selProfile, &m_profileBeforeChild, sizeof selProfile) != 0) {
-    isNeedSave = true;
+  if (const auto* view = qobject_cast<KeyAssignView*>(window.contentView());
+      view != nullptr && IsCurrSelectedBtn()) {
+    _Nerin_PROFILE edited = editState->selProfile();
+    edited.btnInfo[m_selBtnIndex] = view->tmpBtnInfo();
+    editState->take(edited);
+    fillBtnCaption(m_selBtnIndex);
   }
   refreshApplyBtn();
   m_isModalSeron = std::max(0, m_isModalSeron - 1);
   window.setWindowDelegate(nullptr);
   window.deleteLater();
-  for (auto* child : {&m_macroWindow, &m_lightWindow, &m_performanceWindow, &m_keyAssignWindow}) {
-    if (*child == &window) {
-      child->clear();
-    }
-  }
+  m_child.clear();
   this->window()->raise();
   this->window()->activateWindow();
 }

@@ -14,7 +14,7 @@
 
 namespace {
 
-namespace frames = Artwork::MainView;
+using frames = Artwork::MainView;
 
 constexpr int captionLeftPad = 12;
 constexpr int captionRightPad = 32;

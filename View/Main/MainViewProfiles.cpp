@@ -1,12 +1,12 @@
 // The library of profiles as the main window offers it: new, duplicate, delete, import, export,
 // choose, rename, and the program that a profile is linked to.
 
-#include <algorithm>
 #include <filesystem>
 
 #include "Action/Edit/SlotOperations.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Library/ProfileMenuData.h"
+#include "Action/Library/ProfileNames.h"
 #include "Action/NerinAction.h"
 #include "Action/Record/EditState.h"
 #include "Kit/Core/LXAction.h"
@@ -16,6 +16,7 @@
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Main/MainView.h"
 #include "View/Screen/ControlFactory.h"
+#include "View/Windows/FailureMessage.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/PopDialogView.h"
 #include "View/Windows/Termination.h"
@@ -29,7 +30,6 @@ constexpr const char* tooManyProfiles = "Maximum number of profiles reached";
 constexpr const char* brokenProfile = "Profile data destruction";
 constexpr const char* replaceQuestion = "A file of this name is there already. Replace it?";
 constexpr int nameReports = 3;
-constexpr int factoryProfileCount = 10;
 
 ProfieController& library() {
   return ProfieController::getShareProCon();
@@ -39,18 +39,10 @@ fs::path documentsFolder() {
   return LXPlatform::current().homeFolder / "Documents";
 }
 
-// What the mouse can keep as a name, and a folder as the name of a file.
-bool isStorable(const std::string& name) {
-  return !name.empty() && name.size() <= NerinAction::maximumNameLength &&
-         std::all_of(name.begin(), name.end(), [](char letter) {
-           return letter >= ' ' && letter <= '~' && letter != '/' && letter != ':';
-         });
-}
-
 }  // namespace
 
 bool MainView::hasRoomForProfile() const {
-  if (library().getProfileCount() < ProfieController::maximumProfiles) {
+  if (library().getProfileCount() < limits::profiles) {
     return true;
   }
   const NestedLoop scope;
@@ -58,19 +50,13 @@ bool MainView::hasRoomForProfile() const {
   return false;
 }
 
-void MainView::unbindSlot() {
-  library().setFwProfileId(-1, currentSlot());
-}
-
 // The library gets the profile with the next Apply.
 void MainView::beginProfile(const std::string& name) {
-  unbindSlot();
-  library().setCurrFWProfileName(name);
+  const Outcome outcome = NerinAction::beginProfile(name);
   showName();
-  library().setCurrProfile(nullptr);
   showTitle(std::nullopt);
-  raiseNeedSave();
-  library().saveToSys();
+  refreshApplyBtn();
+  failuremessage::tell(outcome);
 }
 
 void MainView::addProfile() {
@@ -91,15 +77,13 @@ void MainView::copyProfile() {
 }
 
 void MainView::delProfile() {
-  const auto profile = library().currProfile();
-  if (!profile) {
+  if (!library().currProfile()) {
     return;
   }
-  library().delProfile(profile);
+  const Outcome outcome = NerinAction::deleteSelectedProfile();
   refreshProfileMenu();
   showTitle(std::nullopt);
-  unbindSlot();
-  library().saveToSys();
+  failuremessage::tell(outcome);
 }
 
 void MainView::extentProfile() {
@@ -146,7 +130,7 @@ void MainView::importProfile() {
         break;
     }
   }
-  library().saveToSys();
+  failuremessage::tell({SlotStep::SaveLibrary, library().saveToSys()});
 }
 
 void MainView::onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) {
@@ -169,30 +153,22 @@ void MainView::setSelectedProfileProById(std::uint64_t profileId,
 }
 
 bool MainView::checkProfileName(const std::string& name) {
-  const std::string lower = utf8::lowercased(name);
-  for (int number = 1; number <= factoryProfileCount; ++number) {
-    if (lower == "profile#" + std::to_string(number)) {
-      return false;
-    }
-  }
-  return library().checkProfileName(lower, library().currProfile());
+  return !profilenames::isFactoryName(name) &&
+         library().checkProfileName(utf8::lowercased(name), library().currProfile());
 }
 
 void MainView::reNamePro() {
   const std::string name = m_profileNameTxt->text().toStdString();
-  const int slot = currentSlot();
-  const bool isSlot = slot >= 0 && slot < ProfieController::slotCount;
-  if (isSlot && isStorable(name) && checkProfileName(name)) {
+  Outcome outcome;
+  if (profilenames::isStorable(name) && checkProfileName(name)) {
     const TransferProgress progress(m_progressBar, nameReports);
-    library().setCurrFWProfileName(name);
-    settleName();
-    NerinAction::setFWProfileName(static_cast<std::uint8_t>(slot), library().currFWProfileName());
-    library().saveCurrFWProfileToList();
+    outcome = NerinAction::renameSlot(name);
     showTitle(library().currFWProfileName());
     refreshProfileMenu();
-    library().saveToSys();
+    outcome += Outcome(SlotStep::SaveLibrary, library().saveToSys());
   }
   showName();
+  failuremessage::tell(outcome);
 }
 
 void MainView::showLaunchPro() {

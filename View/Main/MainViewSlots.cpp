@@ -8,6 +8,7 @@
 #include "Action/Record/EditState.h"
 #include "Kit/Widgets/LXButton.h"
 #include "View/Main/MainView.h"
+#include "View/Windows/FailureMessage.h"
 #include "View/Windows/PopDialogView.h"
 #include "View/Windows/Termination.h"
 #include "View/Windows/TransferProgress.h"
@@ -19,8 +20,6 @@ constexpr int slotReports = 4;
 constexpr int macroReports = 2;
 constexpr int modeReports = 5;
 constexpr int slotChangeReports = 2;
-// Only the first slots can be reset.
-constexpr int lastResetSlot = 4;
 
 ProfieController& library() {
   return ProfieController::getShareProCon();
@@ -42,7 +41,7 @@ bool MainView::shouldSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sen
   if (m_isModalSeron != 0 && !m_isFillSetting) {
     return false;
   }
-  if (&sender == m_profileStep && !m_isFWChangeProfile && isNeedSave) {
+  if (&sender == m_profileStep && !m_isFWChangeProfile && editState->isNeedSave()) {
     if (!NerinAction::showPopView("WarningNeedSave", true) || termination::isTerminating()) {
       return false;
     }
@@ -66,101 +65,87 @@ void MainView::onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender)
 
 void MainView::selectSlot(int newIndex, int oldIndex) {
   const int slot = newIndex - 1;
-  const TransferProgress progress(m_progressBar,
-                                  slotChangeReports + reportsOf(selProfile) + modeReports);
-  if (oldIndex > 0) {
-    NerinAction::setProfileIndexToDevice(static_cast<std::uint8_t>(slot));
+  const bool isChange = oldIndex > 0;
+  const auto show = [&] {
+    const Outcome outcome = getFwProfileDataPro(slot);
+    fillSettingData();
+    return outcome;
+  };
+  Outcome outcome;
+  {
+    const TransferProgress progress(
+        m_progressBar, slotChangeReports + reportsOf(editState->selProfile()) + modeReports);
+    outcome = isChange ? NerinAction::changeSlot(slot, show) : show();
   }
-  library().setCurrFWProfileIndex(slot);
-  getFwProfileDataPro(slot);
-  NerinAction::loadSlotLink(slot);
-  fillSettingData();
-  if (oldIndex > 0) {
-    NerinAction::sendProfileChangeToDaemon(slot);
+  // At the start a missing mouse is asked for, anyway.
+  if (isChange || NerinAction::checkListenDev()) {
+    failuremessage::tell(outcome);
   }
 }
 
-// A profile that the slot is not linked to must not stay selected behind an empty title.
-void MainView::getFwProfileDataPro(int slot) {
-  if (!NerinAction::loadSlotProfile(slot)) {
-    return;
+Outcome MainView::getFwProfileDataPro(int slot) {
+  const auto read = NerinAction::loadSlot(slot);
+  if (read.value) {
+    showSlotTitle();
   }
-  const auto id = library().fwProfileID()[static_cast<std::size_t>(slot)];
-  if (id == ProfieController::notLinked) {
-    library().setCurrProfile(nullptr);
-    showTitle(std::nullopt);
-    return;
-  }
-  library().setCurrProfile(library().getProValueByProid(id));
-  showTitle(library().currFWProfileName());
+  return read.outcome;
 }
 
-void MainView::setFwProfileDataPro(int slot) {
-  const TransferProgress progress(m_progressBar, reportsOf(selProfile));
-  NerinAction::writeSlot(slot);
+Outcome MainView::setFwProfileDataPro(int slot) {
+  const TransferProgress progress(m_progressBar, reportsOf(editState->selProfile()));
+  return NerinAction::writeSlot(slot);
 }
 
 void MainView::selectMode(int newIndex, int oldIndex) {
-  const TransferProgress progress(m_progressBar, modeReports);
-  selProfile.modeType = static_cast<std::uint32_t>(newIndex - 1);
-  currSetProfile = selProfile;
-  NerinAction::setModelToDevice();
   // Only what the user chose is an edit.
-  if (oldIndex > 0 && !m_isFillSetting) {
-    raiseNeedSave();
+  const bool isChosen = oldIndex > 0 && !m_isFillSetting;
+  if (isChosen) {
+    editState->edit().modeType = static_cast<std::uint32_t>(newIndex - 1);
+    refreshApplyBtn();
+  }
+  Outcome outcome;
+  {
+    const TransferProgress progress(m_progressBar, modeReports);
+    editState->currSetProfile() = editState->selProfile();
+    outcome = NerinAction::setModelToDevice();
+  }
+  if (isChosen) {
+    failuremessage::tell(outcome);
   }
 }
 
-void MainView::saveLinkApp() {
-  NerinAction::saveLinkApp();
-}
-
-// The name under which the slot is stored must be nobody else's: two profiles of one name would
-// share a file, and one of them would be lost.
-void MainView::settleName() {
-  const auto& name = library().currFWProfileName();
-  if (!name || name->empty()) {
-    library().setCurrFWProfileName(library().getNewProfileName());
-  } else if (const auto owner = library().getProfileByName(name);
-             owner && owner != library().getProfileByFWProIndex(currentSlot())) {
-    library().setCurrFWProfileName(library().getNewProfileNameByData(*owner));
-  }
-  showName();
+Outcome MainView::saveLinkApp() {
+  return NerinAction::saveLinkApp();
 }
 
 void MainView::applyPro() {
-  settleName();
-  saveLinkApp();
-  setFwProfileDataPro(currentSlot());
-  library().saveCurrFWProfileToList();
-  NerinAction::sendMessageToDaemon(NerinAction::MessageProfileApplied);
+  Outcome outcome;
+  {
+    const TransferProgress progress(m_progressBar, reportsOf(editState->selProfile()));
+    outcome = NerinAction::applySlot();
+  }
+  showName();
   showTitle(library().currFWProfileName());
   refreshProfileMenu();
-  isNeedSave = false;
   refreshApplyBtn();
+  failuremessage::tell(outcome);
 }
 
 void MainView::resetPro() {
-  if (currentSlot() > lastResetSlot || !NerinAction::showPopView("WarningReset", true) ||
-      termination::isTerminating()) {
+  if (!NerinAction::canResetSlot(currentSlot()) ||
+      !NerinAction::showPopView("WarningReset", true) || termination::isTerminating() ||
+      !library().currDefProfile()) {
     return;
   }
-  const auto factory = library().currDefProfile();
-  if (!factory) {
-    return;
+  Outcome outcome;
+  {
+    const TransferProgress progress(m_progressBar,
+                                    reportsOf(library().currDefProfile()->profileData()));
+    outcome = NerinAction::resetSlot();
   }
-  const int slot = currentSlot();
-  library().setCurrFWProfileName(factory->name());
-  selProfile = factory->profileData();
-  settleName();
-  setFwProfileDataPro(slot);
-  library().saveCurrFWProfileToList();
-  NerinAction::sendMessageToDaemon(NerinAction::MessageProfileApplied);
   fillSettingData();
-  const bool isLinked =
-      library().fwProfileID()[static_cast<std::size_t>(slot)] != ProfieController::notLinked;
-  showTitle(isLinked ? library().currFWProfileName() : std::nullopt);
+  showSlotTitle();
   refreshProfileMenu();
-  isNeedSave = false;
   refreshApplyBtn();
+  failuremessage::tell(outcome);
 }

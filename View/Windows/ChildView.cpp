@@ -1,5 +1,32 @@
 #include "View/Windows/ChildView.h"
 
+#include "Kit/Widgets/LXButton.h"
+
+void ChildView::addEndButtons(const EndButton& apply, const EndButton& close,
+                              const EndButton& cancel) {
+  addButton(apply.frame, apply.tag, "applyBtn", "Apply");
+  addButton(close.frame, close.tag, "okBtn", "Close");
+  addButton(cancel.frame, cancel.tag, "cancelBtn", "Cancel");
+  setEndTags(apply.tag, close.tag, cancel.tag);
+}
+
+void ChildView::setEndTags(int apply, int close, int cancel) {
+  m_applyTag = apply;
+  m_closeTag = close;
+  m_cancelTag = cancel;
+}
+
+void ChildView::buttonAction(LXButton& sender) {
+  if (sender.tag() == m_applyTag) {
+    applyEdit();
+  } else if (sender.tag() == m_closeTag) {
+    keepEdit();
+    endWindow(1);
+  } else if (sender.tag() == m_cancelTag) {
+    cancelAndEnd();
+  }
+}
+
 void ChildView::cancelAndEnd() {
   cancelEdit();
   endWindow(0);

@@ -4,20 +4,21 @@
 #include <deque>
 #include <utility>
 
+#include "Kit/Core/ProcessWide.h"
+
 namespace {
 
-int depth = 0;
-
-std::deque<std::function<void()>>& waiting() {
-  static std::deque<std::function<void()>> works;
-  return works;
-}
+struct Loops {
+  int depth = 0;
+  std::deque<std::function<void()>> waiting;
+};
+ProcessWide<Loops> loops;
 
 // A work may open a dialog itself; the rest waits for that one then.
 void workOff() {
-  while (depth == 0 && !waiting().empty()) {
-    const auto work = std::move(waiting().front());
-    waiting().pop_front();
+  while (loops->depth == 0 && !loops->waiting.empty()) {
+    const auto work = std::move(loops->waiting.front());
+    loops->waiting.pop_front();
     work();
   }
 }
@@ -25,22 +26,22 @@ void workOff() {
 }  // namespace
 
 NestedLoop::NestedLoop() {
-  ++depth;
+  ++loops->depth;
 }
 
 // Not from here: whoever opened the dialog has its answer to deal with first.
 NestedLoop::~NestedLoop() {
-  --depth;
-  if (depth == 0 && !waiting().empty()) {
+  --loops->depth;
+  if (loops->depth == 0 && !loops->waiting.empty()) {
     QTimer::singleShot(0, workOff);
   }
 }
 
 bool NestedLoop::isRunning() {
-  return depth > 0;
+  return loops->depth > 0;
 }
 
 void NestedLoop::whenNone(std::function<void()> work) {
-  waiting().push_back(std::move(work));
+  loops->waiting.push_back(std::move(work));
   workOff();
 }

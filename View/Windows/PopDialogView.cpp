@@ -8,6 +8,7 @@
 #include "Action/Texts/TooltipManager.h"
 #include "ArtworkFrames.h"
 #include "Kit/Core/LXAction.h"
+#include "Kit/Core/ProcessWide.h"
 #include "Kit/Widgets/LXNoTitleWindow.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
@@ -16,14 +17,11 @@
 
 namespace {
 
-namespace frames = Artwork::WarningNoDevice;
+using frames = Artwork::WarningNoDevice;
 constexpr QSize dialogSize(frames::screenWidth, frames::screenHeight);
 constexpr int dragStrip = 50;
 
-std::function<bool(const std::string&, bool)>& answererInUse() {
-  static std::function<bool(const std::string&, bool)> answerer;
-  return answerer;
-}
+ProcessWide<std::function<bool(const std::string&, bool)>> answererInUse;
 
 // Who hears the button and who sees it call it the same.
 void setDrawnName(LXButton& button, const std::string& key) {
@@ -125,8 +123,8 @@ bool NerinAction::showPopView(const std::string& key, bool isChoose) {
     return !isChoose;
   }
   const NestedLoop scope;
-  if (answererInUse()) {
-    return answererInUse()(key, isChoose);
+  if (*answererInUse) {
+    return (*answererInUse)(key, isChoose);
   }
   QWidget* parent = messageOwner();
   LXNoTitleWindow window(dialogSize, parent);
@@ -154,5 +152,5 @@ bool NerinAction::showPopView(const std::string& key, bool isChoose) {
 }
 
 void NerinAction::setPopViewAnswerer(std::function<bool(const std::string&, bool)> answerer) {
-  answererInUse() = std::move(answerer);
+  *answererInUse = std::move(answerer);
 }

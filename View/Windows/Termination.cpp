@@ -4,20 +4,21 @@
 
 #include "Action/Device/DeviceLink.h"
 #include "Kit/Core/LXPlatform.h"
+#include "Kit/Core/ProcessWide.h"
 
 namespace {
 
-bool isEnding = false;
+ProcessWide<bool> isEnding;
 
 }  // namespace
 
 void termination::terminate() {
-  if (isEnding) {
+  if (*isEnding) {
     return;
   }
-  isEnding = true;
+  *isEnding = true;
   // The centre flushes when it goes.
-  NerinAction::sysDeviceReq.reset();
+  NerinAction::sysDeviceReq->reset();
   LXPlatform platform = LXPlatform::current();
   platform.deviceRequester.reset();
   platform.notificationCenter.reset();
@@ -27,9 +28,5 @@ void termination::terminate() {
 }
 
 bool termination::isTerminating() {
-  return isEnding;
-}
-
-void termination::revive() {
-  isEnding = false;
+  return *isEnding;
 }

@@ -8,7 +8,5 @@ namespace termination {
 // more, neither to the mouse nor to the service.
 void terminate();
 bool isTerminating();
-// For tests: as if nothing had been ended.
-void revive();
 
 }  // namespace termination

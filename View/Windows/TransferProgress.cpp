@@ -5,6 +5,8 @@
 #include <QPointer>
 #include <algorithm>
 
+#include "Kit/Core/ProcessWide.h"
+
 namespace {
 
 constexpr QColor lineColor(0xE5, 0x26, 0x2F);
@@ -15,9 +17,10 @@ struct Work {
   int done = 0;
 };
 
+ProcessWide<Work> currentWork;
+
 Work& work() {
-  static Work current;
-  return current;
+  return *currentWork;
 }
 
 }  // namespace

@@ -76,15 +76,15 @@ TEST_F(Caption, OfADpiFunctionIsThatOfItsId) {
 
 TEST_F(Caption, OfAProgramIsItsFileNameWithoutExtension) {
   library().setCurrFWProfileIndex(3);
-  library().setLaunchPath("/usr/bin/other", 3, 4);
+  EXPECT_TRUE(library().setLaunchPath("/usr/bin/other", 3, 4));
   EXPECT_EQ(captionOf(launchButton("/opt/My Game/game.x86.app")), "game.x86");
   EXPECT_EQ(captionOf(launchButton("relative.app")), "relative");
 }
 
 TEST_F(Caption, OfAProgramWithoutAPathIsThatOfThePreferences) {
   library().setCurrFWProfileIndex(3);
-  library().setLaunchPath("/usr/bin/other.sh", 3, 4);
-  library().setLaunchPath("/usr/bin/wrong", 4, 4);
+  EXPECT_TRUE(library().setLaunchPath("/usr/bin/other.sh", 3, 4));
+  EXPECT_TRUE(library().setLaunchPath("/usr/bin/wrong", 4, 4));
   EXPECT_EQ(captionOf(launchButton("")), "other");
 }
 

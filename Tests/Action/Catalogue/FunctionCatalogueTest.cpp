@@ -47,12 +47,12 @@ class FunctionCatalogue : public ActionTest {
 TEST_F(FunctionCatalogue, TheShippedMenusAreThoseOfTheTable) {
   NerinAction::initMenuList();
   const std::map<std::string, NerinAction::MenuRoot> roots{
-      {"KeyAssignMenu", NerinAction::keyAssignMenuNode},
-      {"SingleMenu", NerinAction::singleMenuNode},
-      {"MacroInsertMenu", NerinAction::macroInsertMenuNode},
-      {"MacroRepeatMenu", NerinAction::repeatMenuNode},
-      {"SensitivityMenu", NerinAction::sensitivityMenuNode},
-      {"LevelMenu", NerinAction::levelMenuNode}};
+      {"KeyAssignMenu", NerinAction::functionMenus->keyAssignMenuNode},
+      {"SingleMenu", NerinAction::functionMenus->singleMenuNode},
+      {"MacroInsertMenu", NerinAction::functionMenus->macroInsertMenuNode},
+      {"MacroRepeatMenu", NerinAction::functionMenus->repeatMenuNode},
+      {"SensitivityMenu", NerinAction::functionMenus->sensitivityMenuNode},
+      {"LevelMenu", NerinAction::functionMenus->levelMenuNode}};
   for (const auto& [name, items] : jsonFixture("menu-catalogue.json").at("sections").items()) {
     if (name == "MacroList") {
       continue;
@@ -82,13 +82,13 @@ TEST_F(FunctionCatalogue, TheShippedMenusAreThoseOfTheTable) {
 
 TEST_F(FunctionCatalogue, TheFileOfTheSupportFolderCountsAndIsNotReplaced) {
   begin("<R><SingleMenu><Item title='mine'/></SingleMenu></R>");
-  EXPECT_THAT(titles(NerinAction::singleMenuNode), ElementsAre("mine"));
+  EXPECT_THAT(titles(NerinAction::functionMenus->singleMenuNode), ElementsAre("mine"));
 }
 
 TEST_F(FunctionCatalogue, WithoutAnyFileEverythingIsEmpty) {
   setResourceFolder(home());
   NerinAction::initMenuList();
-  EXPECT_EQ(NerinAction::singleMenuNode, nullptr);
+  EXPECT_EQ(NerinAction::functionMenus->singleMenuNode, nullptr);
   EXPECT_EQ(NerinAction::getSingleById(1), nullptr);
   EXPECT_EQ(NerinAction::getSingleByBtnInfo(mouseButton(1, {1})), nullptr);
   EXPECT_EQ(NerinAction::getMacroMenuByFunid(1), nullptr);
@@ -96,27 +96,27 @@ TEST_F(FunctionCatalogue, WithoutAnyFileEverythingIsEmpty) {
   EXPECT_EQ(NerinAction::getMenuInfoByFunTableId(1, nullptr), nullptr);
   EXPECT_EQ(NerinAction::getMenuNameByFunTableId(1, nullptr), std::nullopt);
   EXPECT_EQ(NerinAction::getMenuNameByFunId(1, nullptr), std::nullopt);
-  EXPECT_THAT(NerinAction::macroListArrs, IsEmpty());
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, IsEmpty());
 }
 
 TEST_F(FunctionCatalogue, AMissingSectionIsAnEmptyMenu) {
   begin("<R><LevelMenu><Item title='1'/></LevelMenu></R>");
   EXPECT_EQ(NerinAction::getSingleById(0), nullptr);
-  EXPECT_THAT(titles(NerinAction::levelMenuNode), ElementsAre("1"));
+  EXPECT_THAT(titles(NerinAction::functionMenus->levelMenuNode), ElementsAre("1"));
 }
 
 TEST_F(FunctionCatalogue, OnlyTheFirstSectionOfANameCounts) {
   begin(
       "<Any><SingleMenu><Item title='a'/></SingleMenu><SingleMenu><Item title='b'/>"
       "</SingleMenu></Any>");
-  EXPECT_THAT(titles(NerinAction::singleMenuNode), ElementsAre("a"));
+  EXPECT_THAT(titles(NerinAction::functionMenus->singleMenuNode), ElementsAre("a"));
 }
 
 TEST_F(FunctionCatalogue, LoadingIsOneLevelDeep) {
   begin(
       "<R><SingleMenu><Item title='a'><Item title='nested'/></Item><Else title='x'/>"
       "<Item title='b'/></SingleMenu></R>");
-  EXPECT_THAT(titles(NerinAction::singleMenuNode), ElementsAre("a", "b"));
+  EXPECT_THAT(titles(NerinAction::functionMenus->singleMenuNode), ElementsAre("a", "b"));
 }
 
 TEST_F(FunctionCatalogue, IdsAndKeysAreHexadecimalAndTheRestDecimal) {
@@ -124,7 +124,7 @@ TEST_F(FunctionCatalogue, IdsAndKeysAreHexadecimalAndTheRestDecimal) {
       "<R><SingleMenu><Item title='a' type='10' functionID='10' functionTableID='F' "
       "NeedSepretor='1' KeyBit1='FF' KeyBit2='0a' KeyBit3='0x1F' KeyBit4=' 15 '/>"
       "</SingleMenu></R>");
-  const auto info = entry(NerinAction::singleMenuNode, 0);
+  const auto info = entry(NerinAction::functionMenus->singleMenuNode, 0);
   EXPECT_EQ(info->type(), 10);
   EXPECT_EQ(info->functionID(), 16);
   EXPECT_EQ(info->functionTableID(), 15);
@@ -139,7 +139,7 @@ TEST_F(FunctionCatalogue, NumbersThatAreNoneReadAsZero) {
   begin(
       "<R><SingleMenu><Item functionID='xyz' functionTableID='' KeyBit1='-1' "
       "KeyBit2='123456789A' type='one'/></SingleMenu></R>");
-  const auto info = entry(NerinAction::singleMenuNode, 0);
+  const auto info = entry(NerinAction::functionMenus->singleMenuNode, 0);
   EXPECT_EQ(info->titleStr(), "");
   EXPECT_EQ(info->functionID(), 0);
   EXPECT_EQ(info->functionTableID(), 0);
@@ -154,10 +154,10 @@ TEST_F(FunctionCatalogue, ASeparatorIsWantedByAnyNumberButZero) {
   begin(
       "<R><SingleMenu><Item NeedSepretor='1'/><Item NeedSepretor='0'/><Item/>"
       "<Item NeedSepretor='2'/></SingleMenu></R>");
-  EXPECT_TRUE(entry(NerinAction::singleMenuNode, 0)->needSepretor());
-  EXPECT_FALSE(entry(NerinAction::singleMenuNode, 1)->needSepretor());
-  EXPECT_FALSE(entry(NerinAction::singleMenuNode, 2)->needSepretor());
-  EXPECT_TRUE(entry(NerinAction::singleMenuNode, 3)->needSepretor());
+  EXPECT_TRUE(entry(NerinAction::functionMenus->singleMenuNode, 0)->needSepretor());
+  EXPECT_FALSE(entry(NerinAction::functionMenus->singleMenuNode, 1)->needSepretor());
+  EXPECT_FALSE(entry(NerinAction::functionMenus->singleMenuNode, 2)->needSepretor());
+  EXPECT_TRUE(entry(NerinAction::functionMenus->singleMenuNode, 3)->needSepretor());
 }
 
 TEST_F(FunctionCatalogue, TitlesComeFromTheTextsWhereThereAreSome) {
@@ -167,7 +167,7 @@ TEST_F(FunctionCatalogue, TitlesComeFromTheTextsWhereThereAreSome) {
       "<Item title='file 4'/></SingleMenu></R>",
       "<Item name='known' text='A text.'/><Item name='empty' text=''/>"
       "<Item name='' text='nobody'/>");
-  EXPECT_THAT(titles(NerinAction::singleMenuNode),
+  EXPECT_THAT(titles(NerinAction::functionMenus->singleMenuNode),
               ElementsAre("A text", "file 2", "file 3", "file 4"));
 }
 
@@ -178,12 +178,12 @@ TEST_F(FunctionCatalogue, EveryMenuButTheLevelsIsLocalised) {
     menus += std::string("<") + name + "><Item title='file' TooltipTag='known'/></" + name + ">";
   }
   begin(menus + "</R>", "<Item name='known' text='text'/>");
-  EXPECT_THAT(titles(NerinAction::macroInsertMenuNode), ElementsAre("text"));
-  EXPECT_THAT(titles(NerinAction::keyAssignMenuNode), ElementsAre("text"));
-  EXPECT_THAT(titles(NerinAction::singleMenuNode), ElementsAre("text"));
-  EXPECT_THAT(titles(NerinAction::repeatMenuNode), ElementsAre("text"));
-  EXPECT_THAT(titles(NerinAction::sensitivityMenuNode), ElementsAre("text"));
-  EXPECT_THAT(titles(NerinAction::levelMenuNode), ElementsAre("file"));
+  EXPECT_THAT(titles(NerinAction::functionMenus->macroInsertMenuNode), ElementsAre("text"));
+  EXPECT_THAT(titles(NerinAction::functionMenus->keyAssignMenuNode), ElementsAre("text"));
+  EXPECT_THAT(titles(NerinAction::functionMenus->singleMenuNode), ElementsAre("text"));
+  EXPECT_THAT(titles(NerinAction::functionMenus->repeatMenuNode), ElementsAre("text"));
+  EXPECT_THAT(titles(NerinAction::functionMenus->sensitivityMenuNode), ElementsAre("text"));
+  EXPECT_THAT(titles(NerinAction::functionMenus->levelMenuNode), ElementsAre("file"));
 }
 
 TEST_F(FunctionCatalogue, DoubledIdsResolveToTheFirst) {
@@ -192,8 +192,11 @@ TEST_F(FunctionCatalogue, DoubledIdsResolveToTheFirst) {
       "<Item title='b' functionID='5' functionTableID='7'/></SingleMenu></R>");
   EXPECT_EQ(NerinAction::getSingleById(5)->titleStr(), "a");
   EXPECT_EQ(NerinAction::getSingleNameById(5), "a");
-  EXPECT_EQ(NerinAction::getMenuInfoByFunTableId(7, NerinAction::singleMenuNode)->titleStr(), "a");
-  EXPECT_EQ(NerinAction::getMenuNameByFunTableId(7, NerinAction::singleMenuNode), "a");
+  EXPECT_EQ(NerinAction::getMenuInfoByFunTableId(7, NerinAction::functionMenus->singleMenuNode)
+                ->titleStr(),
+            "a");
+  EXPECT_EQ(NerinAction::getMenuNameByFunTableId(7, NerinAction::functionMenus->singleMenuNode),
+            "a");
   EXPECT_EQ(NerinAction::getSingleById(6), nullptr);
   EXPECT_EQ(NerinAction::getSingleNameById(6), std::nullopt);
 }
@@ -223,17 +226,18 @@ TEST_F(FunctionCatalogue, TheUsedKeysEndAtTheFirstUnusedOne) {
   begin(
       "<R><MacroInsertMenu><Item KeyBit1='8' KeyBit2='FF' KeyBit3='9' KeyBit4='FF'/>"
       "</MacroInsertMenu></R>");
-  EXPECT_THAT(entry(NerinAction::macroInsertMenuNode, 0)->usedKeys(), ElementsAre(8));
+  EXPECT_THAT(entry(NerinAction::functionMenus->macroInsertMenuNode, 0)->usedKeys(),
+              ElementsAre(8));
 }
 
 TEST_F(FunctionCatalogue, ASectionLoadedAgainReplacesItsMenu) {
   begin("<R><SingleMenu><Item title='a'/></SingleMenu></R>");
-  const auto before = NerinAction::singleMenuNode;
+  const auto before = NerinAction::functionMenus->singleMenuNode;
   pugi::xml_document document;
   ASSERT_TRUE(document.load_string("<SingleMenu><Item title='b'/></SingleMenu>"));
   NerinAction::initSingleMenulist(document.document_element());
-  EXPECT_NE(NerinAction::singleMenuNode, before);
-  EXPECT_THAT(titles(NerinAction::singleMenuNode), ElementsAre("b"));
+  EXPECT_NE(NerinAction::functionMenus->singleMenuNode, before);
+  EXPECT_THAT(titles(NerinAction::functionMenus->singleMenuNode), ElementsAre("b"));
 }
 
 TEST_F(FunctionCatalogue, ANodeIsAppendedAndGivenBack) {
@@ -250,7 +254,7 @@ TEST_F(FunctionCatalogue, BrokenAndForeignFilesAreEmptyCatalogues) {
   for (const char* text :
        {"", "x", "<R><SingleMenu>", "<SingleMenu><Item/></SingleMenu>", "<a><b/></a><c/>"}) {
     begin(text);
-    EXPECT_EQ(NerinAction::singleMenuNode, nullptr) << text;
+    EXPECT_EQ(NerinAction::functionMenus->singleMenuNode, nullptr) << text;
     endProgram();
   }
 }
@@ -261,7 +265,7 @@ TEST_F(FunctionCatalogue, ADeepFileDoesNoHarm) {
     deep += "<a>";
   }
   begin("<R>" + deep);
-  EXPECT_EQ(NerinAction::singleMenuNode, nullptr);
+  EXPECT_EQ(NerinAction::functionMenus->singleMenuNode, nullptr);
 }
 
 }  // namespace

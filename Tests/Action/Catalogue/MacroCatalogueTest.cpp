@@ -35,7 +35,7 @@ class MacroCatalogue : public ActionTest {
   }
   static std::vector<std::string> names() {
     std::vector<std::string> names;
-    for (const auto& macro : NerinAction::macroListArrs) {
+    for (const auto& macro : NerinAction::macroStore->macroListArrs) {
       names.push_back(macro->nameStr().value_or("(none)"));
     }
     return names;
@@ -51,7 +51,7 @@ TEST_F(MacroCatalogue, IsLoadedInFileOrder) {
     <Item title="One" MacroID="1"/>
   </MacroList><MacroList><Item title="Second list" MacroID="3"/></MacroList></Root>)");
   EXPECT_THAT(names(), ElementsAre("Two", "One"));
-  const MacroInfo& two = *NerinAction::macroListArrs.front();
+  const MacroInfo& two = *NerinAction::macroStore->macroListArrs.front();
   EXPECT_EQ(two.macroId(), 2);
   EXPECT_EQ(two.loopTime(), 9);
   EXPECT_EQ(eventsOf(two), (Events{{49, 0, 300}, {-1, 1, 0}}));
@@ -61,17 +61,17 @@ TEST_F(MacroCatalogue, IsLoadedInFileOrder) {
 TEST_F(MacroCatalogue, AnItemWithoutEventsIsAnEmptyMacro) {
   begin(
       R"(<R><MacroList><Item title="M" MacroID="4"><LoopTime>7</LoopTime></Item></MacroList></R>)");
-  ASSERT_THAT(NerinAction::macroListArrs, SizeIs(1));
-  EXPECT_EQ(NerinAction::macroListArrs.front()->loopTime(), 7);
-  EXPECT_THAT(NerinAction::macroListArrs.front()->keyInfoArr(), IsEmpty());
-  EXPECT_EQ(NerinAction::macroListArrs.front()->getMacroCount(), 0);
+  ASSERT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(1));
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.front()->loopTime(), 7);
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs.front()->keyInfoArr(), IsEmpty());
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.front()->getMacroCount(), 0);
 }
 
 TEST_F(MacroCatalogue, WhatIsMissingOrMalformedReadsAsZero) {
   begin(R"(<R><MacroList><Item><LoopTime>x</LoopTime><KeyItem/>
     <KeyItem keyCode="zz" keyFlag="0x1" delay="99999999999"/></Item></MacroList></R>)");
-  ASSERT_THAT(NerinAction::macroListArrs, SizeIs(1));
-  const MacroInfo& macro = *NerinAction::macroListArrs.front();
+  ASSERT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(1));
+  const MacroInfo& macro = *NerinAction::macroStore->macroListArrs.front();
   EXPECT_EQ(macro.nameStr(), std::nullopt);
   EXPECT_EQ(macro.macroId(), 0);
   EXPECT_EQ(macro.loopTime(), 0);
@@ -81,9 +81,9 @@ TEST_F(MacroCatalogue, WhatIsMissingOrMalformedReadsAsZero) {
 TEST_F(MacroCatalogue, DoubledNamesAndIdsAreKept) {
   begin(R"(<R><MacroList><Item title="M" MacroID="4"/><Item title="M" MacroID="4"/>
     </MacroList></R>)");
-  EXPECT_THAT(NerinAction::macroListArrs, SizeIs(2));
-  EXPECT_EQ(NerinAction::getMacroById(4), NerinAction::macroListArrs.front());
-  EXPECT_EQ(NerinAction::getMacroByName("M"), NerinAction::macroListArrs.front());
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(2));
+  EXPECT_EQ(NerinAction::getMacroById(4), NerinAction::macroStore->macroListArrs.front());
+  EXPECT_EQ(NerinAction::getMacroByName("M"), NerinAction::macroStore->macroListArrs.front());
 }
 
 TEST_F(MacroCatalogue, LookupsFindNothingBeforeItIsLoaded) {
@@ -139,7 +139,7 @@ TEST_F(MacroCatalogue, ANewIdIsTheLargestPlusOneHiddenOnesIncluded) {
   EXPECT_EQ(macro->macroId(), 8);
   EXPECT_EQ(macro->loopTime(), 0);
   EXPECT_FALSE(macro->isNoDisplay());
-  EXPECT_EQ(NerinAction::macroListArrs.back(), macro);
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.back(), macro);
 }
 
 TEST_F(MacroCatalogue, HiddenMacrosAreDroppedBySavingAndTheirIdsGivenAgain) {
@@ -158,7 +158,8 @@ TEST_F(MacroCatalogue, TheLargestIdOfAllIsNotOverrun) {
   addMacro(2147483647, "a");
   const auto macro = NerinAction::addMacorByName("b");
   ASSERT_NE(macro, nullptr);
-  EXPECT_EQ(NerinAction::macroListArrs, (std::vector{NerinAction::macroListArrs[0], macro}));
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs,
+            (std::vector{NerinAction::macroStore->macroListArrs[0], macro}));
 }
 
 TEST_F(MacroCatalogue, HiddenMacrosDoNotBlockAName) {
@@ -188,7 +189,7 @@ TEST_F(MacroCatalogue, AHundredShownMacrosAreTheMost) {
   EXPECT_NE(NerinAction::addMacorByName("the hundredth"), nullptr);
   NerinAction::refreshMenuList();
   EXPECT_EQ(NerinAction::addMacorByName("one too many"), nullptr);
-  EXPECT_THAT(NerinAction::macroListArrs, SizeIs(101));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(101));
 }
 
 TEST_F(MacroCatalogue, BeforeTheFirstMenuNothingCounts) {
@@ -203,19 +204,19 @@ TEST_F(MacroCatalogue, TheMenuShowsWhatIsNotHidden) {
   addMacro(2, "b")->setIsNoDisplay(true);
   addMacro(3, "c");
   const LXTreeNode* handedOver = nullptr;
-  NerinAction::macroMenuRebuilt = [&](const auto& root) { handedOver = root.get(); };
+  NerinAction::macroStore->macroMenuRebuilt = [&](const auto& root) { handedOver = root.get(); };
   NerinAction::refreshMenuList();
-  const auto root = NerinAction::macroNode;
+  const auto root = NerinAction::macroStore->macroNode;
   EXPECT_EQ(handedOver, root.get());
   ASSERT_THAT(root->children(), SizeIs(2));
   const auto entry = std::dynamic_pointer_cast<MenuInfo>(root->children()[1]->nodeData());
   ASSERT_NE(entry, nullptr);
   EXPECT_EQ(entry->titleStr(), "c");
   EXPECT_EQ(entry->type(), 1);
-  EXPECT_EQ(entry->macroInfo(), NerinAction::macroListArrs[2]);
-  NerinAction::macroListArrs.pop_back();
+  EXPECT_EQ(entry->macroInfo(), NerinAction::macroStore->macroListArrs[2]);
+  NerinAction::macroStore->macroListArrs.pop_back();
   NerinAction::refreshMenuList();
-  EXPECT_EQ(NerinAction::macroNode, root);
+  EXPECT_EQ(NerinAction::macroStore->macroNode, root);
   EXPECT_THAT(root->children(), SizeIs(1));
 }
 
@@ -240,7 +241,7 @@ TEST_F(MacroCatalogue, AMacroIsWrittenAsAnElement) {
 
 TEST_F(MacroCatalogue, WhatWasSavedIsLoaded) {
   begin("<R><MacroList><Item title='gone' MacroID='1'/></MacroList></R>");
-  NerinAction::macroListArrs.clear();
+  NerinAction::macroStore->macroListArrs.clear();
   const auto macro = addMacro(4, "Sp\xC3\xA4ter <&> \"x\" 'y'", {{49, 0, 300}, {49, 1, 0}});
   macro->setLoopTime(9);
   addMacro(9, "");
@@ -248,8 +249,9 @@ TEST_F(MacroCatalogue, WhatWasSavedIsLoaded) {
   endProgram();
   beginProgram();
   EXPECT_THAT(names(), ElementsAre("Sp\xC3\xA4ter <&> \"x\" 'y'", ""));
-  EXPECT_EQ(NerinAction::macroListArrs.front()->loopTime(), 9);
-  EXPECT_EQ(eventsOf(*NerinAction::macroListArrs.front()), (Events{{49, 0, 300}, {49, 1, 0}}));
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.front()->loopTime(), 9);
+  EXPECT_EQ(eventsOf(*NerinAction::macroStore->macroListArrs.front()),
+            (Events{{49, 0, 300}, {49, 1, 0}}));
 }
 
 constexpr const char* elaborate = R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -280,7 +282,7 @@ constexpr const char* elaborate = R"(<?xml version="1.0" encoding="UTF-8"?>
 
 TEST_F(MacroCatalogue, SavingKeepsEverythingElseToTheLetter) {
   begin(elaborate);
-  NerinAction::macroListArrs.front()->setNameStr("new");
+  NerinAction::macroStore->macroListArrs.front()->setNameStr("new");
   EXPECT_TRUE(NerinAction::saveMenuList());
   std::string expected = elaborate;
   expected.replace(expected.find("old"), 3, "new");
@@ -346,7 +348,7 @@ TEST_F(MacroCatalogue, ABrokenFileIsNotReplaced) {
   for (const char* broken :
        {"", "no xml", "<R><MacroList></R>", "<R><MacroList/></R", "\xFF\xFE"}) {
     begin(broken);
-    EXPECT_THAT(NerinAction::macroListArrs, IsEmpty());
+    EXPECT_THAT(NerinAction::macroStore->macroListArrs, IsEmpty());
     addMacro(1, "m");
     EXPECT_FALSE(NerinAction::saveMenuList()) << broken;
     EXPECT_EQ(text(), broken);

@@ -1,5 +1,6 @@
 #include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Device/DeviceLink.h"
+#include "Action/Device/SlotTransfer.h"
 #include "Action/Edit/SlotOperations.h"
 #include "Action/Record/EditState.h"
 #include "Action/Wire/MacroImage.h"
@@ -65,24 +66,24 @@ TEST_F(OverHid, AMacroOfAWholeReportGoesOutAndComesBack) {
     events.push_back({n % 2 == 0 ? 49 : 36, 0, 0});
   }
   addMacro(50, "long", events);
-  currFWProfile.btnInfo[15] = macroButton(50);
-  ASSERT_TRUE(NerinAction::setFWMacroData(9, 15));
+  editState->currFWProfile().btnInfo[15] = macroButton(50);
+  ASSERT_TRUE(NerinAction::setFWMacroData(9, 15).value);
   NerinAction::getMacroById(50)->keyInfoArr().clear();
-  NerinAction::getFWMacroData(9, 15);
+  EXPECT_TRUE(NerinAction::getFWMacroData(9, 15).isDone());
   EXPECT_EQ(eventsOf(*NerinAction::getMacroById(50)), events);
   EXPECT_TRUE(mouse().faults().empty());
 }
 
 TEST_F(OverHid, TheActiveSlotIsChosenAndRead) {
-  NerinAction::setProfileIndexToDevice(7);
+  EXPECT_TRUE(NerinAction::setProfileIndexToDevice(7).isDone());
   EXPECT_EQ(mouse().activeSlot(), 7);
-  EXPECT_EQ(NerinAction::getProfileIndexByDevice(), 7);
+  EXPECT_EQ(NerinAction::getProfileIndexByDevice().value, 7);
 }
 
 TEST_F(OverHid, ResettingOpensTheNodesAgain) {
   const int opened = m_emulated.openCount();
-  NerinAction::setProfileIndexToDevice(3);
-  NerinAction::resetDevPro();
+  EXPECT_TRUE(NerinAction::setProfileIndexToDevice(3).isDone());
+  EXPECT_TRUE(NerinAction::resetDevPro().isDone());
   EXPECT_GT(m_emulated.openCount(), opened);
   EXPECT_EQ(mouse().activeSlot(), 3);
 }
@@ -92,11 +93,11 @@ TEST_F(OverHid, ApplyingToAMouseThatIsGoneKeepsTheProfile) {
   EXPECT_FALSE(NerinAction::checkListenDev());
   library().setCurrFWProfileName("Game");
   library().setFwProfileId(-1, 0);
-  EXPECT_FALSE(NerinAction::applySlot());
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   EXPECT_EQ(namesOf(library().profileArr()), std::vector<std::string>{"Game"});
   m_emulated.plug(7);
   EXPECT_TRUE(NerinAction::checkListenDev());
-  NerinAction::writeSlot(0);
+  EXPECT_TRUE(NerinAction::writeSlot(0).isDone());
   EXPECT_EQ(mouse().slotName(0), "Game");
 }
 

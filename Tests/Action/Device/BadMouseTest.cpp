@@ -6,6 +6,7 @@
 #include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Device/DeviceLink.h"
 #include "Action/Device/DeviceSettings.h"
+#include "Action/Device/SlotTransfer.h"
 #include "Action/Edit/SlotOperations.h"
 #include "Action/Record/EditState.h"
 #include "Action/Wire/ProfileImage.h"
@@ -31,21 +32,23 @@ class BadMouse : public ActionTest {
   // Everything that the program ever does with a mouse.
   static void doEverything() {
     for (int slot = 0; slot < 10; ++slot) {
-      NerinAction::loadSlot(slot);
+      static_cast<void>(NerinAction::loadSlot(slot));
       for (int index = 0; index < static_cast<int>(buttonCount); ++index) {
-        NerinAction::getBtnCaption(selProfile.btnInfo[index], index);
-        NerinAction::setBtnInfoToDevicePro(index, selProfile.btnInfo[index]);
-        NerinAction::setBtnInfoToDevicePro(index, macroButton(1));
+        NerinAction::getBtnCaption(editState->selProfile().btnInfo[index], index);
+        static_cast<void>(
+            NerinAction::setBtnInfoToDevicePro(index, editState->selProfile().btnInfo[index]));
+        static_cast<void>(NerinAction::setBtnInfoToDevicePro(index, macroButton(1)));
       }
-      EXPECT_FALSE(NerinAction::applySlot());
-      currSetProfile = selProfile;
-      NerinAction::setSettingToDevice();
-      NerinAction::setRateToDevice(selProfile.poRate);
-      NerinAction::setModelToDevice();
-      NerinAction::setColorToDevice();
-      NerinAction::setColorToDevice2();
-      NerinAction::setProfileIndexToDevice(NerinAction::getProfileIndexByDevice());
-      NerinAction::resetDevPro();
+      static_cast<void>(NerinAction::applySlot());
+      editState->currSetProfile() = editState->selProfile();
+      static_cast<void>(NerinAction::setSettingToDevice());
+      static_cast<void>(NerinAction::setRateToDevice(editState->selProfile().poRate));
+      static_cast<void>(NerinAction::setModelToDevice());
+      static_cast<void>(NerinAction::setColorToDevice());
+      static_cast<void>(NerinAction::setColorToDevice2());
+      static_cast<void>(
+          NerinAction::setProfileIndexToDevice(NerinAction::getProfileIndexByDevice().value));
+      static_cast<void>(NerinAction::resetDevPro());
     }
   }
 
@@ -55,11 +58,11 @@ class BadMouse : public ActionTest {
     EXPECT_THAT(supportNames(), testing::Contains("Profiles"));
     EXPECT_EQ(namesIn(libraryFolder()).size(), library().getProfileCount());
     std::size_t shown = 0;
-    for (const auto& macro : NerinAction::macroListArrs) {
+    for (const auto& macro : NerinAction::macroStore->macroListArrs) {
       shown += macro->isNoDisplay() ? 0 : 1;
       EXPECT_LE(macro->keyInfoArr().size(), 2000U);
     }
-    EXPECT_LE(shown, NerinAction::maximumMacros);
+    EXPECT_LE(shown, limits::macros);
   }
 };
 
@@ -71,10 +74,10 @@ TEST_F(BadMouse, ThatAnswersShortDoesNoHarm) {
 
 TEST_F(BadMouse, ThatAnswersShortHasNoNames) {
   misbehave(Kind::AnswersShort);
-  selProfile.liftHeight = 9;
-  EXPECT_FALSE(NerinAction::loadSlot(2));
-  EXPECT_EQ(selProfile.liftHeight, 9U);
-  EXPECT_EQ(NerinAction::getProfileIndexByDevice(), 0);
+  editState->edit().liftHeight = 9;
+  EXPECT_FALSE(NerinAction::loadSlot(2).value);
+  EXPECT_EQ(editState->selProfile().liftHeight, 9U);
+  EXPECT_EQ(NerinAction::getProfileIndexByDevice().value, 0);
 }
 
 TEST_F(BadMouse, ThatAnswersRandomBytesDoesNoHarm) {
@@ -88,14 +91,14 @@ TEST_F(BadMouse, ThatAnswersRandomBytesDoesNoHarm) {
 TEST_F(BadMouse, ThatAnswersRandomBytesIsDecodedIntoSoundRecords) {
   misbehave(Kind::AnswersRandom);
   for (int round = 0; round < 2000; ++round) {
-    NerinAction::getFWProfileDataPro(static_cast<std::uint8_t>(round));
-    EXPECT_GE(currFWProfile.dpiLevel, 1U);
-    EXPECT_LE(currFWProfile.dpiLevel, 5U);
-    EXPECT_LE(currFWProfile.currSelectDPI, 15U);
-    EXPECT_LE(currFWProfile.modeType, 1U);
-    EXPECT_LE(currFWProfile.poRate, 3U);
-    EXPECT_LE(currFWProfile.liftHeight, 31U);
-    EXPECT_LE(NerinAction::getProfileIndexByDevice(), 15);
+    static_cast<void>(NerinAction::getFWProfileDataPro(static_cast<std::uint8_t>(round)));
+    EXPECT_GE(editState->currFWProfile().dpiLevel, 1U);
+    EXPECT_LE(editState->currFWProfile().dpiLevel, 5U);
+    EXPECT_LE(editState->currFWProfile().currSelectDPI, 15U);
+    EXPECT_LE(editState->currFWProfile().modeType, 1U);
+    EXPECT_LE(editState->currFWProfile().poRate, 3U);
+    EXPECT_LE(editState->currFWProfile().liftHeight, 31U);
+    EXPECT_LE(NerinAction::getProfileIndexByDevice().value, 15);
   }
 }
 
@@ -107,47 +110,50 @@ TEST_F(BadMouse, ThatHoldsGarbageDoesNoHarm) {
 
 TEST_F(BadMouse, ThatHoldsGarbageIsReadAsStated) {
   misbehave(Kind::HoldsGarbage);
-  EXPECT_EQ(NerinAction::getProfileIndexByDevice(), 15);
-  EXPECT_TRUE(NerinAction::loadSlot(2));
+  EXPECT_EQ(NerinAction::getProfileIndexByDevice().value, 15);
+  EXPECT_TRUE(NerinAction::loadSlot(2).value);
   EXPECT_EQ(library().currFWProfileName(), std::string(65, 'A'));
-  EXPECT_EQ(selProfile.dpiLevel, 5U);
-  EXPECT_EQ(selProfile.currSelectDPI, 15U);
-  EXPECT_EQ(selProfile.poRate, 0U);
-  EXPECT_EQ(selProfile.xSensArr[4], 255U);
-  EXPECT_EQ(selProfile.btnInfo[3].btnType, 2U);
-  EXPECT_NE(selProfile.btnInfo[15].MacroID, 0U);
+  EXPECT_EQ(editState->selProfile().dpiLevel, 5U);
+  EXPECT_EQ(editState->selProfile().currSelectDPI, 15U);
+  EXPECT_EQ(editState->selProfile().poRate, 0U);
+  EXPECT_EQ(editState->selProfile().xSensArr[4], 255U);
+  EXPECT_EQ(editState->selProfile().btnInfo[3].btnType, 2U);
+  EXPECT_NE(editState->selProfile().btnInfo[15].MacroID, 0U);
   // 1999 events and the begin of a delay record.
-  const auto macro =
-      NerinAction::getMacroById(static_cast<std::int32_t>(selProfile.btnInfo[3].MacroID));
+  const auto macro = NerinAction::getMacroById(
+      static_cast<std::int32_t>(editState->selProfile().btnInfo[3].MacroID));
   ASSERT_NE(macro, nullptr);
   EXPECT_THAT(macro->keyInfoArr(), SizeIs(1999));
   EXPECT_TRUE(macro->isNoDisplay());
 }
 
 TEST_F(BadMouse, ThatIsAbsentLeavesTheStateAsItWas) {
-  selProfile.liftHeight = 9;
+  editState->edit().liftHeight = 9;
   library().setCurrFWProfileName("Kept");
   misbehave(Kind::Absent);
   EXPECT_FALSE(NerinAction::checkListenDev());
-  EXPECT_FALSE(NerinAction::loadSlot(2));
-  EXPECT_EQ(selProfile.liftHeight, 9U);
+  EXPECT_FALSE(NerinAction::loadSlot(2).value);
+  EXPECT_EQ(editState->selProfile().liftHeight, 9U);
   EXPECT_EQ(library().currFWProfileName(), "Kept");
-  EXPECT_EQ(NerinAction::getProfileIndexByDevice(), 0);
+  EXPECT_EQ(NerinAction::getProfileIndexByDevice().value, 0);
   doEverything();
   expectSoundState();
   EXPECT_THAT(mouse().transcript(), IsEmpty());
 }
 
 TEST_F(BadMouse, ThatIsAbsentDoesNotKeepAnApplyFromTheLibrary) {
-  EXPECT_TRUE(NerinAction::loadSlot(2));
+  EXPECT_TRUE(NerinAction::loadSlot(2).value);
   addMacro(1, "m", {{49, 0, 0}});
-  selProfile.btnInfo[3] = macroButton(1);
+  editState->edit().btnInfo[3] = macroButton(1);
   clearTrace();
-  EXPECT_FALSE(NerinAction::applySlot());
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   const auto pauses = std::count(trace().begin(), trace().end(), "SLEEP 30");
   misbehave(Kind::Absent);
   clearTrace();
-  EXPECT_FALSE(NerinAction::applySlot());
+  const Outcome outcome = NerinAction::applySlot();
+  ASSERT_TRUE(outcome.failure());
+  EXPECT_EQ(outcome.failure()->step, SlotStep::WriteName);
+  EXPECT_EQ(outcome.failure()->error, std::errc::no_such_device);
   EXPECT_EQ(std::count(trace().begin(), trace().end(), "SLEEP 30"), pauses);
   EXPECT_THAT(posts(), SizeIs(2));
   EXPECT_THAT(namesIn(libraryFolder()), ElementsAre("Profile#3.pro"));
@@ -161,24 +167,24 @@ TEST_F(BadMouse, ThatIsUnpluggedAnywhereInAnApplyLosesNothing) {
     SCOPED_TRACE(after);
     mouse().attach();
     mouse().setScenario({.kind = Kind::Healthy});
-    EXPECT_TRUE(NerinAction::loadSlot(2));
-    selProfile.btnInfo[3] = macroButton(1);
-    selProfile.btnInfo[15] = macroButton(2, 2, 5);
-    selProfile.liftHeight = 1 + after;
-    const _Nerin_PROFILE edited = selProfile;
+    EXPECT_TRUE(NerinAction::loadSlot(2).value);
+    editState->edit().btnInfo[3] = macroButton(1);
+    editState->edit().btnInfo[15] = macroButton(2, 2, 5);
+    editState->edit().liftHeight = 1 + after;
+    const _Nerin_PROFILE edited = editState->selProfile();
     const std::string image = hexOf(mouse().imageReport(2));
     const std::size_t told = posts().size();
     clearTrace();
     mouse().clearTranscript();
     mouse().setScenario({.kind = Kind::UnpluggedAfter, .transfers = after});
-    EXPECT_FALSE(NerinAction::applySlot());
+    EXPECT_EQ(NerinAction::applySlot().isDone(), after == 8);
     transfers = sent().size();
     EXPECT_EQ(transfers, 8U);
     EXPECT_EQ(mouse().transcript().size(), std::min<std::size_t>(after, transfers));
     EXPECT_EQ(mouse().isAttached(), after > transfers);
     EXPECT_THAT(mouse().faults(), IsEmpty());
     // The library has the edit whatever became of the mouse, which has the old image or the new.
-    EXPECT_EQ(differenceOf(selProfile, edited), "");
+    EXPECT_EQ(differenceOf(editState->selProfile(), edited), "");
     EXPECT_EQ(differenceOf(library().getProfileByName("Profile#3")->profileData(), edited), "");
     EXPECT_EQ(posts().size(), told + 1);
     const bool isWritten = after >= 7;
@@ -191,42 +197,42 @@ TEST_F(BadMouse, ThatIsUnpluggedAnywhereInAnApplyLosesNothing) {
 
 TEST_F(BadMouse, ThatIsUnpluggedAnywhereInAReadLeavesASoundRecord) {
   addMacro(1, "one", {{49, 0, 0}});
-  selProfile.btnInfo[3] = macroButton(1);
+  editState->edit().btnInfo[3] = macroButton(1);
   library().setCurrFWProfileName("Game");
-  NerinAction::writeSlot(2);
-  EXPECT_TRUE(NerinAction::loadSlot(2));
-  const _Nerin_PROFILE whole = selProfile;
+  EXPECT_TRUE(NerinAction::writeSlot(2).isDone());
+  EXPECT_TRUE(NerinAction::loadSlot(2).value);
+  const _Nerin_PROFILE whole = editState->selProfile();
   for (std::uint32_t after = 0; after <= 7; ++after) {
     SCOPED_TRACE(after);
     mouse().attach();
     mouse().setScenario({.kind = Kind::UnpluggedAfter, .transfers = after});
-    selProfile = whole;
-    selProfile.liftHeight = 30;
-    const bool hasName = NerinAction::loadSlot(2);
+    editState->edit() = whole;
+    editState->edit().liftHeight = 30;
+    const bool hasName = NerinAction::loadSlot(2).value;
     EXPECT_EQ(hasName, after >= 2);
     if (!hasName) {
-      EXPECT_EQ(selProfile.liftHeight, 30U) << "the edited profile stays";
+      EXPECT_EQ(editState->selProfile().liftHeight, 30U) << "the edited profile stays";
     } else if (after < 4) {
       // The image did not come: the record is that of an image of zeros.
-      EXPECT_EQ(selProfile.liftHeight, 0U);
-      EXPECT_EQ(selProfile.dpiLevel, 1U);
+      EXPECT_EQ(editState->selProfile().liftHeight, 0U);
+      EXPECT_EQ(editState->selProfile().dpiLevel, 1U);
     } else if (after < 6) {
       // The macro did not come: the button keeps what the image gave it.
-      EXPECT_EQ(selProfile.btnInfo[3].btnType, 2U);
-      EXPECT_EQ(selProfile.btnInfo[3].MacroID, 0U);
-      EXPECT_EQ(selProfile.btnInfo[3].KeyBit[0], 1U);
+      EXPECT_EQ(editState->selProfile().btnInfo[3].btnType, 2U);
+      EXPECT_EQ(editState->selProfile().btnInfo[3].MacroID, 0U);
+      EXPECT_EQ(editState->selProfile().btnInfo[3].KeyBit[0], 1U);
     } else {
-      EXPECT_EQ(differenceOf(selProfile, whole), "");
+      EXPECT_EQ(differenceOf(editState->selProfile(), whole), "");
     }
   }
 }
 
 TEST_F(BadMouse, ThatComesBackIsTheSameMouse) {
-  EXPECT_TRUE(NerinAction::loadSlot(2));
+  EXPECT_TRUE(NerinAction::loadSlot(2).value);
   mouse().detach();
-  EXPECT_FALSE(NerinAction::loadSlot(2));
+  EXPECT_FALSE(NerinAction::loadSlot(2).value);
   mouse().attach();
-  EXPECT_TRUE(NerinAction::loadSlot(2));
+  EXPECT_TRUE(NerinAction::loadSlot(2).value);
   EXPECT_EQ(library().currFWProfileName(), "Profile#3");
 }
 

@@ -4,6 +4,7 @@
 
 #include "Action/Device/DeviceLink.h"
 #include "Action/Device/DeviceSettings.h"
+#include "Action/Device/SlotTransfer.h"
 #include "Action/Wire/ProfileImage.h"
 #include "Kit/Core/LXPlatform.h"
 #include "Tests/Support/ActionTest.h"
@@ -20,7 +21,7 @@ TEST_F(DeviceLink, ListeningFindsTheMouseAtOnce) {
   EXPECT_FALSE(NerinAction::checkListenDev());
   NerinAction::startListenDev();
   EXPECT_TRUE(NerinAction::checkListenDev());
-  EXPECT_EQ(NerinAction::sysDeviceReq, LXDeviceRequester::shareDeviceReq());
+  EXPECT_EQ(*NerinAction::sysDeviceReq, LXDeviceRequester::shareDeviceReq());
 }
 
 TEST_F(DeviceLink, ListeningAgainChangesNothing) {
@@ -28,7 +29,7 @@ TEST_F(DeviceLink, ListeningAgainChangesNothing) {
   mouse().pressSlotButton(4);
   NerinAction::startListenDev();
   EXPECT_TRUE(NerinAction::checkListenDev());
-  EXPECT_EQ(NerinAction::getProfileIndexByDevice(), 4);
+  EXPECT_EQ(NerinAction::getProfileIndexByDevice().value, 4);
 }
 
 TEST_F(DeviceLink, AnAbsentMouseIsNotOn) {
@@ -55,11 +56,14 @@ class ScriptedRequester final : public LXDeviceRequester {
     if (request.bmRequestType == 0xA1 && m_isOn) {
       std::iota(request.data.begin(), request.data.end(), std::uint8_t{0x60});
     }
+    const std::size_t done = m_isShort ? request.data.size() - 1 : request.data.size();
+    request.wLenDone = m_isOn ? static_cast<std::uint32_t>(done) : 0;
     return m_isOn;
   }
   void resetCurrDevice() override { m_calls.push_back("reset"); }
 
   bool m_isOn = true;
+  bool m_isShort = false;
   std::vector<std::string> m_calls;
   std::vector<LXDeviceRequest> m_requests;
   Bytes m_sent;
@@ -80,7 +84,7 @@ class Transport : public testing::Test {
     m_requester->m_calls.clear();
   }
   ~Transport() override {
-    NerinAction::sysDeviceReq.reset();
+    NerinAction::sysDeviceReq->reset();
     LXPlatform::install({});
   }
 
@@ -99,18 +103,18 @@ TEST_F(Transport, TheFourTransfersHaveTheSetupPacketsOfTheTable) {
       const auto op = row.at("op").get<std::string>();
       SCOPED_TRACE(op);
       buffer.assign(8, 0x05);
-      bool isDone = false;
+      std::error_code error;
       if (op == "GetCommand:length:") {
-        isDone = NerinAction::GetCommand(buffer);
+        error = NerinAction::GetCommand(buffer);
       } else if (op == "SetCommand:length:") {
-        isDone = NerinAction::SetCommand(buffer);
+        error = NerinAction::SetCommand(buffer);
       } else if (op == "GetCommand2:length:") {
-        isDone = NerinAction::GetCommand2(buffer);
+        error = NerinAction::GetCommand2(buffer);
       } else {
         ASSERT_EQ(op, "SetCommand2:length:");
-        isDone = NerinAction::SetCommand2(buffer);
+        error = NerinAction::SetCommand2(buffer);
       }
-      EXPECT_TRUE(isDone);
+      EXPECT_FALSE(error) << error.message();
       const LXDeviceRequest& request = m_requester->m_requests.back();
       EXPECT_EQ(request.bmRequestType, row.at("bmRequestType").get<int>());
       EXPECT_EQ(request.bRequest, row.at("bRequest").get<int>());
@@ -126,41 +130,59 @@ TEST_F(Transport, TheFourTransfersHaveTheSetupPacketsOfTheTable) {
 
 TEST_F(Transport, AReadFillsTheSameBuffer) {
   Bytes buffer{4, 0, 0};
-  EXPECT_TRUE(NerinAction::GetCommand2(buffer));
+  EXPECT_FALSE(NerinAction::GetCommand2(buffer));
   EXPECT_EQ(m_requester->m_requests.back().wValue, 0x304);
   EXPECT_THAT(buffer, ElementsAre(0x60, 0x61, 0x62));
 }
 
 TEST_F(Transport, ALongTransferWithoutBytesIsRefused) {
   Bytes nothing;
-  EXPECT_FALSE(NerinAction::GetCommand2(nothing));
-  EXPECT_FALSE(NerinAction::SetCommand2(nothing));
+  EXPECT_EQ(NerinAction::GetCommand2(nothing), std::errc::invalid_argument);
+  EXPECT_EQ(NerinAction::SetCommand2(nothing), std::errc::invalid_argument);
   EXPECT_THAT(m_requester->m_requests, IsEmpty());
 }
 
 TEST_F(Transport, AFailureIsToldAndLeavesTheBuffer) {
   m_requester->m_isOn = false;
   Bytes buffer{5, 1, 2};
-  EXPECT_FALSE(NerinAction::GetCommand(buffer));
-  EXPECT_FALSE(NerinAction::SetCommand(buffer));
-  EXPECT_FALSE(NerinAction::GetCommand2(buffer));
-  EXPECT_FALSE(NerinAction::SetCommand2(buffer));
+  EXPECT_EQ(NerinAction::GetCommand(buffer), std::errc::io_error);
+  EXPECT_EQ(NerinAction::SetCommand(buffer), std::errc::io_error);
+  EXPECT_EQ(NerinAction::GetCommand2(buffer), std::errc::io_error);
+  EXPECT_EQ(NerinAction::SetCommand2(buffer), std::errc::io_error);
   EXPECT_THAT(buffer, ElementsAre(5, 1, 2));
 }
 
+TEST_F(Transport, AnAnswerThatIsTooShortIsAFailure) {
+  m_requester->m_isShort = true;
+  Bytes buffer{5, 1, 2};
+  EXPECT_EQ(NerinAction::GetCommand2(buffer), std::errc::message_size);
+  const auto name = NerinAction::getFWProfileName(0);
+  ASSERT_TRUE(name.outcome.failure());
+  EXPECT_EQ(name.outcome.failure()->step, SlotStep::ReadName);
+}
+
+TEST_F(Transport, AnOutcomeNamesTheFirstStepThatFailed) {
+  m_requester->m_isOn = false;
+  const Outcome outcome = NerinAction::setProfileIndexToDevice(3);
+  ASSERT_TRUE(outcome.failure());
+  EXPECT_EQ(outcome.failure()->step, SlotStep::SelectSlot);
+  EXPECT_EQ(outcome.failure()->error, std::errc::io_error);
+  EXPECT_EQ(m_requester->m_requests.size(), 2U) << "the series goes on";
+}
+
 TEST_F(Transport, TheValueOfAMemoryReadIsByteFourOfTheAnswer) {
-  EXPECT_EQ(NerinAction::getAdrrDataWithAddr(0x1234), 0x64);
+  EXPECT_EQ(NerinAction::getAdrrDataWithAddr(0x1234).value, 0x64);
   EXPECT_THAT(m_requester->m_calls, ElementsAre("transfer", "sleep 30000", "transfer"));
 }
 
 TEST_F(Transport, AMemoryReadWithoutAMouseIsZero) {
   m_requester->m_isOn = false;
-  EXPECT_EQ(NerinAction::getAdrrDataWithAddr(0x1234), 0);
-  EXPECT_EQ(NerinAction::getProfileIndexByDevice(), 0);
+  EXPECT_EQ(NerinAction::getAdrrDataWithAddr(0x1234).value, 0);
+  EXPECT_EQ(NerinAction::getProfileIndexByDevice().value, 0);
 }
 
 TEST_F(Transport, ResettingOpensTheDeviceAgainAndRestoresItsSlot) {
-  NerinAction::resetDevPro();
+  EXPECT_TRUE(NerinAction::resetDevPro().isDone());
   EXPECT_THAT(m_requester->m_calls,
               ElementsAre("reset", "sleep 500000", "transfer", "sleep 30000", "transfer",
                           "transfer", "sleep 30000", "transfer", "sleep 30000"));
@@ -168,7 +190,7 @@ TEST_F(Transport, ResettingOpensTheDeviceAgainAndRestoresItsSlot) {
 
 TEST_F(Transport, ResettingWithoutAMouseDoesNothing) {
   m_requester->m_isOn = false;
-  NerinAction::resetDevPro();
+  EXPECT_FALSE(NerinAction::resetDevPro().isDone());
   EXPECT_THAT(m_requester->m_calls, IsEmpty());
 }
 
@@ -183,36 +205,36 @@ class Commands : public ActionTest {
 };
 
 TEST_F(Commands, HaveTheBytesOfTheTableAndOnePauseEach) {
-  NerinAction::refreshDeviceData();
+  EXPECT_TRUE(NerinAction::refreshDeviceData().isDone());
   expectSent("c400000000000000");
-  NerinAction::resetDev();
+  EXPECT_TRUE(NerinAction::resetDev().isDone());
   expectSent("c401000000000000");
-  NerinAction::setReadyPro(7, 0x0C);
+  EXPECT_TRUE(NerinAction::setReadyPro(7, 0x0C).isDone());
   expectSent("c40c070000000000");
-  NerinAction::setReadyPro(133, 0x0B);
+  EXPECT_TRUE(NerinAction::setReadyPro(133, 0x0B).isDone());
   expectSent("c40b850000000000");
-  NerinAction::setReadyPro2(133, 0x0B);
+  EXPECT_TRUE(NerinAction::setReadyPro2(133, 0x0B).isDone());
   expectSent("c40b850100000000");
-  NerinAction::setSettingToDevicePro(1, 2, 3);
+  EXPECT_TRUE(NerinAction::setSettingToDevicePro(1, 2, 3).isDone());
   expectSent("c40f010203000000");
-  NerinAction::setSettingToDevicePro2(46, 2, 0);
+  EXPECT_TRUE(NerinAction::setSettingToDevicePro2(46, 2, 0).isDone());
   expectSent("c5002e0200000000");
-  NerinAction::setAdrrData(0xAB, 0x0234);
+  EXPECT_TRUE(NerinAction::setAdrrData(0xAB, 0x0234).isDone());
   expectSent("de34ab0200000000");
   EXPECT_THAT(mouse().faults(), IsEmpty());
 }
 
 TEST_F(Commands, AMemoryReadPutsItsAddressTogether) {
-  NerinAction::setAdrrData(0xAB, 0x0234);
+  EXPECT_TRUE(NerinAction::setAdrrData(0xAB, 0x0234).isDone());
   clearTrace();
-  EXPECT_EQ(NerinAction::getAdrrDataWithAddr(0x0234), 0xAB);
+  EXPECT_EQ(NerinAction::getAdrrDataWithAddr(0x0234).value, 0xAB);
   EXPECT_THAT(trace(), ElementsAre("SET 0300 0 df34020000000000", "SLEEP 30",
                                    "GET 0300 0 df340200ab000000"));
 }
 
 TEST_F(Commands, ResettingKeepsTheMouseOnItsSlot) {
   mouse().pressSlotButton(6);
-  NerinAction::resetDevPro();
+  EXPECT_TRUE(NerinAction::resetDevPro().isDone());
   EXPECT_EQ(mouse().activeSlot(), 6);
   EXPECT_THAT(trace(), ElementsAre("SLEEP 500", "SET 0300 0 df19000000000000", "SLEEP 30",
                                    "GET 0300 0 df190000a6000000", "SET 0300 0 de19a60000000000",
@@ -221,15 +243,15 @@ TEST_F(Commands, ResettingKeepsTheMouseOnItsSlot) {
 
 TEST_F(Commands, PauseWithoutAMouseToo) {
   mouse().detach();
-  NerinAction::refreshDeviceData();
+  EXPECT_FALSE(NerinAction::refreshDeviceData().isDone());
   EXPECT_THAT(trace(), ElementsAre("SET 0300 0 c400000000000000 failed", "SLEEP 30"));
 }
 
 TEST_F(DeviceLink, CommandsBeforeTheFirstListenDoNothing) {
-  NerinAction::refreshDeviceData();
-  NerinAction::resetDevPro();
-  EXPECT_EQ(NerinAction::getProfileIndexByDevice(), 0);
-  EXPECT_EQ(NerinAction::getFWProfileName(0), "");
+  EXPECT_FALSE(NerinAction::refreshDeviceData().isDone());
+  EXPECT_FALSE(NerinAction::resetDevPro().isDone());
+  EXPECT_EQ(NerinAction::getProfileIndexByDevice().value, 0);
+  EXPECT_EQ(NerinAction::getFWProfileName(0).value, "");
   EXPECT_THAT(mouse().transcript(), IsEmpty());
 }
 

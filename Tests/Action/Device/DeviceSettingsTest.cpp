@@ -16,15 +16,15 @@ class DeviceSettings : public ActionTest {
   DeviceSettings() {
     NerinAction::startListenDev();
     for (std::uint32_t level = 0; level < levelCount; ++level) {
-      currSetProfile.xSensArr[level] = 10 + level;
-      currSetProfile.ySensArr[level] = 0x120 + level;  // only the low byte is sent
+      editState->currSetProfile().xSensArr[level] = 10 + level;
+      editState->currSetProfile().ySensArr[level] = 0x120 + level;  // only the low byte is sent
     }
     for (std::uint32_t zone = 0; zone < zoneCount; ++zone) {
-      currSetProfile.lightColorArr[zone] = {0x140 + zone, 0x50 + zone, 0x60 + zone};
+      editState->currSetProfile().lightColorArr[zone] = {0x140 + zone, 0x50 + zone, 0x60 + zone};
     }
-    currSetProfile.dpiLevel = 2;
-    currSetProfile.currSelectDPI = 1;
-    currSetProfile.liftHeight = 9;
+    editState->currSetProfile().dpiLevel = 2;
+    editState->currSetProfile().currSelectDPI = 1;
+    editState->currSetProfile().liftHeight = 9;
   }
 
   // What a word of the table stands for: a number, or the name of a field.
@@ -34,24 +34,25 @@ class DeviceSettings : public ActionTest {
     }
     const auto name = word.get<std::string>();
     const auto index = [&] { return static_cast<std::size_t>(name.at(9) - '0'); };
-    const _LightColorInfo& colour = currSetProfile.lightColorArr[zone];
+    const _LightColorInfo& colour = editState->currSetProfile().lightColorArr[zone];
     if (name.starts_with("xSensArr[")) {
-      return currSetProfile.xSensArr[index()];
+      return editState->currSetProfile().xSensArr[index()];
     }
     if (name.starts_with("ySensArr[")) {
-      return currSetProfile.ySensArr[index()];
+      return editState->currSetProfile().ySensArr[index()];
     }
     if (name == "currSelectDPI") {
-      return currSetProfile.currSelectDPI;
+      return editState->currSetProfile().currSelectDPI;
     }
     if (name == "liftHeight") {
-      return currSetProfile.liftHeight;
+      return editState->currSetProfile().liftHeight;
     }
     if (name == "liftHeight|0x20") {
-      return currSetProfile.liftHeight | 0x20U;
+      return editState->currSetProfile().liftHeight | 0x20U;
     }
     if (name == "currSelectDPI + (dpiLevel*16 & 0xFF)") {
-      return currSetProfile.currSelectDPI + ((currSetProfile.dpiLevel * 16) & 0xFFU);
+      return editState->currSetProfile().currSelectDPI +
+             ((editState->currSetProfile().dpiLevel * 16) & 0xFFU);
     }
     if (name == "cR") {
       return colour.cR;
@@ -94,13 +95,13 @@ class DeviceSettings : public ActionTest {
 };
 
 TEST_F(DeviceSettings, DpiAndLiftAreFourteenCommands) {
-  NerinAction::setSettingToDevice();
+  EXPECT_TRUE(NerinAction::setSettingToDevice().isDone());
   EXPECT_EQ(sent().size(), 14U);
   expectSequence("setSettingToDevice");
 }
 
 TEST_F(DeviceSettings, AllFiveLevelsAreSentWhateverIsInUse) {
-  NerinAction::setSettingToDevice();
+  EXPECT_TRUE(NerinAction::setSettingToDevice().isDone());
   for (std::size_t level = 0; level < levelCount; ++level) {
     EXPECT_EQ(imageByte(7 + 5 * level), 0x20 + level);
     EXPECT_EQ(imageByte(8 + 5 * level), 10 + level);
@@ -110,69 +111,69 @@ TEST_F(DeviceSettings, AllFiveLevelsAreSentWhateverIsInUse) {
 }
 
 TEST_F(DeviceSettings, ALevelCountPastItsNibbleIsTruncated) {
-  currSetProfile.dpiLevel = 19;
-  currSetProfile.currSelectDPI = 4;
-  NerinAction::setSettingToDevice();
+  editState->currSetProfile().dpiLevel = 19;
+  editState->currSetProfile().currSelectDPI = 4;
+  EXPECT_TRUE(NerinAction::setSettingToDevice().isDone());
   EXPECT_EQ(sent().at(10), "SET 0300 0 c40f000234000000");
 }
 
 TEST_F(DeviceSettings, EveryRateIsItsPowerOfTwo) {
   for (const auto& row : protocolTable("rate_table").at("rows")) {
-    NerinAction::setRateToDevice(row.at("poRate").get<std::uint32_t>());
+    EXPECT_TRUE(NerinAction::setRateToDevice(row.at("poRate").get<std::uint32_t>()).isDone());
     EXPECT_EQ(imageByte(4), row.at("device").get<int>());
   }
   clearTrace();
-  NerinAction::setRateToDevice(0);
+  EXPECT_TRUE(NerinAction::setRateToDevice(0).isDone());
   EXPECT_EQ(imageByte(4), 8);
   EXPECT_THAT(trace(), ElementsAre("SET 0300 0 c40f000008000000", "SLEEP 30", "SLEEP 30"));
   clearTrace();
-  NerinAction::setRateToDevice(3);
+  EXPECT_TRUE(NerinAction::setRateToDevice(3).isDone());
   EXPECT_THAT(trace(), ElementsAre("SET 0300 0 c40f000001000000", "SLEEP 30", "SLEEP 30"));
 }
 
 TEST_F(DeviceSettings, ARateThatDoesNotExistIsZero) {
-  NerinAction::setRateToDevice(4);
+  EXPECT_TRUE(NerinAction::setRateToDevice(4).isDone());
   EXPECT_EQ(imageByte(4), 0);
-  NerinAction::setRateToDevice(0xFFFFFFFF);
+  EXPECT_TRUE(NerinAction::setRateToDevice(0xFFFFFFFF).isDone());
   EXPECT_EQ(imageByte(4), 0);
 }
 
 TEST_F(DeviceSettings, TheColoursAreSentWithoutTheModes) {
   library().setCurrFWProfileIndex(3);
   const std::uint8_t mode = imageByte(42);
-  NerinAction::setColorToDevice2();
+  EXPECT_TRUE(NerinAction::setColorToDevice2().isDone());
   expectSequence("setColorToDevice2");
-  EXPECT_EQ(currSetProfileID, 3U);
+  EXPECT_EQ(editState->currSetProfileID(), 3U);
   EXPECT_EQ(imageByte(42), mode);
   EXPECT_EQ(imageByte(55), 0x43);
 }
 
 TEST_F(DeviceSettings, NormalModeHasItsOwnValueForZoneTwo) {
-  currSetProfile.modeType = 0;
-  NerinAction::setModelToDevice();
+  editState->currSetProfile().modeType = 0;
+  EXPECT_TRUE(NerinAction::setModelToDevice().isDone());
   expectSequence("setModelToDevice_normal");
 }
 
 TEST_F(DeviceSettings, BattleModeIsThreeEverywhere) {
-  currSetProfile.modeType = 1;
-  NerinAction::setModelToDevice();
+  editState->currSetProfile().modeType = 1;
+  EXPECT_TRUE(NerinAction::setModelToDevice().isDone());
   expectSequence("setModelToDevice_battle(modeType!=0)");
 }
 
 TEST_F(DeviceSettings, AnyModeButNormalIsBattleWhenSentAtOnce) {
-  currSetProfile.modeType = 2;
-  NerinAction::setModelToDevice();
+  editState->currSetProfile().modeType = 2;
+  EXPECT_TRUE(NerinAction::setModelToDevice().isDone());
   expectSequence("setModelToDevice_battle(modeType!=0)");
 }
 
 TEST_F(DeviceSettings, ColoursByMemoryAreSixteenWritesAndARefresh) {
   library().setCurrFWProfileIndex(2);
-  currSetProfile.modeType = 1;
-  NerinAction::setColorToDevice();
+  editState->currSetProfile().modeType = 1;
+  EXPECT_TRUE(NerinAction::setColorToDevice().isDone());
   std::vector<std::string> expected;
   const std::uint32_t base = 294 + 2 * 256;
   for (std::uint32_t at = 0; at < 16; ++at) {
-    const _LightColorInfo& colour = currSetProfile.lightColorArr[at / 4];
+    const _LightColorInfo& colour = editState->currSetProfile().lightColorArr[at / 4];
     const std::uint32_t values[] = {3, colour.cR, colour.cG, colour.cB};
     const std::uint32_t address = base + at;
     const Bytes bytes{0xDE,
@@ -189,22 +190,22 @@ TEST_F(DeviceSettings, ColoursByMemoryAreSixteenWritesAndARefresh) {
   expected.push_back("SET 0300 0 c400000000000000");
   expected.push_back("SLEEP 30");
   EXPECT_EQ(trace(), expected);
-  EXPECT_EQ(currSetProfileID, 2U);
+  EXPECT_EQ(editState->currSetProfileID(), 2U);
   EXPECT_EQ(mouse().imageReport(2)[42], 3);
   EXPECT_EQ(mouse().imageReport(2)[57], 0x63);
 }
 
 TEST_F(DeviceSettings, ColoursByMemoryAreBattleOnlyForModeOne) {
-  currSetProfile.modeType = 2;
-  NerinAction::setColorToDevice();
+  editState->currSetProfile().modeType = 2;
+  EXPECT_TRUE(NerinAction::setColorToDevice().isDone());
   EXPECT_EQ(mouse().imageReport(0)[42], 1);
 }
 
 TEST_F(DeviceSettings, WithoutAMouseOnlyTimePasses) {
   mouse().detach();
-  NerinAction::setSettingToDevice();
-  NerinAction::setModelToDevice();
-  NerinAction::setColorToDevice2();
+  EXPECT_FALSE(NerinAction::setSettingToDevice().isDone());
+  EXPECT_FALSE(NerinAction::setModelToDevice().isDone());
+  EXPECT_FALSE(NerinAction::setColorToDevice2().isDone());
   EXPECT_EQ(std::count(trace().begin(), trace().end(), "SLEEP 30"), 14 + 5 + 13);
   EXPECT_THAT(mouse().transcript(), IsEmpty());
 }

@@ -4,6 +4,7 @@
 
 #include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Device/DeviceLink.h"
+#include "Action/Device/SlotTransfer.h"
 #include "Action/Record/EditState.h"
 #include "Action/Wire/MacroImage.h"
 #include "Kit/Core/LXLogger.h"
@@ -42,7 +43,7 @@ class MacroRead : public ActionTest {
   void readBack(const Bytes& bytes) {
     putMacro(3, bytes);
     clearTrace();
-    NerinAction::getFWMacroData(0, 3);
+    EXPECT_TRUE(NerinAction::getFWMacroData(0, 3).isDone());
   }
 
   Events eventsAfterReading(const Bytes& stream) {
@@ -51,29 +52,29 @@ class MacroRead : public ActionTest {
     return macro ? eventsOf(*macro) : Events{};
   }
 
-  static const _BTN_INFO& readButton() { return currFWProfile.btnInfo[3]; }
+  static const _BTN_INFO& readButton() { return editState->currFWProfile().btnInfo[3]; }
 };
 
 TEST_F(MacroRead, IsAnnouncedReadAndFollowedByNoPause) {
-  NerinAction::getFWMacroData(2, 15);
+  EXPECT_TRUE(NerinAction::getFWMacroData(2, 15).isDone());
   EXPECT_THAT(trace(), ElementsAre("SET 0300 0 c40b380000000000", "SLEEP 30",
                                    "GET 0304 1 04" + std::string(2 * 2052, '0')));
 }
 
 TEST_F(MacroRead, AnEmptyMacroSlotChangesNothing) {
-  currFWProfile.btnInfo[3] = macroButton(9, 8, 7);
-  NerinAction::getFWMacroData(0, 3);
+  editState->currFWProfile().btnInfo[3] = macroButton(9, 8, 7);
+  EXPECT_TRUE(NerinAction::getFWMacroData(0, 3).isDone());
   EXPECT_EQ(readButton().MacroID, 9U);
   EXPECT_EQ(readButton().KeyBit[0], 8U);
   EXPECT_EQ(readButton().KeyBit[1], 7U);
-  EXPECT_THAT(NerinAction::macroListArrs, IsEmpty());
-  EXPECT_EQ(NerinAction::macroNode, nullptr);
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, IsEmpty());
+  EXPECT_EQ(NerinAction::macroStore->macroNode, nullptr);
 }
 
 TEST_F(MacroRead, CreatesTheMacroUnderItsName) {
   readBack(report("Combo", {0x2C, 0xAC}, 4, 6));
-  ASSERT_THAT(NerinAction::macroListArrs, SizeIs(1));
-  const MacroInfo& macro = *NerinAction::macroListArrs.front();
+  ASSERT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(1));
+  const MacroInfo& macro = *NerinAction::macroStore->macroListArrs.front();
   EXPECT_EQ(macro.nameStr(), "Combo");
   EXPECT_EQ(macro.macroId(), 1);
   EXPECT_FALSE(macro.isNoDisplay());
@@ -81,14 +82,14 @@ TEST_F(MacroRead, CreatesTheMacroUnderItsName) {
   EXPECT_EQ(readButton().MacroID, 1U);
   EXPECT_EQ(readButton().KeyBit[0], 2U);
   EXPECT_EQ(readButton().KeyBit[1], 7U);
-  EXPECT_FALSE(isHaveNewName);
+  EXPECT_FALSE(editState->isHaveNewName());
 }
 
 TEST_F(MacroRead, ReplacesTheEventsOfTheMacroOfThatName) {
   const auto macro = addMacro(8, "Combo", {{1, 0, 0}, {1, 1, 0}});
   const auto* events = &macro->keyInfoArr();
   readBack(report("Combo", {0x2C}));
-  EXPECT_THAT(NerinAction::macroListArrs, SizeIs(1));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(1));
   EXPECT_EQ(&macro->keyInfoArr(), events);
   EXPECT_EQ(eventsOf(*macro), (Events{{49, 0, 0}}));
   EXPECT_EQ(readButton().MacroID, 8U);
@@ -105,27 +106,27 @@ TEST_F(MacroRead, HitsTheFirstOfTwoMacrosOfOneName) {
 
 TEST_F(MacroRead, RebuildsTheMenuEachTime) {
   int rebuilt = 0;
-  NerinAction::macroMenuRebuilt = [&](const auto&) { ++rebuilt; };
+  NerinAction::macroStore->macroMenuRebuilt = [&](const auto&) { ++rebuilt; };
   readBack(report("a", {}));
   readBack(report("b", {}));
   EXPECT_EQ(rebuilt, 2);
-  EXPECT_THAT(NerinAction::macroNode->children(), SizeIs(2));
+  EXPECT_THAT(NerinAction::macroStore->macroNode->children(), SizeIs(2));
 }
 
 TEST_F(MacroRead, AMacroWithoutANameGetsAHiddenGeneratedOne) {
   putMacro(4 * 19 + 18, report("", {0x2C}));
-  NerinAction::getFWMacroData(4, 15);
-  ASSERT_THAT(NerinAction::macroListArrs, SizeIs(1));
+  EXPECT_TRUE(NerinAction::getFWMacroData(4, 15).isDone());
+  ASSERT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(1));
   // The button's index, not its position.
-  EXPECT_EQ(NerinAction::macroListArrs.front()->nameStr(), "dmr_fw_macro_tag_4_15");
-  EXPECT_TRUE(NerinAction::macroListArrs.front()->isNoDisplay());
-  EXPECT_TRUE(isHaveNewName);
-  EXPECT_THAT(NerinAction::macroNode->children(), IsEmpty());
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.front()->nameStr(), "dmr_fw_macro_tag_4_15");
+  EXPECT_TRUE(NerinAction::macroStore->macroListArrs.front()->isNoDisplay());
+  EXPECT_TRUE(editState->isHaveNewName());
+  EXPECT_THAT(NerinAction::macroStore->macroNode->children(), IsEmpty());
 }
 
 TEST_F(MacroRead, ANameOfForeignBytesCountsAsNone) {
   readBack(report("\xE9\xE8", {0x2C}));
-  EXPECT_EQ(NerinAction::macroListArrs.front()->nameStr(), "dmr_fw_macro_tag_0_3");
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.front()->nameStr(), "dmr_fw_macro_tag_0_3");
 }
 
 TEST_F(MacroRead, AfterAGeneratedNameNewMacrosAreHiddenToo) {
@@ -139,18 +140,19 @@ TEST_F(MacroRead, AfterAGeneratedNameNewMacrosAreHiddenToo) {
 
 TEST_F(MacroRead, AWrittenGeneratedNameReadsBackUnderAName) {
   addMacro(5, "dmr_fw_macro_tag_9_9", {{49, 0, 0}});
-  currFWProfile.btnInfo[3] = macroButton(5);
-  ASSERT_TRUE(NerinAction::setFWMacroData(0, 3));
-  NerinAction::getFWMacroData(0, 3);
+  editState->currFWProfile().btnInfo[3] = macroButton(5);
+  ASSERT_TRUE(NerinAction::setFWMacroData(0, 3).value);
+  EXPECT_TRUE(NerinAction::getFWMacroData(0, 3).isDone());
   EXPECT_NE(NerinAction::getMacroByName("dmr_fw_macro_tag_0_3"), nullptr);
 }
 
 TEST_F(MacroRead, ButtonsFourteenAndFifteenKeepTheirMacro) {
   for (const int index : {14, 15}) {
     putMacro(index + 3, report("m" + std::to_string(index), {0x2C}));
-    NerinAction::getFWMacroData(0, index);
-    EXPECT_EQ(currFWProfile.btnInfo[index].MacroID, static_cast<std::uint32_t>(index - 13));
-    EXPECT_EQ(currFWProfile.btnInfo[index].KeyBit[0], 1U);
+    EXPECT_TRUE(NerinAction::getFWMacroData(0, index).isDone());
+    EXPECT_EQ(editState->currFWProfile().btnInfo[index].MacroID,
+              static_cast<std::uint32_t>(index - 13));
+    EXPECT_EQ(editState->currFWProfile().btnInfo[index].KeyBit[0], 1U);
   }
 }
 
@@ -159,9 +161,9 @@ TEST_F(MacroRead, AFullCatalogueDropsTheMacro) {
     addMacro(id, "m" + std::to_string(id));
   }
   NerinAction::refreshMenuList();
-  currFWProfile.btnInfo[3].MacroID = 5;
+  editState->currFWProfile().btnInfo[3].MacroID = 5;
   readBack(report("new", {0x2C}));
-  EXPECT_THAT(NerinAction::macroListArrs, SizeIs(100));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(100));
   EXPECT_EQ(readButton().MacroID, 0U);
   readBack(report("m7", {0x2C}));
   EXPECT_EQ(readButton().MacroID, 7U);
@@ -172,38 +174,38 @@ TEST_F(MacroRead, NamesAreReadUpTo21Characters) {
   bytes[9] = 200;
   bytes[52] = 'x';
   readBack(bytes);
-  EXPECT_EQ(NerinAction::macroListArrs.front()->nameStr(), std::string(21, 'n'));
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.front()->nameStr(), std::string(21, 'n'));
 }
 
 TEST_F(MacroRead, AnOddNameLengthIsHalvedDownwards) {
   Bytes bytes = report("abcd", {});
   bytes[9] = 7;
   readBack(bytes);
-  EXPECT_EQ(NerinAction::macroListArrs.front()->nameStr(), "abc");
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.front()->nameStr(), "abc");
 }
 
 TEST_F(MacroRead, ANameOf22CharactersBecomesASecondMacro) {
   const std::string name(22, 'n');
   const auto macro = addMacro(1, name, {{49, 0, 0}});
-  currFWProfile.btnInfo[3] = macroButton(1);
-  ASSERT_TRUE(NerinAction::setFWMacroData(0, 3));
-  NerinAction::getFWMacroData(0, 3);
-  ASSERT_THAT(NerinAction::macroListArrs, SizeIs(2));
-  EXPECT_EQ(NerinAction::macroListArrs.back()->nameStr(), name.substr(0, 21));
-  EXPECT_FALSE(NerinAction::macroListArrs.back()->isNoDisplay());
+  editState->currFWProfile().btnInfo[3] = macroButton(1);
+  ASSERT_TRUE(NerinAction::setFWMacroData(0, 3).value);
+  EXPECT_TRUE(NerinAction::getFWMacroData(0, 3).isDone());
+  ASSERT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(2));
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.back()->nameStr(), name.substr(0, 21));
+  EXPECT_FALSE(NerinAction::macroStore->macroListArrs.back()->isNoDisplay());
   EXPECT_EQ(readButton().MacroID, 2U);
   EXPECT_EQ(macro->keyInfoArr().size(), 1U);
 }
 
 TEST_F(MacroRead, ADeletedOrRenamedMacroIsMadeAgain) {
   addMacro(1, "old", {{49, 0, 0}});
-  currFWProfile.btnInfo[3] = macroButton(1);
-  ASSERT_TRUE(NerinAction::setFWMacroData(0, 3));
-  NerinAction::macroListArrs.front()->setNameStr("new");
-  NerinAction::getFWMacroData(0, 3);
+  editState->currFWProfile().btnInfo[3] = macroButton(1);
+  ASSERT_TRUE(NerinAction::setFWMacroData(0, 3).value);
+  NerinAction::macroStore->macroListArrs.front()->setNameStr("new");
+  EXPECT_TRUE(NerinAction::getFWMacroData(0, 3).isDone());
   EXPECT_EQ(readButton().MacroID, 2U);
-  NerinAction::macroListArrs.clear();
-  NerinAction::getFWMacroData(0, 3);
+  NerinAction::macroStore->macroListArrs.clear();
+  EXPECT_TRUE(NerinAction::getFWMacroData(0, 3).isDone());
   EXPECT_NE(NerinAction::getMacroByName("old"), nullptr);
 }
 
@@ -238,10 +240,10 @@ TEST_F(MacroRead, Codes120To126AreMouseButtonsWithoutAKey) {
 
 TEST_F(MacroRead, WhatAMouseEventBecameIsWrittenAsAnUnknownKey) {
   addMacro(1, "m", {{121, 3, 0}, {121, 4, 0}});
-  currFWProfile.btnInfo[3] = macroButton(1);
-  ASSERT_TRUE(NerinAction::setFWMacroData(0, 3));
-  NerinAction::getFWMacroData(0, 3);
-  ASSERT_TRUE(NerinAction::setFWMacroData(0, 3));
+  editState->currFWProfile().btnInfo[3] = macroButton(1);
+  ASSERT_TRUE(NerinAction::setFWMacroData(0, 3).value);
+  EXPECT_TRUE(NerinAction::getFWMacroData(0, 3).isDone());
+  ASSERT_TRUE(NerinAction::setFWMacroData(0, 3).value);
   EXPECT_EQ(mouse().macroReport(3)[52], 0);
   EXPECT_EQ(mouse().macroReport(3)[53], 128);
 }
@@ -251,15 +253,15 @@ TEST_F(MacroRead, AtMost2000BytesAreRead) {
   bytes[7] = 0xFF;
   bytes[8] = 0xFF;
   readBack(bytes);
-  EXPECT_THAT(NerinAction::macroListArrs.front()->keyInfoArr(), SizeIs(2000));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs.front()->keyInfoArr(), SizeIs(2000));
 }
 
 TEST_F(MacroRead, ADelayRecordPastTheReportEndsTheStream) {
   Bytes stream(2000, 0x2C);
   stream.back() = 1;
   readBack(report("m", stream));
-  EXPECT_THAT(NerinAction::macroListArrs.front()->keyInfoArr(), SizeIs(1999));
-  EXPECT_EQ(NerinAction::macroListArrs.front()->keyInfoArr().back()->delay(), 0);
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs.front()->keyInfoArr(), SizeIs(1999));
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.front()->keyInfoArr().back()->delay(), 0);
 }
 
 TEST_F(MacroRead, ADelayRecordAtTheVeryEndOfTheReportCounts) {
@@ -269,14 +271,15 @@ TEST_F(MacroRead, ADelayRecordAtTheVeryEndOfTheReportCounts) {
   Bytes bytes = report("m", stream);
   bytes[2052] = 2;
   readBack(bytes);
-  EXPECT_EQ(NerinAction::macroListArrs.front()->keyInfoArr().back()->delay(), 7 + 2 * 256);
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.front()->keyInfoArr().back()->delay(),
+            7 + 2 * 256);
 }
 
 TEST_F(MacroRead, OnlyAsManyBytesAsAnnouncedAreRead) {
   Bytes bytes = report("m", {0x2C, 0xAC, 0x2C});
   bytes[7] = 2;
   readBack(bytes);
-  EXPECT_THAT(NerinAction::macroListArrs.front()->keyInfoArr(), SizeIs(2));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs.front()->keyInfoArr(), SizeIs(2));
 }
 
 TEST_F(MacroRead, RepeatModesReadByTheTable) {
@@ -293,18 +296,18 @@ TEST_F(MacroRead, RepeatModesReadByTheTable) {
 }
 
 TEST_F(MacroRead, LogsTheNameAsItWasRead) {
-  NerinAction::sysDeviceReq->setIsPrintMsg(false);
+  (*NerinAction::sysDeviceReq)->setIsPrintMsg(false);
   putMacro(3, report("Combo", {}));
   std::vector<std::string> lines;
   LXLogger::setObserver([&](LXLogger::Level, std::string_view line) { lines.emplace_back(line); });
-  NerinAction::getFWMacroData(0, 3);
+  EXPECT_TRUE(NerinAction::getFWMacroData(0, 3).isDone());
   LXLogger::setObserver({});
   EXPECT_THAT(lines, ElementsAre("macroNameStr=Combo"));
 }
 
 TEST_F(MacroRead, LookingAtAMacroLeavesTheCatalogue) {
   putMacro(3, report("Combo", {0x2C, 1, 5, 0, 120}, 4, 6));
-  const auto stream = NerinAction::readMacroStream(0, 3);
+  const auto stream = NerinAction::readMacroStream(0, 3).value;
   ASSERT_TRUE(stream);
   EXPECT_EQ(stream->name, "Combo");
   EXPECT_EQ(stream->repeatType, 4);
@@ -312,8 +315,8 @@ TEST_F(MacroRead, LookingAtAMacroLeavesTheCatalogue) {
   ASSERT_THAT(stream->events, SizeIs(2));
   EXPECT_EQ(stream->events[0].delay, 5);
   EXPECT_TRUE(stream->events[1].isMouseButton());
-  EXPECT_THAT(NerinAction::macroListArrs, IsEmpty());
-  EXPECT_FALSE(NerinAction::readMacroStream(0, 4));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, IsEmpty());
+  EXPECT_FALSE(NerinAction::readMacroStream(0, 4).value);
 }
 
 }  // namespace

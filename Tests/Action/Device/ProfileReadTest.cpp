@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "Action/Device/DeviceLink.h"
+#include "Action/Device/SlotTransfer.h"
 #include "Action/Record/EditState.h"
 #include "Action/Wire/ProfileImage.h"
 #include "Tests/Support/ActionTest.h"
@@ -29,13 +30,13 @@ class ProfileRead : public ActionTest {
 };
 
 TEST_F(ProfileRead, ReadsNameAndImageEachAfterItsReadyCommand) {
-  EXPECT_TRUE(NerinAction::getFWProfileData(2));
+  EXPECT_TRUE(NerinAction::getFWProfileData(2).value);
   EXPECT_THAT(
       trace(),
       ElementsAre(ready(2), "SLEEP 30", "GET 0306 1 " + hexOf(mouse().nameReport(2)), "SLEEP 30",
                   ready(2), "SLEEP 30", "GET 0305 1 " + hexOf(mouse().imageReport(2)), "SLEEP 30"));
   EXPECT_EQ(library().currFWProfileName(), "Profile#3");
-  EXPECT_EQ(currFWProfile.dpiLevel, 5U);
+  EXPECT_EQ(editState->currFWProfile().dpiLevel, 5U);
 }
 
 TEST_F(ProfileRead, ReadsAMacroRightAfterItsButtonAndWithoutAPause) {
@@ -44,7 +45,7 @@ TEST_F(ProfileRead, ReadsAMacroRightAfterItsButtonAndWithoutAPause) {
   image[58 + 5 * 17] = 6;
   putImage(2, image);
   clearTrace();
-  NerinAction::getFWProfileDataPro(2);
+  EXPECT_TRUE(NerinAction::getFWProfileDataPro(2).isDone());
   const std::string noMacro = "GET 0304 1 04" + std::string(2 * 2052, '0');
   EXPECT_THAT(trace(),
               ElementsAre(ready(2), "SLEEP 30", "GET 0305 1 " + hexOf(mouse().imageReport(2)),
@@ -55,13 +56,13 @@ TEST_F(ProfileRead, ReadsAMacroRightAfterItsButtonAndWithoutAPause) {
 TEST_F(ProfileRead, LinksTheSlotToTheLibraryProfileOfItsName) {
   library().addProfileByName("Other", nullptr);
   library().addProfileByName("Profile#3", nullptr);
-  EXPECT_TRUE(NerinAction::getFWProfileData(2));
+  EXPECT_TRUE(NerinAction::getFWProfileData(2).value);
   EXPECT_EQ(library().fwProfileID()[2], 2U);
 }
 
 TEST_F(ProfileRead, ANameThatTheLibraryLacksLeavesTheSlotWithoutALink) {
   library().fwProfileID()[2] = 7;
-  EXPECT_TRUE(NerinAction::getFWProfileData(2));
+  EXPECT_TRUE(NerinAction::getFWProfileData(2).value);
   EXPECT_EQ(library().fwProfileID()[2], ProfieController::notLinked);
 }
 
@@ -69,11 +70,11 @@ TEST_F(ProfileRead, ASlotWithoutANameHoldsNoProfile) {
   mouse().clearSlot(2);
   library().setCurrFWProfileName("Kept");
   library().fwProfileID()[2] = 7;
-  selProfile.poRate = 3;
-  currFWProfile.poRate = 3;
-  EXPECT_FALSE(NerinAction::getFWProfileData(2));
-  EXPECT_TRUE(isAllZero(currFWProfile));
-  EXPECT_EQ(selProfile.poRate, 3U);
+  editState->edit().poRate = 3;
+  editState->currFWProfile().poRate = 3;
+  EXPECT_FALSE(NerinAction::getFWProfileData(2).value);
+  EXPECT_TRUE(isAllZero(editState->currFWProfile()));
+  EXPECT_EQ(editState->selProfile().poRate, 3U);
   EXPECT_EQ(library().currFWProfileName(), "Kept");
   EXPECT_EQ(library().fwProfileID()[2], 7U);
 }
@@ -82,39 +83,41 @@ TEST_F(ProfileRead, ASlotThatTheLibraryHasNoLinkForIsReadAllTheSame) {
   const auto links = library().fwProfileID();
   mouse().setScenario({.kind = MouseScenario::Kind::AnswersRandom});
   for (int slot = 10; slot < 256; ++slot) {
-    NerinAction::getFWProfileData(static_cast<std::uint8_t>(slot));
+    NerinAction::getFWProfileData(static_cast<std::uint8_t>(slot)).value;
   }
   EXPECT_EQ(library().fwProfileID(), links);
 }
 
 TEST_F(ProfileRead, WhatTheMouseDoesNotKeepIsEmptyAfterwards) {
-  currFWProfile.islightOnArr[0] = 1;
-  currFWProfile.btnInfo[0].app_path[0] = 'x';
-  EXPECT_TRUE(NerinAction::getFWProfileData(2));
-  EXPECT_EQ(currFWProfile.islightOnArr[0], 0U);
-  EXPECT_EQ(currFWProfile.btnInfo[0].app_path[0], '\0');
+  editState->currFWProfile().islightOnArr[0] = 1;
+  editState->currFWProfile().btnInfo[0].app_path[0] = 'x';
+  EXPECT_TRUE(NerinAction::getFWProfileData(2).value);
+  EXPECT_EQ(editState->currFWProfile().islightOnArr[0], 0U);
+  EXPECT_EQ(editState->currFWProfile().btnInfo[0].app_path[0], '\0');
 }
 
 TEST_F(ProfileRead, DeliveredSlotsAreTheFactoryProfiles) {
   for (int slot = 0; slot < ProfieController::slotCount; ++slot) {
-    ASSERT_TRUE(NerinAction::getFWProfileData(static_cast<std::uint8_t>(slot)));
+    ASSERT_TRUE(NerinAction::getFWProfileData(static_cast<std::uint8_t>(slot)).value);
     library().setCurrFWProfileIndex(slot);
     const _Nerin_PROFILE& factory = library().defaultProfile()->profileData();
     for (std::size_t index = 0; index < buttonCount; ++index) {
       SCOPED_TRACE(std::to_string(slot) + "/" + std::to_string(index));
-      EXPECT_EQ(currFWProfile.btnInfo[index].FuncTableId, factory.btnInfo[index].FuncTableId);
-      EXPECT_EQ(currFWProfile.btnInfo[index].btnType, factory.btnInfo[index].btnType);
-      EXPECT_EQ(currFWProfile.btnInfo[index].KeyBit[0], factory.btnInfo[index].KeyBit[0]);
+      EXPECT_EQ(editState->currFWProfile().btnInfo[index].FuncTableId,
+                factory.btnInfo[index].FuncTableId);
+      EXPECT_EQ(editState->currFWProfile().btnInfo[index].btnType, factory.btnInfo[index].btnType);
+      EXPECT_EQ(editState->currFWProfile().btnInfo[index].KeyBit[0],
+                factory.btnInfo[index].KeyBit[0]);
     }
-    EXPECT_EQ(currFWProfile.liftHeight, factory.liftHeight);
-    EXPECT_EQ(currFWProfile.lightColorArr[3].cG, factory.lightColorArr[3].cG);
+    EXPECT_EQ(editState->currFWProfile().liftHeight, factory.liftHeight);
+    EXPECT_EQ(editState->currFWProfile().lightColorArr[3].cG, factory.lightColorArr[3].cG);
   }
 }
 
 TEST_F(ProfileRead, WritingTakesTheNameOfTheLibrary) {
   library().setCurrFWProfileName("Game");
-  currFWProfile.liftHeight = 4;
-  NerinAction::setFWProfileData(5);
+  editState->currFWProfile().liftHeight = 4;
+  EXPECT_TRUE(NerinAction::setFWProfileData(5).isDone());
   EXPECT_EQ(mouse().slotName(5), "Game");
   EXPECT_EQ(mouse().imageReport(5)[5], 0x24);
   EXPECT_FALSE(mouse().hasUnrefreshedWrites());
@@ -123,25 +126,25 @@ TEST_F(ProfileRead, WritingTakesTheNameOfTheLibrary) {
 
 TEST_F(ProfileRead, WritingUnderAForeignNameLeavesTheOldNameOnTheMouse) {
   library().setCurrFWProfileName("Sp\xC3\xA4ter");
-  currFWProfile.liftHeight = 4;
-  NerinAction::setFWProfileData(5);
+  editState->currFWProfile().liftHeight = 4;
+  EXPECT_TRUE(NerinAction::setFWProfileData(5).isDone());
   EXPECT_EQ(sent().size(), 2U);
   EXPECT_EQ(mouse().slotName(5), "Profile#6");
   EXPECT_EQ(mouse().imageReport(5)[5], 0x24);
 }
 
 TEST_F(ProfileRead, ChoosingASlotWritesTheMemoryAndTheCommand) {
-  NerinAction::setProfileIndexToDevice(7);
+  EXPECT_TRUE(NerinAction::setProfileIndexToDevice(7).isDone());
   EXPECT_THAT(trace(), ElementsAre("SET 0300 0 de19a70000000000", "SLEEP 30",
                                    "SET 0300 0 c407070000000000", "SLEEP 30"));
   EXPECT_EQ(mouse().activeSlot(), 7);
-  EXPECT_EQ(NerinAction::getProfileIndexByDevice(), 7);
+  EXPECT_EQ(NerinAction::getProfileIndexByDevice().value, 7);
 }
 
 TEST_F(ProfileRead, TheActiveSlotIsTheLowNibble) {
   for (int value = 0; value < 256; ++value) {
-    NerinAction::setAdrrData(static_cast<std::uint8_t>(value), 25);
-    EXPECT_EQ(NerinAction::getProfileIndexByDevice(), value % 16);
+    EXPECT_TRUE(NerinAction::setAdrrData(static_cast<std::uint8_t>(value), 25).isDone());
+    EXPECT_EQ(NerinAction::getProfileIndexByDevice().value, value % 16);
   }
 }
 

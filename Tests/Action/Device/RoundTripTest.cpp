@@ -45,21 +45,21 @@ class RoundTrip : public ActionTest {
     library().setCurrFWProfileIndex(slot);
     library().setFwProfileId(-1, slot);
     library().setCurrFWProfileName(name);
-    EXPECT_FALSE(NerinAction::applySlot());
+    EXPECT_TRUE(NerinAction::applySlot().isDone());
   }
 
   // Applies selProfile to slot 2 and reads it back into it.
   void applyAndRead() {
     apply(2, "Game");
-    EXPECT_TRUE(NerinAction::loadSlot(2));
+    EXPECT_TRUE(NerinAction::loadSlot(2).value);
   }
 
   // The button as it comes back.
   _BTN_INFO roundTrip(const _BTN_INFO& info) {
-    selProfile = wholeRecord(0);
-    selProfile.btnInfo[3] = info;
+    editState->edit() = wholeRecord(0);
+    editState->edit().btnInfo[3] = info;
     applyAndRead();
-    return selProfile.btnInfo[3];
+    return editState->selProfile().btnInfo[3];
   }
 
   static std::vector<std::uint32_t> keyBits(const _BTN_INFO& info) {
@@ -90,49 +90,49 @@ TEST_F(RoundTrip, AllSlotsWithMacrosOnEveryButton) {
     records.push_back(record);
   }
   for (int slot = 0; slot < 10; ++slot) {
-    selProfile = records[static_cast<std::size_t>(slot)];
+    editState->edit() = records[static_cast<std::size_t>(slot)];
     apply(slot, "Slot " + std::to_string(slot));
   }
   EXPECT_THAT(mouse().faults(), testing::IsEmpty());
 
-  for (const auto& macro : NerinAction::macroListArrs) {
+  for (const auto& macro : NerinAction::macroStore->macroListArrs) {
     macro->keyInfoArr().clear();
   }
   for (int slot = 0; slot < 10; ++slot) {
     SCOPED_TRACE(slot);
     const auto at = static_cast<std::size_t>(slot);
-    selProfile = {};
-    ASSERT_TRUE(NerinAction::loadSlot(slot));
-    EXPECT_EQ(differenceOf(selProfile, records[at]), "");
+    editState->edit() = {};
+    ASSERT_TRUE(NerinAction::loadSlot(slot).value);
+    EXPECT_EQ(differenceOf(editState->selProfile(), records[at]), "");
     EXPECT_EQ(library().currProfile()->name(), "Slot " + std::to_string(slot));
     for (int index = 0; index < 16; ++index) {
       const auto macro = NerinAction::getMacroById(16 * slot + index + 1);
       EXPECT_EQ(eventsOf(*macro), events[at][static_cast<std::size_t>(index)]) << index;
     }
   }
-  EXPECT_THAT(NerinAction::macroListArrs, SizeIs(160));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(160));
 }
 
 TEST_F(RoundTrip, IntoAnEmptyCatalogueAHundredMacrosComeBack) {
   for (int slot = 0; slot < 10; ++slot) {
-    selProfile = wholeRecord(0);
+    editState->edit() = wholeRecord(0);
     for (int index = 0; index < 16; ++index) {
       const int id = slot * 16 + index + 1;
       addMacro(id, "macro " + std::to_string(id), {{49, 0, 0}});
-      selProfile.btnInfo[index] = macroButton(static_cast<std::uint32_t>(id));
+      editState->edit().btnInfo[index] = macroButton(static_cast<std::uint32_t>(id));
     }
     apply(slot, "Slot " + std::to_string(slot));
   }
-  NerinAction::macroListArrs.clear();
+  NerinAction::macroStore->macroListArrs.clear();
   NerinAction::refreshMenuList();
   std::vector<std::uint32_t> ids;
   for (int slot = 0; slot < 10; ++slot) {
-    EXPECT_TRUE(NerinAction::loadSlot(slot));
-    for (const _BTN_INFO& info : selProfile.btnInfo) {
+    EXPECT_TRUE(NerinAction::loadSlot(slot).value);
+    for (const _BTN_INFO& info : editState->selProfile().btnInfo) {
       ids.push_back(info.MacroID);
     }
   }
-  EXPECT_THAT(NerinAction::macroListArrs, SizeIs(100));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(100));
   EXPECT_EQ(ids[99], 100U);
   EXPECT_THAT(std::vector(ids.begin() + 100, ids.end()), Each(0U));
 }
@@ -157,9 +157,9 @@ TEST_F(RoundTrip, EveryFunctionThatTheMenusOffer) {
   record.btnInfo[index++] = button(15, {}, ButtonTypeLaunch);
   record.btnInfo[index++] = button(255, {1, 2, 3, 4}, ButtonTypeDisabled);
   ASSERT_EQ(index, 16U);
-  selProfile = record;
+  editState->edit() = record;
   applyAndRead();
-  EXPECT_EQ(differenceOf(selProfile, record), "");
+  EXPECT_EQ(differenceOf(editState->selProfile(), record), "");
 }
 
 TEST_F(RoundTrip, EveryKeyThatTheMouseKnows) {
@@ -176,35 +176,35 @@ TEST_F(RoundTrip, EveryKeyThatTheMouseKnows) {
 
 TEST_F(RoundTrip, IsStableAfterTheFirst) {
   addMacro(1, "A name that is longer than the mouse keeps", {{121, 3, 70000}, {24, 1, 0}});
-  selProfile = wholeRecord(1);
-  selProfile.dpiLevel = 2;
-  selProfile.islightOnArr[0] = 1;
-  selProfile.btnInfo[3] = macroButton(1, 2, 300);
-  selProfile.btnInfo[4] = button(2, {60});
+  editState->edit() = wholeRecord(1);
+  editState->edit().dpiLevel = 2;
+  editState->edit().islightOnArr[0] = 1;
+  editState->edit().btnInfo[3] = macroButton(1, 2, 300);
+  editState->edit().btnInfo[4] = button(2, {60});
   applyAndRead();
-  const _Nerin_PROFILE first = selProfile;
+  const _Nerin_PROFILE first = editState->selProfile();
   applyAndRead();
-  EXPECT_EQ(differenceOf(selProfile, first), "");
+  EXPECT_EQ(differenceOf(editState->selProfile(), first), "");
 }
 
 TEST_F(RoundTrip, AnyRecordComesBackAsTheMouseKeepsIt) {
   for (std::uint32_t seed = 0; seed < 300; ++seed) {
-    auto* words = reinterpret_cast<std::uint32_t*>(&selProfile);
+    auto* words = reinterpret_cast<std::uint32_t*>(&editState->edit());
     std::uint32_t noise = seed * 2654435761U + 1;
-    for (std::size_t word = 0; word < sizeof selProfile / 4; ++word) {
+    for (std::size_t word = 0; word < sizeof(_Nerin_PROFILE) / 4; ++word) {
       noise = noise * 1664525U + 1013904223U;
       // Mostly numbers that mean something.
       words[word] = (noise >> 8U) % 3 == 0 ? noise : (noise >> 16U) % 24;
     }
-    for (_BTN_INFO& info : selProfile.btnInfo) {
+    for (_BTN_INFO& info : editState->edit().btnInfo) {
       // A function code has one byte.
       info.FuncTableId &= 0xFFU;
     }
-    const _Nerin_PROFILE expected = slotAsRead(2, selProfile);
+    const _Nerin_PROFILE expected = slotAsRead(2, editState->selProfile());
     library().setCurrFWProfileName("Game");
-    NerinAction::writeSlot(2);
-    ASSERT_TRUE(NerinAction::loadSlot(2));
-    ASSERT_EQ(differenceOf(selProfile, expected), "") << seed;
+    EXPECT_TRUE(NerinAction::writeSlot(2).isDone());
+    ASSERT_TRUE(NerinAction::loadSlot(2).value);
+    ASSERT_EQ(differenceOf(editState->selProfile(), expected), "") << seed;
   }
   EXPECT_THAT(mouse().faults(), testing::IsEmpty());
 }
@@ -218,19 +218,20 @@ TEST_F(RoundTrip, LosesTheProgramOfAButton) {
 }
 
 TEST_F(RoundTrip, LosesTheSwitchesOfTheLights) {
-  selProfile = wholeRecord(0);
-  std::fill(std::begin(selProfile.islightOnArr), std::end(selProfile.islightOnArr), 1);
+  editState->edit() = wholeRecord(0);
+  std::fill(std::begin(editState->edit().islightOnArr), std::end(editState->edit().islightOnArr),
+            1);
   applyAndRead();
-  EXPECT_THAT(selProfile.islightOnArr, Each(0U));
+  EXPECT_THAT(editState->selProfile().islightOnArr, Each(0U));
 }
 
 TEST_F(RoundTrip, LosesTheLevelsThatAreNotInUse) {
-  selProfile = wholeRecord(0);
-  selProfile.dpiLevel = 3;
+  editState->edit() = wholeRecord(0);
+  editState->edit().dpiLevel = 3;
   applyAndRead();
-  EXPECT_NE(selProfile.xSensArr[2], 0U);
-  EXPECT_EQ(selProfile.xSensArr[3], 0U);
-  EXPECT_EQ(selProfile.ySensArr[4], 0U);
+  EXPECT_NE(editState->selProfile().xSensArr[2], 0U);
+  EXPECT_EQ(editState->selProfile().xSensArr[3], 0U);
+  EXPECT_EQ(editState->selProfile().ySensArr[4], 0U);
   EXPECT_EQ(library().currProfile()->profileData().xSensArr[3], 0U);
 }
 
@@ -297,23 +298,23 @@ TEST_F(RoundTrip, CutsAMacroAtTheEndOfItsReport) {
 TEST_F(RoundTrip, DoublesAMacroOfALongName) {
   addMacro(1, std::string(22, 'n'), {{49, 0, 0}});
   EXPECT_EQ(roundTrip(macroButton(1)).MacroID, 2U);
-  EXPECT_THAT(NerinAction::macroListArrs, SizeIs(2));
-  EXPECT_EQ(NerinAction::macroListArrs.back()->nameStr(), std::string(21, 'n'));
-  EXPECT_EQ(eventsOf(*NerinAction::macroListArrs.back()), (Events{{49, 0, 0}}));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(2));
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.back()->nameStr(), std::string(21, 'n'));
+  EXPECT_EQ(eventsOf(*NerinAction::macroStore->macroListArrs.back()), (Events{{49, 0, 0}}));
 }
 
 TEST_F(RoundTrip, HidesAMacroOfAForeignName) {
   addMacro(1, "M\xC3\xA4kro", {{49, 0, 0}});
   EXPECT_EQ(roundTrip(macroButton(1)).MacroID, 2U);
-  EXPECT_EQ(NerinAction::macroListArrs.back()->nameStr(), "dmr_fw_macro_tag_2_3");
-  EXPECT_TRUE(NerinAction::macroListArrs.back()->isNoDisplay());
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.back()->nameStr(), "dmr_fw_macro_tag_2_3");
+  EXPECT_TRUE(NerinAction::macroStore->macroListArrs.back()->isNoDisplay());
 }
 
 TEST_F(RoundTrip, ConfusesMacrosOfOneName) {
   addMacro(1, "m", {{49, 0, 0}});
   addMacro(2, "m", {{36, 0, 0}});
   EXPECT_EQ(roundTrip(macroButton(2)).MacroID, 1U);
-  EXPECT_EQ(eventsOf(*NerinAction::macroListArrs.front()), (Events{{36, 0, 0}}));
+  EXPECT_EQ(eventsOf(*NerinAction::macroStore->macroListArrs.front()), (Events{{36, 0, 0}}));
 }
 
 TEST_F(RoundTrip, BendsRepeatCounts) {
@@ -341,26 +342,26 @@ TEST_F(RoundTrip, LosesTheMacroIdOfOtherFunctions) {
 }
 
 TEST_F(RoundTrip, LosesARateThatDoesNotExist) {
-  selProfile = wholeRecord(0);
-  selProfile.poRate = 7;
+  editState->edit() = wholeRecord(0);
+  editState->edit().poRate = 7;
   applyAndRead();
-  EXPECT_EQ(selProfile.poRate, 0U);
+  EXPECT_EQ(editState->selProfile().poRate, 0U);
 }
 
 TEST_F(RoundTrip, LosesAModeThatIsNotBattle) {
-  selProfile = wholeRecord(0);
-  selProfile.modeType = 2;
+  editState->edit() = wholeRecord(0);
+  editState->edit().modeType = 2;
   applyAndRead();
-  EXPECT_EQ(selProfile.modeType, 0U);
+  EXPECT_EQ(editState->selProfile().modeType, 0U);
 }
 
 TEST_F(RoundTrip, KeepsAnActiveLevelThatDoesNotExist) {
-  selProfile = wholeRecord(0);
-  selProfile.dpiLevel = 2;
-  selProfile.currSelectDPI = 9;
+  editState->edit() = wholeRecord(0);
+  editState->edit().dpiLevel = 2;
+  editState->edit().currSelectDPI = 9;
   applyAndRead();
-  EXPECT_EQ(selProfile.currSelectDPI, 9U);
-  EXPECT_EQ(selProfile.dpiLevel, 2U);
+  EXPECT_EQ(editState->selProfile().currSelectDPI, 9U);
+  EXPECT_EQ(editState->selProfile().dpiLevel, 2U);
 }
 
 }  // namespace

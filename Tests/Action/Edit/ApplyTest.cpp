@@ -23,7 +23,7 @@ class Apply : public ActionTest {
  protected:
   Apply() {
     beginProgram();
-    NerinAction::loadSlot(3);
+    EXPECT_TRUE(NerinAction::loadSlot(3).value);
     clearTrace();
   }
 
@@ -33,10 +33,10 @@ class Apply : public ActionTest {
 TEST_F(Apply, TransfersNameMacrosAndImageInThisOrderWithTheirPauses) {
   addMacro(5, "five", {{49, 0, 0}});
   addMacro(6, "six", {{36, 0, 300}});
-  selProfile.btnInfo[2] = macroButton(5);
-  selProfile.btnInfo[4] = macroButton(99);  // gone
-  selProfile.btnInfo[15] = macroButton(6);
-  EXPECT_FALSE(NerinAction::applySlot());
+  editState->edit().btnInfo[2] = macroButton(5);
+  editState->edit().btnInfo[4] = macroButton(99);  // gone
+  editState->edit().btnInfo[15] = macroButton(6);
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   EXPECT_THAT(trace(),
               ElementsAre("SET 0306 1 " + hexOf(mouse().nameReport(3)), "SLEEP 30",
                           "SET 0300 0 c400000000000000", "SLEEP 30", "SET 0300 0 c40b3b0100000000",
@@ -51,10 +51,10 @@ TEST_F(Apply, TransfersNameMacrosAndImageInThisOrderWithTheirPauses) {
 
 TEST_F(Apply, WithMacrosOnAllButtonsTakes36Reports) {
   addMacro(5, "five", {{49, 0, 0}});
-  for (_BTN_INFO& info : selProfile.btnInfo) {
+  for (_BTN_INFO& info : editState->edit().btnInfo) {
     info = macroButton(5);
   }
-  EXPECT_FALSE(NerinAction::applySlot());
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   EXPECT_THAT(trace(), SizeIs(2 * 36));
   EXPECT_EQ(std::count(trace().begin(), trace().end(), "SLEEP 30"), 36);
 }
@@ -62,18 +62,19 @@ TEST_F(Apply, WithMacrosOnAllButtonsTakes36Reports) {
 TEST_F(Apply, EveryVectorIsAppliedByteForByte) {
   for (const WireVector& vector : wireVectors()) {
     endProgram();
+    std::filesystem::remove_all(libraryFolder());
     beginProgram();
     const auto path = home() / "vector.pro";
     writeText(path, {reinterpret_cast<const char*>(vector.file.data()), vector.file.size()});
     library().setCurrFWProfileIndex(vector.slot);
     library().setFwProfileId(-1, vector.slot);
     library().setCurrFWProfileName(vector.name);
-    selProfile = ProfileValue::initWithPath(path)->profileData();
+    editState->edit() = ProfileValue::initWithPath(path)->profileData();
     clearTrace();
-    EXPECT_FALSE(NerinAction::applySlot());
+    EXPECT_TRUE(NerinAction::applySlot().isDone());
     EXPECT_EQ(trace().front(), "SET 0306 1 " + vector.nameReport);
     EXPECT_EQ(trace().back(), "SLEEP 30");
-    EXPECT_EQ(library().currProfile()->profileData().poRate, selProfile.poRate);
+    EXPECT_EQ(library().currProfile()->profileData().poRate, editState->selProfile().poRate);
   }
 }
 
@@ -88,7 +89,7 @@ TEST_F(Apply, SavesTheLinkBeforeTheMouseAndTheLibraryAfterIt) {
     isLibrarySaved = isLibrarySaved || !namesIn(libraryFolder()).empty();
     isTold = isTold || !posts().empty();
   });
-  EXPECT_FALSE(NerinAction::applySlot());
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   EXPECT_TRUE(isLinkSaved);
   EXPECT_FALSE(isLibrarySaved);
   EXPECT_FALSE(isTold);
@@ -99,21 +100,21 @@ TEST_F(Apply, SavesTheLinkBeforeTheMouseAndTheLibraryAfterIt) {
 }
 
 TEST_F(Apply, WritesTheEditedProfile) {
-  selProfile.liftHeight = 9;
-  currFWProfile.liftHeight = 1;
-  EXPECT_FALSE(NerinAction::applySlot());
+  editState->edit().liftHeight = 9;
+  editState->currFWProfile().liftHeight = 1;
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   EXPECT_EQ(mouse().imageReport(3)[5], 0x29);
-  EXPECT_EQ(differenceOf(currFWProfile, selProfile), "");
+  EXPECT_EQ(differenceOf(editState->currFWProfile(), editState->selProfile()), "");
 }
 
 TEST_F(Apply, OnASlotWithoutALinkCreatesAndLinksAProfile) {
-  selProfile.liftHeight = 9;
-  EXPECT_FALSE(NerinAction::applySlot());
+  editState->edit().liftHeight = 9;
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   ASSERT_THAT(names(), ElementsAre("Profile#4"));
   EXPECT_EQ(library().fwProfileID()[3], library().profileArr().front()->profileId());
   EXPECT_EQ(library().profileArr().front()->profileData().liftHeight, 9U);
   // Again: still the same one.
-  EXPECT_FALSE(NerinAction::applySlot());
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   EXPECT_THAT(names(), ElementsAre("Profile#4"));
 }
 
@@ -121,11 +122,11 @@ TEST_F(Apply, ANewProfileGetsItsLinkWithTheNextApply) {
   library().setCurrActivePath("/app");
   library().setCurrIsActive(true);
   library().setCurrProfile(nullptr);
-  EXPECT_FALSE(NerinAction::applySlot());
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   const auto profile = library().profileArr().front();
   EXPECT_FALSE(profile->isActiveApp());
   EXPECT_EQ(profile->activeAppPath(), std::nullopt);
-  EXPECT_FALSE(NerinAction::applySlot());
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   EXPECT_TRUE(profile->isActiveApp());
   EXPECT_EQ(profile->activeAppPath(), "/app");
 }
@@ -134,8 +135,8 @@ TEST_F(Apply, OnALinkedSlotWithoutASelectionStoresNothing) {
   library().addProfileByName("Other", nullptr);
   library().setFwProfileId(1, 3);
   library().setCurrProfile(nullptr);
-  selProfile.liftHeight = 9;
-  EXPECT_FALSE(NerinAction::applySlot());
+  editState->edit().liftHeight = 9;
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   EXPECT_THAT(names(), ElementsAre("Other"));
   EXPECT_NE(library().profileArr().front()->profileData().liftHeight, 9U);
   EXPECT_EQ(mouse().imageReport(3)[5], 0x29);
@@ -143,48 +144,48 @@ TEST_F(Apply, OnALinkedSlotWithoutASelectionStoresNothing) {
 
 TEST_F(Apply, UnderAForeignNameSendsTheImageAlone) {
   library().setCurrFWProfileName("Sp\xC3\xA4ter");
-  EXPECT_FALSE(NerinAction::applySlot());
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   EXPECT_THAT(trace(), ElementsAre(StartsWith("SET 0305 1 "), "SLEEP 30",
                                    "SET 0300 0 c400000000000000", "SLEEP 30"));
   EXPECT_THAT(names(), ElementsAre("Sp\xC3\xA4ter"));
   // The slot kept its old name, so that its next read finds another profile or none.
-  EXPECT_TRUE(NerinAction::loadSlot(3));
+  EXPECT_TRUE(NerinAction::loadSlot(3).value);
   EXPECT_EQ(library().fwProfileID()[3], ProfieController::notLinked);
 }
 
 TEST_F(Apply, UnderAForeignNameTheOldNamesProfileTakesTheImage) {
   const auto old = library().addProfileByName("Profile#4", nullptr);
   library().setCurrFWProfileName("Sp\xC3\xA4ter");
-  selProfile.liftHeight = 9;
-  EXPECT_FALSE(NerinAction::applySlot());
+  editState->edit().liftHeight = 9;
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   EXPECT_NE(old->profileData().liftHeight, 9U);
-  EXPECT_TRUE(NerinAction::loadSlot(3));
+  EXPECT_TRUE(NerinAction::loadSlot(3).value);
   EXPECT_EQ(library().currProfile(), old);
   EXPECT_EQ(old->profileData().liftHeight, 9U);
 }
 
 TEST_F(Apply, UnderALongNameLosesTheLinkAtTheNextRead) {
   library().setCurrFWProfileName(std::string(70, 'n'));
-  EXPECT_FALSE(NerinAction::applySlot());
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
   EXPECT_NE(library().fwProfileID()[3], ProfieController::notLinked);
-  EXPECT_TRUE(NerinAction::loadSlot(3));
+  EXPECT_TRUE(NerinAction::loadSlot(3).value);
   EXPECT_EQ(library().fwProfileID()[3], ProfieController::notLinked);
   EXPECT_EQ(library().currFWProfileName(), std::string(65, 'n'));
 }
 
-TEST_F(Apply, UnderAnEmptyNameMakesTheSlotNameless) {
+TEST_F(Apply, UnderAnEmptyNameTakesTheNextFreeOne) {
   library().setCurrFWProfileName("");
-  EXPECT_FALSE(NerinAction::applySlot());
-  EXPECT_FALSE(NerinAction::loadSlot(3));
-  EXPECT_THAT(names(), ElementsAre(""));
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
+  EXPECT_TRUE(NerinAction::loadSlot(3).value);
+  EXPECT_THAT(names(), ElementsAre("NewPF_1"));
 }
 
 TEST_F(Apply, ThatCannotSaveTheLibrarySaysSoAndWritesTheMouse) {
   library();
   std::filesystem::remove_all(supportFolder());
   writeText(supportFolder(), "in the way");
-  selProfile.liftHeight = 9;
-  EXPECT_TRUE(NerinAction::applySlot());
+  editState->edit().liftHeight = 9;
+  EXPECT_FALSE(NerinAction::applySlot().isDone());
   EXPECT_EQ(mouse().imageReport(3)[5], 0x29);
   EXPECT_THAT(posts(), SizeIs(1));
 }

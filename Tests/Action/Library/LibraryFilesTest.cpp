@@ -142,7 +142,7 @@ TEST_F(LibraryFiles, SavingTheSelectionWritesOneFileWithTheEditedRecord) {
   EXPECT_THAT(namesIn(libraryFolder()), IsEmpty());
   add("a");
   library().setCurrProfile(add("b"));
-  selProfile.poRate = 2;
+  editState->edit().poRate = 2;
   EXPECT_FALSE(library().saveSelProfile());
   EXPECT_THAT(namesIn(libraryFolder()), ElementsAre("b.pro"));
   EXPECT_EQ(textOfFile(libraryFolder() / "b.pro"), profileBytes(2, "b", 2));
@@ -175,7 +175,7 @@ TEST_F(LibraryFiles, ClearingEmptiesTheFolder) {
 TEST_F(LibraryFiles, ClearingRefusesAFolderThatIsNotTheLibrary) {
   putProfile("a.pro", 1, "a");
   library();
-  sysPath = (home() / "elsewhere").string();
+  *sysPath = (home() / "elsewhere").string();
   library().clearAllProfile();
   EXPECT_THAT(namesIn(libraryFolder()), ElementsAre("a.pro"));
 }

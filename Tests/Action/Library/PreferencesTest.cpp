@@ -48,7 +48,7 @@ class Preferences : public ActionTest {
 };
 
 TEST_F(Preferences, LieUnderTheBundleIdentifier) {
-  library().setIsOSD(false);
+  EXPECT_TRUE(library().setIsOSD(false));
   EXPECT_TRUE(fs::exists(home() / "Library" / "Preferences" / "com.corvex.NerinOption.plist"));
 }
 
@@ -69,17 +69,17 @@ TEST_F(Preferences, TheDisplayIsOnWhenNothingSaysOtherwiseAndThatIsStored) {
 }
 
 TEST_F(Preferences, TheServiceFindsTheDisplayOnWithoutTheKey) {
-  library().setLaunchPath("/bin/x", 0, 0);
+  EXPECT_TRUE(library().setLaunchPath("/bin/x", 0, 0));
   EXPECT_TRUE(NerinAction::daemonGetOsd());
 }
 
 TEST_F(Preferences, TheDisplayIsSwitchedForBothSides) {
-  library().setIsOSD(false);
+  EXPECT_TRUE(library().setIsOSD(false));
   EXPECT_FALSE(library().isOSD());
   EXPECT_FALSE(NerinAction::daemonGetOsd());
   endProgram();
   EXPECT_FALSE(library().isOSD());
-  library().setIsOSD(true);
+  EXPECT_TRUE(library().setIsOSD(true));
   EXPECT_TRUE(NerinAction::daemonGetOsd());
 }
 
@@ -106,7 +106,7 @@ TEST_F(Preferences, AnIntegerLinkRecordIsTakenAsItIs) {
 
 TEST_F(Preferences, LaunchPathsAreKeptBySlotAndButton) {
   EXPECT_EQ(library().getLaunchPath(2, 7), std::nullopt);
-  library().setLaunchPath("/usr/bin/game", 2, 7);
+  EXPECT_TRUE(library().setLaunchPath("/usr/bin/game", 2, 7));
   EXPECT_EQ(library().getLaunchPath(2, 7), "/usr/bin/game");
   EXPECT_EQ(NerinAction::daemonGetLaunchPath(2, 7), "/usr/bin/game");
   EXPECT_EQ(library().getLaunchPath(7, 2), std::nullopt);
@@ -115,7 +115,7 @@ TEST_F(Preferences, LaunchPathsAreKeptBySlotAndButton) {
 
 TEST_F(Preferences, ALaunchPathIsKeptWholeWhateverItsLength) {
   const std::string path = "/" + std::string(1000, 'p') + "/Sp\xC3\xA4ter & <co>";
-  library().setLaunchPath(path, 0, 0);
+  EXPECT_TRUE(library().setLaunchPath(path, 0, 0));
   EXPECT_EQ(library().getLaunchPath(0, 0), path);
 }
 
@@ -124,7 +124,7 @@ TEST_F(Preferences, AProgramLinkHasItsPathAndItsSwitch) {
   EXPECT_EQ(library().getLinkAppPath(3, isActive), std::nullopt);
   EXPECT_FALSE(isActive);
   EXPECT_EQ(NerinAction::daemonGetLinkAppPath(3), std::nullopt);
-  library().setLinkAppPath("/app", 3, true);
+  EXPECT_TRUE(library().setLinkAppPath("/app", 3, true));
   EXPECT_EQ(library().getLinkAppPath(3, isActive), "/app");
   EXPECT_TRUE(isActive);
   EXPECT_EQ(NerinAction::daemonGetLinkAppPath(3), "/app");
@@ -133,17 +133,17 @@ TEST_F(Preferences, AProgramLinkHasItsPathAndItsSwitch) {
 }
 
 TEST_F(Preferences, ALinkWithoutAPathIsAnEmptyOne) {
-  library().setLinkAppPath(std::nullopt, 3, true);
+  EXPECT_TRUE(library().setLinkAppPath(std::nullopt, 3, true));
   bool isActive = false;
   EXPECT_EQ(library().getLinkAppPath(3, isActive), "");
   EXPECT_TRUE(isActive);
   EXPECT_EQ(NerinAction::daemonGetLinkAppPath(3), "");
-  library().setLinkAppPath(std::nullopt, 3, false);
+  EXPECT_TRUE(library().setLinkAppPath(std::nullopt, 3, false));
   EXPECT_EQ(NerinAction::daemonGetLinkAppPath(3), std::nullopt);
 }
 
 TEST_F(Preferences, ALinkThatIsSwitchedOffIsHiddenFromTheServiceOnly) {
-  library().setLinkAppPath("/app", 3, false);
+  EXPECT_TRUE(library().setLinkAppPath("/app", 3, false));
   bool isActive = true;
   EXPECT_EQ(library().getLinkAppPath(3, isActive), "/app");
   EXPECT_FALSE(isActive);
@@ -152,22 +152,22 @@ TEST_F(Preferences, ALinkThatIsSwitchedOffIsHiddenFromTheServiceOnly) {
 
 TEST_F(Preferences, LinksAndLinkRecordsOfOneNameAreKeptApart) {
   library().setFwProfileId(5, 2);
-  library().saveFWProfileIdByIndex(3);
-  library().setLinkAppPath("/app", 3, true);
+  EXPECT_TRUE(library().saveFWProfileIdByIndex(3));
+  EXPECT_TRUE(library().setLinkAppPath("/app", 3, true));
   EXPECT_EQ(library().getFWProfileIdByIndex(3), 1);
   bool isActive = false;
   EXPECT_EQ(library().getLinkAppPath(3, isActive), "/app");
 }
 
 TEST_F(Preferences, ANewFileIsXml) {
-  library().setIsOSD(true);
+  EXPECT_TRUE(library().setIsOSD(true));
   EXPECT_THAT(text(), AllOf(StartsWith("<?xml"), HasSubstr("<key>OSDTag</key>")));
 }
 
 TEST_F(Preferences, ABinaryFileStaysBinary) {
   writeText(preferenceFile(), binaryList(0));
   EXPECT_FALSE(library().isOSD());
-  library().setLaunchPath("/bin/x", 1, 2);
+  EXPECT_TRUE(library().setLaunchPath("/bin/x", 1, 2));
   EXPECT_THAT(text(), StartsWith("bplist00"));
   EXPECT_EQ(library().getLaunchPath(1, 2), "/bin/x");
   EXPECT_EQ(file().stringFor("Other"), "service");
@@ -175,12 +175,12 @@ TEST_F(Preferences, ABinaryFileStaysBinary) {
 }
 
 TEST_F(Preferences, WhatTheServiceWroteMeanwhileSurvives) {
-  library().setIsOSD(true);
+  EXPECT_TRUE(library().setIsOSD(true));
   writeText(preferenceFile(),
             xmlList("<key>ServiceKey</key><array><integer>1</integer><data>AAEC</data></array>"
                     "<key>LinkApp</key><dict><key>Foreign</key><real>1.5</real></dict>"));
-  library().setLaunchPath("/bin/x", 1, 2);
-  library().setLinkAppPath("/app", 0, true);
+  EXPECT_TRUE(library().setLaunchPath("/bin/x", 1, 2));
+  EXPECT_TRUE(library().setLinkAppPath("/app", 0, true));
   EXPECT_THAT(text(), AllOf(HasSubstr("<key>ServiceKey</key>"), HasSubstr("AAEC"),
                             HasSubstr("<key>Foreign</key>"), HasSubstr("/bin/x")));
   EXPECT_EQ(file().boolFor("OSDTag"), std::nullopt);
@@ -194,7 +194,7 @@ TEST_F(Preferences, ABrokenFileIsSetAsideBeforeItIsReplaced) {
     EXPECT_TRUE(NerinAction::daemonGetOsd());
     EXPECT_EQ(library().getLaunchPath(1, 2), std::nullopt);
     EXPECT_EQ(text(), broken) << "reading must not change it";
-    library().setLaunchPath("/bin/x", 1, 2);
+    EXPECT_TRUE(library().setLaunchPath("/bin/x", 1, 2));
     EXPECT_EQ(library().getLaunchPath(1, 2), "/bin/x");
     const auto names = namesIn(preferenceFile().parent_path());
     ASSERT_EQ(names.size(), 2U) << broken;
@@ -205,7 +205,7 @@ TEST_F(Preferences, ABrokenFileIsSetAsideBeforeItIsReplaced) {
 TEST_F(Preferences, EveryBrokenFileIsKept) {
   for (int n = 0; n < 3; ++n) {
     writeText(preferenceFile(), "broken " + std::to_string(n));
-    library().setIsOSD(true);
+    EXPECT_TRUE(library().setIsOSD(true));
   }
   const auto names = namesIn(preferenceFile().parent_path());
   EXPECT_EQ(names.size(), 4U);
@@ -227,13 +227,13 @@ TEST_F(Preferences, ValuesOfAnotherKindCountAsMissing) {
   EXPECT_EQ(library().getLaunchPath(1, 2), std::nullopt);
   EXPECT_EQ(library().getFWProfileIdByIndex(5), -1);
   EXPECT_EQ(NerinAction::daemonGetLinkAppPath(0), std::nullopt);
-  library().setLinkAppPath("/app", 0, true);
+  EXPECT_TRUE(library().setLinkAppPath("/app", 0, true));
   EXPECT_EQ(NerinAction::daemonGetLinkAppPath(0), "/app");
 }
 
 TEST_F(Preferences, AWriteThatFailsLosesNothing) {
   fs::create_directories(preferenceFile());
-  library().setIsOSD(false);
+  EXPECT_FALSE(library().setIsOSD(false));
   EXPECT_TRUE(fs::is_directory(preferenceFile()));
   EXPECT_TRUE(NerinAction::daemonGetOsd());
 }

@@ -156,7 +156,7 @@ TEST_F(Library, ImportingATakenIdGivesANewOne) {
 }
 
 TEST_F(Library, ImportingPastTheLimitOfTheViewsIsPossible) {
-  for (std::size_t n = 0; n < ProfieController::maximumProfiles; ++n) {
+  for (std::size_t n = 0; n < limits::profiles; ++n) {
     library().addProfile();
   }
   EXPECT_EQ(library().addByPath(outside(profileBytes(999, "Game"))), ProfieController::Added);
@@ -222,17 +222,17 @@ TEST_F(Library, LooksUpTheFirstMatch) {
 }
 
 TEST_F(Library, CopiesTheEditedRecordInAndOutOfTheSelection) {
-  selProfile.poRate = 2;
+  editState->edit().poRate = 2;
   library().saveSelProfileToData();
   library().refreshSelProfileFromData();
-  EXPECT_EQ(selProfile.poRate, 2U);
+  EXPECT_EQ(editState->selProfile().poRate, 2U);
   const auto a = add("a");
   library().setCurrProfile(a);
   library().saveSelProfileToData();
   EXPECT_EQ(a->profileData().poRate, 2U);
-  selProfile.poRate = 1;
+  editState->edit().poRate = 1;
   library().refreshSelProfileFromData();
-  EXPECT_EQ(selProfile.poRate, 2U);
+  EXPECT_EQ(editState->selProfile().poRate, 2U);
 }
 
 TEST_F(Library, DeletingTheSelectionClearsIt) {

@@ -103,7 +103,7 @@ TEST_F(Slots, TheCurrentNameFollowsTheSelection) {
 
 TEST_F(Slots, LinkRecordsAreBooleansUnderTheNextNumber) {
   library().setFwProfileId(4, 2);
-  library().saveFWProfileIdByIndex(3);
+  EXPECT_TRUE(library().saveFWProfileIdByIndex(3));
   EXPECT_EQ(preferences().boolFor("Profile_3"), true);
   EXPECT_EQ(library().getFWProfileIdByIndex(3), 1);
   EXPECT_EQ(preferences().boolFor("Profile_2"), std::nullopt);
@@ -111,24 +111,24 @@ TEST_F(Slots, LinkRecordsAreBooleansUnderTheNextNumber) {
 
 TEST_F(Slots, LinkRecordsHoldTheLowByteOnly) {
   library().setFwProfileId(256, 2);
-  library().saveFWProfileIdByIndex(3);
+  EXPECT_TRUE(library().saveFWProfileIdByIndex(3));
   EXPECT_EQ(preferences().boolFor("Profile_3"), false);
   EXPECT_EQ(library().getFWProfileIdByIndex(3), 0);
 }
 
 TEST_F(Slots, ASlotWithoutALinkIsStoredAsTrue) {
   library().setFwProfileId(-1, 4);
-  library().saveFWProfileIdByIndex(5);
+  EXPECT_TRUE(library().saveFWProfileIdByIndex(5));
   EXPECT_EQ(library().getFWProfileIdByIndex(5), 1);
 }
 
 TEST_F(Slots, LinkRecordsAreNumberedFromOneToTen) {
   for (const int k : {-1, 0, 11, 100}) {
-    library().saveFWProfileIdByIndex(k);
+    EXPECT_TRUE(library().saveFWProfileIdByIndex(k));
     EXPECT_EQ(library().getFWProfileIdByIndex(k), -1);
   }
   EXPECT_FALSE(std::filesystem::exists(preferenceFile()));
-  library().saveFWProfileIdByIndex(10);
+  EXPECT_TRUE(library().saveFWProfileIdByIndex(10));
   EXPECT_EQ(library().getFWProfileIdByIndex(10), 1);
   EXPECT_EQ(library().getFWProfileIdByIndex(9), -1);
 }
@@ -136,7 +136,7 @@ TEST_F(Slots, LinkRecordsAreNumberedFromOneToTen) {
 TEST_F(Slots, TheTableAfterAReloadIsShiftedByOne) {
   library().fwProfileID() = {1, 2, 3, 4, 256, 6, 7, 8, 9, 10};
   for (int k = 1; k <= 10; ++k) {
-    library().saveFWProfileIdByIndex(k);
+    EXPECT_TRUE(library().saveFWProfileIdByIndex(k));
   }
   endProgram();
   EXPECT_THAT(library().fwProfileID(), ElementsAre(notLinked, 1, 1, 1, 1, 0, 1, 1, 1, 1));
@@ -146,14 +146,16 @@ TEST_F(Slots, SavingASlotWithoutALinkCreatesOneProfile) {
   library().setCurrFWProfileIndex(3);
   library().setFwProfileId(-1, 3);
   library().setCurrFWProfileName("Game");
-  selProfile.poRate = 2;
+  editState->edit().poRate = 2;
   EXPECT_FALSE(library().saveCurrFWProfileToList());
   ASSERT_THAT(names(), ElementsAre("Game"));
   const auto profile = library().profileArr().front();
   EXPECT_EQ(library().currProfile(), profile);
   EXPECT_EQ(library().fwProfileID()[3], profile->profileId());
   // The factory record is wholly replaced by the edited one.
-  EXPECT_EQ(std::memcmp(&profile->profileData(), &selProfile, sizeof selProfile), 0);
+  EXPECT_EQ(std::memcmp(&profile->profileData(), &editState->selProfile(),
+                        sizeof editState->selProfile()),
+            0);
   EXPECT_THAT(namesIn(libraryFolder()), ElementsAre("Game.pro"));
   EXPECT_FALSE(library().saveCurrFWProfileToList());
   EXPECT_THAT(names(), ElementsAre("Game"));
@@ -167,7 +169,7 @@ TEST_F(Slots, SavingALinkedSlotRenamesTheSelection) {
   library().setCurrProfile(library().addProfileByName("Old", nullptr));
   library().setFwProfileId(1, 3);
   library().setCurrFWProfileName("New");
-  selProfile.poRate = 2;
+  editState->edit().poRate = 2;
   EXPECT_FALSE(library().saveCurrFWProfileToList());
   EXPECT_THAT(names(), ElementsAre("New"));
   EXPECT_EQ(library().currProfile()->profileData().poRate, 2U);
@@ -178,7 +180,7 @@ TEST_F(Slots, SavingALinkedSlotWithoutASelectionStoresNothing) {
   library().addProfileByName("Old", nullptr)->setProRate(1);
   library().setFwProfileId(1, 0);
   library().setCurrFWProfileName("New");
-  selProfile.poRate = 2;
+  editState->edit().poRate = 2;
   EXPECT_FALSE(library().saveCurrFWProfileToList());
   EXPECT_THAT(names(), ElementsAre("Old"));
   EXPECT_EQ(library().profileArr().front()->profileData().poRate, 1U);

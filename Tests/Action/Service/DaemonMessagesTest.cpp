@@ -79,8 +79,8 @@ TEST_F(DaemonMessages, EveryMessageHasTheCodeAndValuesOfTheTable) {
 }
 
 TEST_F(DaemonMessages, TheServiceReadsTheFileAfresh) {
-  library().setIsOSD(false);
-  library().setLaunchPath("/a", 1, 2);
+  EXPECT_TRUE(library().setIsOSD(false));
+  EXPECT_TRUE(library().setLaunchPath("/a", 1, 2));
   EXPECT_FALSE(NerinAction::daemonGetOsd());
   writeText(preferenceFile(),
             "<plist version=\"1.0\"><dict><key>OSDTag</key><true/></dict></plist>");

@@ -4,8 +4,10 @@
 #include <gmock/gmock.h>
 
 #include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Catalogue/MenuInfo.h"
 #include "Action/Device/DeviceLink.h"
+#include "Action/Device/SlotTransfer.h"
 #include "Action/Record/EditState.h"
 #include "Action/Wire/MacroImage.h"
 #include "Kit/Core/LXLogger.h"
@@ -24,9 +26,14 @@ class MacroWrite : public ActionTest {
  protected:
   MacroWrite() { NerinAction::startListenDev(); }
 
+  static NerinAction::MacroReport reportOf(std::uint8_t macroSlot, const _BTN_INFO& info,
+                                           const MacroInfo& macro) {
+    return NerinAction::encodeMacroReport(macroSlot, NerinAction::streamOf(macro, info));
+  }
+
   Bytes encoded(const std::string& name, const Events& events) {
     const auto macro = addMacro(1, name, events);
-    const auto report = NerinAction::encodeMacroReport(0, macroButton(1), *macro);
+    const auto report = reportOf(0, macroButton(1), *macro);
     return {report.begin(), report.end()};
   }
 
@@ -52,16 +59,16 @@ class MacroWrite : public ActionTest {
     entry->setKeyBit2(keys[1]);
     entry->setKeyBit3(keys[2]);
     entry->setKeyBit4(keys[3]);
-    if (!NerinAction::macroInsertMenuNode) {
-      NerinAction::macroInsertMenuNode = std::make_shared<LXTreeNode>();
+    if (!NerinAction::functionMenus->macroInsertMenuNode) {
+      NerinAction::functionMenus->macroInsertMenuNode = std::make_shared<LXTreeNode>();
     }
-    NerinAction::macroInsertMenuNode->addChild(entry);
+    NerinAction::functionMenus->macroInsertMenuNode->addChild(entry);
   }
 };
 
 TEST_F(MacroWrite, EveryFieldLiesWhereTheTableSays) {
   const auto macro = addMacro(1, "Combo", {{49, 0, 300}, {49, 1, 0}});
-  const auto array = NerinAction::encodeMacroReport(133, macroButton(1, 2, 9), *macro);
+  const auto array = reportOf(133, macroButton(1, 2, 9), *macro);
   const Bytes report(array.begin(), array.end());
   const std::map<std::size_t, Bytes> fields{
       {0, {4}},
@@ -160,7 +167,7 @@ TEST_F(MacroWrite, ACombinationIsAsLongAsItCounts) {
   addCombination(5, {0, 1, 2, 3});
   for (int id = 1; id <= 5; ++id) {
     const auto macro = addMacro(id, "m", {{id, MacroKeyInfo::Function, 9}});
-    const auto report = NerinAction::encodeMacroReport(0, macroButton(1), *macro);
+    const auto report = reportOf(0, macroButton(1), *macro);
     const Bytes bytes(report.begin(), report.end());
     const auto length = static_cast<std::size_t>(macro->getMacroCount());
     EXPECT_EQ(length, 2U * static_cast<std::size_t>(id - 1));
@@ -238,22 +245,22 @@ TEST_F(MacroWrite, ANameStopsAtTheEndOfTheReport) {
 
 TEST_F(MacroWrite, AnUnknownRepeatModeHasTypeZero) {
   const auto macro = addMacro(1, "m");
-  const auto report = NerinAction::encodeMacroReport(0, macroButton(1, 9, 3), *macro);
+  const auto report = reportOf(0, macroButton(1, 9, 3), *macro);
   EXPECT_EQ(report[4], 0);
   EXPECT_EQ(report[5], 255);
 }
 
 TEST_F(MacroWrite, TheRepeatCountOfTheMacroItselfIsNotSent) {
   const auto macro = addMacro(1, "m");
-  const auto before = NerinAction::encodeMacroReport(0, macroButton(1), *macro);
+  const auto before = reportOf(0, macroButton(1), *macro);
   macro->setLoopTime(77);
-  EXPECT_EQ(NerinAction::encodeMacroReport(0, macroButton(1), *macro), before);
+  EXPECT_EQ(reportOf(0, macroButton(1), *macro), before);
 }
 
 TEST_F(MacroWrite, IsAnnouncedThenSentAndThenPauses) {
   addMacro(5, "Five", {{49, 0, 0}});
-  currFWProfile.btnInfo[14] = macroButton(5);
-  EXPECT_TRUE(NerinAction::setFWMacroData(6, 14));
+  editState->currFWProfile().btnInfo[14] = macroButton(5);
+  EXPECT_TRUE(NerinAction::setFWMacroData(6, 14).value);
   const int macroSlot = 6 * 19 + 17;
   const Bytes slotByte{static_cast<std::uint8_t>(macroSlot)};
   EXPECT_THAT(trace(),
@@ -264,34 +271,34 @@ TEST_F(MacroWrite, IsAnnouncedThenSentAndThenPauses) {
 }
 
 TEST_F(MacroWrite, AMissingMacroIsAnnouncedAllTheSame) {
-  currFWProfile.btnInfo[3] = macroButton(5);
-  EXPECT_FALSE(NerinAction::setFWMacroData(0, 3));
+  editState->currFWProfile().btnInfo[3] = macroButton(5);
+  EXPECT_FALSE(NerinAction::setFWMacroData(0, 3).value);
   EXPECT_THAT(trace(), ElementsAre("SET 0300 0 c40b030100000000", "SLEEP 30"));
 }
 
 TEST_F(MacroWrite, MacroZeroIsTheFirstImportedOne) {
   addMacro(0, "first import", {{0, 0, 0}});
   addMacro(0, "second import", {{1, 0, 0}});
-  EXPECT_TRUE(NerinAction::setFWMacroData(0, 3));
+  EXPECT_TRUE(NerinAction::setFWMacroData(0, 3).value);
   EXPECT_EQ(mouse().macroReport(3)[52], 0x04);
 }
 
 TEST_F(MacroWrite, ButtonsThatDoNotExistHaveNoMacro) {
   addMacro(0, "m");
   for (const int index : {-1, 16, 1000}) {
-    EXPECT_FALSE(NerinAction::setFWMacroData(0, index));
-    NerinAction::getFWMacroData(0, index);
+    EXPECT_FALSE(NerinAction::setFWMacroData(0, index).value);
+    EXPECT_TRUE(NerinAction::getFWMacroData(0, index).isDone());
   }
   EXPECT_THAT(trace(), IsEmpty());
 }
 
 TEST_F(MacroWrite, LogsTheLengthOfTheNameAndTheChecksum) {
   addMacro(5, std::string(30, 'n'), {{49, 0, 0}});
-  currFWProfile.btnInfo[3] = macroButton(5);
-  NerinAction::sysDeviceReq->setIsPrintMsg(false);
+  editState->currFWProfile().btnInfo[3] = macroButton(5);
+  (*NerinAction::sysDeviceReq)->setIsPrintMsg(false);
   std::vector<std::string> lines;
   LXLogger::setObserver([&](LXLogger::Level, std::string_view line) { lines.emplace_back(line); });
-  EXPECT_TRUE(NerinAction::setFWMacroData(0, 3));
+  EXPECT_TRUE(NerinAction::setFWMacroData(0, 3).value);
   LXLogger::setObserver({});
   EXPECT_THAT(lines, ElementsAre("60", std::to_string(mouse().macroReport(3)[3])));
 }

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Wire/ProfileImage.h"
 #include "Tests/Support/ActionTest.h"
 #include "Tests/Support/JsonFixture.h"
@@ -17,20 +18,29 @@ using testing::IsEmpty;
 
 class ImageTranslation : public ActionTest {
  protected:
+  static std::vector<int> indexesOf(const NerinAction::ButtonSet& buttons) {
+    std::vector<int> indexes;
+    for (std::size_t index = 0; index < buttons.size(); ++index) {
+      if (buttons[index]) {
+        indexes.push_back(static_cast<int>(index));
+      }
+    }
+    return indexes;
+  }
+
   Bytes encoded(std::uint8_t slot = 0, bool hasMacros = true) {
-    m_written.clear();
-    const auto image = NerinAction::encodeProfileImage(slot, m_profile, [&](int index) {
-      m_written.push_back(index);
-      return hasMacros;
-    });
+    const auto macros = NerinAction::macroButtonsOf(m_profile);
+    m_written = indexesOf(macros);
+    const auto image = NerinAction::encodeProfileImage(
+        slot, m_profile, hasMacros ? NerinAction::ButtonSet() : macros);
     return {image.begin(), image.end()};
   }
 
   void decode(const Bytes& bytes) {
     NerinAction::ProfileImage image{};
     std::copy(bytes.begin(), bytes.end(), image.begin());
-    m_read.clear();
-    NerinAction::decodeProfileImage(image, m_profile, [&](int index) { m_read.push_back(index); });
+    m_read = indexesOf(
+        NerinAction::decodeProfileImage(image, m_profile, NerinAction::singleFunctionIdOf));
   }
 
   // An image with one byte set.
@@ -418,20 +428,14 @@ TEST_F(ImageTranslation, MacrosAreReadForMacroButtonsOnlyAndInOrder) {
   EXPECT_THAT(m_read, ElementsAre(2, 15));
 }
 
-TEST_F(ImageTranslation, AMacroIsReadAfterLevelsLightsAndItsButton) {
+TEST_F(ImageTranslation, AMacroButtonKeepsItsParametersUntilTheMacroIsRead) {
   Bytes image(154);
-  image[5] = 9;
-  image[43] = 77;
   image[58] = 6;
   image[59] = 3;
-  NerinAction::ProfileImage bytes{};
-  std::copy(image.begin(), image.end(), bytes.begin());
-  bool isComplete = false;
-  NerinAction::decodeProfileImage(bytes, m_profile, [&](int index) {
-    isComplete = index == 0 && m_profile.liftHeight == 9 && m_profile.lightColorArr[0].cR == 77 &&
-                 m_profile.btnInfo[0].btnType == 2 && m_profile.btnInfo[0].KeyBit[0] == 3;
-  });
-  EXPECT_TRUE(isComplete);
+  decode(image);
+  EXPECT_THAT(m_read, ElementsAre(0));
+  EXPECT_EQ(m_profile.btnInfo[0].btnType, 2U);
+  EXPECT_EQ(m_profile.btnInfo[0].KeyBit[0], 3U);
 }
 
 TEST_F(ImageTranslation, WhatTheImageLacksIsNotTouched) {

@@ -141,7 +141,7 @@ TEST_F(Preferences, AreTheOldOnesOrTheNewOnesWhicheverStepFails) {
   const LogLines log;
   const int steps = FailingDisk{ENOSPC}.failEachStep(
       [&] { put("<dict><key>OSDTag</key><false/><key>service</key><string>s</string></dict>"); },
-      [&] { m_file.setValue("OSDTag", true); },
+      [&] { static_cast<void>(m_file.setValue("OSDTag", true)); },
       [&](const std::string& step) {
         EXPECT_TRUE(m_file.boolFor("OSDTag").has_value()) << step;
         EXPECT_EQ(m_file.stringFor("service"), "s") << step;

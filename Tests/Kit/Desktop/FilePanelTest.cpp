@@ -163,10 +163,10 @@ TEST_F(FilePanel, ImportRenamesATwinAndShowsItInTheMenu) {
   click("profileImportBtn");
   EXPECT_THAT(namesIn(libraryFolder()), ElementsAre("NewPF_1.pro", "NewPF_1_1.pro"));
   EXPECT_THAT(m_shown, IsEmpty());
-  EXPECT_FALSE(isNeedSave);
-  ASSERT_EQ(profileNode->children().size(), 2U);
-  EXPECT_EQ(profileNode->children()[1]->nodeData()->titleStr(), "NewPF_1_1");
-  EXPECT_EQ(profileNode->children()[1]->nodeData()->type(), 1);
+  EXPECT_FALSE(editState->isNeedSave());
+  ASSERT_EQ((*profileNode)->children().size(), 2U);
+  EXPECT_EQ((*profileNode)->children()[1]->nodeData()->titleStr(), "NewPF_1_1");
+  EXPECT_EQ((*profileNode)->children()[1]->nodeData()->type(), 1);
 }
 
 TEST_F(FilePanel, TheLibraryIsWrittenEvenWhenImportIsCancelledOrFails) {
@@ -183,7 +183,7 @@ TEST_F(FilePanel, TheLibraryIsWrittenEvenWhenImportIsCancelledOrFails) {
 
 TEST_F(FilePanel, ExportWritesTheProfileAsStored) {
   startNamed();
-  selProfile.poRate = (selProfile.poRate + 1) % 4;
+  editState->edit().poRate = (editState->selProfile().poRate + 1) % 4;
   m_chosen = home() / "Office";
   click("profileExportBtn");
   ASSERT_EQ(m_panels.size(), 1U);
@@ -204,7 +204,7 @@ TEST_F(FilePanel, TheLinkedProgramIsStoredAsChosen) {
             fs::is_directory(applications) ? applications : "/usr/share/applications");
   EXPECT_EQ(m_panels[0].kind, filepanel::Kind::Program);
   EXPECT_FALSE(m_panels[0].isSave);
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
   EXPECT_TRUE(button("applyBtn").isEnabled());
   EXPECT_THAT(button("linkProBtn").toolTip().toStdString(),
               testing::HasSubstr("/usr/share/applications/Some Program.desktop"));
@@ -220,7 +220,7 @@ TEST_F(FilePanel, TheLinkedProgramIsStoredAsChosen) {
 TEST_F(FilePanel, ACancelledLinkIsNoEdit) {
   start();
   click("linkProBtn");
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_FALSE(library().currActivePath().has_value());
 }
 

@@ -42,8 +42,8 @@ class AssignRoads : public EditorTest {
   void pressInChild(const char* name) { clickThroughWindow(inChild(name)); }
   // A button of the mouse that does nothing yet, in the program and on the mouse.
   void disable(int index) {
-    selProfile.btnInfo[index] = ActionTest::button(255, {}, ButtonTypeDisabled);
-    isNeedSave = true;
+    editState->edit().btnInfo[index] = ActionTest::button(255, {}, ButtonTypeDisabled);
+    editState->raiseNeedSave();
     view().fillSettingData();
     view().refreshApplyBtn();
     click("applyBtn");
@@ -109,9 +109,9 @@ class AssignRoads : public EditorTest {
     EXPECT_EQ(child(), nullptr);
     EXPECT_EQ(caption(hotSpot), shown);
     EXPECT_EQ(button(hotSpot).toolTip().toStdString(), shown);
-    EXPECT_TRUE(isNeedSave);
+    EXPECT_TRUE(editState->isNeedSave());
     clickThroughWindow(button("applyBtn"));
-    EXPECT_FALSE(isNeedSave);
+    EXPECT_FALSE(editState->isNeedSave());
     expectMemory(expected);
     startAgain();
     EXPECT_EQ(caption(hotSpot), shown);
@@ -134,7 +134,7 @@ TEST_F(AssignRoads, Default) {
 
 TEST_F(AssignRoads, Macro) {
   addMacro(1, "Five", {{0, 0, 10}, {0, 1, 0}});
-  NerinAction::saveMenuList();
+  EXPECT_TRUE(NerinAction::saveMenuList());
   disable(14);
   Memory before = memory();
   Bytes& macro = before.macros[17];
@@ -149,7 +149,7 @@ TEST_F(AssignRoads, Macro) {
   chooseIn(inPart("tkeyView", "tkeySelBtn"), "Five");
   chooseIn(inPart("tkeyView", "repeatSelBtn"), "Repeat Until Stopped");
   finish("WhellUpBtn", 17, "0604000000", "Five", before);
-  EXPECT_EQ(NerinAction::macroListArrs.size(), 1U);
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.size(), 1U);
 }
 
 TEST_F(AssignRoads, MouseFunction) {
@@ -222,9 +222,9 @@ TEST_F(AssignRoads, ADpiEditAloneCanBeAppliedAndSurvivesANewStart) {
   EXPECT_EQ(image()[12], 24);
   EXPECT_EQ(image()[13], 24);
   startAgain();
-  EXPECT_EQ(selProfile.dpiLevel, 2U);
-  EXPECT_EQ(selProfile.currSelectDPI, 1U);
-  EXPECT_EQ(selProfile.xSensArr[1], 24U);
+  EXPECT_EQ(editState->selProfile().dpiLevel, 2U);
+  EXPECT_EQ(editState->selProfile().currSelectDPI, 1U);
+  EXPECT_EQ(editState->selProfile().xSensArr[1], 24U);
   openPerformance();
   EXPECT_EQ(inChild("levelSelBtn").title(), "2");
   EXPECT_EQ(textOf(partOf<LXNumberTextField>(inChild<LevelView>("levelView2"), "dpiEdt")), "1200");
@@ -240,12 +240,12 @@ TEST_F(AssignRoads, ARateAndALiftHeightCanBeAppliedAndSurviveANewStart) {
   EXPECT_EQ(image()[4], 8);
   EXPECT_EQ(image()[5], 0x20);
   startAgain();
-  EXPECT_EQ(selProfile.poRate, 0U);
-  EXPECT_EQ(selProfile.liftHeight, 0U);
+  EXPECT_EQ(editState->selProfile().poRate, 0U);
+  EXPECT_EQ(editState->selProfile().liftHeight, 0U);
 }
 
 TEST_F(AssignRoads, NothingThatWasCancelledCanBeApplied) {
-  const _Nerin_PROFILE before = selProfile;
+  const _Nerin_PROFILE before = editState->selProfile();
   const std::function<void()> ends[] = {[this] { pressInChild("cancelBtn"); },
                                         [this] { QTest::keyClick(child(), Qt::Key_Escape); },
                                         [this] { child()->close(); }};
@@ -259,7 +259,7 @@ TEST_F(AssignRoads, NothingThatWasCancelledCanBeApplied) {
     process();
     EXPECT_EQ(child(), nullptr);
     EXPECT_EQ(image()[58 + 5], 1);
-    EXPECT_EQ(std::memcmp(&selProfile, &before, sizeof before), 0);
+    EXPECT_EQ(std::memcmp(&editState->selProfile(), &before, sizeof before), 0);
     EXPECT_EQ(caption("rightBtn"), shown);
     EXPECT_FALSE(button("applyBtn").isEnabled());
 
@@ -274,7 +274,7 @@ TEST_F(AssignRoads, NothingThatWasCancelledCanBeApplied) {
     EXPECT_EQ(image()[4], 8U >> before.poRate);
     EXPECT_EQ(this->told().size(), told + 1);
     EXPECT_EQ(this->told().back(), "122 false");
-    EXPECT_EQ(std::memcmp(&selProfile, &before, sizeof before), 0);
+    EXPECT_EQ(std::memcmp(&editState->selProfile(), &before, sizeof before), 0);
     EXPECT_FALSE(button("applyBtn").isEnabled());
   }
 }
@@ -291,7 +291,7 @@ TEST_F(AssignRoads, LevelsThatWereKeptUnderACancelledPanelCanBeApplied) {
   process();
   ASSERT_TRUE(button("applyBtn").isEnabled());
   clickThroughWindow(button("applyBtn"));
-  const std::uint32_t active = selProfile.currSelectDPI;
+  const std::uint32_t active = editState->selProfile().currSelectDPI;
   EXPECT_EQ(image()[7 + 5 * active], 164);
   EXPECT_EQ(image()[8 + 5 * active], 164);
 }

@@ -222,7 +222,7 @@ TEST_F(KeyAssign, ApplyCanBePressedAnyNumberOfTimes) {
   }
   EXPECT_THAT(sent(), ElementsAre(buttonCommand(3, "ff0b0c0d0e"), buttonCommand(3, "02004d0000"),
                                   buttonCommand(3, "ff77000000")));
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_TRUE(isSame(stored(), full(3, 1)));
 }
 
@@ -232,7 +232,7 @@ TEST_F(KeyAssign, CloseStoresTheAssignmentAndSendsNothing) {
   press("okBtn");
   EXPECT_FALSE(isOpen());
   EXPECT_EQ(panel().endTag(), 1);
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
   EXPECT_EQ(stored().FuncTableId, 255U);
   EXPECT_TRUE(isSame(stored(), panel().tmpBtnInfo()));
   EXPECT_THAT(trace(), IsEmpty());
@@ -240,13 +240,13 @@ TEST_F(KeyAssign, CloseStoresTheAssignmentAndSendsNothing) {
 
 TEST_F(KeyAssign, OtherButtonsStayAsTheyAre) {
   for (int index = 0; index < 16; ++index) {
-    selProfile.btnInfo[index] = full(2, 6);
+    editState->edit().btnInfo[index] = full(2, 6);
   }
   openPanel(15, full(3, 1));
   chooseType("Disable");
   press("okBtn");
   for (int index = 0; index < 15; ++index) {
-    EXPECT_TRUE(isSame(selProfile.btnInfo[index], full(2, 6))) << index;
+    EXPECT_TRUE(isSame(editState->selProfile().btnInfo[index], full(2, 6))) << index;
   }
 }
 
@@ -256,7 +256,7 @@ TEST_F(KeyAssign, CancelSendsTheStoredAssignment) {
   press("cancelBtn");
   EXPECT_FALSE(isOpen());
   EXPECT_EQ(panel().endTag(), 0);
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_THAT(sent(), ElementsAre(buttonCommand(3, "010b0c0d0e")));
   EXPECT_TRUE(isSame(stored(), full(3, 1)));
   EXPECT_TRUE(isSame(panel().tmpBtnInfo(), full(3, 1)));

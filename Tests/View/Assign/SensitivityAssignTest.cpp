@@ -237,21 +237,22 @@ TEST_F(SensitivityAssign, TheLevelsHaveAModalWindowOfTheirOwn) {
 }
 
 TEST_F(SensitivityAssign, LevelsThatWereKeptSurviveTheCancelOfThePanel) {
-  selProfile.dpiLevel = 3;
+  editState->edit().dpiLevel = 3;
   openPanel(3, dpi(2));
+  editState->clearNeedSave();
   onModal<LevelSettingView>([](LXNoTitleWindow&, LevelSettingView& levels) {
     hitKey(partOf<LXProgressBar>(levels, "dpiPro"), Qt::Key_End);
     pressIn(levels, "okBtn");
   });
   clickThroughWindow(levelsButton());
-  EXPECT_EQ(selProfile.xSensArr[0], 164U);
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_EQ(editState->selProfile().xSensArr[0], 164U);
+  EXPECT_TRUE(editState->isNeedSave());
   EXPECT_THAT(trace(), IsEmpty());
   press("cancelBtn");
-  EXPECT_EQ(selProfile.xSensArr[0], 164U);
-  EXPECT_EQ(selProfile.dpiLevel, 3U);
+  EXPECT_EQ(editState->selProfile().xSensArr[0], 164U);
+  EXPECT_EQ(editState->selProfile().dpiLevel, 3U);
   EXPECT_TRUE(isSame(stored(), dpi(2)));
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
 }
 
 TEST_F(SensitivityAssign, TheWindowOfTheLevelsKeepsTheAssignmentThatIsEdited) {

@@ -24,12 +24,12 @@ class DpiLevels : public EditorTest, public testing::WithParamInterface<const ch
  protected:
   DpiLevels() {
     for (std::uint32_t level = 0; level < levelCount; ++level) {
-      selProfile.xSensArr[level] = selProfile.ySensArr[level] = 10 * (level + 1);
+      editState->edit().xSensArr[level] = editState->edit().ySensArr[level] = 10 * (level + 1);
     }
-    selProfile.dpiLevel = 5;
-    selProfile.currSelectDPI = 1;
-    selProfile.liftHeight = 31;
-    selProfile.poRate = 2;
+    editState->edit().dpiLevel = 5;
+    editState->edit().currSelectDPI = 1;
+    editState->edit().liftHeight = 31;
+    editState->edit().poRate = 2;
   }
   void openLevels() {
     if (std::string(GetParam()) == "PerformanceView") {
@@ -43,7 +43,7 @@ class DpiLevels : public EditorTest, public testing::WithParamInterface<const ch
   }
   // As above, with two values in one of the levels.
   void openTwoValued() {
-    selProfile.ySensArr[1] = 25;
+    editState->edit().ySensArr[1] = 25;
     openLevels();
   }
   DpiLevelsView& levels() { return *m_levels; }
@@ -105,12 +105,12 @@ INSTANTIATE_TEST_SUITE_P(Windows, DpiLevels, testing::Values("PerformanceView", 
 }  // namespace
 
 TEST_P(DpiLevels, OpeningTakesTheWholeEditedProfileAndChangesNothingOfIt) {
-  const _Nerin_PROFILE before = selProfile;
-  currSetProfile.liftHeight = 3;
-  currSetProfile.btnInfo[4].FuncID = 77;
+  const _Nerin_PROFILE before = editState->selProfile();
+  editState->currSetProfile().liftHeight = 3;
+  editState->currSetProfile().btnInfo[4].FuncID = 77;
   openLevels();
-  EXPECT_EQ(std::memcmp(&currSetProfile, &before, sizeof before), 0);
-  EXPECT_EQ(std::memcmp(&selProfile, &before, sizeof before), 0);
+  EXPECT_EQ(std::memcmp(&editState->currSetProfile(), &before, sizeof before), 0);
+  EXPECT_EQ(std::memcmp(&editState->selProfile(), &before, sizeof before), 0);
 }
 
 TEST_P(DpiLevels, EqualAxesOpenWithTheBoxUnchecked) {
@@ -122,8 +122,8 @@ TEST_P(DpiLevels, EqualAxesOpenWithTheBoxUnchecked) {
 }
 
 TEST_P(DpiLevels, AxesThatDifferInALevelInUseOpenWithTheBoxChecked) {
-  selProfile.dpiLevel = 3;
-  selProfile.ySensArr[2] = 31;
+  editState->edit().dpiLevel = 3;
+  editState->edit().ySensArr[2] = 31;
   openLevels();
   EXPECT_TRUE(levels().isXY());
   EXPECT_EQ(slider().showType(), 2);
@@ -132,17 +132,17 @@ TEST_P(DpiLevels, AxesThatDifferInALevelInUseOpenWithTheBoxChecked) {
 }
 
 TEST_P(DpiLevels, AxesThatDifferBeyondTheLevelsInUseDoNotCount) {
-  selProfile.dpiLevel = 3;
-  selProfile.ySensArr[3] = 99;
+  editState->edit().dpiLevel = 3;
+  editState->edit().ySensArr[3] = 99;
   openLevels();
   EXPECT_FALSE(levels().isXY());
 }
 
 TEST_P(DpiLevels, EveryLevelShowsItsStoredValuesWithinTheLimits) {
-  selProfile.xSensArr[0] = 1;
-  selProfile.ySensArr[0] = 165;
-  selProfile.xSensArr[4] = 0;
-  selProfile.ySensArr[4] = 0xFFFFFFFF;
+  editState->edit().xSensArr[0] = 1;
+  editState->edit().ySensArr[0] = 165;
+  editState->edit().xSensArr[4] = 0;
+  editState->edit().ySensArr[4] = 0xFFFFFFFF;
   openLevels();
   EXPECT_THAT(inLevel(1), ElementsAre(2, 2, 164));
   EXPECT_THAT(inLevel(3), ElementsAre(30, 30, 30));
@@ -159,11 +159,11 @@ TEST_P(DpiLevels, TheActiveLevelIsMarkedAndOnTheSlider) {
 
 TEST_P(DpiLevels, AnActiveLevelThatIsNotInUseBecomesTheLastOne) {
   for (const std::uint32_t active : {3U, 5U, 15U, 0xFFFFFFFFU}) {
-    selProfile.dpiLevel = 3;
-    selProfile.currSelectDPI = active;
+    editState->edit().dpiLevel = 3;
+    editState->edit().currSelectDPI = active;
     openLevels();
     EXPECT_THAT(marked(), ElementsAre(3)) << active;
-    EXPECT_EQ(currSetProfile.currSelectDPI, 2U) << active;
+    EXPECT_EQ(editState->currSetProfile().currSelectDPI, 2U) << active;
     EXPECT_THAT(onSlider(), ElementsAre(30, 30, 30)) << active;
   }
 }
@@ -178,22 +178,22 @@ TEST_P(DpiLevels, AClickIntoTheFieldThatIsBeingTypedInCommitsNothing) {
 }
 
 TEST_P(DpiLevels, NoLevelKeepsTheAxesOfTheOneThatIsShown) {
-  selProfile.dpiLevel = 0;
-  selProfile.ySensArr[0] = 80;
+  editState->edit().dpiLevel = 0;
+  editState->edit().ySensArr[0] = 80;
   openLevels();
   EXPECT_TRUE(levels().isXY());
   press("okBtn");
-  EXPECT_EQ(selProfile.xSensArr[0], 10U);
-  EXPECT_EQ(selProfile.ySensArr[0], 80U);
+  EXPECT_EQ(editState->selProfile().xSensArr[0], 10U);
+  EXPECT_EQ(editState->selProfile().ySensArr[0], 80U);
 }
 
 TEST_P(DpiLevels, NoLevelShowsOneAndMoreThanFiveShowFive) {
-  selProfile.dpiLevel = 0;
+  editState->edit().dpiLevel = 0;
   openLevels();
   EXPECT_THAT(visible(singles), ElementsAre(1));
   EXPECT_THAT(marked(), ElementsAre(1));
   for (const std::uint32_t count : {6U, 15U, 0xFFFFFFFFU}) {
-    selProfile.dpiLevel = count;
+    editState->edit().dpiLevel = count;
     openLevels();
     EXPECT_THAT(visible(singles), ElementsAre(1, 2, 3, 4, 5)) << count;
     EXPECT_THAT(marked(), ElementsAre(2)) << count;
@@ -206,7 +206,7 @@ TEST_P(DpiLevels, TheCountShowsSoManyOfTheSetInUse) {
     levels().setCurrLevlePro(count, false);
     EXPECT_EQ(visible(singles).size(), count);
     EXPECT_THAT(visible(doubles), IsEmpty());
-    EXPECT_EQ(currSetProfile.dpiLevel, count);
+    EXPECT_EQ(editState->currSetProfile().dpiLevel, count);
     EXPECT_EQ(levels().currLevel(), count);
   }
 }
@@ -217,15 +217,15 @@ TEST_P(DpiLevels, ACountThatDoesNotExistChangesNothingOnTheScreen) {
     levels().setCurrLevlePro(count, false);
     EXPECT_THAT(visible(singles), ElementsAre(1, 2, 3, 4, 5)) << count;
     EXPECT_THAT(marked(), ElementsAre(2)) << count;
-    EXPECT_EQ(currSetProfile.currSelectDPI, 1U) << count;
+    EXPECT_EQ(editState->currSetProfile().currSelectDPI, 1U) << count;
   }
 }
 
 TEST_P(DpiLevels, FewerLevelsMakeTheLastOneActive) {
-  selProfile.currSelectDPI = 4;
+  editState->edit().currSelectDPI = 4;
   openLevels();
   levels().setCurrLevlePro(3, false);
-  EXPECT_EQ(currSetProfile.currSelectDPI, 2U);
+  EXPECT_EQ(editState->currSetProfile().currSelectDPI, 2U);
   EXPECT_THAT(marked(), ElementsAre(3));
   EXPECT_THAT(onSlider(), ElementsAre(30, 30, 30));
 }
@@ -234,7 +234,7 @@ TEST_P(DpiLevels, AClickOnALevelMakesItTheOnlyActiveOne) {
   openLevels();
   clickLevel(one(4));
   EXPECT_THAT(marked(), ElementsAre(4));
-  EXPECT_EQ(currSetProfile.currSelectDPI, 3U);
+  EXPECT_EQ(editState->currSetProfile().currSelectDPI, 3U);
   EXPECT_THAT(onSlider(), ElementsAre(40, 40, 40));
   clickLevel(one(4));
   EXPECT_THAT(marked(), ElementsAre(4));
@@ -251,7 +251,7 @@ TEST_P(DpiLevels, AClickOnALevelOfTwoValuesFillsBothSliders) {
 }
 
 TEST_P(DpiLevels, TheArrowsMoveThroughTheLevelsInUse) {
-  selProfile.dpiLevel = 3;
+  editState->edit().dpiLevel = 3;
   openLevels();
   hitKey(control("level2"), Qt::Key_Right);
   EXPECT_THAT(marked(), ElementsAre(3));
@@ -260,7 +260,7 @@ TEST_P(DpiLevels, TheArrowsMoveThroughTheLevelsInUse) {
   hitKey(control("level3"), Qt::Key_Up);
   hitKey(control("level2"), Qt::Key_Left);
   EXPECT_THAT(marked(), ElementsAre(1));
-  EXPECT_EQ(currSetProfile.currSelectDPI, 0U);
+  EXPECT_EQ(editState->currSetProfile().currSelectDPI, 0U);
 }
 
 TEST_P(DpiLevels, TheCommonSliderWritesBothAxesOfTheActiveLevelAlone) {
@@ -270,7 +270,7 @@ TEST_P(DpiLevels, TheCommonSliderWritesBothAxesOfTheActiveLevelAlone) {
   EXPECT_EQ(textOf(fieldOf(one(2))), "1050");
   EXPECT_THAT(inLevel(1), ElementsAre(10, 10, 10));
   EXPECT_THAT(inLevel(3), ElementsAre(30, 30, 30));
-  EXPECT_EQ(currSetProfile.xSensArr[1], 20U);
+  EXPECT_EQ(editState->currSetProfile().xSensArr[1], 20U);
 }
 
 TEST_P(DpiLevels, TheAxesSlidersWriteTheirAxesAndXIntoTheSingleValue) {
@@ -303,7 +303,7 @@ TEST_P(DpiLevels, TypingIntoAnotherLevelMakesThatOneActiveFirst) {
   openLevels();
   commitIn(fieldOf(one(5)), "8200");
   EXPECT_THAT(marked(), ElementsAre(5));
-  EXPECT_EQ(currSetProfile.currSelectDPI, 4U);
+  EXPECT_EQ(editState->currSetProfile().currSelectDPI, 4U);
   EXPECT_THAT(inLevel(5), ElementsAre(164, 164, 164));
   EXPECT_THAT(inLevel(2), ElementsAre(20, 20, 20));
   EXPECT_EQ(slider().dpiValue(), 164U);
@@ -324,9 +324,9 @@ TEST_P(DpiLevels, ALevelChosenAfterTypingIntoAnotherStaysTheActiveOne) {
   EXPECT_THAT(marked(), ElementsAre(3));
   press("applyBtn");
   EXPECT_THAT(marked(), ElementsAre(3));
-  EXPECT_EQ(currSetProfile.currSelectDPI, 2U);
-  EXPECT_EQ(currSetProfile.xSensArr[0], 24U);
-  EXPECT_EQ(currSetProfile.xSensArr[2], 30U);
+  EXPECT_EQ(editState->currSetProfile().currSelectDPI, 2U);
+  EXPECT_EQ(editState->currSetProfile().xSensArr[0], 24U);
+  EXPECT_EQ(editState->currSetProfile().xSensArr[2], 30U);
 }
 
 TEST_P(DpiLevels, CheckingTheBoxShowsTheAxesOfTheActiveLevel) {
@@ -355,34 +355,34 @@ TEST_P(DpiLevels, UncheckingTheBoxGivesBothAxesTheSingleValue) {
 }
 
 TEST_P(DpiLevels, TheBoxKeepsTheNumberOfLevels) {
-  selProfile.dpiLevel = 3;
+  editState->edit().dpiLevel = 3;
   openLevels();
   press("enableXYChk");
   EXPECT_THAT(visible(doubles), ElementsAre(1, 2, 3));
   press("enableXYChk");
   EXPECT_THAT(visible(singles), ElementsAre(1, 2, 3));
-  EXPECT_EQ(currSetProfile.dpiLevel, 3U);
+  EXPECT_EQ(editState->currSetProfile().dpiLevel, 3U);
 }
 
 TEST_P(DpiLevels, SavingTakesBothAxesOfAllFiveLevels) {
-  selProfile.dpiLevel = 2;
-  selProfile.ySensArr[0] = 11;
-  selProfile.ySensArr[4] = 55;
+  editState->edit().dpiLevel = 2;
+  editState->edit().ySensArr[0] = 11;
+  editState->edit().ySensArr[4] = 55;
   openLevels();
   levels().saveData();
-  EXPECT_THAT(currSetProfile.xSensArr, ElementsAre(10, 20, 30, 40, 50));
-  EXPECT_THAT(currSetProfile.ySensArr, ElementsAre(11, 20, 30, 40, 55));
+  EXPECT_THAT(editState->currSetProfile().xSensArr, ElementsAre(10, 20, 30, 40, 50));
+  EXPECT_THAT(editState->currSetProfile().ySensArr, ElementsAre(11, 20, 30, 40, 55));
 }
 
 TEST_P(DpiLevels, SavingWithTheBoxUncheckedMakesTheAxesEqualInAllFiveLevels) {
-  selProfile.dpiLevel = 2;
-  selProfile.ySensArr[0] = 11;
-  selProfile.ySensArr[4] = 55;
+  editState->edit().dpiLevel = 2;
+  editState->edit().ySensArr[0] = 11;
+  editState->edit().ySensArr[4] = 55;
   openLevels();
   press("enableXYChk");
   levels().saveData();
-  EXPECT_THAT(currSetProfile.xSensArr, ElementsAre(10, 20, 30, 40, 50));
-  EXPECT_THAT(currSetProfile.ySensArr, ElementsAre(10, 20, 30, 40, 50));
+  EXPECT_THAT(editState->currSetProfile().xSensArr, ElementsAre(10, 20, 30, 40, 50));
+  EXPECT_THAT(editState->currSetProfile().ySensArr, ElementsAre(10, 20, 30, 40, 50));
 }
 
 TEST_P(DpiLevels, SavingOneLevelTakesTheSliderAlone) {
@@ -390,11 +390,11 @@ TEST_P(DpiLevels, SavingOneLevelTakesTheSliderAlone) {
   slider().setDpiXValue(90);
   slider().setDpiYValue(91);
   levels().saveDPiData(3);
-  EXPECT_THAT(currSetProfile.xSensArr, ElementsAre(10, 20, 30, 90, 50));
-  EXPECT_THAT(currSetProfile.ySensArr, ElementsAre(10, 25, 30, 91, 50));
+  EXPECT_THAT(editState->currSetProfile().xSensArr, ElementsAre(10, 20, 30, 90, 50));
+  EXPECT_THAT(editState->currSetProfile().ySensArr, ElementsAre(10, 25, 30, 91, 50));
   slider().setShowType(1);
   slider().setDpiValue(70);
   levels().saveDPiData(0);
-  EXPECT_EQ(currSetProfile.xSensArr[0], 70U);
-  EXPECT_EQ(currSetProfile.ySensArr[0], 70U);
+  EXPECT_EQ(editState->currSetProfile().xSensArr[0], 70U);
+  EXPECT_EQ(editState->currSetProfile().ySensArr[0], 70U);
 }

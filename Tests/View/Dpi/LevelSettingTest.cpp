@@ -20,14 +20,15 @@ class LevelSetting : public EditorTest {
  protected:
   LevelSetting() {
     for (std::uint32_t level = 0; level < levelCount; ++level) {
-      selProfile.xSensArr[level] = selProfile.ySensArr[level] = 10 * (level + 1);
+      editState->edit().xSensArr[level] = editState->edit().ySensArr[level] = 10 * (level + 1);
     }
-    selProfile.dpiLevel = 4;
-    selProfile.currSelectDPI = 1;
-    selProfile.liftHeight = 12;
-    selProfile.poRate = 1;
-    selProfile.btnInfo[3] = button(2, {7});
-    m_stored = selProfile;
+    editState->edit().dpiLevel = 4;
+    editState->edit().currSelectDPI = 1;
+    editState->edit().liftHeight = 12;
+    editState->edit().poRate = 1;
+    editState->edit().btnInfo[3] = button(2, {7});
+    editState->clearNeedSave();
+    m_stored = editState->selProfile();
   }
   // Runs the window over another one, hands it over, and gives the code with which it ends.
   int run(std::function<void(LXNoTitleWindow&, LevelSettingView&)> act) {
@@ -118,7 +119,7 @@ TEST_F(LevelSetting, ApplySendsTheWholeWorkingCopy) {
     moveSlider(levels);
     pressIn(levels, "applyBtn");
     EXPECT_EQ(sent(), settingCommands(edited()));
-    EXPECT_TRUE(isSameProfile(selProfile, m_stored));
+    EXPECT_TRUE(isSameProfile(editState->selProfile(), m_stored));
     EXPECT_TRUE(window.isVisible());
     clearTrace();
     pressIn(levels, "applyBtn");
@@ -135,14 +136,14 @@ TEST_F(LevelSetting, ApplyPreparesTheStoredProfileWithTheLevelsOfAllFive) {
     hitKey(field(levels, 4), Qt::Key_Return);
     pressIn(levels, "applyBtn");
     _Nerin_PROFILE expected = m_stored;
-    std::copy(std::begin(currSetProfile.xSensArr), std::end(currSetProfile.xSensArr),
-              expected.xSensArr);
-    std::copy(std::begin(currSetProfile.ySensArr), std::end(currSetProfile.ySensArr),
-              expected.ySensArr);
+    std::copy(std::begin(editState->currSetProfile().xSensArr),
+              std::end(editState->currSetProfile().xSensArr), expected.xSensArr);
+    std::copy(std::begin(editState->currSetProfile().ySensArr),
+              std::end(editState->currSetProfile().ySensArr), expected.ySensArr);
     EXPECT_THAT(expected.xSensArr, ElementsAre(10, 21, 30, 10, 50));
-    EXPECT_TRUE(isSameProfile(currFWProfile, expected));
-    EXPECT_EQ(currSetProfile.currSelectDPI, 3U);
-    EXPECT_EQ(currFWProfile.currSelectDPI, 1U);
+    EXPECT_TRUE(isSameProfile(editState->currFWProfile(), expected));
+    EXPECT_EQ(editState->currSetProfile().currSelectDPI, 3U);
+    EXPECT_EQ(editState->currFWProfile().currSelectDPI, 1U);
     window.close();
   });
 }
@@ -154,8 +155,8 @@ TEST_F(LevelSetting, CloseKeepsTheSettingsWithoutSending) {
             }),
             1);
   EXPECT_THAT(trace(), IsEmpty());
-  EXPECT_TRUE(isSameProfile(selProfile, edited()));
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_TRUE(isSameProfile(editState->selProfile(), edited()));
+  EXPECT_TRUE(editState->isNeedSave());
   EXPECT_THAT(told(), IsEmpty());
 }
 
@@ -170,8 +171,8 @@ TEST_F(LevelSetting, CancelSendsTheEditAgainAndKeepsTheProfile) {
   auto twice = once;
   twice.insert(twice.end(), once.begin(), once.end());
   EXPECT_EQ(sent(), twice);
-  EXPECT_TRUE(isSameProfile(selProfile, m_stored));
-  EXPECT_TRUE(isSameProfile(currFWProfile, m_stored));
+  EXPECT_TRUE(isSameProfile(editState->selProfile(), m_stored));
+  EXPECT_TRUE(isSameProfile(editState->currFWProfile(), m_stored));
   EXPECT_THAT(told(), IsEmpty());
 }
 
@@ -183,7 +184,7 @@ TEST_F(LevelSetting, CancelWithoutApplySendsWhatWasStored) {
             }),
             0);
   EXPECT_EQ(sent(), settingCommands(m_stored));
-  EXPECT_TRUE(isSameProfile(selProfile, m_stored));
+  EXPECT_TRUE(isSameProfile(editState->selProfile(), m_stored));
 }
 
 TEST_F(LevelSetting, EscapeAndAForcedCloseCancel) {
@@ -198,7 +199,7 @@ TEST_F(LevelSetting, EscapeAndAForcedCloseCancel) {
               }),
               0);
     EXPECT_EQ(sent(), settingCommands(m_stored));
-    EXPECT_TRUE(isSameProfile(selProfile, m_stored));
+    EXPECT_TRUE(isSameProfile(editState->selProfile(), m_stored));
   }
   EXPECT_EQ(modals(), 2);
 }
@@ -208,38 +209,38 @@ TEST_F(LevelSetting, WhatWasTypedLastCountsWhenAButtonIsPressed) {
     type(field(levels, 3), "4000");
     partOf<LXButton>(levels, "okBtn").click();
   });
-  EXPECT_THAT(selProfile.xSensArr, ElementsAre(10, 20, 80, 40, 50));
-  EXPECT_EQ(selProfile.currSelectDPI, 2U);
+  EXPECT_THAT(editState->selProfile().xSensArr, ElementsAre(10, 20, 80, 40, 50));
+  EXPECT_EQ(editState->selProfile().currSelectDPI, 2U);
 }
 
 TEST_F(LevelSetting, TheSliderIsSavedIntoTheActiveLevelBeforeAllLevelsAre) {
   run([](LXNoTitleWindow& window, LevelSettingView& levels) {
     // Out of step with its level: the level has the last word.
     partOf<DpiSliderView>(levels, "dpiSliderView").setDpiValue(99);
-    levels.saveDPiData(currSetProfile.currSelectDPI);
-    EXPECT_EQ(currSetProfile.xSensArr[1], 99U);
+    levels.saveDPiData(editState->currSetProfile().currSelectDPI);
+    EXPECT_EQ(editState->currSetProfile().xSensArr[1], 99U);
     levels.saveData();
-    EXPECT_EQ(currSetProfile.xSensArr[1], 20U);
+    EXPECT_EQ(editState->currSetProfile().xSensArr[1], 20U);
     window.close();
   });
 }
 
 TEST_F(LevelSetting, UncheckingTheBoxAndClosingMakesAllAxesEqual) {
-  selProfile.ySensArr[0] = 12;
-  selProfile.ySensArr[4] = 55;
+  editState->edit().ySensArr[0] = 12;
+  editState->edit().ySensArr[4] = 55;
   run([](LXNoTitleWindow&, LevelSettingView& levels) {
     EXPECT_TRUE(levels.isXY());
     pressIn(levels, "enableXYChk");
     pressIn(levels, "okBtn");
   });
-  EXPECT_THAT(selProfile.xSensArr, ElementsAre(10, 20, 30, 40, 50));
-  EXPECT_THAT(selProfile.ySensArr, ElementsAre(10, 20, 30, 40, 50));
+  EXPECT_THAT(editState->selProfile().xSensArr, ElementsAre(10, 20, 30, 40, 50));
+  EXPECT_THAT(editState->selProfile().ySensArr, ElementsAre(10, 20, 30, 40, 50));
 }
 
 TEST_F(LevelSetting, LiftHeightAndRateStayAsTheyAre) {
-  selProfile.liftHeight = 31;
-  selProfile.poRate = 9;
+  editState->edit().liftHeight = 31;
+  editState->edit().poRate = 9;
   run([](LXNoTitleWindow&, LevelSettingView& levels) { pressIn(levels, "okBtn"); });
-  EXPECT_EQ(selProfile.liftHeight, 31U);
-  EXPECT_EQ(selProfile.poRate, 9U);
+  EXPECT_EQ(editState->selProfile().liftHeight, 31U);
+  EXPECT_EQ(editState->selProfile().poRate, 9U);
 }

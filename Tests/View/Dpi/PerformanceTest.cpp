@@ -20,17 +20,17 @@ class Performance : public EditorTest {
  protected:
   Performance() {
     for (std::uint32_t level = 0; level < levelCount; ++level) {
-      selProfile.xSensArr[level] = selProfile.ySensArr[level] = 10 * (level + 1);
+      editState->edit().xSensArr[level] = editState->edit().ySensArr[level] = 10 * (level + 1);
     }
-    selProfile.dpiLevel = 5;
-    selProfile.currSelectDPI = 1;
-    selProfile.liftHeight = 12;
-    selProfile.poRate = 1;
-    selProfile.modeType = 1;
-    m_stored = selProfile;
+    editState->edit().dpiLevel = 5;
+    editState->edit().currSelectDPI = 1;
+    editState->edit().liftHeight = 12;
+    editState->edit().poRate = 1;
+    editState->edit().modeType = 1;
+    m_stored = editState->selProfile();
   }
   void openWindow() {
-    m_stored = selProfile;
+    m_stored = editState->selProfile();
     m_performance = new PerformanceView;
     m_performance->construct();
     show(m_performance);
@@ -52,7 +52,7 @@ class Performance : public EditorTest {
     clearTrace();
   }
   bool isStoredAsBefore() const {
-    return std::memcmp(&selProfile, &m_stored, sizeof m_stored) == 0;
+    return std::memcmp(&editState->selProfile(), &m_stored, sizeof m_stored) == 0;
   }
   _Nerin_PROFILE edited() const {
     _Nerin_PROFILE profile = m_stored;
@@ -77,7 +77,7 @@ class Performance : public EditorTest {
     EXPECT_THAT(told(), ElementsAre("122 false"));
     EXPECT_EQ(sent(), both(settingCommands(worked), rateCommand(1)));
     EXPECT_TRUE(isStoredAsBefore());
-    EXPECT_TRUE(isSameProfile(currFWProfile, m_stored));
+    EXPECT_TRUE(isSameProfile(editState->currFWProfile(), m_stored));
   }
 
   _Nerin_PROFILE m_stored{};
@@ -122,7 +122,7 @@ TEST_F(Performance, ItsControlsHaveTheirTagsAndTexts) {
 
 TEST_F(Performance, OpeningSendsTheRateOnceAndNothingElse) {
   for (std::uint32_t rate = 0; rate < 4; ++rate) {
-    selProfile.poRate = rate;
+    editState->edit().poRate = rate;
     clearTrace();
     openWindow();
     EXPECT_THAT(m_opening, ElementsAre(rateCommand(rate)));
@@ -141,7 +141,7 @@ TEST_F(Performance, FillingItAgainIsAnotherChoiceOfTheRate) {
 
 TEST_F(Performance, ARateThatDoesNotExistIsShownAsTheFastest) {
   for (const std::uint32_t rate : {4U, 0xFFFFFFFFU}) {
-    selProfile.poRate = rate;
+    editState->edit().poRate = rate;
     clearTrace();
     openWindow();
     EXPECT_THAT(m_opening, ElementsAre(rateCommand(3)));
@@ -154,7 +154,7 @@ TEST_F(Performance, ARateIsSentWhenItIsChosen) {
   openWindow();
   press("rate125Btn");
   EXPECT_THAT(sent(), ElementsAre("SET 0300 0 c40f000008000000"));
-  EXPECT_EQ(currSetProfile.poRate, 0U);
+  EXPECT_EQ(editState->currSetProfile().poRate, 0U);
   press("rate1000Btn");
   EXPECT_EQ(sent().back(), "SET 0300 0 c40f000001000000");
   press("rate500Btn");
@@ -163,7 +163,7 @@ TEST_F(Performance, ARateIsSentWhenItIsChosen) {
   EXPECT_EQ(sent().back(), "SET 0300 0 c40f000004000000");
   press("rate250Btn");
   EXPECT_EQ(sent().size(), 4U);
-  EXPECT_EQ(currSetProfile.poRate, 1U);
+  EXPECT_EQ(editState->currSetProfile().poRate, 1U);
   EXPECT_TRUE(isStoredAsBefore());
   EXPECT_THAT(told(), IsEmpty());
 }
@@ -171,36 +171,36 @@ TEST_F(Performance, ARateIsSentWhenItIsChosen) {
 TEST_F(Performance, ARateTakesTheWorkingCopyWholeIntoTheImage) {
   openWindow();
   hitKey(lift(), Qt::Key_Right);
-  currFWProfile = {};
+  editState->currFWProfile() = {};
   press("rate500Btn");
-  EXPECT_TRUE(isSameProfile(currFWProfile, currSetProfile));
-  EXPECT_EQ(currFWProfile.liftHeight, 13U);
+  EXPECT_TRUE(isSameProfile(editState->currFWProfile(), editState->currSetProfile()));
+  EXPECT_EQ(editState->currFWProfile().liftHeight, 13U);
 }
 
 TEST_F(Performance, TheLiftHeightFollowsItsSliderWithoutBeingSent) {
   openWindow();
   EXPECT_EQ(lift().value(), 12);
   hitKey(lift(), Qt::Key_Right);
-  EXPECT_EQ(currSetProfile.liftHeight, 13U);
+  EXPECT_EQ(editState->currSetProfile().liftHeight, 13U);
   hitKey(lift(), Qt::Key_Home);
-  EXPECT_EQ(currSetProfile.liftHeight, 0U);
+  EXPECT_EQ(editState->currSetProfile().liftHeight, 0U);
   hitKey(lift(), Qt::Key_End);
-  EXPECT_EQ(currSetProfile.liftHeight, 30U);
+  EXPECT_EQ(editState->currSetProfile().liftHeight, 30U);
   EXPECT_THAT(sent(), IsEmpty());
 }
 
 TEST_F(Performance, ALiftHeightOf31SurvivesUntilTheSliderIsMoved) {
-  selProfile.liftHeight = 31;
+  editState->edit().liftHeight = 31;
   openWindow();
   EXPECT_EQ(lift().value(), 30);
   press("applyBtn");
   EXPECT_EQ(sent(), settingCommands(m_stored));
   press("okBtn");
-  EXPECT_EQ(selProfile.liftHeight, 31U);
+  EXPECT_EQ(editState->selProfile().liftHeight, 31U);
   openWindow();
   hitKey(lift(), Qt::Key_Left);
   press("okBtn");
-  EXPECT_EQ(selProfile.liftHeight, 29U);
+  EXPECT_EQ(editState->selProfile().liftHeight, 29U);
 }
 
 TEST_F(Performance, TheListOfCountsHasItsWidthAndFiveEntries) {
@@ -214,24 +214,24 @@ TEST_F(Performance, ChoosingACountSetsIt) {
   openWindow();
   chooseIn("levelSelBtn", "3");
   EXPECT_EQ(control("levelSelBtn").title(), "3");
-  EXPECT_EQ(currSetProfile.dpiLevel, 3U);
-  EXPECT_EQ(currSetProfile.currSelectDPI, 1U);
+  EXPECT_EQ(editState->currSetProfile().dpiLevel, 3U);
+  EXPECT_EQ(editState->currSetProfile().currSelectDPI, 1U);
   EXPECT_TRUE(part<LevelView>("levelView3").isVisible());
   EXPECT_FALSE(part<LevelView>("levelView4").isVisible());
   EXPECT_THAT(sent(), IsEmpty());
 }
 
 TEST_F(Performance, ThreeLevelsMakeLevelThreeActiveWhereLevelFiveWas) {
-  selProfile.currSelectDPI = 4;
+  editState->edit().currSelectDPI = 4;
   openWindow();
   chooseIn("levelSelBtn", "3");
-  EXPECT_EQ(currSetProfile.currSelectDPI, 2U);
+  EXPECT_EQ(editState->currSetProfile().currSelectDPI, 2U);
   EXPECT_TRUE(part<LevelView>("levelView3").isActive());
   EXPECT_EQ(part<DpiSliderView>("dpiSliderView").dpiValue(), 30U);
 }
 
 TEST_F(Performance, TheCountOfARecordWithoutOneIsShownAsOne) {
-  selProfile.dpiLevel = 0;
+  editState->edit().dpiLevel = 0;
   openWindow();
   EXPECT_EQ(control("levelSelBtn").title(), "1");
 }
@@ -242,8 +242,8 @@ TEST_F(Performance, ApplyTriesTheSettingsOnTheMouse) {
   press("applyBtn");
   EXPECT_EQ(sent(), settingCommands(edited()));
   EXPECT_THAT(told(), ElementsAre("122 true"));
-  EXPECT_TRUE(isSameProfile(currSetProfile, edited()));
-  EXPECT_TRUE(isSameProfile(currFWProfile, edited()));
+  EXPECT_TRUE(isSameProfile(editState->currSetProfile(), edited()));
+  EXPECT_TRUE(isSameProfile(editState->currFWProfile(), edited()));
   EXPECT_TRUE(isStoredAsBefore());
   EXPECT_TRUE(isOpen());
   EXPECT_THAT(mouse().faults(), IsEmpty());
@@ -270,7 +270,7 @@ TEST_F(Performance, CloseKeepsTheSettingsAndSendsNothing) {
   EXPECT_EQ(performance().endTag(), 1);
   EXPECT_THAT(trace(), IsEmpty());
   EXPECT_THAT(told(), ElementsAre("122 false"));
-  EXPECT_TRUE(isSameProfile(selProfile, edited()));
+  EXPECT_TRUE(isSameProfile(editState->selProfile(), edited()));
 }
 
 TEST_F(Performance, ClosingAnUntouchedWindowKeepsTheProfile) {
@@ -280,13 +280,13 @@ TEST_F(Performance, ClosingAnUntouchedWindowKeepsTheProfile) {
 }
 
 TEST_F(Performance, ClosingLimitsTheValuesThatWereShownLimited) {
-  selProfile.xSensArr[0] = selProfile.ySensArr[0] = 1;
-  selProfile.xSensArr[3] = selProfile.ySensArr[3] = 300;
+  editState->edit().xSensArr[0] = editState->edit().ySensArr[0] = 1;
+  editState->edit().xSensArr[3] = editState->edit().ySensArr[3] = 300;
   openWindow();
   EXPECT_EQ(textOf(field(1)), "100");
   press("okBtn");
-  EXPECT_THAT(selProfile.xSensArr, ElementsAre(2, 20, 30, 164, 50));
-  EXPECT_THAT(selProfile.ySensArr, ElementsAre(2, 20, 30, 164, 50));
+  EXPECT_THAT(editState->selProfile().xSensArr, ElementsAre(2, 20, 30, 164, 50));
+  EXPECT_THAT(editState->selProfile().ySensArr, ElementsAre(2, 20, 30, 164, 50));
 }
 
 TEST_F(Performance, CancelSendsTheWorkingCopyAgainAndTheStoredRate) {
@@ -343,8 +343,8 @@ TEST_F(Performance, WhatWasTypedLastCountsWhenAButtonIsPressed) {
   EXPECT_EQ(sent().at(3), "SET 0300 0 c40f00083c000000");
   type(field(2), "4000");
   control("okBtn").click();
-  EXPECT_EQ(selProfile.xSensArr[1], 80U);
-  EXPECT_EQ(selProfile.ySensArr[1], 80U);
+  EXPECT_EQ(editState->selProfile().xSensArr[1], 80U);
+  EXPECT_EQ(editState->selProfile().ySensArr[1], 80U);
 }
 
 TEST_F(Performance, EveryOpeningStartsFromTheStoredProfile) {
@@ -352,7 +352,7 @@ TEST_F(Performance, EveryOpeningStartsFromTheStoredProfile) {
   edit();
   press("cancelBtn");
   openWindow();
-  EXPECT_TRUE(isSameProfile(currSetProfile, m_stored));
+  EXPECT_TRUE(isSameProfile(editState->currSetProfile(), m_stored));
   EXPECT_EQ(textOf(field(2)), "1000");
   EXPECT_EQ(lift().value(), 12);
   EXPECT_TRUE(control("rate250Btn").Checked());
@@ -364,5 +364,5 @@ TEST_F(Performance, WithoutAMouseItStillEdits) {
   edit();
   press("applyBtn");
   press("okBtn");
-  EXPECT_TRUE(isSameProfile(selProfile, edited()));
+  EXPECT_TRUE(isSameProfile(editState->selProfile(), edited()));
 }

@@ -19,7 +19,7 @@ class Light : public LightTest {};
 TEST_F(Light, FillingCopiesTheProfileAndBeginsAHistoryOfBlackAndTheColor) {
   open();
   EXPECT_TRUE(light().isOverFill());
-  expectColor(currSetProfile.lightColorArr[2], 70, 80, 90);
+  expectColor(editState->currSetProfile().lightColorArr[2], 70, 80, 90);
   EXPECT_EQ(light().historyColorDir().at("bColor2"), LightColor());
   EXPECT_EQ(light().historyColorDir().at("aColor2"), stored(70, 80, 90));
   EXPECT_EQ(light().currSelectedIndex(), 0);
@@ -31,7 +31,8 @@ TEST_F(Light, AColorBeforeAnyZoneChangesTheSwatchesOnly) {
   light().onChangeColorPro({1, 0, 0});
   EXPECT_EQ(light().afterColor(), (LightColor{1, 0, 0}));
   for (int i = 0; i < 4; ++i) {
-    EXPECT_EQ(currSetProfile.lightColorArr[i].cR, selProfile.lightColorArr[i].cR);
+    EXPECT_EQ(editState->currSetProfile().lightColorArr[i].cR,
+              editState->selProfile().lightColorArr[i].cR);
   }
 }
 
@@ -42,10 +43,10 @@ TEST_F(Light, AChosenZoneTakesTheColorWithItsRounding) {
   EXPECT_EQ(light().beforeColor(), LightColor());
   EXPECT_EQ(light().afterColor(), stored(40, 50, 60));
   light().onChangeColorPro({1.0, 0.5, 0.0});
-  expectColor(currSetProfile.lightColorArr[1], 255, 127, 0);
+  expectColor(editState->currSetProfile().lightColorArr[1], 255, 127, 0);
   EXPECT_EQ(light().beforeColor(), stored(40, 50, 60));
   EXPECT_EQ(light().historyColorDir().at("aColor1"), (LightColor{1.0, 0.5, 0.0}));
-  expectColor(selProfile.lightColorArr[1], 40, 50, 60);
+  expectColor(editState->selProfile().lightColorArr[1], 40, 50, 60);
   EXPECT_THAT(sent(), IsEmpty());
 }
 
@@ -54,7 +55,7 @@ TEST_F(Light, TheLastZoneKeepsItsHistoryAsFilled) {
   press("leftLightBtn");
   light().onChangeColorPro({1, 0, 0});
   light().onChangeColorPro({0, 1, 0});
-  expectColor(currSetProfile.lightColorArr[3], 0, 255, 0);
+  expectColor(editState->currSetProfile().lightColorArr[3], 0, 255, 0);
   press("midLightBtn");
   press("leftLightBtn");
   EXPECT_EQ(light().beforeColor(), LightColor());
@@ -100,10 +101,10 @@ TEST_F(Light, ApplySendsTheColorsAndEndsTheChoice) {
   EXPECT_TRUE(isOpen());
   EXPECT_EQ(light().currSelectedIndex(), 0);
   EXPECT_FALSE(hasLine("midImgView"));
-  EXPECT_FALSE(isNeedSave);
-  expectColor(selProfile.lightColorArr[0], 10, 20, 30);
+  EXPECT_FALSE(editState->isNeedSave());
+  expectColor(editState->selProfile().lightColorArr[0], 10, 20, 30);
   light().onChangeColorPro({0, 0, 0});
-  expectColor(currSetProfile.lightColorArr[0], 255, 255, 255);
+  expectColor(editState->currSetProfile().lightColorArr[0], 255, 255, 255);
   press("midLightBtn");
   EXPECT_EQ(light().currSelectedIndex(), 1);
 }
@@ -122,8 +123,8 @@ TEST_F(Light, CancelAfterApplyGivesTheMouseTheProfilesColors) {
   EXPECT_EQ(sent(), unchanged);
   EXPECT_FALSE(isOpen());
   EXPECT_EQ(light().endTag(), 0);
-  EXPECT_FALSE(isNeedSave);
-  expectColor(currSetProfile.lightColorArr[0], 10, 20, 30);
+  EXPECT_FALSE(editState->isNeedSave());
+  expectColor(editState->currSetProfile().lightColorArr[0], 10, 20, 30);
 }
 
 TEST_F(Light, EscapeIsCancel) {
@@ -132,8 +133,8 @@ TEST_F(Light, EscapeIsCancel) {
   light().onChangeColorPro({1, 1, 1});
   host().close();
   EXPECT_THAT(sent(), testing::Not(IsEmpty()));
-  expectColor(currSetProfile.lightColorArr[0], 10, 20, 30);
-  expectColor(selProfile.lightColorArr[0], 10, 20, 30);
+  expectColor(editState->currSetProfile().lightColorArr[0], 10, 20, 30);
+  expectColor(editState->selProfile().lightColorArr[0], 10, 20, 30);
 }
 
 TEST_F(Light, OkKeepsTheColorsAndSendsNothing) {
@@ -142,12 +143,12 @@ TEST_F(Light, OkKeepsTheColorsAndSendsNothing) {
   light().onChangeColorPro({1, 1, 1});
   press("okBtn");
   EXPECT_THAT(sent(), IsEmpty());
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
   EXPECT_EQ(light().endTag(), 1);
   EXPECT_FALSE(light().isOverFill());
-  expectColor(selProfile.lightColorArr[0], 255, 255, 255);
+  expectColor(editState->selProfile().lightColorArr[0], 255, 255, 255);
   light().onChangeColorPro({0, 0, 0});
-  expectColor(selProfile.lightColorArr[0], 255, 255, 255);
+  expectColor(editState->selProfile().lightColorArr[0], 255, 255, 255);
 }
 
 TEST_F(Light, TypedNumbersAndCodesAreColors) {
@@ -156,13 +157,13 @@ TEST_F(Light, TypedNumbersAndCodesAreColors) {
   auto& red = part<LXNumberTextField>("redTxt");
   type(red, "200");
   hitKey(red, Qt::Key_Return);
-  expectColor(currSetProfile.lightColorArr[0], 200, 20, 30);
+  expectColor(editState->currSetProfile().lightColorArr[0], 200, 20, 30);
   auto& code = part<LXTextField>("hexTxt");
   code.setFocus();
   code.selectAll();
   code.insert("0A0b0C");
   hitKey(code, Qt::Key_Return);
-  expectColor(currSetProfile.lightColorArr[0], 10, 11, 12);
+  expectColor(editState->currSetProfile().lightColorArr[0], 10, 11, 12);
   code.selectAll();
   code.insert("12");
   hitKey(code, Qt::Key_Return);
@@ -175,9 +176,9 @@ TEST_F(Light, TheColorBarGivesItsColors) {
   auto& bar = part<LXProgressBar>("colorBarView");
   bar.setFocus();
   hitKey(bar, Qt::Key_End);
-  expectColor(currSetProfile.lightColorArr[0], 255, 255, 255);
+  expectColor(editState->currSetProfile().lightColorArr[0], 255, 255, 255);
   hitKey(bar, Qt::Key_Home);
-  expectColor(currSetProfile.lightColorArr[0], 0, 0, 0);
+  expectColor(editState->currSetProfile().lightColorArr[0], 0, 0, 0);
 }
 
 TEST_F(Light, TheFieldAndTheBrightnessPickWithKeys) {
@@ -186,10 +187,10 @@ TEST_F(Light, TheFieldAndTheBrightnessPickWithKeys) {
   light().onChangeColorPro({0, 0, 0});
   auto& field = part<HueSaturationView>("colorFieldView");
   hitKey(field, Qt::Key_Up);
-  const _LightColorInfo picked = currSetProfile.lightColorArr[0];
+  const _LightColorInfo picked = editState->currSetProfile().lightColorArr[0];
   EXPECT_GT(picked.cR + picked.cG + picked.cB, 0U);
   auto& brightness = part<BrightnessView>("brightnessView");
-  const auto before = currSetProfile.lightColorArr[0].cR;
+  const auto before = editState->currSetProfile().lightColorArr[0].cR;
   hitKey(brightness, Qt::Key_Left);
-  EXPECT_LT(currSetProfile.lightColorArr[0].cR, before);
+  EXPECT_LT(editState->currSetProfile().lightColorArr[0].cR, before);
 }

@@ -11,10 +11,11 @@
 class LightTest : public EditorTest {
  protected:
   LightView& open() {
-    selProfile.lightColorArr[0] = {10, 20, 30};
-    selProfile.lightColorArr[1] = {40, 50, 60};
-    selProfile.lightColorArr[2] = {70, 80, 90};
-    selProfile.lightColorArr[3] = {100, 110, 120};
+    editState->edit().lightColorArr[0] = {10, 20, 30};
+    editState->edit().lightColorArr[1] = {40, 50, 60};
+    editState->edit().lightColorArr[2] = {70, 80, 90};
+    editState->edit().lightColorArr[3] = {100, 110, 120};
+    editState->clearNeedSave();
     m_light = new LightView;
     m_light->construct();
     show(m_light);
@@ -23,7 +24,9 @@ class LightTest : public EditorTest {
     return *m_light;
   }
   LightView& light() { return *m_light; }
-  const _LightColorInfo& color(int index) { return currSetProfile.lightColorArr[index]; }
+  const _LightColorInfo& color(int index) {
+    return editState->currSetProfile().lightColorArr[index];
+  }
   // What gives the mouse these colours.
   static std::vector<std::string> colorCommands(const _Nerin_PROFILE& profile) {
     std::vector<std::string> commands;

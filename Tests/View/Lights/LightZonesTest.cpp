@@ -134,7 +134,7 @@ TEST_P(LightZones, ItsColorIsPaintedInItsPlace) {
     return picture.pixelColor(place);
   };
   const QRect well = control(zone.button).geometry();
-  EXPECT_EQ(pixel(well.center()), shown(selProfile.lightColorArr[index]));
+  EXPECT_EQ(pixel(well.center()), shown(editState->selProfile().lightColorArr[index]));
   press(zone.button);
   for (const LightColor& color : {red, LightColor{0, 0, 0}, LightColor{1, 1, 1}}) {
     light().onChangeColorPro(color);
@@ -142,7 +142,7 @@ TEST_P(LightZones, ItsColorIsPaintedInItsPlace) {
     EXPECT_EQ(pixel(well.center()), color.shown());
     EXPECT_EQ(pixel(well.center() + QPoint(well.width() / 2 - 7, 0)), color.shown());
     EXPECT_EQ(pixel(control(other().button).geometry().center()),
-              shown(selProfile.lightColorArr[other().number - 1]));
+              shown(editState->selProfile().lightColorArr[other().number - 1]));
   }
   // Within a frame, with round corners: there the colour does not show.
   const QColor corner = pixel(well.topLeft() + QPoint(4, 4));
@@ -157,11 +157,11 @@ TEST_P(LightZones, ItsColorIsPaintedInItsPlace) {
 TEST_P(LightZones, TheColorGoesToItsOwnPlaceInTheProfile) {
   open();
   const Zone& zone = GetParam();
-  _Nerin_PROFILE expected = selProfile;
+  _Nerin_PROFILE expected = editState->selProfile();
   expected.lightColorArr[zone.number - 1] = {255, 127, 64};
   press(zone.marker);
   light().OnColorChange(nullptr, {1.0, 0.5, 0.25});
-  EXPECT_TRUE(isSameProfile(currSetProfile, expected));
+  EXPECT_TRUE(isSameProfile(editState->currSetProfile(), expected));
   press("applyBtn");
   EXPECT_EQ(sent(), colorCommands(expected));
 }
@@ -206,7 +206,7 @@ TEST_P(LightZones, OtherReportsOfThePointerShowNothing) {
 TEST_P(LightZones, ItsHistoryIsWhatItWasAndWhatItIs) {
   open();
   const Zone& zone = GetParam();
-  const QColor filled = shown(selProfile.lightColorArr[zone.number - 1]);
+  const QColor filled = shown(editState->selProfile().lightColorArr[zone.number - 1]);
   press(zone.button);
   EXPECT_EQ(before(), QColor(Qt::black));
   EXPECT_EQ(after(), filled);
@@ -222,7 +222,7 @@ TEST_P(LightZones, ItsHistoryIsWhatItWasAndWhatItIs) {
   EXPECT_EQ(after(), green.shown());
   press(other().button);
   EXPECT_EQ(before(), QColor(Qt::black));
-  EXPECT_EQ(after(), shown(selProfile.lightColorArr[other().number - 1]));
+  EXPECT_EQ(after(), shown(editState->selProfile().lightColorArr[other().number - 1]));
   press(zone.button);
   // The last zone is remembered as it was filled, though it has the colour.
   const bool isLast = zone.number == 4;
@@ -272,23 +272,24 @@ TEST_F(LightZones, OtherTagsDoNothing) {
 }
 
 TEST_F(LightZones, FillingTakesTheWholeProfile) {
-  selProfile.poRate = 3;
-  selProfile.modeType = 1;
-  std::memset(&currSetProfile, 0x77, sizeof currSetProfile);
+  editState->edit().poRate = 3;
+  editState->edit().modeType = 1;
+  editState->clearNeedSave();
+  std::memset(&editState->currSetProfile(), 0x77, sizeof editState->currSetProfile());
   open();
-  EXPECT_TRUE(isSameProfile(currSetProfile, selProfile));
+  EXPECT_TRUE(isSameProfile(editState->currSetProfile(), editState->selProfile()));
   for (int i = 0; i < 4; ++i) {
     EXPECT_EQ(light().historyColorDir().at("bColor" + std::to_string(i)), LightColor());
     EXPECT_EQ(light().historyColorDir().at("aColor" + std::to_string(i)),
-              LightView::getColorPro(selProfile.lightColorArr[i]));
+              LightView::getColorPro(editState->selProfile().lightColorArr[i]));
   }
   EXPECT_EQ(light().historyColorDir().size(), 8U);
   EXPECT_THAT(lines(), IsEmpty());
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
 }
 
 TEST_F(LightZones, ColorsAreTakenWhileItIsFilled) {
-  currSetProfile = {};
+  editState->currSetProfile() = {};
   LightView unfilled;
   unfilled.construct();
   EXPECT_FALSE(unfilled.isOverFill());
@@ -310,7 +311,7 @@ TEST_F(LightZones, ColorsAreTakenWhileItIsFilled) {
 TEST_F(LightZones, WithoutAZoneOnlyTheSwatchesChange) {
   open();
   const auto history = light().historyColorDir();
-  const _Nerin_PROFILE before = currSetProfile;
+  const _Nerin_PROFILE before = editState->currSetProfile();
   light().onChangeColorPro(red);
   EXPECT_EQ(light().beforeColor(), LightColor());
   light().OnColorChange(nullptr, green);
@@ -319,7 +320,7 @@ TEST_F(LightZones, WithoutAZoneOnlyTheSwatchesChange) {
   EXPECT_EQ(this->before(), red.shown());
   EXPECT_EQ(after(), green.shown());
   EXPECT_EQ(light().historyColorDir(), history);
-  EXPECT_TRUE(isSameProfile(currSetProfile, before));
+  EXPECT_TRUE(isSameProfile(editState->currSetProfile(), before));
   light().displayBAColor();
   EXPECT_EQ(light().afterColor(), green);
 }
@@ -349,10 +350,10 @@ TEST_F(LightZones, AComponentIsRoundedToEightBits) {
     LightView::setColorPro(2, {one.component, 0, 0});
     EXPECT_EQ(color(2).cR, one.stored) << one.component;
   }
-  const _Nerin_PROFILE before = currSetProfile;
+  const _Nerin_PROFILE before = editState->currSetProfile();
   for (const int index : {-1, 4, -1000, 1000}) {
     LightView::setColorPro(index, red);
-    EXPECT_TRUE(isSameProfile(currSetProfile, before)) << index;
+    EXPECT_TRUE(isSameProfile(editState->currSetProfile(), before)) << index;
   }
 }
 
@@ -371,9 +372,9 @@ TEST_F(LightZones, ApplyEndsTheChoiceInBothGroups) {
     EXPECT_EQ(light().currSelectedIndex(), 0);
     EXPECT_FALSE(control(chosen).isChecked());
     EXPECT_TRUE(light().isOverFill());
-    const _Nerin_PROFILE applied = currSetProfile;
+    const _Nerin_PROFILE applied = editState->currSetProfile();
     light().onChangeColorPro(red);
-    EXPECT_TRUE(isSameProfile(currSetProfile, applied));
+    EXPECT_TRUE(isSameProfile(editState->currSetProfile(), applied));
     // The very same one can be chosen again.
     press(chosen);
     EXPECT_EQ(light().currSelectedIndex(), 3);
@@ -385,18 +386,18 @@ TEST_F(LightZones, ApplyEndsTheChoiceInBothGroups) {
 
 TEST_F(LightZones, OkCommitsTheWholeWorkingCopy) {
   open();
-  currSetProfile.poRate = 2;
+  editState->currSetProfile().poRate = 2;
   press("midLightBtn");
   light().onChangeColorPro(red);
-  const _Nerin_PROFILE edited = currSetProfile;
+  const _Nerin_PROFILE edited = editState->currSetProfile();
   press("applyBtn");
   EXPECT_EQ(sent(), colorCommands(edited));
-  EXPECT_FALSE(isSameProfile(selProfile, edited));
+  EXPECT_FALSE(isSameProfile(editState->selProfile(), edited));
   clearTrace();
   press("okBtn");
-  EXPECT_TRUE(isSameProfile(selProfile, edited));
+  EXPECT_TRUE(isSameProfile(editState->selProfile(), edited));
   EXPECT_THAT(sent(), IsEmpty());
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
   EXPECT_FALSE(isOpen());
 }
 
@@ -408,19 +409,19 @@ TEST_F(LightZones, EveryOtherEndGivesTheMouseTheProfile) {
   };
   for (const auto& end : ends) {
     open();
-    const _Nerin_PROFILE stored = selProfile;
-    currSetProfile.poRate = 2;
+    const _Nerin_PROFILE stored = editState->selProfile();
+    editState->currSetProfile().poRate = 2;
     press("leftLightTagBtn");
     light().onChangeColorPro(red);
     press("applyBtn");
     clearTrace();
     end();
     EXPECT_EQ(sent(), colorCommands(stored));
-    EXPECT_TRUE(isSameProfile(currSetProfile, stored));
-    EXPECT_TRUE(isSameProfile(selProfile, stored));
+    EXPECT_TRUE(isSameProfile(editState->currSetProfile(), stored));
+    EXPECT_TRUE(isSameProfile(editState->selProfile(), stored));
     EXPECT_EQ(light().endTag(), 0);
     EXPECT_FALSE(light().isOverFill());
-    EXPECT_FALSE(isNeedSave);
+    EXPECT_FALSE(editState->isNeedSave());
     EXPECT_FALSE(isOpen());
   }
 }

@@ -129,8 +129,8 @@ TEST_F(MacroCommands, ADelayStandsWithTheCommandItFollows) {
     EXPECT_EQ(rows(), delay.expected) << delay.title << delay.selected;
     EXPECT_EQ(row(), delay.selected);
     EXPECT_EQ(editor().selKeyInfo(), commands()[static_cast<std::size_t>(delay.selected)]);
-    EXPECT_EQ(defDelayTime, 25);
-    EXPECT_EQ(delayTime, 50);
+    EXPECT_EQ(macroDelays->defDelayTime, 25);
+    EXPECT_EQ(macroDelays->delayTime, 50);
   }
 }
 
@@ -147,7 +147,8 @@ TEST_F(MacroCommands, AFunctionIsPutInWhereTheSelectedCommandIs) {
   EXPECT_THAT(rows(), ElementsAre("0/0/0", "1/2/0", "1/0/0"));
   EXPECT_EQ(row(), 1);
   EXPECT_EQ(editor().selKeyInfo(), commands()[1]);
-  const auto entry = NerinAction::getMenuInfoByFunId(3, NerinAction::macroInsertMenuNode);
+  const auto entry =
+      NerinAction::getMenuInfoByFunId(3, NerinAction::functionMenus->macroInsertMenuNode);
   ASSERT_NE(entry, nullptr);
   table().setCurrentIndex({});
   editor().insertComPro(*entry);
@@ -165,7 +166,7 @@ TEST_F(MacroCommands, AFunctionCanBeTheFirstCommand) {
   editor().insertCom();
   EXPECT_THAT(rows(), ElementsAre("1/2/0"));
   EXPECT_EQ(row(), 0);
-  NerinAction::macroInsertMenuNode = nullptr;
+  NerinAction::functionMenus->macroInsertMenuNode = nullptr;
   editor().insertCom();
   EXPECT_THAT(rows(), ElementsAre("1/2/0"));
 }

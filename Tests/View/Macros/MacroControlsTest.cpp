@@ -222,12 +222,12 @@ TEST_F(MacroControls, TheDelaysLastAsLongAsTheProgram) {
   press("insertKeyBtn");
   EditorTest::type(part<LXNumberTextField>("defDelayTxt"), "120");
   hitKey(part<LXNumberTextField>("defDelayTxt"), Qt::Key_Return);
-  EXPECT_EQ(delayTime, 120);
-  EXPECT_EQ(defDelayTime, 50);
+  EXPECT_EQ(macroDelays->delayTime, 120);
+  EXPECT_EQ(macroDelays->defDelayTime, 50);
   EditorTest::type(part<LXNumberTextField>("insertDefDelayTxt"), "7");
   hitKey(part<LXNumberTextField>("insertDefDelayTxt"), Qt::Key_Return);
-  EXPECT_EQ(delayTime, 120);
-  EXPECT_EQ(defDelayTime, 7);
+  EXPECT_EQ(macroDelays->delayTime, 120);
+  EXPECT_EQ(macroDelays->defDelayTime, 7);
   press("cancelBtn");
   open();
   EXPECT_EQ(textOf(part<LXNumberTextField>("defDelayTxt")), "120");
@@ -254,7 +254,7 @@ TEST_F(MacroControls, EveryOpeningBeginsWithMeasuredDelaysAndTheInsertPanelOff) 
 }
 
 TEST_F(MacroControls, WithoutAnInsertMenuTheListButtonIsEmpty) {
-  NerinAction::macroInsertMenuNode = nullptr;
+  NerinAction::functionMenus->macroInsertMenuNode = nullptr;
   open();
   EXPECT_EQ(control("insertBtn").title(), "");
   editor().setInsertState(true);
@@ -323,14 +323,14 @@ TEST_F(MacroControls, AnEndWithoutSavingKeepsTheEditsForTheNextSave) {
   type("Edited");
   press("cancelBtn");
   EXPECT_EQ(saved(), 0U);
-  ASSERT_EQ(NerinAction::macroListArrs.size(), 1U);
-  EXPECT_EQ(NerinAction::macroListArrs[0]->nameStr(), "Edited");
-  EXPECT_EQ(NerinAction::macroListArrs[0]->keyInfoArr().size(), 2U);
-  EXPECT_FALSE(isNeedSave);
+  ASSERT_EQ(NerinAction::macroStore->macroListArrs.size(), 1U);
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs[0]->nameStr(), "Edited");
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs[0]->keyInfoArr().size(), 2U);
+  EXPECT_FALSE(editState->isNeedSave());
   open();
   press("applyBtn");
   EXPECT_EQ(saved(), 1U);
   EXPECT_TRUE(isOpen());
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_EQ(editor().endTag(), 0);
 }

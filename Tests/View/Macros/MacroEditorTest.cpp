@@ -98,12 +98,12 @@ TEST_F(MacroEditor, TheHundredAndFirstIsRefusedButCanBeImported) {
   press("copyMacroBtn");
   EXPECT_THAT(m_shown,
               ElementsAre("Maximum number of macros reached", "Maximum number of macros reached"));
-  EXPECT_EQ(NerinAction::macroListArrs.size(), 100U);
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.size(), 100U);
   m_chosen = file("Extra");
   press("exportMacroBtn");
   m_chosen = file("Extra.mac");
   press("importMacroBtn");
-  EXPECT_EQ(NerinAction::macroListArrs.size(), 101U);
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.size(), 101U);
   EXPECT_EQ(editor().currMacroInfo()->macroId(), 0);
 }
 
@@ -129,7 +129,7 @@ TEST_F(MacroEditor, AnImportWithANameInUseIsRefused) {
   m_chosen = file("NewMacro_1.mac");
   press("importMacroBtn");
   EXPECT_THAT(m_shown, ElementsAre("A macro of this name already exists."));
-  EXPECT_EQ(NerinAction::macroListArrs.size(), 1U);
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.size(), 1U);
 }
 
 TEST_F(MacroEditor, AFileThatHoldsNoMacroIsIgnored) {
@@ -141,7 +141,7 @@ TEST_F(MacroEditor, AFileThatHoldsNoMacroIsIgnored) {
   m_chosen = file("missing.mac");
   press("importMacroBtn");
   EXPECT_THAT(m_shown, IsEmpty());
-  EXPECT_THAT(NerinAction::macroListArrs, IsEmpty());
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, IsEmpty());
 }
 
 TEST_F(MacroEditor, RowsSayWhatCommandsDo) {
@@ -224,17 +224,17 @@ TEST_F(MacroEditor, OkAndApplySaveAndCancelKeepsTheEditInMemory) {
   press("applyBtn");
   EXPECT_TRUE(isOpen());
   NerinAction::initMenuList();
-  EXPECT_EQ(NerinAction::macroListArrs.size(), 1U);
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.size(), 1U);
   press("newMacroBtn");
   press("cancelBtn");
   EXPECT_FALSE(isOpen());
   EXPECT_EQ(editor().endTag(), 0);
-  EXPECT_EQ(NerinAction::macroListArrs.size(), 2U);
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.size(), 2U);
   open();
   press("okBtn");
   EXPECT_EQ(editor().endTag(), 1);
   NerinAction::initMenuList();
-  EXPECT_EQ(NerinAction::macroListArrs.size(), 2U);
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.size(), 2U);
 }
 
 TEST_F(MacroEditor, TheGeneratedNameOfAMacroIsShownToNobody) {

@@ -170,7 +170,7 @@ TEST_F(MacroEvents, TheChoiceOfTheDelayIsTakenWhenItStarts) {
        {Choice{"autoDelayChk", 1, 100}, {"defDelayChk", 2, 33}, {"lgnoreDelayChk", 3, 0}}) {
     control(choice.button).click();
     record();
-    EXPECT_EQ(delayType, choice.type);
+    EXPECT_EQ(macroDelays->delayType, choice.type);
     down(KeyA, 1000);
     up(KeyA, 1100);
     stop();
@@ -191,7 +191,7 @@ TEST_F(MacroEvents, AnInsertedRecordingHasDelaysOfItsOwn) {
     control(choice.button).click();
     select(0);
     control("insertRecordBtn").click();
-    EXPECT_EQ(delayType, choice.type);
+    EXPECT_EQ(macroDelays->delayType, choice.type);
     down(KeyA, 1000);
     up(KeyA, 1100);
     control("insertStopBtn").click();

@@ -207,7 +207,7 @@ TEST_F(MacroExchange, OnlyShownNamesAreInUse) {
   EXPECT_THAT(names(), ElementsAre("Hidden", "Shown", "Hidden"));
   import(file("Shown.mac"));
   EXPECT_THAT(m_shown, ElementsAre("A macro of this name already exists."));
-  EXPECT_THAT(NerinAction::macroListArrs, SizeIs(3));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(3));
   // What was edited stays.
   EXPECT_EQ(name(), "Hidden");
   import(file("Hidden.mac"));
@@ -222,7 +222,7 @@ TEST_F(MacroExchange, AMacroThatWasArchivedAsHiddenStaysHidden) {
   open();
   import(file("Secret.mac"));
   EXPECT_THAT(names(), ElementsAre("Secret"));
-  EXPECT_TRUE(NerinAction::macroListArrs[0]->isNoDisplay());
+  EXPECT_TRUE(NerinAction::macroStore->macroListArrs[0]->isNoDisplay());
   EXPECT_THAT(offered(), IsEmpty());
   EXPECT_EQ(editor().currMacroInfo(), nullptr);
   // Nor does it block its name.
@@ -242,7 +242,7 @@ TEST_F(MacroExchange, ImportedMacrosAreWithoutANumberAndWithoutALimit) {
     EXPECT_EQ(editor().currMacroInfo()->macroId(), 0);
   }
   EXPECT_THAT(m_shown, IsEmpty());
-  EXPECT_THAT(NerinAction::macroListArrs, SizeIs(102));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(102));
 }
 
 TEST_F(MacroExchange, FilesWithoutAMacroAreIgnored) {

@@ -49,11 +49,11 @@ TEST_F(MacroLibrary, OpeningMakesTheMenuOfWhatIsThere) {
   const auto twin = addMacro(6, "Five");
   const auto hidden = addMacro(7, "Hidden");
   hidden->setIsNoDisplay(true);
-  NerinAction::macroNode = nullptr;
+  NerinAction::macroStore->macroNode = nullptr;
   EXPECT_EQ(MacroView::getNodeByData(five.get()), nullptr);
   open();
-  ASSERT_NE(NerinAction::macroNode, nullptr);
-  const auto& nodes = NerinAction::macroNode->children();
+  ASSERT_NE(NerinAction::macroStore->macroNode, nullptr);
+  const auto& nodes = NerinAction::macroStore->macroNode->children();
   ASSERT_THAT(nodes, SizeIs(2));
   EXPECT_EQ(MacroView::getNodeByData(five.get()), nodes[0]);
   EXPECT_EQ(MacroView::getNodeByData(twin.get()), nodes[1]);
@@ -65,7 +65,7 @@ TEST_F(MacroLibrary, AMacroWithoutANameHasAnEmptyOne) {
   open();
   addMacro(5, "")->setNameStr(std::nullopt);
   NerinAction::refreshMenuList();
-  editor().setSelMacroByNode(NerinAction::macroNode->children().front());
+  editor().setSelMacroByNode(NerinAction::macroStore->macroNode->children().front());
   EXPECT_NE(editor().currMacroInfo(), nullptr);
   EXPECT_EQ(name(), "");
   m_chosen = file("nameless");
@@ -108,7 +108,7 @@ TEST_F(MacroLibrary, ANewMacroTakesTheFirstNameThatNoShownOneHas) {
   press("newMacroBtn");
   EXPECT_EQ(name(), "NewMacro_4");
   EXPECT_EQ(editor().currMacroInfo()->macroId(), 11);
-  EXPECT_EQ(NerinAction::macroListArrs.back(), editor().currMacroInfo());
+  EXPECT_EQ(NerinAction::macroStore->macroListArrs.back(), editor().currMacroInfo());
 }
 
 TEST_F(MacroLibrary, ACopyIsTheSameButForItsNameAndNumber) {
@@ -133,8 +133,8 @@ TEST_F(MacroLibrary, ACopyOfAHiddenMacroIsHidden) {
   openOn(1, 0);
   editor().currMacroInfo()->setIsNoDisplay(true);
   press("copyMacroBtn");
-  ASSERT_THAT(NerinAction::macroListArrs, SizeIs(2));
-  EXPECT_TRUE(NerinAction::macroListArrs[1]->isNoDisplay());
+  ASSERT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(2));
+  EXPECT_TRUE(NerinAction::macroStore->macroListArrs[1]->isNoDisplay());
   // It is in no list, so that it cannot be the current one.
   EXPECT_EQ(editor().currMacroInfo(), nullptr);
   EXPECT_EQ(table().model()->rowCount(), 0);
@@ -148,17 +148,17 @@ TEST_F(MacroLibrary, TheLimitCountsWhatIsShown) {
   open();
   press("newMacroBtn");
   EXPECT_THAT(m_shown, IsEmpty());
-  EXPECT_THAT(NerinAction::macroListArrs, SizeIs(101));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(101));
   for (const char* button : {"newMacroBtn", "copyMacroBtn"}) {
     m_shown.clear();
     press(button);
     EXPECT_THAT(m_shown, ElementsAre("Maximum number of macros reached")) << button;
-    EXPECT_THAT(NerinAction::macroListArrs, SizeIs(101));
+    EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(101));
     EXPECT_EQ(name(), "NewMacro_1");
   }
   press("delMacroBtn");
   press("newMacroBtn");
-  EXPECT_THAT(NerinAction::macroListArrs, SizeIs(101));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(101));
 }
 
 TEST_F(MacroLibrary, TheFollowingOneIsFoundByItself) {
@@ -167,7 +167,7 @@ TEST_F(MacroLibrary, TheFollowingOneIsFoundByItself) {
   const auto twin = addMacro(3, "Same", {{0, 0, 0}});
   addMacro(4, "Same");
   open();
-  editor().setSelMacroByNode(NerinAction::macroNode->children()[0]);
+  editor().setSelMacroByNode(NerinAction::macroStore->macroNode->children()[0]);
   press("delMacroBtn");
   EXPECT_EQ(editor().currMacroInfo(), twin);
   EXPECT_EQ(table().model()->rowCount(), 1);
@@ -185,12 +185,12 @@ TEST_F(MacroLibrary, AListThatWasOnlyLookedAtChangesNothing) {
   for (int i = 0; i < 3; ++i) {
     editor().newMacro();
   }
-  const auto first = NerinAction::macroListArrs[0];
+  const auto first = NerinAction::macroStore->macroListArrs[0];
   editor().setSelMacroByNode(MacroView::getNodeByData(first.get()));
   offered();
   editor().delMacro();
   EXPECT_THAT(names(), ElementsAre("NewMacro_2", "NewMacro_3"));
-  EXPECT_EQ(editor().currMacroInfo(), NerinAction::macroListArrs[0]);
+  EXPECT_EQ(editor().currMacroInfo(), NerinAction::macroStore->macroListArrs[0]);
 }
 
 TEST_F(MacroLibrary, TheKeyboardGoesToTheTableWithTheLastMacro) {
@@ -239,7 +239,7 @@ TEST_F(MacroLibrary, EveryEditOfTheNameIsTheMacrosName) {
   EXPECT_EQ(macro->nameStr(), "\xC3\x84\xE6\x97\xA5 <&>");
   // It is still the one that the buttons mean.
   press("copyMacroBtn");
-  EXPECT_THAT(NerinAction::macroListArrs, SizeIs(3));
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(3));
   chooseIn("macroNameBtn", "\xC3\x84\xE6\x97\xA5 <&>");
   rename("Last");
   press("delMacroBtn");

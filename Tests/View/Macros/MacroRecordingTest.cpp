@@ -82,7 +82,7 @@ TEST_F(MacroRecording, AFixedDelayIsAfterAllButTheLast) {
   down(KeyB, 1600);
   stop();
   EXPECT_THAT(rows(), ElementsAre("0/0/77", "0/1/77", "11/0/0"));
-  EXPECT_EQ(delayTime, 77);
+  EXPECT_EQ(macroDelays->delayTime, 77);
 }
 
 TEST_F(MacroRecording, WithoutDelaysThereAreNone) {

@@ -141,8 +141,8 @@ class MacroRoad : public EditorTest {
 
 TEST_F(MacroRoad, WhatWasRecordedIsPlayedByTheMouse) {
   record();
-  ASSERT_THAT(NerinAction::macroListArrs, SizeIs(1));
-  EXPECT_THAT(eventsOf(*NerinAction::macroListArrs.front()),
+  ASSERT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(1));
+  EXPECT_THAT(eventsOf(*NerinAction::macroStore->macroListArrs.front()),
               ElementsAreArray(commands(&Control::keyCode)));
   assign();
   const MacroPlayback first = mouse().playMacro(macroSlot);
@@ -151,8 +151,8 @@ TEST_F(MacroRoad, WhatWasRecordedIsPlayedByTheMouse) {
 
   startAgain();
   EXPECT_EQ(button("WhellUpBtn").title(), "NewMacro_1");
-  const auto macro =
-      NerinAction::getMacroById(static_cast<std::int32_t>(selProfile.btnInfo[buttonIndex].MacroID));
+  const auto macro = NerinAction::getMacroById(
+      static_cast<std::int32_t>(editState->selProfile().btnInfo[buttonIndex].MacroID));
   ASSERT_NE(macro, nullptr);
   EXPECT_EQ(macro->nameStr(), "NewMacro_1");
   EXPECT_THAT(eventsOf(*macro), ElementsAreArray(commands(&Control::readBack)));

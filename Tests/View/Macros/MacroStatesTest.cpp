@@ -141,7 +141,7 @@ TEST_F(MacroStates, NothingThatNeedsAMacroDoesAnythingWithoutOne) {
   EXPECT_EQ(editor().currMacroInfo(), nullptr);
   EXPECT_THAT(m_shown, IsEmpty());
   EXPECT_THAT(m_panels, IsEmpty());
-  EXPECT_THAT(NerinAction::macroListArrs, IsEmpty());
+  EXPECT_THAT(NerinAction::macroStore->macroListArrs, IsEmpty());
 }
 
 TEST_F(MacroStates, TheInsertRecordingNeedsItsPanel) {

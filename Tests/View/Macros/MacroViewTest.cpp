@@ -5,11 +5,7 @@
 
 #include "Kit/Widgets/LXMenulist.h"
 
-MacroViewTest::MacroViewTest() {
-  delayTime = 50;
-  defDelayTime = 50;
-  delayType = 1;
-}
+MacroViewTest::MacroViewTest() {}
 
 MacroView& MacroViewTest::open() {
   m_editor = new MacroView;
@@ -36,8 +32,8 @@ void MacroViewTest::addCommands(int count) {
 
 std::vector<std::string> MacroViewTest::names() {
   std::vector<std::string> all;
-  all.reserve(NerinAction::macroListArrs.size());
-  for (const auto& macro : NerinAction::macroListArrs) {
+  all.reserve(NerinAction::macroStore->macroListArrs.size());
+  for (const auto& macro : NerinAction::macroStore->macroListArrs) {
     all.push_back(macro->nameStr().value_or("(none)"));
   }
   return all;

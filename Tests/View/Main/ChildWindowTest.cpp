@@ -59,7 +59,7 @@ TEST_P(ChildWindow, TheMainWindowTakesNoInputUntilEscapeClosesIt) {
                            "linkProChk", "closeBtn", "helpBtn", "menuBtn"}) {
     clickThroughWindow(button(name));
   }
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_FALSE(button("linkProChk").Checked());
   EXPECT_FALSE(button("goRightBtn").isChecked());
   EXPECT_FALSE(termination::isTerminating());
@@ -69,10 +69,10 @@ TEST_P(ChildWindow, TheMainWindowTakesNoInputUntilEscapeClosesIt) {
   process();
   EXPECT_EQ(child(), nullptr);
   EXPECT_EQ(view().isModalSeron(), 0);
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_EQ(QApplication::activeWindow(), &window());
   clickThroughWindow(button("profileNewBtn"));
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
 }
 
 TEST_P(ChildWindow, CanBeOpenedAgain) {
@@ -123,50 +123,50 @@ TEST_F(ChildWindowRules, ForeignWindowsDoNotCount) {
 
 TEST_F(ChildWindowRules, AnEditInTheChildRaisesApplyWhenItCloses) {
   click("lightOptionBtn");
-  selProfile.lightColorArr[1].cG ^= 1U;
+  editState->edit().lightColorArr[1].cG ^= 1U;
   EXPECT_FALSE(button("applyBtn").isEnabled());
   child()->close();
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
   EXPECT_TRUE(button("applyBtn").isEnabled());
   EXPECT_TRUE(button("okBtn").isEnabled());
 }
 
 TEST_F(ChildWindowRules, AChildThatSaysSoRaisesApplyToo) {
   click("lightOptionBtn");
-  isNeedSave = true;
+  editState->raiseNeedSave();
   child()->close();
   EXPECT_TRUE(button("applyBtn").isEnabled());
 }
 
 TEST_F(ChildWindowRules, TheKeyAssignmentLeavesTheButtonAloneUnlessItWasChanged) {
-  const _Nerin_PROFILE before = selProfile;
+  const _Nerin_PROFILE before = editState->selProfile();
   click("rightBtn");
   EXPECT_EQ(view().selBtnIndex(), 1);
   child()->close();
-  EXPECT_EQ(std::memcmp(&before, &selProfile, sizeof before), 0);
+  EXPECT_EQ(std::memcmp(&before, &editState->selProfile(), sizeof before), 0);
 }
 
 TEST_F(ChildWindowRules, APrimaryClickIsToldByThreeFields) {
-  for (auto& info : selProfile.btnInfo) {
+  for (auto& info : editState->edit().btnInfo) {
     info = button(2);
   }
   click("rightBtn");
   child()->close();
   process();
   ASSERT_EQ(view().selBtnIndex(), 1);
-  selProfile.btnInfo[1] = primaryClick();
+  editState->edit().btnInfo[1] = primaryClick();
   EXPECT_FALSE(view().checkOnlyLeft(1));
   EXPECT_TRUE(view().checkOnlyLeft(0));
-  selProfile.btnInfo[9] = primaryClick();
+  editState->edit().btnInfo[9] = primaryClick();
   EXPECT_TRUE(view().checkOnlyLeft(1));
   EXPECT_TRUE(view().checkOnlyLeft(9));
-  selProfile.btnInfo[9].KeyBit[0] = 2;
+  editState->edit().btnInfo[9].KeyBit[0] = 2;
   EXPECT_FALSE(view().checkOnlyLeft(1));
-  selProfile.btnInfo[9] = primaryClick();
-  selProfile.btnInfo[9].FuncID = 2;
+  editState->edit().btnInfo[9] = primaryClick();
+  editState->edit().btnInfo[9].FuncID = 2;
   EXPECT_FALSE(view().checkOnlyLeft(1));
-  selProfile.btnInfo[9] = primaryClick();
-  selProfile.btnInfo[9].FuncTableId = 2;
+  editState->edit().btnInfo[9] = primaryClick();
+  editState->edit().btnInfo[9].FuncTableId = 2;
   EXPECT_FALSE(view().checkOnlyLeft(1));
   EXPECT_FALSE(view().checkOnlyLeft(-1));
   EXPECT_FALSE(view().checkOnlyLeft(16));

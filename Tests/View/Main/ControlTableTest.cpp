@@ -107,7 +107,7 @@ class MainViewControls : public ViewTest, public testing::WithParamInterface<Row
     start();
     click("profileNewBtn");
     click("applyBtn");
-    isNeedSave = true;
+    editState->raiseNeedSave();
     view().refreshApplyBtn();
     m_answer = false;
     m_messagesBefore = messages().size();
@@ -136,8 +136,8 @@ class MainViewControls : public ViewTest, public testing::WithParamInterface<Row
     if (openList() != nullptr) {
       parts.emplace_back("list");
     }
-    if (selProfile.modeType != 0) {
-      parts.push_back("mode " + std::to_string(selProfile.modeType));
+    if (editState->selProfile().modeType != 0) {
+      parts.push_back("mode " + std::to_string(editState->selProfile().modeType));
     }
     if (library().getProfileCount() != m_profilesBefore) {
       parts.push_back(std::to_string(library().getProfileCount()) + " profiles");
@@ -267,13 +267,13 @@ TEST_F(MainViewControls, ACaptionIsTitleAndTooltipOfItsButtonOnly) {
   const QString middle = button("WhellBtn").title();
   const QString right = button("rightBtn").title();
   ASSERT_NE(middle, right);
-  selProfile.btnInfo[3] = selProfile.btnInfo[2];
+  editState->edit().btnInfo[3] = editState->selProfile().btnInfo[2];
   view().fillBtnCaption(3);
   EXPECT_EQ(button("bomBtn2").title(), middle);
   EXPECT_EQ(button("bomBtn2").toolTip(), middle);
   EXPECT_EQ(button("rightBtn").title(), right);
   EXPECT_EQ(button("rightBtn").accessibleName(), QStringLiteral("Right button: ") + right);
-  selProfile.btnInfo[1] = selProfile.btnInfo[2];
+  editState->edit().btnInfo[1] = editState->selProfile().btnInfo[2];
   view().fillBtnCaption(-1);
   view().fillBtnCaption(16);
   EXPECT_EQ(button("rightBtn").title(), right);
@@ -316,7 +316,7 @@ TEST_F(MainViewControls, TheRightButtonPressesNothing) {
   }
   EXPECT_EQ(effect(), "");
   EXPECT_THAT(trace(), IsEmpty());
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
   EXPECT_FALSE(view().applicationMenu().isVisible());
 }
 
@@ -358,7 +358,7 @@ TEST_F(MainViewControls, TheTabsShowOneOfTheTwoPictures) {
   click("goLeftBtn");
   EXPECT_TRUE(top->isVisible());
   EXPECT_THAT(trace(), IsEmpty());
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
 }
 
 TEST_F(MainViewControls, TabReachesEveryControlThatCanBeUsed) {

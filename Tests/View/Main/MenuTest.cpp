@@ -46,7 +46,7 @@ TEST_F(Menu, TheOsdItemSaysWhatItDoesNextAndTellsTheService) {
 }
 
 TEST_F(Menu, TheOsdItemIsBroughtUpToDateWhenTheMenuOpens) {
-  library().setIsOSD(false);
+  EXPECT_TRUE(library().setIsOSD(false));
   view().applicationMenu().popup({0, 0});
   EXPECT_EQ(menuItem("osdMenu").text(), QStringLiteral("Enable the OSD"));
   view().applicationMenu().close();
@@ -65,7 +65,7 @@ TEST_F(Menu, F1IsHelp) {
 }
 
 TEST_F(Menu, QuitEndsTheProgramWithoutAQuestion) {
-  isNeedSave = true;
+  editState->raiseNeedSave();
   menuItem("quitMenu").trigger();
   EXPECT_TRUE(termination::isTerminating());
   EXPECT_THAT(m_asked, IsEmpty());
@@ -85,7 +85,7 @@ TEST_F(Menu, ControlSIsApply) {
   QTest::keyClick(&window(), Qt::Key_S, Qt::ControlModifier);
   EXPECT_EQ(mouse().slotName(0), "NewPF_1");
   EXPECT_THAT(messages(), ElementsAre("101"));
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
 }
 
 TEST_F(Menu, ControlSTakesTheNameThatIsBeingTyped) {
@@ -96,7 +96,7 @@ TEST_F(Menu, ControlSTakesTheNameThatIsBeingTyped) {
   QTest::keyClick(&nameField(), Qt::Key_S, Qt::ControlModifier);
   EXPECT_EQ(mouse().slotName(0), "Office");
   EXPECT_EQ(library().getProfileCount(), 1U);
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
 }
 
 TEST_F(Menu, EscapeDoesNotCloseTheMainWindow) {
@@ -111,7 +111,7 @@ TEST_F(Menu, ShortcutsRestWhileAChildIsOpen) {
   ASSERT_NE(child(), nullptr);
   QTest::keyClick(window().windowHandle(), Qt::Key_S, Qt::ControlModifier);
   QTest::keyClick(window().windowHandle(), Qt::Key_F1);
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
   EXPECT_THAT(messages(), IsEmpty());
   EXPECT_THAT(m_opened, IsEmpty());
 }

@@ -89,7 +89,7 @@ TEST_F(NameField, ARenameSendsTheNameOnlyAndIsNoEdit) {
   ASSERT_EQ(lines.size(), 2U);
   EXPECT_THAT(lines[0], testing::StartsWith("SET 0306 1 0600"));
   EXPECT_THAT(lines[1], testing::StartsWith("SET 0300 0 c400"));
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_FALSE(button("applyBtn").isEnabled());
   EXPECT_EQ(library().getProfileCount(), 1U);
   click("currProfileBtn");
@@ -163,7 +163,7 @@ TEST_F(NameField, ApplySettlesAMissingName) {
   mouse().clearSlot(1);
   chooseSlot(2);
   library().setCurrFWProfileName(std::nullopt);
-  isNeedSave = true;
+  editState->raiseNeedSave();
   view().refreshApplyBtn();
   click("applyBtn");
   EXPECT_EQ(mouse().slotName(1), "NewPF_2");
@@ -184,7 +184,7 @@ TEST_F(NameField, OkSettlesANameThatIsTaken) {
 
 TEST_F(NameField, ApplyOfALinkedSlotKeepsItsName) {
   startNamed();
-  isNeedSave = true;
+  editState->raiseNeedSave();
   view().refreshApplyBtn();
   click("applyBtn");
   EXPECT_EQ(mouse().slotName(0), "NewPF_1");

@@ -73,7 +73,7 @@ TEST_F(MainViewPresence, TheMousesOwnSlotChangeIsShownWithoutAQuestion) {
   EXPECT_THAT(m_asked, IsEmpty());
   EXPECT_TRUE(button("profile5Btn").isChecked());
   EXPECT_EQ(library().currFWProfileIndex(), 4);
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
 }
 
 TEST_F(MainViewPresence, ASlotThatTheMouseDoesNotHaveIsIgnored) {
@@ -113,11 +113,11 @@ TEST_F(MainViewPresence, AReassignedButtonShowsItsNewCaption) {
   auto* assign = qobject_cast<KeyAssignView*>(child()->contentView());
   ASSERT_NE(assign, nullptr);
   EXPECT_EQ(assign->btnIndex(), 1);
-  assign->setTmpBtnInfo(selProfile.btnInfo[2]);
+  assign->setTmpBtnInfo(editState->selProfile().btnInfo[2]);
   assign->fillSettingData();
   assign->findChild<LXButton*>("okBtn")->click();
   EXPECT_EQ(button("rightBtn").title(), button("WhellBtn").title());
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
 }
 
 TEST_F(MainViewPresence, RemovalDeclinedQuits) {
@@ -147,7 +147,7 @@ TEST_F(MainViewPresence, TheMouseThatComesBackIsReadAnew) {
   EXPECT_EQ(m_asked.size(), 1U);
   EXPECT_FALSE(termination::isTerminating());
   EXPECT_FALSE(view().isOutPlus());
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_FALSE(trace().empty());
   EXPECT_FALSE(hasSent("c407"));
 }

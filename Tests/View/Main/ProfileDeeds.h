@@ -48,15 +48,15 @@ class MainViewDeeds : public ViewTest {
     putSlot(0, "A", OfSlotA);
     putSlot(1, "B", OfSlotB);
     putSlot(2, "Stranger", OfStranger);
-    NerinAction::sysDeviceReq.reset();
+    NerinAction::sysDeviceReq->reset();
     mouse().clearSlot(3);
     start();
     m_factoryRed = library().defaultProfileArrs()[0]->profileData().lightColorArr[0].cR;
   }
 
   void edit() {
-    selProfile.lightColorArr[0].cR = Edited;
-    isNeedSave = true;
+    editState->edit().lightColorArr[0].cR = Edited;
+    editState->raiseNeedSave();
     view().refreshApplyBtn();
   }
 
@@ -103,8 +103,8 @@ class MainViewDeeds : public ViewTest {
             library().currProfile() ? library().currProfile()->name().value_or("?") : "",
             shownName(),
             title(),
-            selProfile.lightColorArr[0].cR,
-            isNeedSave};
+            editState->selProfile().lightColorArr[0].cR,
+            editState->isNeedSave()};
   }
 
   Names disk() const { return namesIn(libraryFolder()); }
@@ -112,11 +112,11 @@ class MainViewDeeds : public ViewTest {
     return ProfileValue::initWithPath(libraryFolder() / file)->profileData().lightColorArr[0].cR;
   }
   std::uint32_t redOnMouse(int slot) {
-    const _Nerin_PROFILE before = currFWProfile;
+    const _Nerin_PROFILE before = editState->currFWProfile();
     NerinAction::startListenDev();
-    NerinAction::getFWProfileDataPro(static_cast<std::uint8_t>(slot));
-    const std::uint32_t red = currFWProfile.lightColorArr[0].cR;
-    currFWProfile = before;
+    EXPECT_TRUE(NerinAction::getFWProfileDataPro(static_cast<std::uint8_t>(slot)).isDone());
+    const std::uint32_t red = editState->currFWProfile().lightColorArr[0].cR;
+    editState->currFWProfile() = before;
     return red;
   }
 
@@ -132,13 +132,13 @@ class MainViewDeeds : public ViewTest {
     profile.setName(name);
     profile.setProfileData(record);
     std::filesystem::create_directories(libraryFolder());
-    profile.saveToPath(libraryFolder() / file);
+    EXPECT_FALSE(profile.saveToPath(libraryFolder() / file));
   }
   static void putSlot(std::uint8_t slot, const std::string& name, std::uint32_t red) {
-    NerinAction::getFWProfileDataPro(slot);
-    currFWProfile.lightColorArr[0].cR = red;
-    NerinAction::setFWProfileName(slot, name);
-    NerinAction::setFWProfileDataPro(slot);
-    NerinAction::refreshDeviceData();
+    EXPECT_TRUE(NerinAction::getFWProfileDataPro(slot).isDone());
+    editState->currFWProfile().lightColorArr[0].cR = red;
+    EXPECT_TRUE(NerinAction::setFWProfileName(slot, name).isDone());
+    EXPECT_TRUE(NerinAction::setFWProfileDataPro(slot).isDone());
+    EXPECT_TRUE(NerinAction::refreshDeviceData().isDone());
   }
 };

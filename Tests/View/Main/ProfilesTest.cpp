@@ -27,7 +27,7 @@ TEST_F(MainViewProfiles, NewUnbindsTheSlotUntilApply) {
   EXPECT_EQ(library().fwProfileID()[0], ProfieController::notLinked);
   EXPECT_EQ(title(), "");
   EXPECT_EQ(shownName(), "NewPF_2");
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
   EXPECT_EQ(library().getProfileCount(), 1U);
   click("applyBtn");
   EXPECT_EQ(library().getProfileCount(), 2U);
@@ -42,7 +42,7 @@ TEST_F(MainViewProfiles, FiftyAreTheMost) {
   }
   click("profileNewBtn");
   EXPECT_THAT(m_shown, ElementsAre("Maximum number of profiles reached"));
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   library().setSelectByName("p1");
   click("profileSaveBtn");
   EXPECT_EQ(m_shown.size(), 2U);
@@ -51,7 +51,7 @@ TEST_F(MainViewProfiles, FiftyAreTheMost) {
 TEST_F(MainViewProfiles, DuplicateTakesAFreeNameAndKeepsTheEdit) {
   start();
   applyNew();
-  selProfile.poRate = 2;
+  editState->edit().poRate = 2;
   click("profileSaveBtn");
   EXPECT_EQ(title(), "");
   EXPECT_FALSE(library().currProfile());
@@ -133,7 +133,7 @@ TEST_F(MainViewProfiles, ImportAddsAndTellsOfABrokenFile) {
 TEST_F(MainViewProfiles, ChosenFromThePopUpABindsTheSlot) {
   start();
   applyNew();
-  selProfile.poRate = 1;
+  editState->edit().poRate = 1;
   click("profileNewBtn");
   click("applyBtn");
   click("currProfileBtn");
@@ -145,24 +145,24 @@ TEST_F(MainViewProfiles, ChosenFromThePopUpABindsTheSlot) {
   EXPECT_FALSE(list->isShowMenu());
   EXPECT_EQ(title(), "NewPF_1");
   EXPECT_EQ(library().fwProfileID()[0], library().getProfileByName("NewPF_1")->profileId());
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
 }
 
 TEST_F(MainViewProfiles, TheListHasEveryProfileInOrderAndOnlyItsOwnEntriesCount) {
   putProfile("b.pro", 9, "Beta");
   putProfile("a.pro", 12, "Alpha");
   start();
-  ASSERT_EQ(profileNode->children().size(), 2U);
-  EXPECT_EQ(profileNode->children()[0]->nodeData()->titleStr(), "Beta");
-  EXPECT_EQ(profileNode->children()[1]->nodeData()->titleStr(), "Alpha");
+  ASSERT_EQ((*profileNode)->children().size(), 2U);
+  EXPECT_EQ((*profileNode)->children()[0]->nodeData()->titleStr(), "Beta");
+  EXPECT_EQ((*profileNode)->children()[1]->nodeData()->titleStr(), "Alpha");
   click("currProfileBtn");
   LXMenulist* list = openList();
   ASSERT_NE(list, nullptr);
   const auto foreign = std::make_shared<LXTreeNode>(std::make_shared<LXMenuData>());
   view().onMenulistSelected(*list, foreign);
-  LXMenulist other(profileNode, 12);
-  view().onMenulistSelected(other, profileNode->children()[0]);
-  EXPECT_FALSE(isNeedSave);
+  LXMenulist other(*profileNode, 12);
+  view().onMenulistSelected(other, (*profileNode)->children()[0]);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_EQ(title(), "");
 }
 
@@ -176,6 +176,6 @@ TEST_F(MainViewProfiles, ResetBringsTheListUpToDate) {
   start();
   applyNew();
   click("reDefBtn");
-  ASSERT_EQ(profileNode->children().size(), 1U);
-  EXPECT_EQ(profileNode->children()[0]->nodeData()->titleStr(), "Profile#1");
+  ASSERT_EQ((*profileNode)->children().size(), 1U);
+  EXPECT_EQ((*profileNode)->children()[0]->nodeData()->titleStr(), "Profile#1");
 }

@@ -23,7 +23,7 @@ TEST_F(MainViewSlots, StartLoadsTheMousesSlotAndSelectsNone) {
   EXPECT_TRUE(button("profile4Btn").isChecked());
   EXPECT_FALSE(hasSent("c407"));
   EXPECT_THAT(messages(), IsEmpty());
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_FALSE(button("applyBtn").isEnabled());
   EXPECT_FALSE(button("okBtn").isEnabled());
 }
@@ -61,7 +61,7 @@ TEST_F(MainViewSlots, PendingEditsAndNoKeepTheSlotAndItsEdits) {
   EXPECT_EQ(library().currFWProfileIndex(), 0);
   EXPECT_TRUE(button("profile1Btn").isChecked());
   EXPECT_FALSE(button("profile2Btn").isChecked());
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
   EXPECT_EQ(library().getProfileCount(), 0U);
 }
 
@@ -71,7 +71,7 @@ TEST_F(MainViewSlots, PendingEditsAndYesApplyTheOldSlotFirst) {
   chooseSlot(2);
   EXPECT_EQ(mouse().slotName(0), "NewPF_1");
   EXPECT_EQ(library().currFWProfileIndex(), 1);
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_THAT(messages(), ElementsAre("101", "111"));
 }
 
@@ -124,7 +124,7 @@ TEST_F(MainViewSlots, OkAppliesAndQuits) {
 
 TEST_P(MainViewSlotsEnd, QuitsWithoutAQuestion) {
   start();
-  isNeedSave = true;
+  editState->raiseNeedSave();
   click(GetParam());
   EXPECT_TRUE(termination::isTerminating());
   EXPECT_THAT(m_asked, IsEmpty());
@@ -182,8 +182,8 @@ TEST_F(MainViewSlots, ResetAsksAndBringsTheFactoryProfileBack) {
   click("reDefBtn");
   EXPECT_THAT(m_asked, ElementsAre(Pair("WarningReset", true)));
   EXPECT_EQ(mouse().slotName(0), "Profile#1");
-  EXPECT_EQ(selProfile.modeType, library().currDefProfile()->profileData().modeType);
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_EQ(editState->selProfile().modeType, library().currDefProfile()->profileData().modeType);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_EQ(title(), "Profile#1");
 }
 
@@ -200,8 +200,8 @@ TEST_F(MainViewSlots, BattleModeIsAnnouncedAndGoesToTheMouseAtOnce) {
   clearTrace();
   click("battleModeBtn");
   EXPECT_THAT(m_asked, ElementsAre(Pair("WarningBattle", false)));
-  EXPECT_EQ(selProfile.modeType, 1U);
-  EXPECT_EQ(currSetProfile.modeType, 1U);
+  EXPECT_EQ(editState->selProfile().modeType, 1U);
+  EXPECT_EQ(editState->currSetProfile().modeType, 1U);
   EXPECT_FALSE(sent().empty());
   EXPECT_TRUE(button("applyBtn").isEnabled());
   clearTrace();
@@ -217,9 +217,9 @@ TEST_F(MainViewSlots, NormalModeGoesToTheMouseWithoutAWarning) {
   clearTrace();
   click("normalModeBtn");
   EXPECT_THAT(m_asked, IsEmpty());
-  EXPECT_EQ(selProfile.modeType, 0U);
+  EXPECT_EQ(editState->selProfile().modeType, 0U);
   EXPECT_EQ(sent().size(), 5U);
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
 }
 
 TEST_F(MainViewSlots, LinkSwitchIsAnEditThatApplyStores) {
@@ -227,7 +227,7 @@ TEST_F(MainViewSlots, LinkSwitchIsAnEditThatApplyStores) {
   m_chosen = "/usr/bin/true";
   click("linkProBtn");
   click("linkProChk");
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
   click("applyBtn");
   bool isActive = false;
   EXPECT_EQ(library().getLinkAppPath(0, isActive), "/usr/bin/true");
@@ -243,7 +243,7 @@ TEST_F(MainViewSlots, TheLastPrimaryClickCannotBeReassigned) {
   click("leftClickBtn");
   EXPECT_THAT(m_asked, ElementsAre(Pair("WarningNeedLeft", true)));
   EXPECT_EQ(child(), nullptr);
-  selProfile.btnInfo[5] = selProfile.btnInfo[0];
+  editState->edit().btnInfo[5] = editState->selProfile().btnInfo[0];
   click("leftClickBtn");
   EXPECT_NE(child(), nullptr);
   EXPECT_TRUE(view().checkOnlyLeft(5));

@@ -213,8 +213,8 @@ TEST_P(MainViewStates, IsForgottenWhenTheProgramIsQuit) {
   startAgain();
   EXPECT_EQ(title(), GetParam().titleAfterRestart);
   EXPECT_EQ(linkOf(0), GetParam().titleAfterRestart);
-  EXPECT_EQ(selProfile.lightColorArr[0].cR, OfSlotA);
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_EQ(editState->selProfile().lightColorArr[0].cR, OfSlotA);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_EQ(disk(), GetParam().disk);
 }
 

@@ -68,9 +68,9 @@ TEST_F(Transfer, CountsTheMacrosOfTheButtons) {
   start();
   addMacro(3, "one", {{4, 0, 10}});
   addMacro(4, "two", {{4, 0, 10}});
-  selProfile.btnInfo[5] = macroButton(3);
-  selProfile.btnInfo[6] = macroButton(4);
-  isNeedSave = true;
+  editState->edit().btnInfo[5] = macroButton(3);
+  editState->edit().btnInfo[6] = macroButton(4);
+  editState->raiseNeedSave();
   view().refreshApplyBtn();
   watch();
   click("applyBtn");
@@ -95,7 +95,7 @@ TEST_F(Transfer, NothingElseHappensMeanwhile) {
 
 TEST_F(Transfer, ApplyWritesNameThenImageAndThenTellsTheService) {
   start();
-  isNeedSave = true;
+  editState->raiseNeedSave();
   view().refreshApplyBtn();
   clearTrace();
   std::vector<std::size_t> messagesSeen;
@@ -113,7 +113,7 @@ TEST_F(Transfer, ASlotChangeSwitchesTheMouseFirstAndTellsTheServiceLast) {
   clearTrace();
   std::vector<std::size_t> messagesSeen;
   setOnPause([&] { messagesSeen.push_back(messages().size()); });
-  isHaveNewName = true;
+  editState->setIsHaveNewName(true);
   chooseSlot(3);
   const auto lines = sent();
   ASSERT_GE(lines.size(), 3U);
@@ -124,7 +124,7 @@ TEST_F(Transfer, ASlotChangeSwitchesTheMouseFirstAndTellsTheServiceLast) {
   ASSERT_THAT(messages(), ElementsAre("111"));
   EXPECT_EQ(posts().back().name, "NerinSettingChange");
   EXPECT_EQ(posts().back().userInfo, (LXUserInfo{{"value1", 1}, {"value2", 2}}));
-  EXPECT_FALSE(isHaveNewName);
+  EXPECT_FALSE(editState->isHaveNewName());
 }
 
 TEST_F(Transfer, AStartWritesTheModeAndNothingElse) {
@@ -147,9 +147,9 @@ TEST_F(Transfer, FillingABattleProfileWritesItsMode) {
   chooseSlot(1);
   EXPECT_THAT(m_asked, IsEmpty());
   EXPECT_TRUE(button("battleModeBtn").isChecked());
-  EXPECT_EQ(currSetProfile.modeType, 1U);
+  EXPECT_EQ(editState->currSetProfile().modeType, 1U);
   const auto withMode = writes().size();
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   chooseSlot(2);
   chooseSlot(3);
   clearTrace();
@@ -163,14 +163,15 @@ TEST_F(Transfer, ASlotThatCannotBeReadKeepsWhatIsShown) {
   start();
   const QString caption = button("rightBtn").title();
   const std::string name = shownName();
-  selProfile.poRate = 3;
+  editState->edit().poRate = 3;
+  editState->clearNeedSave();
   mouse().clearSlot(6);
   m_answer = true;
   chooseSlot(7);
   EXPECT_EQ(library().currFWProfileIndex(), 6);
   EXPECT_EQ(shownName(), name);
   EXPECT_EQ(button("rightBtn").title(), caption);
-  EXPECT_EQ(selProfile.poRate, 3U);
+  EXPECT_EQ(editState->selProfile().poRate, 3U);
   EXPECT_THAT(messages(), ElementsAre("111"));
 }
 
@@ -187,6 +188,6 @@ TEST_F(Transfer, AMouseThatAnswersNonsenseStopsNothing) {
     }
     click("profileNewBtn");
     click("applyBtn");
-    EXPECT_FALSE(isNeedSave);
+    EXPECT_FALSE(editState->isNeedSave());
   }
 }

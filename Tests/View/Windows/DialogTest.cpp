@@ -104,12 +104,12 @@ TEST_F(Dialog, NothingElseOfTheProgramReacts) {
     clickThroughWindow(button("closeBtn"));
     dialog.okBtn()->click();
   });
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_EQ(library().currFWProfileIndex(), 0);
   EXPECT_FALSE(termination::isTerminating());
   EXPECT_THAT(trace(), IsEmpty());
   clickThroughWindow(button("profileNewBtn"));
-  EXPECT_TRUE(isNeedSave);
+  EXPECT_TRUE(editState->isNeedSave());
 }
 
 TEST_F(Dialog, HasItsPicturesAndItsButtons) {

@@ -153,7 +153,7 @@ TEST_F(End, InTheWarningOfBattleModeLeavesTheMode) {
   endInQuestion();
   click("battleModeBtn");
   expectNothingSent();
-  EXPECT_EQ(selProfile.modeType, 0U);
+  EXPECT_EQ(editState->selProfile().modeType, 0U);
   EXPECT_TRUE(button("normalModeBtn").isChecked());
 }
 
@@ -171,7 +171,7 @@ TEST_F(End, InAFilePanelUsesNoFile) {
   endInPanel();
   click("linkProBtn");
   expectNothingSent();
-  EXPECT_FALSE(isNeedSave);
+  EXPECT_FALSE(editState->isNeedSave());
   EXPECT_FALSE(library().currActivePath().has_value());
 }
 

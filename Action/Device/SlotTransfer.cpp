@@ -1,0 +1,233 @@
+#include "Action/Device/SlotTransfer.h"
+
+#include <array>
+#include <cstdio>
+
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Library/ProfieController.h"
+#include "Action/Record/EditState.h"
+#include "Action/Record/Limits.h"
+#include "Action/Wire/KeyCodes.h"
+#include "Action/Wire/ProfileName.h"
+#include "Kit/Core/LXLogger.h"
+
+namespace {
+
+constexpr std::uint16_t activeSlotAddress = 25;
+
+void logHex(unsigned value) {
+  char text[16];
+  std::snprintf(text, sizeof text, "%x", value);
+  LXLogger::debug(text);
+}
+
+bool isButton(int btnIndex) {
+  return btnIndex >= 0 && btnIndex < static_cast<int>(buttonCount);
+}
+
+// The macro that takes what was read: the one of that name, emptied, or a new one. Null when the
+// catalogue is full.
+std::shared_ptr<MacroInfo> macroFor(const std::string& name) {
+  if (auto known = NerinAction::getMacroByName(name)) {
+    known->keyInfoArr().clear();
+    return known;
+  }
+  auto created = NerinAction::addMacorByName(name);
+  if (created && editState->isHaveNewName()) {
+    created->setIsNoDisplay(true);
+  }
+  return created;
+}
+
+// The macros of the slot's buttons, and the buttons whose macro the catalogue does not have.
+NerinAction::ReadResult<NerinAction::ButtonSet> writeMacros(std::uint8_t slot,
+                                                            const NerinAction::ButtonSet& buttons) {
+  NerinAction::ReadResult<NerinAction::ButtonSet> written;
+  for (std::size_t index = 0; index < buttonCount; ++index) {
+    if (buttons[index]) {
+      const auto macro = NerinAction::setFWMacroData(slot, static_cast<int>(index));
+      written.outcome += macro.outcome;
+      written.value[index] = !macro.value;
+    }
+  }
+  return written;
+}
+
+}  // namespace
+
+NerinAction::ReadResult<std::optional<std::string>> NerinAction::getFWProfileName(
+    std::uint8_t slot) {
+  Outcome outcome = setReadyPro(slot, readyProfile, SlotStep::ReadName);
+  NameReport report{reportlayout::name, 0, slot};
+  outcome += Outcome(SlotStep::ReadName, GetCommand2(report));
+  pauseAfterReport();
+  auto name = decodeNameReport(report);
+  LXLogger::debug("resultStr=" + name.value_or(""));
+  return {outcome, std::move(name)};
+}
+
+Outcome NerinAction::setFWProfileName(std::uint8_t slot, const std::optional<std::string>& name) {
+  auto report = name ? encodeNameReport(slot, *name) : std::nullopt;
+  if (!report) {
+    return {};
+  }
+  const unsigned length = (*report)[reportlayout::headerSize];
+  LXLogger::debug(std::to_string(length));
+  logHex((*report)[reportlayout::atChecksum]);
+  logHex(length);
+  Outcome outcome(SlotStep::WriteName, SetCommand2(*report));
+  pauseAfterReport();
+  outcome += refreshDeviceData();
+  return outcome;
+}
+
+NerinAction::ReadResult<NerinAction::ProfileImage> NerinAction::readProfileImage(
+    std::uint8_t slot) {
+  Outcome outcome = setReadyPro(slot, readyProfile, SlotStep::ReadImage);
+  ProfileImage image{reportlayout::image};
+  outcome += Outcome(SlotStep::ReadImage, GetCommand2(image));
+  pauseAfterReport();
+  return {outcome, image};
+}
+
+Outcome NerinAction::getFWProfileDataPro(std::uint8_t slot) {
+  const auto image = readProfileImage(slot);
+  Outcome outcome = image.outcome;
+  const ButtonSet macros =
+      decodeProfileImage(image.value, editState->currFWProfile(), singleFunctionIdOf);
+  for (std::size_t index = 0; index < buttonCount; ++index) {
+    if (macros[index]) {
+      outcome += getFWMacroData(slot, static_cast<int>(index));
+    }
+  }
+  return outcome;
+}
+
+Outcome NerinAction::setFWProfileDataPro(std::uint8_t slot) {
+  const _Nerin_PROFILE& profile = editState->currFWProfile();
+  const auto macros = writeMacros(slot, macroButtonsOf(profile));
+  Outcome outcome = macros.outcome;
+  ProfileImage image = encodeProfileImage(slot, profile, macros.value);
+  outcome += Outcome(SlotStep::WriteImage, SetCommand2(image));
+  pauseAfterReport();
+  return outcome;
+}
+
+NerinAction::ReadResult<bool> NerinAction::getFWProfileData(std::uint8_t slot) {
+  editState->currFWProfile() = {};
+  const auto name = getFWProfileName(slot);
+  if (!name.value || name.value->empty()) {
+    return {name.outcome, false};
+  }
+  ProfieController& library = ProfieController::getShareProCon();
+  if (slot < limits::slotCount) {
+    const auto profile = library.getProfileByName(name.value);
+    library.fwProfileID()[slot] = profile ? profile->profileId() : ProfieController::notLinked;
+  }
+  Outcome outcome = name.outcome;
+  outcome += getFWProfileDataPro(slot);
+  library.setCurrFWProfileName(name.value);
+  return {outcome, true};
+}
+
+Outcome NerinAction::setFWProfileData(std::uint8_t slot) {
+  Outcome outcome = setFWProfileName(slot, ProfieController::getShareProCon().currFWProfileName());
+  outcome += setFWProfileDataPro(slot);
+  outcome += refreshDeviceData();
+  return outcome;
+}
+
+NerinAction::ReadResult<std::optional<NerinAction::MacroStream>> NerinAction::readMacroStream(
+    std::uint8_t slot, int btnIndex) {
+  Outcome outcome = setReadyPro(macroSlotOf(slot, btnIndex), readyMacro, SlotStep::ReadMacro);
+  MacroReport report{reportlayout::macro};
+  outcome += Outcome(SlotStep::ReadMacro, GetCommand2(report));
+  return {outcome, decodeMacroReport(report)};
+}
+
+NerinAction::ReadResult<bool> NerinAction::setFWMacroData(std::uint8_t slot, int btnIndex) {
+  if (!isButton(btnIndex)) {
+    return {};
+  }
+  const std::uint8_t macroSlot = macroSlotOf(slot, btnIndex);
+  Outcome outcome = setReadyPro2(macroSlot, readyMacro, SlotStep::WriteMacro);
+  const _BTN_INFO& button = editState->currFWProfile().btnInfo[btnIndex];
+  const auto macro = getMacroById(static_cast<std::int32_t>(button.MacroID));
+  if (!macro) {
+    return {outcome, false};
+  }
+  MacroReport report = encodeMacroReport(macroSlot, streamOf(*macro, button));
+  LXLogger::debug(std::to_string(report[reportlayout::atChecksum]));
+  outcome += Outcome(SlotStep::WriteMacro, SetCommand2(report));
+  pauseAfterReport();
+  return {outcome, true};
+}
+
+Outcome NerinAction::getFWMacroData(std::uint8_t slot, int btnIndex) {
+  if (!isButton(btnIndex)) {
+    return {};
+  }
+  const auto [outcome, stream] = readMacroStream(slot, btnIndex);
+  if (!stream) {
+    return outcome;
+  }
+  _BTN_INFO& button = editState->currFWProfile().btnInfo[btnIndex];
+  button.KeyBit[0] = getMacroRepeatTypeFromFW(stream->repeatType, stream->repeatCount);
+  button.KeyBit[1] = getMacroRepeatCountFromFW(stream->repeatCount);
+  LXLogger::debug("macroNameStr=" + stream->name.value_or(""));
+  if (!stream->name) {
+    editState->setIsHaveNewName(true);
+  }
+  const std::string name = stream->name.value_or(generatedMacroName + ("_" + std::to_string(slot)) +
+                                                 "_" + std::to_string(btnIndex));
+  const auto macro = macroFor(name);
+  button.MacroID = macro ? static_cast<std::uint32_t>(macro->macroId()) : 0;
+  if (macro) {
+    macro->setKeyInfoArr(eventsOf(*stream));
+  }
+  refreshMenuList();
+  return outcome;
+}
+
+Outcome NerinAction::setProfileIndexToDevice(std::uint8_t slot) {
+  Outcome outcome =
+      setAdrrData(static_cast<std::uint8_t>(0xA0U | slot), activeSlotAddress, SlotStep::SelectSlot);
+  outcome += sendCommand(std::array<std::uint8_t, 3>{0xC4, 0x07, slot}, SlotStep::SelectSlot);
+  return outcome;
+}
+
+NerinAction::ReadResult<std::uint8_t> NerinAction::getProfileIndexByDevice() {
+  const auto slot = getAdrrDataWithAddr(activeSlotAddress);
+  return {slot.outcome, static_cast<std::uint8_t>(slot.value & 0x0FU)};
+}
+
+Outcome NerinAction::setBtnInfoToDevicePro(int btnIndex, const _BTN_INFO& btnInfo) {
+  if (!isButton(btnIndex)) {
+    return {};
+  }
+  const int slot = ProfieController::getShareProCon().currFWProfileIndex();
+  editState->setCurrSetProfileID(static_cast<std::uint32_t>(slot));
+  std::array<std::uint8_t, 8> command{0xC4, 0x0E, devicePosition(btnIndex)};
+  setBtnInfoDataPro(command, btnInfo);
+  Outcome outcome;
+  if (btnInfo.FuncTableId == FunctionMacro) {
+    editState->currFWProfile() = editState->currSetProfile();
+    editState->currFWProfile().btnInfo[btnIndex] = btnInfo;
+    const auto macro = setFWMacroData(static_cast<std::uint8_t>(slot), btnIndex);
+    outcome += macro.outcome;
+    if (!macro.value) {
+      // Two more parameters stay in the command; the mouse does not look at those of a disabled
+      // button.
+      command[3] = static_cast<std::uint8_t>(FunctionDisabled);
+      command[4] = 0;
+      command[5] = 0;
+    }
+  }
+  outcome += sendCommand(command, SlotStep::WriteButton);
+  return outcome;
+}
+
+void NerinAction::redefaultFWProfile(std::uint8_t slot) {
+  static_cast<void>(slot);
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+// The long reports that the mouse exchanges, and where their bytes lie.
+namespace reportlayout {
+
+// The report ids, the first byte of each long report.
+inline constexpr std::uint8_t macro = 4;
+inline constexpr std::uint8_t image = 5;
+inline constexpr std::uint8_t name = 6;
+
+inline constexpr std::size_t macroSize = 2053;
+inline constexpr std::size_t imageSize = 154;
+inline constexpr std::size_t nameSize = 70;
+
+// What the headers of all three share: the id, 0, the slot and the checksum of what follows.
+inline constexpr std::size_t atSlot = 2;
+inline constexpr std::size_t atChecksum = 3;
+inline constexpr std::size_t headerSize = 4;
+
+}  // namespace reportlayout
+
+// Where the settings of a profile lie in its image.
+namespace imagelayout {
+
+inline constexpr std::size_t atRate = 4;
+inline constexpr std::size_t atLift = 5;
+inline constexpr std::size_t atLevels = 6;
+inline constexpr std::size_t atDpi = 7;  // five levels: Y, X and the color that the mouse shows
+inline constexpr std::size_t levelSize = 5;
+inline constexpr std::size_t atZones = 42;  // four zones: mode, red, green, blue
+inline constexpr std::size_t zoneSize = 4;
+inline constexpr std::size_t atButtons = 58;
+inline constexpr std::size_t buttonSize = 5;
+
+inline constexpr std::uint8_t liftMask = 0x1F;
+inline constexpr std::uint8_t liftFlag = 0x20;
+
+}  // namespace imagelayout
+
+namespace NerinAction {
+
+// What makes the sum of the bytes and itself 0 in 8 bits.
+std::uint8_t GetChecksum(std::span<const std::uint8_t> bytes);
+
+}  // namespace NerinAction
