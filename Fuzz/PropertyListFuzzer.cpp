@@ -8,10 +8,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto bytes = fuzz::textOf(data, size);
   if (const auto list = propertylist::parse(bytes)) {
     for (const auto form : {propertylist::Form::Xml, propertylist::Form::Binary}) {
-      fuzz::require(!propertylist::serialise(list.get(), form).empty());
+      fuzz::require(!propertylist::serialize(list.get(), form).empty());
     }
     const auto form = propertylist::formOf(bytes);
-    const auto again = propertylist::parse(propertylist::serialise(list.get(), form));
+    const auto again = propertylist::parse(propertylist::serialize(list.get(), form));
     fuzz::require(again && propertylist::isKind(again.get(), plist_get_node_type(list.get())));
   }
   PreferenceFile file(fuzz::putFile("preferences/fuzz.plist", bytes));
