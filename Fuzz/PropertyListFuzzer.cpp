@@ -3,7 +3,7 @@
 #include "Kit/Core/PreferenceFile.h"
 #include "Kit/Core/PropertyList.h"
 
-// Any bytes as a property list, in both forms, and as the preference file that is read and changed.
+// Any bytes as a property list, in both forms, and as a preference file that is read and changed.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto bytes = fuzz::textOf(data, size);
   if (const auto list = propertylist::parse(bytes)) {
