@@ -24,7 +24,7 @@ propertylist::Handle inBothForms(const propertylist::Handle& list, Form form) {
   return propertylist::parse(propertylist::serialize(list.get(), form));
 }
 
-// While this lives, the decimal sign of the process is a comma.
+// While this lives, the process uses a decimal comma.
 class CommaNumbers {
  public:
   explicit CommaNumbers(const std::filesystem::path& folder) {
