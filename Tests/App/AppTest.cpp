@@ -126,7 +126,7 @@ TEST_F(App, TheMainWindowRestsWhileAboutIsOpen) {
     clickThroughWindow(appButton("profileNewBtn"));
     clickThroughWindow(appButton("profile3Btn"));
     clickThroughWindow(appButton("closeBtn"));
-    // Asking again only brings it to the front.
+    // A second call only brings it to the front.
     m_delegate.showAboutPro();
     EXPECT_TRUE(about().isVisible());
   });
