@@ -169,7 +169,7 @@ TEST_F(App, AReportWaitsUntilAboutIsClosed) {
   EXPECT_EQ(library().currFWProfileIndex(), 4);
 }
 
-TEST_F(App, ItsDarkColoursCanBeRead) {
+TEST_F(App, ItsDarkColorsCanBeRead) {
   const QPalette before = QApplication::palette();
   const QFont font = QApplication::font();
   prepareApplication(*qApp);

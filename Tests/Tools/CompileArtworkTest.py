@@ -207,7 +207,7 @@ class Words(CompilerTest):
         self.assertEqual([word[name] for name in ("key", "x", "y", "width", "height", "align")],
                          ["OK", 6, 2, 12, 10, "center"])
 
-    def testHaveAColourForEachState(self):
+    def testHaveAColorForEachState(self):
         colors = self.screen().words[0]["colors"]
         self.assertEqual((colors["Normal"], colors["Over"], colors["Down"]),
                          ("#FFFFFF", "#FF0000", "#FFFFFF"))
@@ -431,7 +431,7 @@ class ShippedArtwork(unittest.TestCase):
         for number in range(1, 5):
             self.assertEqual((stage.width, stage.height), self.frames("LightZone%d" % number)[0])
 
-    def testTheColourBarShowsWhatItsValuesGive(self):
+    def testTheColorBarShowsWhatItsValuesGive(self):
         with tempfile.TemporaryDirectory() as folder:
             compiler.renderAll(self.screens, folder, 2, "ColorBar|LightOptionView_Normal")
             width, height, rows = decoded(os.path.join(folder, "ColorBar.png"))
