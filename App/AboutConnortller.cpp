@@ -34,7 +34,7 @@ QLabel* label(const QString& text, qreal size, int weight, const char* color) {
 
 }  // namespace
 
-// A dark sheet with a hairline around it.
+// A dark panel with a thin border.
 class AboutConnortller::Content : public QWidget {
  protected:
   void paintEvent(QPaintEvent* /*event*/) override {
@@ -90,7 +90,7 @@ void AboutConnortller::runModal(const QWidget* over) {
   m_window.show();
   loop.exec();
   m_loop = nullptr;
-  // The loop also ends with the program.
+  // The end of the program also ends the loop.
   m_window.hide();
 }
 

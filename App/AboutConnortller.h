@@ -4,17 +4,17 @@
 
 #include "Kit/Widgets/LXNoTitleWindow.h"
 
-// The About window. One for the life of the program.
+// The About window. One instance serves the whole program.
 class AboutConnortller : public LXWindowDelegate {
  public:
-  // Makes it at the first call.
+  // Creates it on the first call.
   static AboutConnortller& shareAboutController();
 
   AboutConnortller();
   AboutConnortller(const AboutConnortller&) = delete;
   AboutConnortller& operator=(const AboutConnortller&) = delete;
 
-  // Shows the window over another one and returns when it was closed. While it is open, a second
+  // Shows the window over another one and returns after it was closed. While it is open, a second
   // call only brings it to the front.
   void runModal(const QWidget* over);
   void windowWillClose(LXNoTitleWindow& window) override;

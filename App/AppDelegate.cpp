@@ -21,10 +21,10 @@ namespace {
 
 constexpr int dragStrip = 130;
 constexpr qreal typeSize = 12;
-// A window that nobody shows, on another desktop say, is not waited for longer.
-constexpr int longestPaintMilliseconds = 500;
+// The limit for a window that is not shown, for example on another desktop.
+constexpr int maximumPaintMilliseconds = 500;
 constexpr QRgb hairline = 0xFF343943;
-constexpr int largestHeapBlock = 128 * 1024;
+constexpr int maximumHeapBlock = 128 * 1024;
 
 QPalette darkColors() {
   const QColor graphite(0x15, 0x17, 0x1C);
@@ -49,7 +49,7 @@ QPalette darkColors() {
   return colors;
 }
 
-// Fusion, but for the frame of a tooltip, which it draws in the colour of the text.
+// Fusion, except for the frame of a tooltip, which Fusion draws in the text color.
 class HouseStyle : public QProxyStyle {
  public:
   HouseStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
@@ -66,15 +66,15 @@ class HouseStyle : public QProxyStyle {
   }
 };
 
-// Lets the window come up with its picture. No transfer goes on yet.
+// Lets the window appear with its picture before the first transfer.
 void waitForFirstPicture(const QWidget& window) {
   QElapsedTimer time;
   time.start();
   while (!(window.windowHandle() != nullptr && window.windowHandle()->isExposed()) &&
-         time.elapsed() < longestPaintMilliseconds) {
+         time.elapsed() < maximumPaintMilliseconds) {
     QCoreApplication::processEvents(
         QEventLoop::ExcludeUserInputEvents | QEventLoop::WaitForMoreEvents,
-        longestPaintMilliseconds);
+        maximumPaintMilliseconds);
   }
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
@@ -122,10 +122,10 @@ void AppDelegate::windowWillClose(LXNoTitleWindow& /*window*/) {
 
 void prepareApplication(QApplication& application) {
 #ifdef __GLIBC__
-  // Pictures are megabytes and most are read for a moment only: each goes back to the system when
-  // it is no longer needed, instead of leaving a hole in the heap.
-  mallopt(M_MMAP_THRESHOLD, largestHeapBlock);
-  // What the few short-lived threads need does not deserve a heap for each.
+  // Pictures take megabytes and are needed only briefly. Each returns to the system at once instead
+  // of leaving a hole in the heap.
+  mallopt(M_MMAP_THRESHOLD, maximumHeapBlock);
+  // The few short-lived threads do not justify a heap each.
   mallopt(M_ARENA_MAX, 1);
 #endif
   QCoreApplication::setOrganizationDomain(QStringLiteral("corvex.com"));
@@ -135,7 +135,7 @@ void prepareApplication(QApplication& application) {
   QApplication::setFont(pictures::font(typeSize, QFont::Normal));
   QApplication::setQuitOnLastWindowClosed(
       AppDelegate::applicationShouldTerminateAfterLastWindowClosed());
-  // The program is not started again at the next login.
+  // The program is not restarted at the next login.
   QObject::connect(
       &application, &QGuiApplication::saveStateRequest, &application,
       [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); });

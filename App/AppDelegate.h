@@ -7,7 +7,7 @@
 
 class MainView;
 
-// Makes the main window with its view and ends the program with it.
+// Creates the main window with its view and ends the program with it.
 class AppDelegate : public LXWindowDelegate {
  public:
   AppDelegate();
@@ -15,10 +15,10 @@ class AppDelegate : public LXWindowDelegate {
   AppDelegate(const AppDelegate&) = delete;
   AppDelegate& operator=(const AppDelegate&) = delete;
 
-  // The window is seen before the mouse is asked for anything. The program may have ended when
-  // this returns: the user can decline to wait for the mouse.
+  // Shows the window before the first transfer to the mouse. The program may have ended when this
+  // returns: the user can decline to wait for the mouse.
   void start();
-  // The window can be moved by its header.
+  // Lets the user move the window by its header.
   void applicationDidFinishLaunching();
   // Closing the main window quits.
   static bool applicationShouldTerminateAfterLastWindowClosed() { return true; }
@@ -34,8 +34,8 @@ class AppDelegate : public LXWindowDelegate {
   MainView* m_mainView = nullptr;
 };
 
-// What a program of this product does with its QApplication before anything else: names, colours,
-// accessibility.
+// Prepares the QApplication of any program of this product: names, colors, accessibility. Call it
+// first.
 void prepareApplication(QApplication& application);
-// Runs the main loop, unless the program has ended at its start. The exit code.
+// Runs the main loop, unless the program has already ended, and returns the exit code.
 int runApplication(AppDelegate& delegate);

@@ -6,8 +6,8 @@
 
 #include "Kit/Bus/SessionBusNotificationCenter.h"
 
-// The session bus, and beside it the demonstration's own panel, which plays the background service
-// even where there is no bus.
+// The session bus, plus the demonstration's own panel, which plays the background service even
+// where there is no bus.
 class DemoNotificationCenter final : public LXNotificationCenter {
  public:
   void postNotificationName(const std::string& name, const std::string& object,

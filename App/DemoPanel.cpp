@@ -77,7 +77,7 @@ DemoPanel::DemoPanel(std::shared_ptr<VirtualMouse> mouse, Report report)
   connect(m_plugBtn, &QPushButton::clicked, this, &DemoPanel::plug);
   connect(m_slotBtn, &QPushButton::clicked, this, &DemoPanel::pressSlotButton);
   connect(m_slotBox, &QComboBox::currentIndexChanged, this, &DemoPanel::refresh);
-  // The mouse tells nobody that it was written.
+  // The mouse does not report writes, so poll.
   auto* timer = new QTimer(this);
   connect(timer, &QTimer::timeout, this, &DemoPanel::refresh);
   timer->start(refreshMilliseconds);

@@ -11,9 +11,9 @@ class QComboBox;
 class QPlainTextEdit;
 class QPushButton;
 
-// Stands beside the demonstration and does to the virtual mouse what hands do to a real one: pulls
-// the plug, puts it back, presses the mouse's own slot button. Shows what a slot holds. Tells the
-// program as the background service would.
+// Stands beside the demonstration and does to the virtual mouse what hands do to a real one:
+// unplugs it, plugs it in, presses its slot button. Shows what a slot holds. Notifies the program
+// like the background service.
 class DemoPanel : public QWidget {
   Q_OBJECT
 
@@ -22,7 +22,7 @@ class DemoPanel : public QWidget {
 
   DemoPanel(std::shared_ptr<VirtualMouse> mouse, Report report);
 
-  // Right of the window, or over its edge where the screen ends.
+  // Right of the window, or overlapping its edge if the screen ends there.
   void standBeside(const QWidget& window);
   // What the slot (0..9) holds, in words and bytes.
   QString describe(int slot) const;

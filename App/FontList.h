@@ -2,8 +2,8 @@
 
 #include <future>
 
-// Reads the system's list of fonts in a thread of its own while the toolkit starts: the first word
-// that is drawn would wait for it. Make it first thing in main.
+// Reads the system's list of fonts in a separate thread while the toolkit starts; otherwise the
+// first drawn word would wait for it. Create it first in main.
 class FontList {
  public:
   FontList();

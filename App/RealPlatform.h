@@ -5,6 +5,6 @@
 
 #include "Kit/Core/LXPlatform.h"
 
-// The outside as this desktop gives it, but for the mouse and the bus, which the program chooses.
+// The outside as this desktop provides it. The program chooses the mouse and the bus.
 LXPlatform realPlatform(std::shared_ptr<LXDeviceRequester> requester,
                         std::shared_ptr<LXNotificationCenter> center);

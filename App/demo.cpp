@@ -1,5 +1,5 @@
 // NerinOption on a virtual mouse, with a panel beside it that plays the user's hands and the
-// background service. Keeps its library apart from that of the real program.
+// background service. Its library is separate from that of the real program.
 
 #include <iostream>
 #include <memory>
@@ -26,13 +26,13 @@ int run(QApplication& application) {
   const auto mouse = std::make_shared<VirtualMouse>(std::filesystem::path(*sysPath) / "mouse");
   platform.deviceRequester = std::make_shared<VirtualDeviceRequester>(mouse);
   LXPlatform::install(platform);
-  // Two owners, and the centre would not flush at the end.
+  // A second owner would keep the notification center from flushing at the end.
   platform = {};
 
   AppDelegate delegate;
   DemoPanel panel(mouse, [service](const LXUserInfo& userInfo) {
-    if (const auto centre = service.lock()) {
-      centre->report("NerinDevStatus", userInfo);
+    if (const auto receiver = service.lock()) {
+      receiver->report("NerinDevStatus", userInfo);
     }
   });
   panel.show();

@@ -20,7 +20,7 @@ int main(int argc, char** argv) {
     AppDelegate delegate;
     code = runApplication(delegate);
   }
-  // The bus must be gone before Qt is.
+  // The bus connection must be closed before Qt shuts down.
   LXPlatform::install({});
   return code;
 }

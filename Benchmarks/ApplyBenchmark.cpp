@@ -16,7 +16,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Each button plays a macro of its own, forty presses and releases long with a pause after each.
+// Each button plays its own macro of forty presses and releases, with a pause after each.
 void giveEveryButtonAMacro() {
   NerinAction::initMenuList();
   NerinAction::refreshMenuList();

@@ -27,7 +27,7 @@ BENCHMARK(loadTexts)->Unit(benchmark::kMicrosecond);
 void findText(benchmark::State& state) {
   const BenchmarkHome home;
   TooltipManager manager;
-  // The one that is found last.
+  // The last one in the search.
   const std::string key = manager.engLan()->tooltips.back().name.value_or("");
   for (auto iteration : state) {
     static_cast<void>(iteration);

@@ -1,5 +1,5 @@
-// The least a Qt program with a window of the main window's size can cost: what startup measures
-// the programs against.
+// The minimum that a Qt program with a window of this size costs; `startup` measures the programs
+// against it.
 
 #include <QApplication>
 #include <QWidget>

@@ -4,7 +4,7 @@
 
 namespace {
 
-// What was written just before is in the cache of the system.
+// The files were just written, so the system has them in its cache.
 void loadLibrary(benchmark::State& state) {
   const BenchmarkHome home;
   const auto profiles = static_cast<std::size_t>(state.range(0));
@@ -20,7 +20,7 @@ void loadLibrary(benchmark::State& state) {
 }
 BENCHMARK(loadLibrary)->Arg(50)->Arg(5000)->Unit(benchmark::kMillisecond);
 
-// With one profile changed, as after an edit.
+// One profile has changed, as after an edit.
 void saveLibrary(benchmark::State& state) {
   const BenchmarkHome home;
   BenchmarkHome::fillLibrary(static_cast<std::size_t>(state.range(0)));
@@ -37,7 +37,7 @@ void saveLibrary(benchmark::State& state) {
 }
 BENCHMARK(saveLibrary)->Arg(50)->Arg(5000)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-// With every profile changed.
+// Every profile has changed.
 void rewriteLibrary(benchmark::State& state) {
   const BenchmarkHome home;
   BenchmarkHome::fillLibrary(static_cast<std::size_t>(state.range(0)));

@@ -8,8 +8,8 @@ namespace {
 // A button that plays its macro once.
 constexpr _BTN_INFO runsOnce{6, 6, ButtonTypeMacro, {1, 0, 0, 0}, {}, 1};
 
-// Presses and releases of all keys by turns, as long as the mouse's memory of a macro allows
-// without pauses.
+// Alternating presses and releases of all keys, up to the length that the mouse's memory of a macro
+// allows without pauses.
 MacroInfo macroOf(int events) {
   MacroInfo macro;
   macro.setNameStr("NewMacro_1");

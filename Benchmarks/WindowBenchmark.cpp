@@ -18,8 +18,8 @@ QApplication& application() {
   return made;
 }
 
-// The pointer enters a caption and leaves it: the caption's two pictures, and the line to its
-// marker, drawn and cleared.
+// The pointer enters and leaves a caption, so that its two pictures and the line to its marker are
+// drawn and cleared.
 void hoverCaption(benchmark::State& state) {
   application();
   const BenchmarkHome home;

@@ -6,7 +6,7 @@
 #include "Action/Wire/ProfileImage.h"
 #include "Fuzz/FuzzInput.h"
 
-// Any answers, short ones too, to the reads of single bytes, and the slot that they name.
+// Any answers to reads of single bytes, including short ones, and the slot that they name.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::home();
   NerinAction::startListenDev();

@@ -6,8 +6,8 @@
 #include "Action/Wire/ProfileImage.h"
 #include "Fuzz/FuzzInput.h"
 
-// Any answer to the read of a slot's image, and to the reads of the macros that it names: taken
-// into the record, shown, and put back into the mouse's form.
+// Any answer to a read of a slot's image and of the macros that it names: stored in the record,
+// shown, and converted back for the mouse.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::home();
   NerinAction::startListenDev();

@@ -5,8 +5,8 @@
 #include "Kit/Core/KeyedArchive.h"
 #include "Kit/Core/LXAction.h"
 
-// Any bytes as an archive of a macro, or of a menu entry that holds one. What is read must be
-// written and read again as the same, and be fit for the mouse.
+// Any bytes as an archive of a macro, or of a menu entry that holds one. What is read must survive
+// writing and reading again, and must fit into the mouse.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto bytes = fuzz::textOf(data, size);
   MenuInfo entry;

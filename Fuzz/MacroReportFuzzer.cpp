@@ -5,7 +5,7 @@
 #include "Action/Wire/MacroImage.h"
 #include "Fuzz/FuzzInput.h"
 
-// Any answer to the read of a macro: taken into the catalogue and written to the mouse again.
+// Any answer to a read of a macro: added to the catalogue and written back to the mouse.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::home();
   NerinAction::startListenDev();

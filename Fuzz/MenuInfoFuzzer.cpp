@@ -4,7 +4,7 @@
 #include "Action/Wire/KeyCodes.h"
 #include "Fuzz/FuzzInput.h"
 
-// Any bytes as the function catalogue: loaded, looked up, its macros written back and read again.
+// Any bytes as the function catalogue: loaded, searched, and its macros written and read again.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::string folder = (fuzz::home(), NerinAction::getSysPath());
   fuzz::putFile(folder + "/MenuInfo.xml", fuzz::textOf(data, size));

@@ -20,8 +20,8 @@ void readAll(VirtualMouse& mouse) {
 
 }  // namespace
 
-// Any bytes as the memory file of a mouse: as they are, and again and again behind a right header
-// until the file has its size.
+// Any bytes as the memory file of a mouse: once unchanged, and once repeated after a valid header
+// until the file has the right size.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::string header{"NERINMEM\1\0\0\0\0\0\0\0", 16};
   static constexpr std::size_t memorySize = 11UL * 256 + 10UL * 70 + 190UL * 2053;
@@ -35,7 +35,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
       VirtualMouse mouse(fuzz::putFile("mouse.memory", bytes));
       readAll(mouse);
     } catch (const std::runtime_error&) {
-      // What is no memory of a mouse is refused, and only the second one is sure to be one.
+      // Invalid files are refused, and only the second one is sure to be valid.
       fuzz::require(bytes.data() != whole.data());
     }
   }

@@ -4,8 +4,8 @@
 #include "Fuzz/FuzzInput.h"
 #include "VirtualMouse/VirtualMouse.h"
 
-// Any sequence of control transfers: each is the eight bytes of a setup packet and, for one that
-// sends, as many bytes of data as are left of what it announces.
+// Any sequence of control transfers. Each is a setup packet of eight bytes, followed for a write by
+// as much of the announced data as is left.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   VirtualMouse mouse;
   std::array<std::uint8_t, 4096> stage{};

@@ -6,7 +6,7 @@
 #include "Action/Wire/ProfileImage.h"
 #include "Fuzz/FuzzInput.h"
 
-// Any answer to the read of a slot's name, which then goes the way of all names.
+// Any answer to a read of a slot's name, which is then processed like any other name.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::home();
   NerinAction::startListenDev();

@@ -4,7 +4,7 @@
 #include "Action/Wire/ProfileImage.h"
 #include "Fuzz/FuzzInput.h"
 
-// Any bytes as a profile file: loaded, shown, put into the mouse's form, named and written again.
+// Any bytes as a profile file: loaded, shown, converted for the mouse, named and written again.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto path = fuzz::putFile("fuzz.pro", fuzz::textOf(data, size));
   const auto profile = ProfileValue::initWithPath(path);

@@ -3,15 +3,15 @@
 #include "Kit/Core/PreferenceFile.h"
 #include "Kit/Core/PropertyList.h"
 
-// Any bytes as a property list, in both forms, and as the preference file that is read and changed.
+// Any bytes as a property list, in both forms, and as a preference file that is read and changed.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto bytes = fuzz::textOf(data, size);
   if (const auto list = propertylist::parse(bytes)) {
     for (const auto form : {propertylist::Form::Xml, propertylist::Form::Binary}) {
-      fuzz::require(!propertylist::serialise(list.get(), form).empty());
+      fuzz::require(!propertylist::serialize(list.get(), form).empty());
     }
     const auto form = propertylist::formOf(bytes);
-    const auto again = propertylist::parse(propertylist::serialise(list.get(), form));
+    const auto again = propertylist::parse(propertylist::serialize(list.get(), form));
     fuzz::require(again && propertylist::isKind(again.get(), plist_get_node_type(list.get())));
   }
   PreferenceFile file(fuzz::putFile("preferences/fuzz.plist", bytes));

@@ -6,8 +6,8 @@
 
 #include "Fuzz/FuzzInput.h"
 
-// Gives every file of a folder to the fuzz target, so that an input that once ended the program is
-// tried at every run of the tests.
+// Passes every file of a folder to the fuzz target, so that each test run repeats the inputs that
+// once ended the program.
 int main(int argc, char** argv) {
   if (argc != 2) {
     std::fprintf(stderr, "usage: %s FOLDER\n", argv[0]);
@@ -15,7 +15,7 @@ int main(int argc, char** argv) {
   }
   int inputs = 0;
   for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {
-    // Named first, so that the last line tells which input ended the program.
+    // Printed first, so that the last line names the input that ended the program.
     std::printf("%s\n", entry.path().filename().c_str());
     std::fflush(stdout);
     std::ifstream file(entry.path(), std::ios::binary);

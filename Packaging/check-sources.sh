@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# What a compiler does not see: the format of the sources, and that an include never points up the
-# list of layers.
+# Checks what a compiler does not: the format of the sources, and that no include points up the list
+# of layers.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
 
-# layer -> the folders that its includes may name.
+# layer -> the folders from which it may include.
 declare -A allowed=(
   [Kit/Core]='Kit/Core'
   [Kit/Bus]='Kit/Bus Kit/Core'
@@ -19,7 +19,7 @@ declare -A allowed=(
   [App]='App View Kit/Widgets Kit/Desktop Action VirtualMouse Kit/Device Kit/Bus Kit/Core'
   [CommandLine]='CommandLine Action VirtualMouse Kit/Device Kit/Bus Kit/Core'
 )
-# The layers that may know Qt.
+# The layers that may use Qt.
 knows_qt=' Kit/Bus Kit/Widgets Kit/Desktop View App '
 status=0
 for layer in "${!allowed[@]}"; do
@@ -32,7 +32,7 @@ for layer in "${!allowed[@]}"; do
   fi
   if [[ "$knows_qt" != *" $layer "* ]] && git ls-files "$layer/*.cpp" "$layer/*.h" |
     xargs grep -HnE '^#include <Q'; then
-    echo "$layer knows no Qt" >&2
+    echo "$layer must not use Qt" >&2
     status=1
   fi
 done

@@ -1,4 +1,4 @@
-# Sourced by run and test: the packages of Debian 12 that they need, and the build.
+# Sourced by run and test: the Debian 12 packages that they need, and the build.
 
 build_packages=(
   cmake fonts-inter g++ librsvg2-bin ninja-build pkg-config python3
@@ -15,7 +15,7 @@ tour_packages=(
 bench_packages=(libbenchmark-dev)
 fuzz_packages=(clang libclang-rt-14-dev)
 
-# install_packages KIND...: installs what is missing of the named kinds, and says so.
+# install_packages KIND...: installs the missing packages of the named kinds, and says so.
 install_packages() {
   local missing=() kind package
   for kind in "$@"; do
@@ -39,7 +39,7 @@ install_packages() {
     apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# configure_and_build PRESET TARGET: quiet unless something fails.
+# configure_and_build PRESET TARGET: prints nothing unless something fails.
 configure_and_build() {
   local log="build/$1.log"
   mkdir -p build

@@ -17,8 +17,8 @@
 
 #include "Action/Record/Records.h"
 
-// Writes the factory profiles: FactoryProfiles SOURCE.json FOLDER. Nothing is written unless the
-// whole source is good.
+// Writes the factory profiles: FactoryProfiles SOURCE.json FOLDER. Writes nothing unless the whole
+// source is valid.
 
 namespace {
 
@@ -26,7 +26,7 @@ using Json = nlohmann::json;
 
 constexpr std::size_t profileCount = 10;
 
-// A profile file is little-endian whatever builds it.
+// A profile file is little-endian on every build machine.
 template <std::unsigned_integral Word>
 Word littleEndian(Word value) {
   if constexpr (std::endian::native == std::endian::little) {
@@ -41,8 +41,8 @@ Word littleEndian(Word value) {
 }
 
 struct Range {
-  std::uint32_t lowest;
-  std::uint32_t highest;
+  std::uint32_t minimum;
+  std::uint32_t maximum;
 };
 
 constexpr Range byteRange{0, 255};
@@ -68,21 +68,22 @@ const Json& elements(const Json& list, std::size_t count, const std::string& whe
 }
 
 std::uint32_t number(const Json& value, Range range, const std::string& where) {
-  if (!value.is_number_unsigned() || value.get<std::uint64_t>() < range.lowest ||
-      value.get<std::uint64_t>() > range.highest) {
+  if (!value.is_number_unsigned() || value.get<std::uint64_t>() < range.minimum ||
+      value.get<std::uint64_t>() > range.maximum) {
     throw std::runtime_error(where + " is " + value.dump() + ", not a whole number from " +
-                             std::to_string(range.lowest) + " to " + std::to_string(range.highest));
+                             std::to_string(range.minimum) + " to " +
+                             std::to_string(range.maximum));
   }
   return value.get<std::uint32_t>();
 }
 
-// Fills one field of the record, a word, from the member of that name.
+// Fills a word of the record from the member of that name.
 void fill(std::uint32_t& field, const Json& object, const char* key, Range range,
           const std::string& where) {
   field = littleEndian(number(member(object, key, where), range, where + "." + key));
 }
 
-// Fills one field of the record, an array of words.
+// Fills an array of words of the record.
 template <std::size_t Count>
 void fill(std::uint32_t (&field)[Count], const Json& object, const char* key, Range range,
           const std::string& where) {
@@ -148,7 +149,7 @@ std::vector<ProfileFile> profilesFrom(const Json& source) {
     const std::string name = "Profile#" + std::to_string(index + 1);
     ProfileFile file;
     file.name = name + ".pro";
-    // The padding is part of the file, so that the same source always gives the same bytes.
+    // The padding is part of the file, so it must not vary between builds.
     std::memset(&file.record, 0, sizeof(file.record));
     file.record.profileId = littleEndian(std::uint64_t{index + 1});
     file.record.isDefault = 1;

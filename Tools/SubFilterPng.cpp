@@ -1,6 +1,6 @@
 // Reads a PNG from standard input and writes it to standard output with the Sub filter on every
-// row. Undoing Sub is much quicker than undoing the mixture of filters that renderers choose, and
-// decoding pictures is the largest part of the program's start.
+// row. Sub decodes much faster than the mixed filters of most renderers, and decoding pictures is
+// the main cost of starting the program.
 #include <cstdio>
 #include <cstdlib>
 #include <vector>

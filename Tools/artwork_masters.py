@@ -1,8 +1,8 @@
 """Reads the artwork masters: the theme, the screens, their controls, frames, lines and words.
 
-A master is an SVG drawing of one screen. Every control is an element with the control's name as
-its id and a data-kind attribute; its rectangle is the control's frame, so that moving a button in
-the drawing moves it in the program.
+A master is an SVG drawing of one screen. Every control is an element whose id is the control's
+name and which has a data-kind attribute. Its rectangle is the control's frame, so moving a button
+in the drawing moves it in the program.
 """
 
 import copy
@@ -21,7 +21,7 @@ ElementTree.register_namespace("xlink", XLINK)
 
 
 class ArtworkError(Exception):
-    """A fault in a master that the artist has to mend."""
+    """An error in a master that the artist has to fix."""
 
 
 def svgTag(name):
@@ -56,7 +56,7 @@ class Theme:
 
     def __init__(self, css, definitions):
         css = re.sub(r"/\*.*?\*/", "", css, flags=re.DOTALL)
-        self.colours = {}
+        self.colors = {}
         self.rules = []
         for selectors, body in re.findall(r"([^{}]+)\{([^{}]*)\}", css):
             declarations = {}
@@ -68,21 +68,21 @@ class Theme:
             for selector in (part.strip() for part in selectors.split(",")):
                 if selector == ":root":
                     for name, value in declarations.items():
-                        self.colours[name.removeprefix("--")] = value
+                        self.colors[name.removeprefix("--")] = value
                 else:
                     self.rules.append((selector, declarations))
         self.definitions = definitions
 
     def resolve(self, text, where):
-        """Replaces each var(--name) in text by the colour of that name."""
+        """Replaces each var(--name) in text with the color of that name."""
 
-        def colour(match):
+        def color(match):
             name = match.group(1)
-            if name not in self.colours:
-                raise ArtworkError("%s: there is no colour --%s in theme.css" % (where, name))
-            return self.colours[name]
+            if name not in self.colors:
+                raise ArtworkError("%s: there is no color --%s in theme.css" % (where, name))
+            return self.colors[name]
 
-        return re.sub(r"var\(--([A-Za-z0-9]+)\)", colour, text)
+        return re.sub(r"var\(--([A-Za-z0-9]+)\)", color, text)
 
     def styleSheet(self):
         lines = []
@@ -92,7 +92,7 @@ class Theme:
         return "\n".join(lines)
 
     def wordStyle(self, name, state, where):
-        """The declarations that hold for words of the class name in a state."""
+        """The declarations that apply to words of the class name in a state."""
         style = {}
         found = False
         for selector, declarations in self.rules:
@@ -131,14 +131,14 @@ class Control:
         self.name, self.frame, self.page, self.overlay = name, frame, page, overlay
 
     def mayMeet(self, other):
-        """Whether both can be on the screen at the same time, each claiming its own place."""
+        """Whether both can be on the screen at the same time, each in a place of its own."""
         if self.overlay or other.overlay:
             return False
         return not (self.page and other.page and self.page != other.page)
 
 
 class Screen:
-    """One master, or one variant of it: the drawing and what was read from it."""
+    """One master or one variant of it: the drawing and its parsed contents."""
 
     def __init__(self, name, fileName, root, theme, expectedControls, expectedLines=(),
                  isSingle=False):
@@ -157,11 +157,11 @@ class Screen:
         for state in self.states:
             if state not in STATES:
                 raise ArtworkError("%s: there is no state \"%s\"" % (fileName, state))
-        # A picture that has no states is named after its master alone.
+        # A picture without states has the name of its master.
         self.isSingle = isSingle
         if isSingle:
             self.states = self.states[:1]
-        # The views of such screens show another picture as a whole when their state changes.
+        # The views of such a screen change the whole picture with their state.
         self.isWhole = root.get("data-whole") == "yes"
         self.elements = self.readIds()
         self.controls = self.readControls(expectedControls)
@@ -247,8 +247,8 @@ class Screen:
         raise ArtworkError("%s: there is no control \"%s\"" % (where, name))
 
     def pointsOf(self, element):
-        """The corners of a connecting line, which consists of polylines, of rectangles and
-        of uses of them."""
+        """The corners of a connecting line, which consists of polylines, rectangles and uses of
+        them."""
         if element.tag == svgTag("use"):
             target = (element.get("href") or element.get("{%s}href" % XLINK) or "")[1:]
             if target not in self.elements:
@@ -311,7 +311,7 @@ class Screen:
             names = [name for name in classesOf(element) if name.startswith("word")]
             if len(names) != 1:
                 raise ArtworkError("%s needs one word class" % where)
-            # Pictures of the other states are mostly only seen through the frames of controls.
+            # Pictures of the other states are usually visible only inside the frames of controls.
             states = self.states if control or self.isWhole else self.states[:1]
             style = self.theme.wordStyle(names[0], states[0], where)
             words.append({
@@ -331,7 +331,7 @@ class Screen:
     # Drawing ------------------------------------------------------------------------------------
 
     def drawing(self, state):
-        """A copy of the master in a state, with the shared style and drawings in it."""
+        """A copy of the master in a state, including the shared style and drawings."""
         root = copy.deepcopy(self.root)
         root.set("class", state)
         where = self.fileName
@@ -339,8 +339,8 @@ class Screen:
             for name, value in element.attrib.items():
                 if "var(" in value:
                     element.set(name, self.theme.resolve(value, where))
-        # An outline straddles its rectangle; drawn half a pixel further in, it is crisp and stays
-        # within the slice that the control shows.
+        # An outline straddles its rectangle. Half a pixel further in, it is crisp and stays within
+        # the slice that the control shows.
         for element in root.iter():
             if element.get("data-kind"):
                 rectangle = self.frameRectangle(element)
@@ -364,8 +364,8 @@ class Screen:
 
     def picture(self, state, withWords=False):
         """The drawing of a state without words and lines. Only the Normal picture is shown whole,
-        so the others hold nothing but the controls: small files that are quickly decoded. A
-        screen that changes as a whole has whole pictures in all states."""
+        so the others contain only the controls, which makes their files small and fast to decode.
+        A screen that changes as a whole has whole pictures in all states."""
         root = self.drawing(state)
         lines = {name for name, _ in self.lines}
         self.removeWhere(root, lambda element: element.get("id") in lines)
@@ -389,7 +389,7 @@ class Screen:
         return root
 
     def linePicture(self, name):
-        """One connecting line alone, on nothing, as large as the screen."""
+        """One connecting line on a transparent picture of the screen's size."""
         root = self.drawing(self.states[0])
         for child in list(root):
             if child.tag not in (svgTag("style"), svgTag("defs")) and child.get("id") != name:
@@ -400,7 +400,7 @@ class Screen:
         return root
 
     def preview(self, state):
-        """The picture with its words in English, to be looked at by people."""
+        """The picture with English words, for people to look at."""
         root = self.picture(state, withWords=True)
         for element, word in zip(root.iter(svgTag("text")), self.words):
             rows = word["text"].split("\n")

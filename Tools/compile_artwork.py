@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Turns the artwork masters into what the program loads.
+"""Compiles the artwork masters into what the program loads.
 
-From each master come the state pictures at 1x and 2x, the pictures of the connecting lines, a C++
-header with the frames, and a JSON file with the words, which are never rendered because they
-follow the user's language.
+Writes the state pictures of each master at 1x and 2x, the pictures of the connecting lines, a C++
+header with the frames, and a JSON file with the words, which are not rendered because they depend
+on the user's language.
 """
 
 import argparse
@@ -19,7 +19,7 @@ from artwork_masters import SCALES, ArtworkError, Frame, parseSvg, readScreens
 
 
 def checkKeys(screens, catalogue):
-    """Every word must be in the first language, which is the one all others fall back to."""
+    """Every word must be in the first language, because all others fall back to it."""
     language = parseSvg(catalogue).find("Lan")
     known = {item.get("name") for item in language.iter("Item")} if language is not None else set()
     for screen in screens:
@@ -41,8 +41,8 @@ def header(theme, screens):
         "#include <cstdint>",
         "#include <string_view>",
         "",
-        "/// Where the controls stand on their pictures: pixels at 1x from the top left corner of the",
-        "/// screen. Colours are 0xRRGGBB.",
+        "/// The frames of the controls: pixels at 1x from the top left corner of the screen.",
+        "/// Colors are 0xRRGGBB.",
         "namespace Artwork {",
         "",
         "struct Frame {",
@@ -60,9 +60,9 @@ def header(theme, screens):
         "",
         "namespace Colour {",
     ]
-    for name, value in theme.colours.items():
+    for name, value in theme.colors.items():
         if not re.fullmatch(r"#[0-9A-Fa-f]{6}", value):
-            raise ArtworkError("theme.css: --%s is not a colour of six digits" % name)
+            raise ArtworkError("theme.css: --%s is not a color of six digits" % name)
         lines.append("inline constexpr std::uint32_t %s = 0x%s;" % (name, value[1:].upper()))
     lines.append("}  // namespace Colour")
 
@@ -98,7 +98,7 @@ def wordsJson(screens):
 
 
 def writeIfChanged(path, content):
-    """Leaves a file alone that is right already, so that nothing is built again for nothing."""
+    """Does not touch a file that is already right, to avoid needless builds."""
     os.makedirs(os.path.dirname(os.path.abspath(path)), exist_ok=True)
     try:
         with open(path, "rb") as file:
@@ -111,7 +111,7 @@ def writeIfChanged(path, content):
 
 
 def piped(command, content, what):
-    """What a program writes when it is given content to read."""
+    """The output of a program that reads content."""
     try:
         result = subprocess.run(command, input=content, stdout=subprocess.PIPE,
                                 stderr=subprocess.PIPE, check=False)
@@ -132,7 +132,7 @@ def render(root, path, scale, pngFilter=None):
 
 
 def pictures(screens):
-    """File name and drawing of every picture, at 1x."""
+    """The file name and drawing of every picture, at 1x."""
     for screen in screens:
         for state in screen.states:
             yield screen.pictureName(state), screen.picture, (state,)

@@ -1,8 +1,8 @@
-"""A private desktop for the programs of this product: a display, a session bus and a window manager
-of their own, real clicks and keys, and pictures of what the screen shows. Nothing of the session
-that it is used from is seen inside, and nothing is left running behind it.
+"""A private desktop for the programs of this product: a separate display, session bus and window
+manager, real clicks and keys, and pictures of the screen. It sees nothing of the session that
+starts it, and leaves nothing running.
 
-Positions and sizes are pixels at 1x, as the masters have them, whatever the scale.
+Positions and sizes are pixels at 1x, like those of the masters, at every scale.
 """
 
 import collections
@@ -22,13 +22,13 @@ from gi.repository import Gio, GLib
 POLL_SECONDS = 0.02
 # How long a program may take to end before it is killed.
 STOP_SECONDS = 10
-# What a program may know of the outside besides what the desktop gives it.
+# The environment variables that a program gets besides those of the desktop.
 INHERITED = ("PATH", "TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")
 
 NOTIFICATION_PATH = "/com/corvex/NerinOption"
 NOTIFICATION_INTERFACE = "com.corvex.NerinOption.Notification"
 
-# Without folders of services nothing is started behind the programs' backs.
+# Without service folders the bus starts no services by itself.
 BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC
  "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -46,15 +46,15 @@ BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC
 
 # member: the notification's name. object: its text. userInfo: {key: number}, None without one.
 Message = collections.namedtuple("Message", "member object userInfo")
-# A window that can be seen. Dialogs have the title of the program, so the size tells them apart.
+# A visible window. Dialogs have the title of the program, so only the size distinguishes them.
 Window = collections.namedtuple("Window", "id title x y width height")
 # Rows of three bytes a pixel, in pixels of the screen.
 Picture = collections.namedtuple("Picture", "width height rgb")
 
 
 def wait_until(condition, timeout=30, what="something"):
-    """What the condition gives as soon as that is true. Raises TimeoutError, which says what was
-    waited for."""
+    """Returns the result of the condition as soon as it is true. Raises a TimeoutError that names
+    what was missing."""
     end = time.monotonic() + timeout
     while True:
         result = condition()
@@ -66,7 +66,7 @@ def wait_until(condition, timeout=30, what="something"):
 
 
 def frames(header):
-    """{screen: {control: (x, y, width, height)}} of the header that the artwork compiler writes."""
+    """{screen: {control: (x, y, width, height)}} from the header of the artwork compiler."""
     screens = {}
     with open(header, encoding="utf-8") as file:
         for line in file:
@@ -79,13 +79,13 @@ def frames(header):
 
 
 def middle(frame):
-    """Of a control's frame, where a click goes."""
+    """The middle of a control's frame, which is where a click goes."""
     x, y, width, height = frame
     return x + width // 2, y + height // 2
 
 
 def crop(picture, frame):
-    """A part of a picture, the frame in the picture's own pixels."""
+    """A part of a picture; the frame is in the picture's own pixels."""
     x, y, width, height = frame
     rows = ((row * picture.width + x) * 3 for row in range(y, y + height))
     return Picture(width, height,
@@ -108,7 +108,7 @@ def writePng(path, picture):
 
 
 class Listener:
-    """Hears the broadcast notifications on a bus."""
+    """Receives the broadcast notifications on a bus."""
 
     def __init__(self, address):
         self._context = GLib.MainContext()
@@ -118,20 +118,20 @@ class Listener:
             self._connection.signal_subscribe(
                 None, NOTIFICATION_INTERFACE, None, NOTIFICATION_PATH, None,
                 Gio.DBusSignalFlags.NONE, self._receive)
-            # The answer comes after the bus has taken the subscription.
+            # The bus answers this after it has handled the subscription.
             callBus(self._connection, "GetId")
         finally:
             self._context.pop_thread_default()
         self._messages = []
 
     def _receive(self, _connection, _sender, _path, _interface, member, arguments):
-        heard = arguments.unpack()
+        received = arguments.unpack()
         self._messages.append(
-            Message(member, heard[0], heard[1] if len(heard) > 1 else None))
+            Message(member, received[0], received[1] if len(received) > 1 else None))
 
     @property
     def messages(self):
-        """All that was heard, in the order it came."""
+        """All messages so far, in the order of their arrival."""
         while self._context.pending():
             self._context.iteration(False)
         return self._messages
@@ -144,7 +144,7 @@ def connect(address):
     connection = Gio.DBusConnection.new_for_address_sync(
         address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT |
         Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION)
-    # The bus ends before the connection does, and that is no reason to end with it.
+    # The bus ends before the connection, which must not end this process.
     connection.set_exit_on_close(False)
     return connection
 
@@ -157,8 +157,8 @@ def callBus(connection, method, path="/org/freedesktop/DBus", interface="org.fre
 
 
 class DesktopSession:
-    """A context manager. Its files are below `folder`: the home folder, which is made anew, the
-    logs of what runs."""
+    """A context manager. Its files are below `folder`: a new home folder and the logs of the
+    programs."""
 
     def __init__(self, folder, size=(1500, 900), scale=1, language="en_US.UTF-8",
                  accessibility=False):
@@ -196,8 +196,8 @@ class DesktopSession:
         self.environment.update(HOME=self.home, LANG=self.language, XDG_RUNTIME_DIR=self._runtime,
                                 QT_SCALE_FACTOR=str(self.scale))
         width, height = (side * self.scale for side in self.size)
-        # Drawn into the picture the pointer would hide what it points at.
-        display = self._startTelling(
+        # A pointer in the picture would hide what it points at.
+        display = self._startServer(
             lambda end: ["Xvfb", "-displayfd", str(end), "-screen", "0",
                          "%dx%dx24" % (width, height), "-nolisten", "tcp", "-noreset", "-nocursor",
                          "-fbdir", self._runtime])
@@ -206,7 +206,7 @@ class DesktopSession:
         with open(configuration, "w", encoding="utf-8") as file:
             file.write(BUS_CONFIGURATION %
                        ("<standard_session_servicedirs/>" if self.accessibility else ""))
-        self.address = self._startTelling(
+        self.address = self._startServer(
             lambda end: ["dbus-daemon", "--config-file=" + configuration, "--nofork", "--nopidfile",
                          "--print-address=%d" % end])
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.address
@@ -229,7 +229,7 @@ class DesktopSession:
         number = sum(log.startswith(name) for log in self._logs.values()) + 1
         log = "%s-%d.log" % (name, number)
         with open(os.path.join(self.folder, log), "wb") as output:
-            # Everything ends with this process, however that ends.
+            # Everything ends with this process, even if it is killed.
             child = subprocess.Popen(["setpriv", "--pdeathsig", "KILL", "--"] + command,
                                      env=environment or self.environment, cwd=self.home,
                                      stdin=subprocess.DEVNULL, stdout=output,
@@ -238,8 +238,8 @@ class DesktopSession:
         self._children.append(child)
         return child
 
-    def _startTelling(self, command):
-        """Starts what tells on a file descriptor where it listens. That line."""
+    def _startServer(self, command):
+        """Starts a server that writes its address to a file descriptor. Returns that line."""
         reading, writing = os.pipe()
         with os.fdopen(reading, "rb") as answer:
             child = self._spawn(command(writing), pass_fds=[writing])
@@ -261,7 +261,7 @@ class DesktopSession:
         shutil.rmtree(self._runtime, ignore_errors=True)
 
     def _endActivated(self):
-        """Ends what the bus started, which nobody else knows: it has this desktop's home."""
+        """Ends the services that the bus started. They are recognized by this desktop's home."""
         ours = b"HOME=" + os.fsencode(self.home)
         for entry in os.listdir("/proc"):
             try:
@@ -280,7 +280,7 @@ class DesktopSession:
         return child
 
     def stop(self, process):
-        """Ends a program from outside, unless it has ended. Its exit code."""
+        """Ends a program from outside, unless it has ended. Returns its exit code."""
         if process.poll() is None:
             process.terminate()
             try:
@@ -296,7 +296,7 @@ class DesktopSession:
             return file.read()
 
     def _run(self, *command):
-        # Titles have letters that a machine without the desktop's language does not print.
+        # Titles can have letters that a machine without the desktop's language cannot print.
         return subprocess.run(command, env={**self.environment, "LC_ALL": "C.UTF-8"},
                               capture_output=True, encoding="utf-8", errors="replace",
                               check=False).stdout
@@ -304,17 +304,17 @@ class DesktopSession:
     # Windows ------------------------------------------------------------------------------------
 
     def windows(self, process=None):
-        """The windows that are seen, menus too, of one program or of all."""
+        """The visible windows, including menus, of one program or of all."""
         processes = [process] if process else self._programs
         ids = [window for owner in processes for window in self._run(
             "xdotool", "search", "--onlyvisible", "--pid", str(owner.pid)).split()]
         return [window for window in map(self._look, ids) if window]
 
     def _look(self, window):
-        """What the display says of a window; nothing when it is gone."""
-        told = self._run("xwininfo", "-int", "-id", str(window))
-        title = re.search(r'Window id: \d+ "(.*)"$', told, re.MULTILINE)
-        place = [re.search(r"%s: +(-?\d+)" % key, told) for key in (
+        """What the display knows about a window; None if it is gone."""
+        answer = self._run("xwininfo", "-int", "-id", str(window))
+        title = re.search(r'Window id: \d+ "(.*)"$', answer, re.MULTILINE)
+        place = [re.search(r"%s: +(-?\d+)" % key, answer) for key in (
             "Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")]
         if not all(place):
             return None
@@ -322,7 +322,7 @@ class DesktopSession:
                       *(int(side[1]) // self.scale for side in place))
 
     def window(self, title, timeout=30, size=None):
-        """The window of this title, and of this size when more than one has it: its id."""
+        """The id of the window with this title, and with this size if several have the title."""
         def look():
             alive = any(program.poll() is None for program in self._programs)
             for window in self.windows():
@@ -344,12 +344,12 @@ class DesktopSession:
         return place.x, place.y, place.width, place.height
 
     def activeWindow(self):
-        """The id of the window that has the keyboard; nothing when none has."""
+        """The id of the window that has the keyboard focus; None without one."""
         answer = self._run("xdotool", "getactivewindow").strip()
         return int(answer) if answer else None
 
     def activate(self, window):
-        """Gives a window the keyboard, as the user's switching between windows does."""
+        """Gives a window the keyboard focus, as when the user switches between windows."""
         self._run("xdotool", "windowactivate", str(window))
         wait_until(lambda: self.activeWindow() == window, 30, "a window to get the keyboard")
 
@@ -364,29 +364,29 @@ class DesktopSession:
         self._run("xdotool", "click", str(button))
 
     def drag(self, window, start, end):
-        """Presses the button at a place of the window and lets it go at another."""
+        """Presses the button at one place of the window and releases it at another."""
         self.move(window, *start)
         self._run("xdotool", "mousedown", "1")
         self.move(window, *end)
         self._run("xdotool", "mouseup", "1")
 
     def strike(self, *steps):
-        """Presses "+a", releases "-a" and pauses of so many seconds, all in one go. A pause begins
-        when the display has taken what is before it. How many seconds all of it took. Keys as for
-        key()."""
+        """Presses "+a", releases "-a" and pauses in seconds, all in one go. A pause begins when the
+        display has handled the steps before it. Returns how many seconds all of it took. Keys are
+        named as for key()."""
         words = []
         for step in steps:
             if isinstance(step, str):
                 words += ["keydown" if step[0] == "+" else "keyup", step[1:]]
             else:
-                # The display answers this after what came before it.
+                # The display answers this only after it has handled the steps before.
                 words += ["getmouselocation", "sleep", str(step)]
         began = time.monotonic()
         self._run("xdotool", *words)
         return time.monotonic() - began
 
     def key(self, *keys):
-        """Keys as "Tab", "ctrl+s", or the code of a key, for the window that has the keyboard."""
+        """Sends keys ("Tab", "ctrl+s" or a key code) to the window with the keyboard focus."""
         self._run("xdotool", "key", *(str(key) for key in keys))
 
     def type(self, text):
@@ -395,10 +395,10 @@ class DesktopSession:
     # Pictures -----------------------------------------------------------------------------------
 
     def picture(self, window=None):
-        """What the screen shows now, all of it or where the window is."""
+        """The current picture of the whole screen or of one window."""
         size, _, _, _, width, height, _, order, _, _, _, bits, stride = struct.unpack_from(
             ">13I", self._screen)
-        colours = struct.unpack_from(">I", self._screen, 76)[0]
+        colors = struct.unpack_from(">I", self._screen, 76)[0]
         if (order, bits) != (0, 32):
             raise RuntimeError("the display has pixels of an unknown kind")
         x, y = 0, 0
@@ -408,8 +408,8 @@ class DesktopSession:
             width, height = min(width, x + wide) - left, min(height, y + high) - top
             x, y = left, top
         rgb = bytearray(width * height * 3)
-        # Behind the header stand the colours of the map, 12 bytes each.
-        start = size + colours * 12 + y * stride + x * 4
+        # The header is followed by the color map, 12 bytes per color.
+        start = size + colors * 12 + y * stride + x * 4
         for row in range(height):
             line = self._screen[start + row * stride:start + row * stride + width * 4]
             place = slice(row * width * 3, (row + 1) * width * 3)
@@ -431,8 +431,7 @@ class DesktopSession:
         self._connection.flush_sync()
 
     def isHearing(self, process):
-        """Whether a program has subscribed to the broadcast notifications: what is sent before is
-        lost."""
+        """Whether a program has subscribed to notifications; those sent earlier are lost."""
         rules = callBus(self._connection, "GetAllMatchRules",
                         interface="org.freedesktop.DBus.Debug.Stats")[0]
         return any(self._processOf(name) == process.pid for name, matches in rules.items()

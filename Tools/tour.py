@@ -1,7 +1,7 @@
-"""Walks the demonstration through the main job on a display of its own, with real clicks and keys:
-choose a slot, name a profile, set the LED mode, link a program, apply, find it again. Leaves
-numbered pictures and an account of what reached the mouse, and fails where a step does not do what
-it should.
+"""Walks the demonstration through the main job on a private display, with real clicks and keys:
+choose a slot, name a profile, set the LED mode, link a program, apply, find it again. Writes
+numbered pictures and a list of what reached the mouse, and fails if a step does not have its
+effect.
 """
 
 import argparse
@@ -17,34 +17,34 @@ from desktop_session import DesktopSession, frames, middle, wait_until, writePng
 
 TITLE = "NerinOptionDemo"
 PANEL_TITLE = "The virtual mouse"
-# Beside the window there is room for the panel that plays the user's hands.
+# Leaves room beside the window for the panel that plays the user's hands.
 DESKTOP_SIZE = (1800, 900)
-# On the foot of the window, where there is nothing to point at.
+# In the foot of the window, away from all controls.
 NOWHERE = (420, 684)
 SETTLED_SECONDS = 0.25
-# Only the words of a caption are as bright as this.
+# Only the words of a caption are this bright.
 CAPTION_BRIGHTNESS = 220
-# A line is at least so many pixels long, and does not quite reach its marker.
+# The minimum number of red pixels in a line, and the gap between a line and its marker.
 LINE_REDNESS = 40
 LINE_GAP = 4
 TOOLTIP_SECONDS = 1.2
-# What the README shows, by the names of the steps.
+# The pictures of the README by the names of the steps.
 README_PICTURES = {"caption": "main-window", "profile-list": "profile-list",
                    "unsaved": "unsaved-edits"}
 
 
 class Failure(Exception):
-    """A step did not do what it should."""
+    """A step did not have its effect."""
 
 
 class Mouse:
-    """Looks into the memory of the virtual mouse, of a copy, because the program holds it."""
+    """Reads the memory of the virtual mouse from a copy, because the program has it locked."""
 
     def __init__(self, program, memory, folder):
         self._program = program
         self._memory = memory
         self._copy = os.path.join(folder, "mouse")
-        # The library is the program's alone.
+        # nerinctl must not touch the program's library.
         self._environment = {"HOME": folder, "PATH": os.environ["PATH"]}
 
     def ask(self, *arguments):
@@ -67,7 +67,7 @@ class Mouse:
             return file.read()
 
     def facts(self):
-        """Everything that can change, as {what: words}."""
+        """Everything that can change, as {name: value}."""
         facts = {"active slot": str(self.activeSlot())}
         for number in range(1, 11):
             slot = self.slot(number)
@@ -84,7 +84,7 @@ class Mouse:
 
 
 class Tour:
-    """The walk. Each step clicks or types, waits for what must come of it, and takes a picture."""
+    """The walk. Each step clicks or types, waits for the effect, and takes a picture."""
 
     def __init__(self, session, build, folder, scratch):
         self.session = session
@@ -95,20 +95,20 @@ class Tour:
                                     "com.corvex.NerinOptionDemo")
         self.mouse = Mouse(os.path.join(build, "bin", "nerinctl"),
                            os.path.join(self.support, "mouse"), scratch)
-        self.heard = session.listen()
+        self.listener = session.listen()
         self.pictures = {}
-        self.account = []
-        self._told = 0
+        self.log = []
+        self._reported = 0
         self._bytes = None
         self._facts = {}
         self._mainId = self._panelId = None
         self._process = None
         self._linked = None
 
-    # What the steps are made of -----------------------------------------------------------------
+    # Parts of the steps -------------------------------------------------------------------------
 
     def frame(self, control):
-        """Of a control of the main window or of its maps, in the main window."""
+        """The frame, in the main window, of one of its controls or of a control of its maps."""
         for screen, map in (("MainView", None), ("MainViewSub1", "subView1"),
                             ("MainViewSub2", "subView2")):
             if control in self.screens[screen]:
@@ -127,7 +127,7 @@ class Tour:
         self.session.move(self._mainId, *NOWHERE)
 
     def look(self, *places):
-        """What the main window shows where these controls or frames are, all of it without any."""
+        """The pixels of these controls or frames of the main window, or of all of it."""
         picture = self.session.picture(self._mainId)
         if not places:
             return picture.rgb
@@ -142,7 +142,7 @@ class Tour:
         return b"".join(seen)
 
     def between(self, caption, marker):
-        """The frame between a caption and the marker to the left of it, where their line is."""
+        """The frame of the line between a caption and the marker to its left."""
         captionX, captionY, _, captionHeight = self.frame(caption)
         x, y, width, height = self.frame(marker)
         left, above = x + width + LINE_GAP, min(y, captionY)
@@ -150,28 +150,28 @@ class Tour:
                 max(y + height, captionY + captionHeight) - above)
 
     def showsLine(self, caption, marker):
-        """Points at the caption and waits until its line is as red as the caption."""
+        """Points at the caption and waits until its line is red."""
         line = self.between(caption, marker)
         before = self.redness(line)
         self.point(caption)
         wait_until(lambda: self.redness(line) > before + LINE_REDNESS, 20,
                    "the line from the caption %s to the marker %s" % (caption, marker))
-        # A move keeps the tooltip away a little longer.
+        # Another move delays the tooltip a little.
         x, y = middle(self.frame(caption))
         self.session.move(self._mainId, x + 1, y)
 
     def redness(self, frame):
-        """How many pixels of a frame are of the accent's colour."""
+        """How many pixels of a frame have the accent color."""
         rgb = self.look(frame)
         return sum(red > 150 and green < 80 and blue < 80 for red, green, blue in
                    zip(rgb[0::3], rgb[1::3], rgb[2::3]))
 
-    def brightest(self, control):
-        """Of the pixels of a control: 0..255."""
+    def maximumBrightness(self, control):
+        """The maximum brightness of a control's pixels, 0..255."""
         return max(self.look(control))
 
     def settle(self):
-        """Waits until the picture stands still."""
+        """Waits until the picture stops changing."""
         last, since = self.look(), time.monotonic()
 
         def still():
@@ -181,16 +181,16 @@ class Tour:
                 last, since = now, time.monotonic()
             return time.monotonic() - since >= SETTLED_SECONDS
 
-        wait_until(still, 20, "the picture to stand still")
+        wait_until(still, 20, "the picture to stop changing")
 
     def changes(self, action, *controls, what):
-        """Does it and waits until these controls look otherwise."""
+        """Performs the action and waits until these controls look different."""
         before = self.look(*controls)
         action()
         wait_until(lambda: self.look(*controls) != before, 20, what)
 
     def opens(self, action, what):
-        """Does it and waits for the window that comes of it."""
+        """Performs the action and waits for the window that it opens."""
         known = {window.id for window in self.session.windows(self._process)}
 
         def new():
@@ -206,7 +206,7 @@ class Tour:
                    {one.id for one in self.session.windows(self._process)}, 20, what)
 
     def take(self, name, whole=False):
-        """A picture of the window, or of the whole screen, and a line of what the mouse got."""
+        """Takes a picture of the window or the whole screen and notes what reached the mouse."""
         self.settle()
         file = "%02d-%s.png" % (len(self.pictures) + 1, name)
         path = os.path.join(self.folder, "screenshots", file)
@@ -223,14 +223,14 @@ class Tour:
                       for what, words in facts.items()
                       if what in self._facts and self._facts[what] != words]
             self._bytes, self._facts = memory, facts
-        for message in self.heard.messages[self._told:]:
+        for message in self.listener.messages[self._reported:]:
             lines.append("  to the service: %s \"%s\" %s" % (
                 message.member, message.object, message.userInfo or ""))
-        self._told = len(self.heard.messages)
-        self.account += [step] + (lines or ["  nothing"])
+        self._reported = len(self.listener.messages)
+        self.log += [step] + (lines or ["  nothing"])
 
     def library(self):
-        """{name of a kept profile: the program it is linked to, or nothing}."""
+        """{name of a saved profile: the program that it is linked to, or None}."""
         folder = os.path.join(self.support, "Profiles")
         found = {}
         for name in os.listdir(folder):
@@ -246,8 +246,8 @@ class Tour:
         self._mainId = self.session.window(TITLE)
         self._panelId = self.session.window(PANEL_TITLE)
         self.rest()
-        # The captions are written when the slot has been read.
-        wait_until(lambda: self.brightest("leftClickBtn") > CAPTION_BRIGHTNESS, 30,
+        # The captions appear once the slot has been read.
+        wait_until(lambda: self.maximumBrightness("leftClickBtn") > CAPTION_BRIGHTNESS, 30,
                    "the captions of the slot that is read at the start")
         self.settle()
 
@@ -279,7 +279,7 @@ class Tour:
         self.showsLine("leftBtn1", "leftBtnTag1")
         self.take("side-view")
         self.rest()
-        # The tab that was clicked has the keyboard.
+        # The clicked tab has the keyboard focus.
         self.changes(lambda: self.session.key("Left"), "subView1", what="the top view")
 
     def choosingASlot(self):
@@ -382,7 +382,7 @@ class Tour:
         self.take("focus-ring")
 
     def unplugging(self):
-        # The panel's buttons stand in two rows: Unplug and Plug in, then the slot button.
+        # The panel has two rows of buttons: Unplug and Plug in, then the slot button.
         def press(x, y):
             self.session.click(self._panelId, x, y)
 
@@ -414,14 +414,14 @@ class Tour:
             raise Failure("slot 3 does not look as it did before the program was ended")
         self.quit(lambda: self.click("cancelBtn"))
 
-    # What is left ------------------------------------------------------------------------------
+    # The report ---------------------------------------------------------------------------------
 
     def report(self):
         path = os.path.join(self.folder, "mouse.txt")
         with open(path, "w", encoding="utf-8") as file:
             file.write("What each step of the tour changed in the memory of the virtual mouse, "
                        "and what the\nprogram told the background service.\n\n")
-            file.write("\n".join(self.account) + "\n\nWhat the mouse holds at the end.\n\n")
+            file.write("\n".join(self.log) + "\n\nWhat the mouse holds at the end.\n\n")
             file.write(self.mouse.ask("slots"))
             for number in (3, 5):
                 file.write("\n" + self.mouse.ask("read", "--slot", str(number)))
@@ -451,13 +451,13 @@ def main():
             print("The tour failed: %s\nThe last it saw is in %s." % (
                 error, os.path.join(folder, "screenshots", "failed.png")), file=sys.stderr)
             return 1
-        account = tour.report()
+        log = tour.report()
     if options.readme:
         os.makedirs(options.readme, exist_ok=True)
         for step, name in README_PICTURES.items():
             shutil.copyfile(tour.pictures[step], os.path.join(options.readme, name + ".png"))
     print("%d pictures: %s\nWhat reached the mouse: %s\nThe program's files: %s" % (
-        len(tour.pictures), os.path.join(folder, "screenshots"), account, session.home))
+        len(tour.pictures), os.path.join(folder, "screenshots"), log, session.home))
     return 0
 
 

@@ -11,7 +11,7 @@ constexpr std::size_t repeatByte = 4;
 constexpr std::size_t countByte = 5;
 constexpr std::size_t lengthBytes = 7;
 constexpr std::size_t eventBytes = 52;
-constexpr std::size_t mostEventBytes = 2000;
+constexpr std::size_t maximumEventBytes = 2000;
 
 constexpr std::uint8_t counted = 4;
 constexpr std::uint8_t whilePressed = 7;
@@ -20,8 +20,8 @@ constexpr std::uint8_t endless = 255;
 constexpr std::uint8_t pauseMark = 1;
 constexpr std::uint8_t released = 0x80;
 
-// Control, Shift, Alt and Command; there is no code for the Command key on the right, which is
-// where the second row has Control.
+// Control, Shift, Alt and Command. No code stands for the right Command key: the second row has
+// Control in its place.
 constexpr std::uint8_t firstModifier = 112;
 constexpr std::array<std::uint8_t, 8> modifierUsages{0xE0, 0xE1, 0xE2, 0xE3, 0, 0xE5, 0xE6, 0xE4};
 constexpr std::uint8_t firstMouseButton = 120;
@@ -58,7 +58,7 @@ MacroPlayback playbackOf(std::span<const std::uint8_t> macroReport) {
   }
   const std::size_t length = static_cast<std::size_t>(macroReport[lengthBytes]) +
                              (static_cast<std::size_t>(macroReport[lengthBytes + 1]) << 8U);
-  const auto codes = macroReport.subspan(eventBytes, std::min(length, mostEventBytes));
+  const auto codes = macroReport.subspan(eventBytes, std::min(length, maximumEventBytes));
   for (std::size_t at = 0; at < codes.size(); ++at) {
     if (codes[at] != pauseMark) {
       if (auto event = eventOf(codes[at])) {

@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-// One thing that the mouse tells its host while it plays a macro.
+// One event that the mouse sends to its host while it plays a macro.
 struct PlayedEvent {
   enum class Kind {
     Key,          // code: HID usage of the keyboard page, modifiers 0xE0..0xE7
@@ -25,10 +25,10 @@ struct MacroPlayback {
   Repeat repeat = Repeat::Once;
   int runs = 1;                           // 1..255, of Counted; otherwise 1
   std::vector<PlayedEvent> events;        // of one run, in order
-  std::chrono::milliseconds duration{0};  // of one run, with the pause after its last event
+  std::chrono::milliseconds duration{0};  // of one run, including the pause after its last event
 };
 
-// How the mouse plays what a macro report of 2053 bytes holds, mark and checksum not looked at.
-// Plays at most the 2000 bytes of events that the mouse has room for; a pause that is cut off at
-// their end is none. A code that stands for no key makes a pause, but no event.
+// How the mouse plays a macro report of 2053 bytes, whatever its mark and checksum. Plays up to the
+// 2000 bytes of events that the mouse has room for; a pause that is cut off at their end does not
+// count. A code that stands for no key makes a pause, but no event.
 MacroPlayback playbackOf(std::span<const std::uint8_t> macroReport);

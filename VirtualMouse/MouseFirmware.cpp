@@ -12,9 +12,9 @@ constexpr std::size_t levelByte = 6;
 constexpr std::size_t buttonsByte = 58;
 constexpr std::size_t entrySize = 5;
 constexpr std::uint8_t positionCount = 19;
-constexpr std::uint8_t longestName = 65;
+constexpr std::uint8_t maximumNameLength = 65;
 
-// The report that a class request names by its value and interface; id 0 is the short command.
+// The report that a class request selects by its value and interface; id 0 is the short command.
 std::optional<MouseReport> reportOf(const SetupPacket& setup) {
   constexpr unsigned featureReport = 0x0300;
   if (setup.index == 0 && setup.value == featureReport) {
@@ -137,7 +137,7 @@ bool MouseFirmware::obeyControl(MouseMemory& memory, const Command& command) {
       losePower();
       return true;
     case 0x03:
-      // The lights show what the memory holds at once, so that nothing is left to conclude.
+      // The lights always show what the memory holds, so there is nothing to conclude.
       return command[2] == 3 && command[3] == 3;
     case 0x07:
       if (isSlot(command[2])) {
@@ -169,7 +169,7 @@ bool MouseFirmware::makeReady(const Command& command) {
   m_ready.reset();
   if (command[2] >= (isMacro ? VirtualMouse::macroSlotCount : VirtualMouse::slotCount)) {
     addFault(std::string(isMacro ? "macro slot " : "slot ") + std::to_string(command[2]) +
-             " made ready, which does not exist");
+             " does not exist and cannot be made ready");
     return true;
   }
   m_ready = Ready{subject, command[2], command[3] == 1};
@@ -267,7 +267,7 @@ void MouseFirmware::takeReport(MouseMemory& memory, const MouseReport& form,
     drop("there is no such slot");
   } else if (isMacro && !isAnnounced) {
     drop("it was not announced");
-  } else if (form.id == mouseNameReport.id && report[4] > longestName) {
+  } else if (form.id == mouseNameReport.id && report[4] > maximumNameLength) {
     drop("its name has " + std::to_string(report[4]) + " bytes");
   } else {
     if (isMacro) {

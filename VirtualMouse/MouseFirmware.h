@@ -11,12 +11,12 @@
 #include "VirtualMouse/MouseReport.h"
 #include "VirtualMouse/VirtualMouse.h"
 
-// The rules by which the mouse answers control transfers. What must outlive a power cut is in the
-// memory that each call gets; here is only what the mouse knows while it has power.
+// The rules by which the mouse answers control transfers. Each call gets the memory that survives a
+// power cut; this class holds only what the mouse knows while it has power.
 //
-// A transfer or command that the mouse does not know stalls. One that it knows but that asks for
-// what does not exist is acknowledged and dropped. Both are faults. What changes the memory lets
-// its std::system_error through.
+// An unknown transfer or command stalls. A known one that asks for something that does not exist is
+// acknowledged and dropped. Both are faults. Functions that change the memory pass on its
+// std::system_error.
 class MouseFirmware {
  public:
   // Host to device: `data` is the data stage.
@@ -34,7 +34,7 @@ class MouseFirmware {
   void clearFaults() { m_faults.clear(); }
 
  private:
-  // The last ready command: what the next long transfer is about.
+  // The last ready command, which says what the next long transfer is about.
   struct Ready {
     std::uint8_t subject = 0;
     std::uint8_t slot = 0;

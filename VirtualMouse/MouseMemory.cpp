@@ -141,7 +141,7 @@ void MouseMemory::store(std::size_t offset, std::span<const std::uint8_t> bytes)
   const auto last = std::mismatch(bytes.rbegin(), bytes.rend(), held.rbegin());
   const std::span<const std::uint8_t> changed(first.first, last.first.base());
   const auto skipped = static_cast<std::size_t>(first.first - bytes.begin());
-  // The file comes first: when it cannot be written, the mouse must not answer what is not kept.
+  // The file comes first: if it cannot be written, the mouse must not answer with unsaved data.
   if (m_file) {
     m_file->write(offset + skipped, changed);
   }

@@ -14,13 +14,12 @@
 // What the mouse keeps without power, as one run of bytes:
 //
 //   11 pages of 256 bytes   page 0: the active slot at address 25; page s + 1: the settings of
-//                           slot s, which are its image report without the header
+//                           slot s, its image report without the header
 //   10 name reports         70 bytes each
-//   190 macro reports       2053 bytes each, byte 0 being 0xB0 when the slot holds a macro, else 4
+//   190 macro reports       2053 bytes each; byte 0 is 0xB0 if the slot holds a macro, else 4
 //
-// Slots, addresses and sizes given to it must be right; the firmware checks them. When the memory
-// is kept in a file, what changes it throws std::system_error if the file cannot be written, and
-// then changes nothing.
+// Slots, addresses and sizes must be valid; the firmware checks them. If the memory is kept in a
+// file that cannot be written, functions that change it throw std::system_error and change nothing.
 class MouseMemory {
  public:
   static constexpr std::size_t pageSize = 256;
@@ -29,32 +28,32 @@ class MouseMemory {
   static constexpr std::uint8_t activeSlotMark = 0xA0;
   static constexpr std::uint8_t macroMark = 0xB0;
 
-  // A memory where nothing was ever written: no names, no macros, settings all 0, slot 0 active.
+  // A memory that was never written: no names, no macros, settings all 0, slot 0 active.
   MouseMemory();
 
-  // Keeps the memory in this file from now on. A file that exists replaces what the memory holds,
-  // a missing one is made from it. Throws as MouseMemoryFile does.
+  // Keeps the memory in this file from now on. An existing file replaces the contents of the
+  // memory; a missing one is created from them. Throws like MouseMemoryFile.
   void keepIn(const std::filesystem::path& file);
 
   std::uint8_t byteAt(std::uint16_t address) const;
   void setByteAt(std::uint16_t address, std::uint8_t value);
 
-  // As held, so that a host can have put 10..15 there, which the mouse does not have.
+  // The stored value: a host can have written 10..15, slots that the mouse does not have.
   int activeSlot() const;
   void setActiveSlot(int slot);
 
-  // The reports as a read answers them; views into the memory, good until it changes.
+  // The reports as a read returns them, as views that stay valid until the memory changes.
   std::span<const std::uint8_t> name(int slot) const;
   std::span<const std::uint8_t> macro(int macroSlot) const;
-  // Put together from the settings of the slot.
+  // Assembled from the settings of the slot.
   std::array<std::uint8_t, VirtualMouse::imageReportSize> image(int slot) const;
 
-  // Take a whole report; header bytes are set right.
+  // Take a whole report and correct its header bytes.
   void setName(int slot, std::span<const std::uint8_t> report);
   void setImage(int slot, std::span<const std::uint8_t> report);
   void setMacro(int macroSlot, std::span<const std::uint8_t> report);
 
-  // Byte `imageByte` (4..153) of the image report and those after it.
+  // Sets byte `imageByte` (4..153) of the image report and those after it.
   void setImageBytes(int slot, std::size_t imageByte, std::span<const std::uint8_t> bytes);
   std::uint8_t imageByte(int slot, std::size_t imageByte) const;
 
@@ -68,12 +67,12 @@ class MouseMemory {
   std::unique_ptr<MouseMemoryFile> m_file;
 };
 
-// Into a memory where nothing was ever written:
+// Both expect a memory that was never written.
 //
-// as the mouse leaves the factory: ten named slots that differ in the colour of their lights, no
-// macros, slot 0 active;
+// The contents of a new mouse: ten named slots that differ in the color of their lights, no macros,
+// slot 0 active.
 void fillAsDelivered(MouseMemory& memory);
-// what no program writes: names that fill their field without an end, level count and active level
-// 15, active slot 15, and in each slot two buttons with a macro of 2000 bytes whose last byte
-// begins a delay record that has no room.
+// Contents that no program writes: names that fill their field without a terminator, level count
+// and active level 15, active slot 15, and in each slot two buttons with a macro of 2000 bytes
+// whose last byte begins a delay record that has no room.
 void fillWithGarbage(MouseMemory& memory);

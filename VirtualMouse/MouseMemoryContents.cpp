@@ -18,22 +18,22 @@ constexpr std::size_t buttonsByte = 58;
 constexpr std::size_t entrySize = 5;
 constexpr int positionCount = 19;
 
-using Colour = std::array<std::uint8_t, 3>;
+using Color = std::array<std::uint8_t, 3>;
 using ButtonEntry = std::array<std::uint8_t, entrySize>;
 
 constexpr std::array<std::uint8_t, 5> deliveredLevels{8, 16, 32, 64, 164};
-constexpr std::array<Colour, 5> levelColours{
+constexpr std::array<Color, 5> levelColors{
     {{255, 0, 0}, {0, 0, 255}, {0, 255, 0}, {255, 64, 0}, {255, 0, 255}}};
-constexpr std::array<Colour, VirtualMouse::slotCount> slotColours{{{255, 0, 0},
-                                                                   {0, 0, 255},
-                                                                   {0, 255, 0},
-                                                                   {255, 64, 0},
-                                                                   {255, 0, 255},
-                                                                   {0, 255, 255},
-                                                                   {255, 255, 0},
-                                                                   {128, 0, 255},
-                                                                   {255, 255, 255},
-                                                                   {0, 255, 128}}};
+constexpr std::array<Color, VirtualMouse::slotCount> slotColors{{{255, 0, 0},
+                                                                 {0, 0, 255},
+                                                                 {0, 255, 0},
+                                                                 {255, 64, 0},
+                                                                 {255, 0, 255},
+                                                                 {0, 255, 255},
+                                                                 {255, 255, 0},
+                                                                 {128, 0, 255},
+                                                                 {255, 255, 255},
+                                                                 {0, 255, 128}}};
 constexpr std::array<ButtonEntry, positionCount> deliveredButtons{{
     {0x01, 0x01},        // left click
     {0x01, 0x02},        // right click
@@ -67,7 +67,7 @@ std::vector<std::uint8_t> nameReport(const std::string& name) {
   return report;
 }
 
-std::vector<std::uint8_t> deliveredImage(const Colour& zoneColour) {
+std::vector<std::uint8_t> deliveredImage(const Color& zoneColor) {
   std::vector<std::uint8_t> report(VirtualMouse::imageReportSize);
   report[rateByte] = 1;
   report[liftByte] = 0x20 | 15;
@@ -76,11 +76,11 @@ std::vector<std::uint8_t> deliveredImage(const Colour& zoneColour) {
     const std::size_t at = levelsByte + 5 * level;
     report[at] = deliveredLevels[level];
     report[at + 1] = deliveredLevels[level];
-    put(report, at + 2, levelColours[level]);
+    put(report, at + 2, levelColors[level]);
   }
   for (std::size_t zone = 0; zone < 4; ++zone) {
     report[zonesByte + 4 * zone] = 1;
-    put(report, zonesByte + 4 * zone + 1, zoneColour);
+    put(report, zonesByte + 4 * zone + 1, zoneColor);
   }
   for (std::size_t position = 0; position < deliveredButtons.size(); ++position) {
     put(report, buttonsByte + entrySize * position, deliveredButtons[position]);
@@ -94,7 +94,7 @@ std::vector<std::uint8_t> garbageMacro() {
   std::vector<std::uint8_t> report(VirtualMouse::macroReportSize, 0xFF);
   report[7] = streamSize & 0xFF;
   report[8] = streamSize >> 8;
-  // Presses and releases of one key, so that nothing before it swallows the last byte.
+  // Presses and releases of one key, so that no event takes the last byte as its own.
   for (std::size_t index = 0; index + 1 < streamSize; ++index) {
     report[streamByte + index] = index % 2 == 0 ? 4 : 4 + 128;
   }
@@ -107,7 +107,7 @@ std::vector<std::uint8_t> garbageMacro() {
 void fillAsDelivered(MouseMemory& memory) {
   for (int slot = 0; slot < VirtualMouse::slotCount; ++slot) {
     memory.setName(slot, nameReport("Profile#" + std::to_string(slot + 1)));
-    memory.setImage(slot, deliveredImage(slotColours[static_cast<std::size_t>(slot)]));
+    memory.setImage(slot, deliveredImage(slotColors[static_cast<std::size_t>(slot)]));
   }
 }
 
@@ -117,7 +117,7 @@ void fillWithGarbage(MouseMemory& memory) {
   for (int slot = 0; slot < VirtualMouse::slotCount; ++slot) {
     memory.setName(slot, nameReport(std::string(65, 'A')));
     std::vector<std::uint8_t> image(VirtualMouse::imageReportSize, 0xFF);
-    // A rate of 0 has no logarithm, a byte of noise anywhere else no meaning.
+    // A rate of 0 has no logarithm. Random bytes make no sense anywhere else.
     image[rateByte] = 0xF0;
     std::iota(image.begin() + buttonsByte, image.end(), static_cast<std::uint8_t>(0x30 + slot));
     for (const int position : macroPositions) {

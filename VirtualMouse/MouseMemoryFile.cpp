@@ -16,7 +16,7 @@
 
 namespace {
 
-// Another command may be about to finish. On failure errno tells why.
+// Retries, because another command may be about to finish. On failure errno gives the reason.
 bool lockSoon(int descriptor) {
   constexpr int tries = 100;
   constexpr useconds_t pause = 10'000;
@@ -45,7 +45,7 @@ constexpr std::size_t versionOffset = 8;
                            "\" is not the memory of a virtual mouse: " + reason);
 }
 
-// 0 or the error number.
+// 0 or an error number.
 int writeAll(int descriptor, std::size_t offset, std::span<const std::uint8_t> bytes) {
   while (!bytes.empty()) {
     const ssize_t written =
@@ -62,7 +62,7 @@ int writeAll(int descriptor, std::size_t offset, std::span<const std::uint8_t> b
   return 0;
 }
 
-// Gives the finished file its name, but never in the place of another. 0 or the error number.
+// Renames the finished file without replacing another one. 0 or an error number.
 int nameWithoutReplacing(const std::string& from, const std::string& to) {
   if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
     return 0;
@@ -70,7 +70,7 @@ int nameWithoutReplacing(const std::string& from, const std::string& to) {
   if (errno != EINVAL && errno != ENOSYS) {
     return errno;
   }
-  // A file system that cannot rename so may still refuse a second name for one file.
+  // Where that is impossible, link() also fails if the name is taken.
   if (::link(from.c_str(), to.c_str()) != 0) {
     return errno;
   }
@@ -84,7 +84,7 @@ MouseMemoryFile::MouseMemoryFile(const std::filesystem::path& path,
                                  std::span<std::uint8_t> contents)
     : m_path(path) {
   try {
-    // Between "there is none" and "make it" another process can have made one: look again.
+    // Another process may create the file between the two steps, so look again.
     for (int attempt = 0; attempt < 3; ++attempt) {
       if (openExisting()) {
         load(contents);
@@ -94,7 +94,7 @@ MouseMemoryFile::MouseMemoryFile(const std::filesystem::path& path,
         return;
       }
     }
-    failWith(ENOENT, "can neither open nor make the memory file", m_path);
+    failWith(ENOENT, "cannot open or make the memory file", m_path);
   } catch (...) {
     closeFile();
     throw;
@@ -113,7 +113,7 @@ void MouseMemoryFile::write(std::size_t offset, std::span<const std::uint8_t> by
 }
 
 bool MouseMemoryFile::openExisting() {
-  // Without O_NONBLOCK a device or a pipe of that name could make this wait for ever.
+  // Without O_NONBLOCK, opening a device or a pipe could wait forever.
   m_descriptor = ::open(m_path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   if (m_descriptor < 0) {
     if (errno == ENOENT) {
@@ -134,7 +134,7 @@ bool MouseMemoryFile::createFrom(std::span<const std::uint8_t> contents) {
   if (error == 0) {
     error = writeAll(m_descriptor, header.size(), contents);
   }
-  // Locked before it has its name, so that nobody else gets hold of it first.
+  // Locked before it gets its name, so that no other process can lock it first.
   if (error == 0 && (::fsync(m_descriptor) != 0 || ::flock(m_descriptor, LOCK_EX | LOCK_NB) != 0)) {
     error = errno;
   }
@@ -158,7 +158,7 @@ void MouseMemoryFile::load(std::span<std::uint8_t> contents) const {
     failWith(errno, "cannot read the memory file", m_path);
   }
   if (!S_ISREG(status.st_mode)) {
-    refuse(m_path, "it is no ordinary file");
+    refuse(m_path, "it is not a regular file");
   }
   if (!lockSoon(m_descriptor)) {
     failWith(errno,
@@ -166,7 +166,7 @@ void MouseMemoryFile::load(std::span<std::uint8_t> contents) const {
                                   : "cannot lock the memory file",
              m_path);
   }
-  // Of a long file only so much is read as shows that it is too long.
+  // One byte more than the right size is enough to detect a file that is too long.
   std::vector<std::uint8_t> whole(header.size() + contents.size() + 1);
   std::size_t held = 0;
   while (held < whole.size()) {
@@ -189,7 +189,7 @@ void MouseMemoryFile::load(std::span<std::uint8_t> contents) const {
     refuse(m_path, "it does not begin with NERINMEM");
   }
   if (!std::equal(header.begin(), header.end(), bytes.begin())) {
-    refuse(m_path, "it was made by a version that this one does not know");
+    refuse(m_path, "its version is unknown to this program");
   }
   if (held != header.size() + contents.size()) {
     refuse(m_path, "it has the wrong size");

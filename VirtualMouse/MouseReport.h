@@ -6,8 +6,7 @@
 #include <span>
 #include <string>
 
-// One kind of the long reports that go over interface 1: id, 0, number of the slot, checksum, then
-// what it carries.
+// One kind of long report on interface 1: id, 0, slot number, checksum, then the contents.
 struct MouseReport {
   static constexpr std::size_t headerSize = 4;
 
@@ -17,8 +16,8 @@ struct MouseReport {
 
   static std::optional<MouseReport> byId(int id);
 
-  // What byte 3 of `report` has to be: with it the covered bytes add up to 0 modulo 256. `report`
-  // has `size` bytes.
+  // The right value for byte 3 of `report`, which has `size` bytes: with it the covered bytes add
+  // up to 0 modulo 256.
   std::uint8_t checksum(std::span<const std::uint8_t> report) const;
 };
 
@@ -26,7 +25,7 @@ inline constexpr MouseReport mouseMacroReport{4, 2053, 2048};
 inline constexpr MouseReport mouseImageReport{5, 154, 149};
 inline constexpr MouseReport mouseNameReport{6, 70, 65};
 
-// Lower-case hex digits, two for each byte, for messages.
+// Lower-case hex digits, two per byte, for messages.
 std::string hexText(std::span<const std::uint8_t> bytes);
 // Four lower-case hex digits.
 std::string hexText(std::uint16_t value);

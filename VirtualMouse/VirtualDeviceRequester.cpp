@@ -66,5 +66,5 @@ bool VirtualDeviceRequester::sendDeviceRequest(LXDeviceRequest& request) {
 }
 
 void VirtualDeviceRequester::resetCurrDevice() {
-  // Nothing is held open: the next transfer reaches the mouse as the last one did.
+  // Nothing is held open, so the next transfer reaches the mouse like the last one.
 }

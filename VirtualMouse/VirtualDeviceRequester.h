@@ -6,8 +6,8 @@
 #include "Kit/Core/LXDeviceRequester.h"
 #include "VirtualMouse/VirtualMouse.h"
 
-// The requester whose device is a virtual mouse. It shares the mouse with whoever made it, and
-// finds it only when it listens for the ids of the mouse.
+// The requester whose device is a virtual mouse. It shares the mouse with its creator, and finds it
+// only when it listens for the ids of the mouse.
 class VirtualDeviceRequester final : public LXDeviceRequester {
  public:
   explicit VirtualDeviceRequester(std::shared_ptr<VirtualMouse> mouse);

@@ -29,7 +29,7 @@ struct VirtualMouse::State {
   bool isPluggedIn = true;
   std::minstd_rand noise;
   std::vector<TransferRecord> transcript;
-  // The image has no place of its own in the memory, and a view must point somewhere.
+  // The memory holds no whole image, but imageReport() must return a view of one.
   std::array<std::array<std::uint8_t, imageReportSize>, slotCount> images{};
 
   MouseMemory& memory() { return garbage ? *garbage : kept; }
@@ -39,7 +39,7 @@ struct VirtualMouse::State {
     firmware.losePower();
   }
 
-  // Changes the memory at the mouse itself, where no transfer can report a failure.
+  // Changes the memory from the mouse's side, where no transfer can report a failure.
   template <typename Change>
   void changeAtTheMouse(const Change& change) {
     try {

@@ -45,22 +45,22 @@ struct MouseScenario {
     HoldsGarbage
   };
   Kind kind = Kind::Healthy;
-  std::uint32_t transfers = 0;          // UnpluggedAfter: how many transfers still succeed
-  std::chrono::milliseconds pause{40};  // Slow: what each transfer takes longer
+  std::uint32_t transfers = 0;          // UnpluggedAfter: the transfers that still succeed
+  std::chrono::milliseconds pause{40};  // Slow: the delay of each transfer
 
-  // Reads "healthy", "absent", "unplugged-after=N", "slow", "short", "random", "garbage".
+  // Parses "healthy", "absent", "unplugged-after=N", "slow", "short", "random", "garbage".
   static std::optional<MouseScenario> parse(std::string_view text);
 };
 
-// One transfer as the mouse saw it.
+// One transfer from the mouse's side.
 struct TransferRecord {
   SetupPacket setup;
-  std::vector<std::uint8_t> data;  // what was sent to the mouse, or what it answered
+  std::vector<std::uint8_t> data;  // sent to the mouse, or its answer
   TransferStatus status = TransferStatus::Done;
 };
 
-// The firmware's side of the mouse, in software: it answers control transfers as the mouse does
-// and keeps what the mouse keeps. Not thread-safe.
+// The firmware's side of the mouse, in software: it answers control transfers and keeps data like
+// the real mouse. Not thread-safe.
 class VirtualMouse {
  public:
   static constexpr std::uint16_t vendorId = 0x264A;
@@ -70,56 +70,57 @@ class VirtualMouse {
   static constexpr std::size_t nameReportSize = 70;
   static constexpr std::size_t imageReportSize = 154;
   static constexpr std::size_t macroReportSize = 2053;
-  // What a mouse that answers short still sends.
+  // How many bytes a mouse still sends when it answers short.
   static constexpr std::size_t shortAnswerSize = 3;
 
-  // A mouse as it leaves the factory, its memory in this process only.
+  // A mouse as it leaves the factory, with its memory in this process only.
   VirtualMouse();
-  // A mouse whose memory is the file at `memoryFile`: created when missing, and every change is in
-  // the file before the transfer that made it returns. Throws std::system_error when the file can
-  // be neither opened for writing nor made, or when another mouse uses it (EWOULDBLOCK), and
-  // std::runtime_error when it is no memory of a mouse.
+  // A mouse whose memory is the file at `memoryFile`, which is created if missing. Every change is
+  // in the file before the transfer that made it returns. Throws std::system_error if the file
+  // cannot be opened for writing, cannot be created, or is used by another mouse (EWOULDBLOCK), and
+  // std::runtime_error if it is not the memory of a mouse.
   explicit VirtualMouse(const std::filesystem::path& memoryFile);
   ~VirtualMouse();
   VirtualMouse(const VirtualMouse&) = delete;
   VirtualMouse& operator=(const VirtualMouse&) = delete;
 
-  // Performs one control transfer. Host to device: `data` holds what is sent; device to host: it
-  // is filled from the start. `data` has setup.length bytes and stays as it is unless Done.
-  // A long report that is dropped (a wrong checksum, say) is acknowledged all the same: see faults.
+  // Performs one control transfer. Host to device: sends `data`; device to host: fills `data` from
+  // its start. `data` has setup.length bytes and stays unchanged unless the status is Done. A long
+  // report that is dropped, for example for a wrong checksum, is still acknowledged: see faults().
   TransferResult controlTransfer(const SetupPacket& setup, std::span<std::uint8_t> data);
 
-  // From now on. Garbage lies over the memory and is in no file; what was there before shows again
-  // with the next scenario. Random answers are the same ones each time the scenario is set.
+  // Applies from now on. Garbage covers the memory and is in no file; the next scenario uncovers
+  // the memory. Random answers repeat each time the scenario is set.
   void setScenario(MouseScenario scenario);
   bool isAttached() const;
   void detach();
-  // Plugs the mouse in, which also ends the scenarios that took it off the bus.
+  // Plugs the mouse in, which also ends a scenario that took it off the bus.
   void attach();
 
-  // The mouse's own button that moves to another slot (0..9). Nothing without power.
+  // Presses the mouse's own button, which switches to another slot (0..9). Does nothing without
+  // power.
   void pressSlotButton(int slot);
-  // Makes a slot as if nothing had ever been written to it: no name, settings 0, no macros.
+  // Resets a slot to its state before any write: no name, settings 0, no macros.
   void clearSlot(int slot);
 
-  // What the mouse holds, for tests and for a look into it. Slots 0..9, macro slots 0..189; another
-  // number throws std::out_of_range. The spans look into the mouse: copy what must stay.
-  int activeSlot() const;  // 10..15 when the host has put that there
-  std::span<const std::uint8_t> nameReport(int slot) const;   // 70 bytes, as a read answers
+  // What the mouse holds, for tests and displays. Slots 0..9, macro slots 0..189; other numbers
+  // throw std::out_of_range. The spans point into the mouse: copy what must last.
+  int activeSlot() const;                                     // 10..15 if the host has written that
+  std::span<const std::uint8_t> nameReport(int slot) const;   // 70 bytes, as a read returns
   std::span<const std::uint8_t> imageReport(int slot) const;  // 154 bytes
-  // 2053 bytes; byte 0 is 0xB0 when the slot holds a macro, else 4 with zeros.
+  // 2053 bytes; byte 0 is 0xB0 if the slot holds a macro, otherwise 4 and followed by zeros.
   std::span<const std::uint8_t> macroReport(int macroSlot) const;
   std::string slotName(int slot) const;
-  // What the host is told when a button with this macro is pressed. Without a macro: no events.
+  // What the mouse sends when a button with this macro is pressed. Without a macro: no events.
   MacroPlayback playMacro(int macroSlot) const;
-  // Whether a name, image or macro was written and no refresh command has followed yet.
+  // Whether a name, image or macro was written without a refresh command since.
   bool hasUnrefreshedWrites() const;
 
-  // Every transfer that reached the mouse, the stalled ones too.
+  // Every transfer that reached the mouse, including stalled ones.
   const std::vector<TransferRecord>& transcript() const;
   void clearTranscript();
   // What the host did wrong, in words: a wrong checksum, an unknown command, a short transfer. Also
-  // says when the memory file could not be written; such a transfer stalls and changes nothing.
+  // reports a memory file that could not be written; such a transfer stalls and changes nothing.
   const std::vector<std::string>& faults() const;
   void clearFaults();
 

@@ -11,8 +11,8 @@
 
 namespace {
 
-// Names on the bus are at most this long.
-constexpr std::size_t longestName = 255;
+// The limit that D-Bus sets.
+constexpr std::size_t maximumNameLength = 255;
 
 bool isLetter(char character) {
   return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
@@ -56,7 +56,7 @@ std::optional<std::variant<bool, std::int32_t>> valueOf(const QVariant& variant)
 }  // namespace
 
 bool NotificationSignal::isValidName(const std::string& name) {
-  if (name.empty() || name.size() > longestName || isDigit(name.front())) {
+  if (name.empty() || name.size() > maximumNameLength || isDigit(name.front())) {
     return false;
   }
   for (const char character : name) {

@@ -6,8 +6,8 @@
 
 #include "Kit/Core/LXNotificationCenter.h"
 
-// A broadcast notification as a signal: its member is the notification's name, its arguments are
-// the object and, when there is one, the user info.
+// A broadcast notification as a D-Bus signal. The member is the name of the notification; the
+// arguments are the object and the user info, if there is any.
 struct NotificationSignal {
   static constexpr const char* path = "/com/corvex/NerinOption";
   static constexpr const char* interface = "com.corvex.NerinOption.Notification";
@@ -16,12 +16,12 @@ struct NotificationSignal {
   std::string object;
   std::optional<LXUserInfo> userInfo;
 
-  // Whether a signal can have this name: letters, digits and "_", no digit first.
+  // Whether a signal can have this name: letters, digits and "_", not starting with a digit.
   static bool isValidName(const std::string& name);
 
-  // Signature "s" or "sa{sv}". The name must be a valid one.
+  // The signature is "s" or "sa{sv}". The name must be valid.
   QDBusMessage toMessage() const;
-  // Nothing for any other signature. Numbers of every integer type are read; entries of other
-  // types, and numbers beyond 32 bits, are left out.
+  // Nothing for any other signature. Reads integers of every type; leaves out entries of other
+  // types and numbers beyond 32 bits.
   static std::optional<NotificationSignal> fromMessage(const QDBusMessage& message);
 };

@@ -24,7 +24,7 @@ std::string_view takeUntil(std::string_view& rest, char separator) {
   return head;
 }
 
-// Undoes the "%2F" of an address; nothing when the text is no good.
+// Decodes escapes such as "%2F" in an address; nothing if the text is malformed.
 std::optional<std::string> unescaped(std::string_view text) {
   std::string result;
   while (!text.empty()) {
@@ -94,7 +94,7 @@ class Socket {
   Socket(const Socket&) = delete;
   Socket& operator=(const Socket&) = delete;
 
-  // 0, or what went wrong. EAGAIN: the bus has too many waiting already.
+  // 0 or an error number. EAGAIN: too many connections are already waiting for the bus.
   int connectTo(const std::string& name) const {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -111,7 +111,7 @@ class Socket {
     return count == static_cast<ssize_t>(text.size());
   }
 
-  // Waits a moment for an answer: true when there is one, or the other end is gone.
+  // Waits briefly for data. True if there is some or the other end has closed.
   bool waitToRead() const {
     pollfd entry{m_descriptor, POLLIN, 0};
     return poll(&entry, 1, sliceMilliseconds) > 0;
@@ -126,8 +126,8 @@ class Socket {
   int m_descriptor;
 };
 
-// The first line of every conversation with a bus: a NUL, then who the user claims to be, the
-// digits of the user id in hexadecimal.
+// The first line of every conversation with a bus: a NUL, then the claimed identity, which is the
+// hexadecimal form of the digits of the user id.
 std::string greeting() {
   constexpr std::string_view hexadecimal = "0123456789abcdef";
   std::string text("\0AUTH EXTERNAL ", 15);

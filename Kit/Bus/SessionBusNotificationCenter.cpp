@@ -26,11 +26,11 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr milliseconds longestSlice{20};
-// What the destructor waits for the worker to end, after the flush.
+constexpr milliseconds maximumSlice{20};
+// How long the destructor waits for the worker after the flush.
 constexpr milliseconds endLimit{200};
 
-// The wish to hear the notifications of others.
+// A request to receive the notifications of other processes.
 struct Listen {};
 
 using Order = std::variant<NotificationSignal, Listen>;
@@ -52,8 +52,8 @@ struct SessionBusNotificationCenter::State {
   std::mutex mutex;
   std::condition_variable changed;
   std::deque<Order> orders;   // not yet taken by the worker
-  std::uint64_t given = 0;    // orders ever
-  std::uint64_t settled = 0;  // of these the bus has confirmed so many
+  std::uint64_t given = 0;    // all orders so far
+  std::uint64_t settled = 0;  // how many of them the bus has confirmed
   bool isListening = false;
   bool isLost = false;  // there is no bus, or it went away
   bool isStopping = false;
@@ -77,7 +77,7 @@ struct SessionBusNotificationCenter::State {
     return isStopping;
   }
 
-  // Waits for orders and takes them all; none when it is time to stop.
+  // Waits for orders and takes them all; empty when it is time to stop.
   std::deque<Order> take() {
     std::unique_lock lock(mutex);
     changed.wait(lock, [this] { return isStopping || !orders.empty(); });
@@ -117,11 +117,10 @@ struct SessionBusNotificationCenter::State {
   }
 };
 
-// The thread of a centre. Nothing in it waits for the bus without looking for the wish to stop.
+// The thread of a notification center. Every wait for the bus also checks whether to stop.
 //
-// The connection is a bare one on which the greeting of the bus is an ordinary call: the bus
-// library waits for the greeting of a real bus connection in a thread that the process cannot end
-// without.
+// The connection is a plain one, on which the greeting of the bus is an ordinary call. For a real
+// bus connection the library waits for the greeting in a thread that keeps the process from ending.
 class SessionBusNotificationCenter::Worker {
  public:
   explicit Worker(State& state) : m_state(state), m_name(nextConnectionName()) {}
@@ -152,7 +151,7 @@ class SessionBusNotificationCenter::Worker {
       for (const Order& order : orders) {
         std::visit([&](const auto& content) { obey(connection, content); }, order);
       }
-      // The bus answers in order, so everything before this call has arrived when it does.
+      // The bus answers in order, so it has received everything sent before this call.
       if (!isAnswered(connection, "GetId")) {
         return;
       }
@@ -171,7 +170,7 @@ class SessionBusNotificationCenter::Worker {
     const QDBusPendingCall call =
         connection.asyncCall(callToTheBus(method), std::numeric_limits<int>::max());
     std::unique_lock lock(m_state.mutex);
-    for (milliseconds slice(1); !call.isFinished(); slice = std::min(2 * slice, longestSlice)) {
+    for (milliseconds slice(1); !call.isFinished(); slice = std::min(2 * slice, maximumSlice)) {
       if (m_state.isStopping) {
         return false;
       }
@@ -186,7 +185,7 @@ class SessionBusNotificationCenter::Worker {
 
   void obey(QDBusConnection& connection, const Listen&) {
     if (QCoreApplication::instance() == nullptr) {
-      // Without one no thread gets its events.
+      // Without an application object no thread receives events.
       static int argumentCount = 1;
       static char programName[] = "NerinOption";
       static char* arguments[] = {programName, nullptr};
@@ -236,7 +235,7 @@ void SessionBusNotificationCenter::postNotificationName(const std::string& name,
                                                         const std::string& object,
                                                         const std::optional<LXUserInfo>& userInfo) {
   if (!NotificationSignal::isValidName(name)) {
-    LXLogger::warning("no signal can be named \"" + name + "\"");
+    LXLogger::warning("not a valid name of a notification: \"" + name + "\"");
     return;
   }
   m_state->give(NotificationSignal{name, object, userInfo});

@@ -5,7 +5,7 @@
 #include <functional>
 #include <utility>
 
-// Hands the signals of a connection to a function, on the thread that the receiver lives in.
+// Passes the signals of a connection to a function, on the thread that the receiver lives in.
 class SignalReceiver final : public QObject {
   Q_OBJECT
 

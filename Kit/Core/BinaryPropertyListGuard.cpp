@@ -26,12 +26,12 @@ enum Marker : unsigned {
   Dictionary = 0xD
 };
 
-// An object as it lies in the file.
+// An object as stored in the file.
 struct Object {
-  std::size_t begin = 0;   // of what follows the marker and the count
+  std::size_t begin = 0;   // after the marker and the count
   std::size_t length = 0;  // of its own text or data
   std::size_t references = 0;
-  std::size_t keys = 0;  // how many of the references, from the front, name texts
+  std::size_t keys = 0;  // how many of the first references must be texts
 };
 
 class Document {
@@ -61,7 +61,7 @@ class Document {
   std::size_t objects() const { return m_objects; }
   std::size_t root() const { return m_root; }
 
-  // Nothing when the object does not lie inside the file or is of no kind that is known.
+  // Nothing if the object lies outside the file or is of an unknown kind.
   std::optional<Object> objectAt(std::size_t index) const {
     const auto offset = numberAt(m_table + index * m_offsetSize, m_offsetSize);
     if (offset < headerSize || offset >= m_table) {
@@ -85,7 +85,7 @@ class Document {
     }
   }
 
-  // Whether the object can stand for the key of a dictionary.
+  // Whether the object can be the key of a dictionary.
   bool isText(std::size_t index) const {
     const auto offset = numberAt(m_table + index * m_offsetSize, m_offsetSize);
     const unsigned marker = offset < m_table ? byteAt(offset) >> 4U : 0;
@@ -97,7 +97,7 @@ class Document {
   }
 
  private:
-  // An object whose content is `count` times `size` bytes, when they lie inside the file.
+  // An object whose content is `count` times `size` bytes; nothing if that exceeds the file.
   std::optional<Object> within(std::size_t begin, std::size_t count, std::size_t size) const {
     if (begin > m_table || count > (m_table - begin) / size) {
       return std::nullopt;
@@ -105,12 +105,12 @@ class Document {
     return Object{begin, count * size, 0, 0};
   }
 
-  // The kinds of objects that come with a count.
+  // The kinds of object that have a count.
   std::optional<Object> countedAt(std::size_t offset, unsigned marker, unsigned low) const {
     std::size_t count = low;
     std::size_t begin = offset + 1;
     if (low == 0x0F) {
-      // A longer count follows as an integer object of its own.
+      // A larger count follows as a separate integer object.
       const std::size_t width = std::size_t{1} << (byteAt(begin) & 0x0FU);
       if (byteAt(begin) >> 4U != Integer || width > 8 || begin + 1 + width > m_table) {
         return std::nullopt;
@@ -139,7 +139,7 @@ class Document {
     }
   }
 
-  // Inside libplist texts are ended by a NUL, so that none may hold one.
+  // libplist ends texts with a NUL, so none may contain one.
   bool isPlainAscii(const Object& text) const {
     const std::string_view bytes = m_bytes.substr(text.begin, text.length);
     return utf8::isAscii(bytes) && bytes.find('\0') == std::string_view::npos;
@@ -176,8 +176,8 @@ class Document {
   std::size_t m_table = 0;
 };
 
-// What an object is worth once its references are unfolded.
-struct Unfolded {
+// The size of an object once its references are expanded.
+struct Expanded {
   enum class State : std::uint8_t { Unknown, Open, Known } state = State::Unknown;
   std::uint32_t depth = 0;
   std::size_t weight = 0;
@@ -196,14 +196,14 @@ bool propertylist::isBinaryPropertyListSafe(std::string_view bytes) {
   if (!document.readTrailer()) {
     return false;
   }
-  std::vector<Unfolded> known(document.objects());
+  std::vector<Expanded> known(document.objects());
   std::vector<Visit> path;
   const auto enter = [&](std::size_t index) {
     const auto object = document.objectAt(index);
     if (!object || path.size() >= maximumDepth) {
       return false;
     }
-    known[index] = {Unfolded::State::Open, 1, nodeWeight + object->length};
+    known[index] = {Expanded::State::Open, 1, nodeWeight + object->length};
     path.push_back({index, *object, 0});
     return true;
   };
@@ -213,22 +213,22 @@ bool propertylist::isBinaryPropertyListSafe(std::string_view bytes) {
   while (!path.empty()) {
     Visit& visit = path.back();
     if (visit.next == visit.object.references) {
-      known[visit.index].state = Unfolded::State::Known;
+      known[visit.index].state = Expanded::State::Known;
       path.pop_back();
       continue;
     }
     const std::size_t child = document.reference(visit.object, visit.next);
-    if (child >= document.objects() || known[child].state == Unfolded::State::Open ||
+    if (child >= document.objects() || known[child].state == Expanded::State::Open ||
         (visit.next < visit.object.keys && !document.isText(child))) {
       return false;
     }
-    if (known[child].state == Unfolded::State::Unknown) {
+    if (known[child].state == Expanded::State::Unknown) {
       if (!enter(child)) {
         return false;
       }
       continue;
     }
-    Unfolded& parent = known[visit.index];
+    Expanded& parent = known[visit.index];
     parent.weight += known[child].weight;
     parent.depth = std::max(parent.depth, known[child].depth + 1);
     if (parent.weight > maximumWeight || parent.depth > maximumDepth) {

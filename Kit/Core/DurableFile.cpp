@@ -27,7 +27,7 @@ std::error_code lastError() {
   return {errno, std::generic_category()};
 }
 
-// Runs one step that touches the disk: `call` answers as a system call does, -1 with errno.
+// Runs one step that touches the disk. Like a system call, `call` returns -1 with errno.
 template <typename Call>
 std::error_code step(const char* name, Call call) {
   if (faultInjector()) {
@@ -75,7 +75,7 @@ std::error_code syncFile(const fs::path& path) {
   return sync(path, O_RDONLY);
 }
 
-// Some file systems cannot sync a folder and need not.
+// Some file systems cannot sync a folder and do not need to.
 std::error_code syncFolder(const fs::path& folder) {
   const std::error_code error = sync(folder, O_RDONLY | O_DIRECTORY);
   const bool cannot = error == std::errc::invalid_argument || error == std::errc::not_supported ||
@@ -83,7 +83,7 @@ std::error_code syncFolder(const fs::path& folder) {
   return cannot ? std::error_code() : error;
 }
 
-// After the new version is in place, a failing sync takes nothing back.
+// The new version is already in place, so a failed sync undoes nothing.
 void syncAfterwards(const fs::path& folder) {
   if (const auto error = syncFolder(folder)) {
     LXLogger::warning(folder.string() + " was not synced: " + error.message());
@@ -108,7 +108,7 @@ std::error_code writeAll(int descriptor, std::string_view bytes) {
   return {};
 }
 
-// Writes a new file that nobody reads yet. It is not synced.
+// Writes a new file that no reader knows yet, without syncing it.
 std::error_code writeNew(const fs::path& path, std::string_view bytes) {
   Descriptor descriptor;
   if (const auto error = descriptor.open("create", path, O_WRONLY | O_CREAT | O_EXCL, 0666)) {
@@ -117,13 +117,13 @@ std::error_code writeNew(const fs::path& path, std::string_view bytes) {
   return writeAll(descriptor.number(), bytes);
 }
 
-// The permissions of what is replaced; nothing when there is nothing yet.
+// The permissions of the file to be replaced; nothing if there is none.
 std::optional<mode_t> modeOf(const fs::path& path) {
   struct stat status {};
   return ::stat(path.c_str(), &status) == 0 ? std::optional(status.st_mode & 07777U) : std::nullopt;
 }
 
-// The mode of open and mkdir goes through the user's mask, that of an old file does not.
+// open and mkdir apply the umask, which must not change the mode of an existing file.
 void keepMode(const fs::path& fresh, const fs::path& old) {
   if (const auto mode = modeOf(old)) {
     static_cast<void>(::chmod(fresh.c_str(), *mode));
@@ -135,7 +135,7 @@ void removeQuietly(const fs::path& path) {
   fs::remove_all(path, ignored);
 }
 
-// Where a path leads in the end, which need not exist; nothing for links in a circle.
+// Where a path finally leads, whether or not that exists; nothing for a cycle of links.
 std::optional<fs::path> withoutLinks(fs::path path) {
   std::error_code error;
   for (int links = 0; links < 40; ++links) {
@@ -155,7 +155,7 @@ fs::path sibling(const fs::path& path, const char* suffix) {
 constexpr std::string_view temporaryPrefix = ".nerin-";
 constexpr std::string_view temporarySuffix = ".new";
 
-// Not made from the name of the file, so that a name of 255 bytes has room too; and nobody else's.
+// Unique, and independent of the file's name, so that a name of 255 bytes works too.
 std::string temporaryName() {
   std::random_device random;
   return std::string(temporaryPrefix) + std::to_string(::getpid()) + "-" +
@@ -166,15 +166,15 @@ fs::path lockOf(const fs::path& folder) {
   return sibling(folder, ".lock");
 }
 
-// A save of a large library on a slow disk may take this long.
+// Saving a large library on a slow disk can take this long.
 constexpr std::chrono::seconds lockLimit(10);
 
-// The new folder while it is written, and afterwards the old one while it is removed.
+// The new folder while it is written, then the old one while it is removed.
 fs::path newFolderOf(const fs::path& folder) {
   return sibling(folder, ".new");
 }
 
-// The old folder for the moment between two renames, on file systems that cannot exchange.
+// The old folder between the two renames, on file systems that cannot exchange folders.
 fs::path oldFolderOf(const fs::path& folder) {
   return sibling(folder, ".old");
 }
@@ -183,8 +183,8 @@ std::error_code renameFolder(const char* stepName, const fs::path& from, const f
   return step(stepName, [&] { return std::rename(from.c_str(), to.c_str()); });
 }
 
-// For file systems that cannot exchange two folders: between the two renames there is no folder of
-// that name, and recoverFolder finishes what an interruption leaves.
+// For file systems that cannot exchange two folders. Between the two renames the folder is missing;
+// recoverFolder completes an interrupted replacement.
 std::error_code takePlaceInTwoSteps(const fs::path& fresh, const fs::path& folder) {
   const fs::path old = oldFolderOf(folder);
   if (const auto error = renameFolder("set aside", folder, old)) {
@@ -214,15 +214,15 @@ std::error_code takePlace(const fs::path& fresh, const fs::path& folder) {
   return takePlaceInTwoSteps(fresh, folder);
 }
 
-// Brings back what an interrupted replacement left beside the folder, and removes the rest. Nothing
-// is removed unless the folder is certainly there.
+// Restores what an interrupted replacement left beside the folder, and removes the rest. Removes
+// nothing unless the folder certainly exists.
 std::error_code finishInterrupted(const fs::path& folder) {
   std::error_code error;
   const fs::path fresh = newFolderOf(folder);
   const fs::path old = oldFolderOf(folder);
   const auto status = fs::status(folder, error);
   if (status.type() == fs::file_type::not_found && fs::exists(old, error)) {
-    // Interrupted between the two renames: the new folder was complete by then.
+    // Interrupted between the two renames; the new folder was already complete.
     LXLogger::warning("recovering the interrupted replacement of " + folder.string());
     if (const auto failed =
             renameFolder("recover", fs::exists(fresh, error) ? fresh : old, folder)) {
@@ -237,8 +237,8 @@ std::error_code finishInterrupted(const fs::path& folder) {
   return {};
 }
 
-// Gives an unchanged file a second name in the new folder, because writing it again, and freeing
-// the old one, is what makes saving a large library slow. Whether it could.
+// Links an unchanged file into the new folder, because writing it again and freeing the old one is
+// what makes saving a large library slow. False if it could not be linked.
 bool linkUnchanged(const fs::path& folder, const fs::path& oldFolder,
                    const durable::FolderEntry& entry) {
   const fs::path old = oldFolder / entry.name;
@@ -263,7 +263,7 @@ std::error_code writeFolder(const fs::path& folder, const fs::path& oldFolder,
       return error;
     }
   }
-  // Syncing after all are written lets the disk take them together.
+  // Syncing after all files are written lets the disk handle them together.
   for (const auto& file : written) {
     if (const auto error = syncFile(file)) {
       return error;
@@ -281,7 +281,7 @@ void durable::setFaultInjector(FaultInjector injector) {
 std::optional<std::string> durable::readFile(const fs::path& path, std::size_t limit) {
   Descriptor descriptor;
   struct stat status {};
-  // Without O_NONBLOCK a pipe of that name would make this wait for a writer.
+  // Without O_NONBLOCK, opening a pipe would wait for a writer.
   if (descriptor.open("open to read", path, O_RDONLY | O_NONBLOCK | O_NOCTTY) ||
       ::fstat(descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
     return std::nullopt;
@@ -314,7 +314,7 @@ std::error_code durable::writeFile(const fs::path& path, std::string_view bytes)
   const fs::path& target = *leadsTo;
   std::error_code ignored;
   if (fs::exists(target, ignored) && !fs::is_regular_file(target, ignored)) {
-    // A device or a folder is not ours to replace.
+    // A device or a folder must not be replaced.
     return std::make_error_code(fs::is_directory(target, ignored) ? std::errc::is_a_directory
                                                                   : std::errc::invalid_argument);
   }
@@ -343,7 +343,7 @@ void durable::sweepTemporaries(const fs::path& folder) {
     std::error_code ignored;
     const std::string name = entry->path().filename().string();
     const bool isOurs = name.starts_with(temporaryPrefix) && name.ends_with(temporarySuffix);
-    // A young one may still be written by another process.
+    // Another process may still be writing a recent file.
     if (isOurs && now - entry->last_write_time(ignored) > std::chrono::hours(1)) {
       removeQuietly(entry->path());
     }
@@ -382,7 +382,7 @@ void durable::recoverFolder(const fs::path& folder) {
   if (!target) {
     return;
   }
-  // Whoever holds the lock is at work there, and will leave it whole.
+  // Another holder of the lock is at work there and will leave the folder complete.
   if (const auto lock = FileLock::acquire(lockOf(*target), std::chrono::milliseconds(0))) {
     finishInterrupted(*target);
   }

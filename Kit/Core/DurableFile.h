@@ -10,23 +10,24 @@
 #include <system_error>
 #include <vector>
 
-// Files that are either the old one or the new one, whole, whatever interrupts the writing.
+// Replaces files so that each is completely the old or completely the new one after any
+// interruption.
 namespace durable {
 
-// What readFile reads at the most unless told otherwise; more is no file of ours.
+// The default limit of readFile. No file of this program is larger.
 inline constexpr std::size_t maximumFileSize = std::size_t{16} << 20U;
 
-// The whole file, or nothing when it cannot be read, is larger than `limit` bytes or is no ordinary
+// The whole file. Nothing if it cannot be read, is larger than `limit` bytes or is not a regular
 // file: a device has no end, and a pipe may never begin.
 std::optional<std::string> readFile(const std::filesystem::path& path,
                                     std::size_t limit = maximumFileSize);
 
-// Writes the bytes to a new file beside `path`, syncs it, and puts it in the place of `path`. On
-// an error nothing is left behind and the old file is untouched. Its permissions are kept, and a
-// symbolic link stays one. What is there and is no regular file is an error.
+// Writes a new file beside `path`, syncs it and moves it to `path`. On an error the old file is
+// untouched and nothing else is left behind. Keeps the permissions, and a symbolic link stays a
+// link. It is an error if `path` exists and is not a regular file.
 [[nodiscard]] std::error_code writeFile(const std::filesystem::path& path, std::string_view bytes);
 
-// Removes what a kill left of writeFile in the folder, once it is an hour old.
+// Removes what a killed writeFile left in the folder, once it is an hour old.
 void sweepTemporaries(const std::filesystem::path& folder);
 
 // One file of a folder that replaceFolder writes.
@@ -35,20 +36,19 @@ struct FolderEntry {
   std::string bytes;
 };
 
-// Makes the folder hold exactly these files: writes and syncs a new folder beside it and lets it
-// take the place of the old one in one step. A file that is there already with the same bytes is
-// taken over as it is. On an error the old folder is untouched. Another process that replaces the
-// same folder is waited for.
+// Makes the folder contain exactly these files. Writes and syncs a new folder beside it, which then
+// replaces the old one in one step. Reuses existing files with the same bytes. On an error the old
+// folder is untouched. Waits for another process that is replacing the same folder.
 [[nodiscard]] std::error_code replaceFolder(const std::filesystem::path& folder,
                                             std::span<const FolderEntry> entries);
 
-// Cleans up after a replaceFolder that was interrupted: the folder is the old one or the new one
-// afterwards, and nothing of the other is left. Call it before the folder is read. While another
-// process replaces the folder, it is left alone.
+// Cleans up after an interrupted replaceFolder: the folder is then either the old or the new one,
+// and nothing of the other is left. Call it before reading the folder. Does nothing while another
+// process is replacing the folder.
 void recoverFolder(const std::filesystem::path& folder);
 
-// For tests: called before each step that touches the disk, with the step's name; a non-zero
-// answer is the errno with which that step fails. An empty function ends it.
+// For tests: called with the name of each step before the step touches the disk. A nonzero result
+// is the errno with which the step fails. An empty function turns this off.
 using FaultInjector = std::function<int(const char* step)>;
 void setFaultInjector(FaultInjector injector);
 

@@ -4,14 +4,14 @@
 #include <filesystem>
 #include <memory>
 
-// Lets programs of this product take turns: what two of them read, change and write back at once
-// would otherwise lose one of the changes. Held until the object goes, or the process ends in
-// whatever way.
+// Lets the programs of this product take turns when they read, change and write back the same data,
+// because otherwise a change could be lost. Held until the object is destroyed or the process ends
+// in any way.
 class FileLock {
  public:
-  // Waits at most `limit` for the lock that `file` stands for, which is made when it is missing;
-  // null when another holder keeps it for longer. Where no file can be made nothing can be changed
-  // either, and the answer is a lock that holds nothing.
+  // Waits up to `limit` for the lock that `file` represents; the file is created if missing. Null
+  // if another holder keeps the lock longer. Where no file can be created nothing can be changed
+  // either, so the result is then a lock that holds nothing.
   static std::unique_ptr<FileLock> acquire(const std::filesystem::path& file,
                                            std::chrono::milliseconds limit);
 

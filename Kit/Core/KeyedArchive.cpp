@@ -97,7 +97,7 @@ std::uint64_t ObjectTable::appendObject(const LXCoding& object) {
   return index;
 }
 
-// libplist walks an array from its start for every access, so the nodes are listed once.
+// libplist walks an array from its start on every access, so the nodes are listed once.
 std::vector<plist_t> elementsOf(plist_t array) {
   std::vector<plist_t> elements(plist_array_get_size(array));
   plist_array_iter cursor = nullptr;
@@ -109,12 +109,12 @@ std::vector<plist_t> elementsOf(plist_t array) {
   return elements;
 }
 
-// The table of objects of an archive that is read.
+// The object table of an archive being read.
 class ReadTable {
  public:
   explicit ReadTable(plist_t objects) : m_nodes(elementsOf(objects)) {}
 
-  // What a reference stands for; null for nil, for no reference and for one that leads nowhere.
+  // The target of a reference; null for nil, for no reference and for one that leads nowhere.
   plist_t follow(plist_t reference) const {
     std::uint64_t index = 0;
     if (propertylist::isKind(reference, PLIST_UID)) {
@@ -157,7 +157,7 @@ class ObjectUnarchiver final : public LXKeyedUnarchiver {
   std::optional<std::string> decodeString(const char* key) override {
     plist_t node = m_table.follow(item(key));
     if (propertylist::isKind(node, PLIST_DICT)) {
-      // A mutable string is an object of its own around its text.
+      // A mutable string is an object that wraps its text.
       node = plist_dict_get_item(node, "NS.string");
     }
     return propertylist::isKind(node, PLIST_STRING) ? std::optional(propertylist::stringOf(node))
@@ -236,7 +236,7 @@ std::string keyedarchive::archive(const LXCoding& root) {
   plist_dict_set_item(document.get(), "$archiver", plist_new_string(archiverName));
   plist_dict_set_item(document.get(), "$top", top);
   plist_dict_set_item(document.get(), "$objects", table.release());
-  return propertylist::serialise(document.get(), propertylist::Form::Binary);
+  return propertylist::serialize(document.get(), propertylist::Form::Binary);
 }
 
 bool keyedarchive::unarchive(std::string_view bytes, LXCoding& root) {

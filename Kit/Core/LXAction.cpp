@@ -25,7 +25,7 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-// "de_AT.UTF-8@euro" is "de-at" here.
+// "de_AT.UTF-8@euro" becomes "de-at".
 std::string plainLanguage(std::string_view code) {
   std::string plain = utf8::lowercased(code.substr(0, code.find_first_of(".@")));
   std::replace(plain.begin(), plain.end(), '_', '-');
@@ -120,7 +120,7 @@ std::optional<std::string> LXAction::getSysLanName() {
     return isTraditional ? "zh-Hant" : "zh-Hans";
   }
   if (language == "pt") {
-    // Only the Brazilian form has texts; the European one is a language of its own here.
+    // Only the Brazilian form has texts; the European one counts as a language of its own.
     return code == "pt-br" ? "pt-BR" : *preferred;
   }
   return language;

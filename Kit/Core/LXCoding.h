@@ -10,14 +10,14 @@
 class LXKeyedArchiver;
 class LXKeyedUnarchiver;
 
-// An object that can be written to a keyed archive and read back, under the names of its keys.
+// An object whose values can be written to a keyed archive and read back, each under its own key.
 class LXCoding {
  public:
   virtual ~LXCoding() = default;
   // The class name that the archive carries.
   virtual std::string_view className() const = 0;
   virtual void encodeWithCoder(LXKeyedArchiver& coder) const = 0;
-  // Takes the values; a missing key reads as 0, false or none.
+  // Reads the values; a missing key reads as 0, false or none.
   virtual void initWithCoder(LXKeyedUnarchiver& coder) = 0;
 
  protected:
@@ -26,7 +26,7 @@ class LXCoding {
   LXCoding& operator=(const LXCoding&) = default;
 };
 
-// Takes the values of one object while it is encoded.
+// Receives the values of an object being encoded.
 class LXKeyedArchiver {
  public:
   virtual ~LXKeyedArchiver() = default;
@@ -37,17 +37,17 @@ class LXKeyedArchiver {
   virtual void encodeArray(const std::vector<const LXCoding*>& values, const char* key) = 0;
 };
 
-// Gives the values of one object while it is decoded.
+// Provides the values of an object being decoded.
 class LXKeyedUnarchiver {
  public:
   virtual ~LXKeyedUnarchiver() = default;
   virtual std::int32_t decodeInt(const char* key) = 0;
   virtual bool decodeBool(const char* key) = 0;
   virtual std::optional<std::string> decodeString(const char* key) = 0;
-  // Fills `value` from the object under the key; false when there is none of its class.
+  // Fills `value` from the object under the key; false if there is none of its class.
   virtual bool decodeObject(LXCoding& value, const char* key) = 0;
 
-  // The array under the key; empty when there is none. An element of another class makes the whole
+  // The array under the key; empty if there is none. An element of another class makes the whole
   // archive unreadable.
   template <typename Object>
   std::vector<std::shared_ptr<Object>> decodeArray(const char* key) {

@@ -10,7 +10,7 @@ struct KeyName {
   const char* name;
 };
 
-// In order of their codes.
+// Sorted by code.
 constexpr KeyName keyNames[] = {
     {0, "A"},
     {1, "S"},

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <string>
 
-// Keys by their Mac virtual key code, which is how profiles and macros name them.
+// Keys by their Mac virtual key code, which profiles and macros use to name them.
 class LXKey {
  public:
-  // The name shown for a key; empty for a code that no key has.
+  // The display name of a key; empty for a code without a key.
   static std::string getStrByKeycode(std::int32_t keycode);
 };

@@ -75,7 +75,7 @@ void LXLogger::setFile(const std::filesystem::path& file) {
     logger->set_pattern("%Y-%m-%d %H:%M:%S.%e [%l] %s:%# %v");
     logger->set_level(spdlog::level::debug);
     logger->flush_on(spdlog::level::warn);
-    // A full disk must not turn into an exception or a line on the user's terminal.
+    // A full disk must not cause an exception or a line on the user's terminal.
     logger->set_error_handler([](const std::string&) {});
     theLog().file = std::move(logger);
   } catch (const spdlog::spdlog_ex&) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-// The line that calls, taken where a parameter of this type has its default.
+// The calling line, captured where a parameter of this type has its default.
 struct LXSourcePlace {
   const char* file = "";
   int line = 0;
@@ -16,8 +16,8 @@ struct LXSourcePlace {
   }
 };
 
-// The program's log, for one thread. Every line carries the file and line that wrote it. Until a
-// file is set, lines go nowhere, except to the observer of a test.
+// The program's log, for one thread. Every line shows its source file and line number. Until a file
+// is set, lines go nowhere except to the observer of a test.
 class LXLogger {
  public:
   enum class Level { Debug, Warning, Error };
@@ -27,11 +27,11 @@ class LXLogger {
   static void warning(std::string_view line, LXSourcePlace where = LXSourcePlace::current());
   static void error(std::string_view line, LXSourcePlace where = LXSourcePlace::current());
 
-  // Lines below this level are dropped. Debug at first.
+  // Lines below this level are dropped. The initial level is Debug.
   static void setLevel(Level level);
-  // Logs into this file, rotated at 1 MiB with two old ones kept; an empty path stops it. A file
-  // that cannot be opened is passed over: no log is no reason to stop.
+  // Logs to this file, rotated at 1 MiB with two old ones kept; an empty path stops logging.
+  // Ignores a file that cannot be opened, because a missing log is no reason to stop.
   static void setFile(const std::filesystem::path& file);
-  // Sees every line, whatever the level; an empty function ends it.
+  // Receives every line, whatever its level; an empty function turns this off.
   static void setObserver(Observer observer);
 };

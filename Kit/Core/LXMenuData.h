@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-// One entry of a pop-up menu. Menus that mean something derive their entries from it.
+// One entry of a pop-up menu. Menus derive their own entry classes from it.
 class LXMenuData {
  public:
   LXMenuData() = default;
@@ -12,7 +12,7 @@ class LXMenuData {
   const std::string& titleStr() const { return m_titleStr; }
   void setTitleStr(std::string titleStr) { m_titleStr = std::move(titleStr); }
 
-  // The kind of the entry; 1 is one that can be chosen.
+  // The kind of the entry; 1 can be chosen.
   std::int32_t type() const { return m_type; }
   void setType(std::int32_t type) { m_type = type; }
 

@@ -10,12 +10,12 @@
 #include "Kit/Core/LXDeviceRequester.h"
 #include "Kit/Core/LXNotificationCenter.h"
 
-// All that the outside gives to the program: the one seam. `main` installs the real one, a test a
-// fake one; nothing else asks the environment.
+// Everything that the program needs from outside. `main` installs the real platform, a test a fake
+// one; nothing else accesses the environment.
 struct LXPlatform {
   // What "~" stands for.
   std::filesystem::path homeFolder;
-  // Where the files that came with the program lie.
+  // The folder of the files that came with the program.
   std::filesystem::path resourceFolder;
   // Names the support folder and the preference file.
   std::string bundleIdentifier = "com.corvex.NerinOption";
@@ -32,9 +32,9 @@ struct LXPlatform {
   // Shows a question and waits for yes or no.
   std::function<bool(const std::string&)> chooseInfoMessage;
 
-  // What is installed. Before any install: no mouse, no notifications, no waiting, empty folders,
-  // messages that nobody sees and questions answered with no.
+  // The installed platform. Before the first install: no mouse, no notifications, no waiting, empty
+  // folders, messages that are not shown and questions answered with no.
   static const LXPlatform& current();
-  // Replaces it. Members left empty get the harmless ones of the first state.
+  // Replaces the platform. Empty members get the harmless defaults described above.
   static void install(LXPlatform platform);
 };

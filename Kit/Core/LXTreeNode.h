@@ -5,8 +5,8 @@
 
 #include "Kit/Core/LXMenuData.h"
 
-// A node of the tree behind a pop-up menu. A node owns its children; whoever keeps a child across
-// a rebuild keeps it alive, but it is then in no menu any more.
+// A node of the tree behind a pop-up menu. A node owns its children. A child kept across a rebuild
+// stays alive but no longer belongs to a menu.
 class LXTreeNode {
  public:
   using Children = std::vector<std::shared_ptr<LXTreeNode>>;

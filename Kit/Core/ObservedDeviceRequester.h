@@ -5,8 +5,8 @@
 
 #include "Kit/Core/LXDeviceRequester.h"
 
-// Passes everything on to another requester and tells of each transfer: for a trace, a progress
-// bar, or to learn afterwards whether everything arrived.
+// Forwards everything to another requester and reports each transfer: for a trace, a progress bar,
+// or to learn afterwards whether everything arrived.
 class ObservedDeviceRequester final : public LXDeviceRequester {
  public:
   struct Observer {

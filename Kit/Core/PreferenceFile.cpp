@@ -57,7 +57,7 @@ bool isStorable(const PreferenceFile::Value& value) {
           }));
 }
 
-// Moves a file that is no property list out of the way, so that the user still has it.
+// Moves a file that is not a property list out of the way, so that the user still has it.
 bool setAside(const fs::path& path) {
   std::error_code error;
   for (int n = 1; n < 1000; ++n) {
@@ -114,7 +114,7 @@ std::optional<std::string> PreferenceFile::stringFor(const std::string& dictiona
 
 bool PreferenceFile::setValue(const std::string& key, const Value& value) {
   if (!isStorable(value)) {
-    LXLogger::warning("no text for the preference file: " + key);
+    LXLogger::warning("the preference file cannot hold the text of " + key);
     return false;
   }
   return change([&](plist_t root) { store(root, key, value); });
@@ -124,7 +124,7 @@ bool PreferenceFile::setValues(const std::string& dictionary,
                                const std::map<std::string, Value>& values) {
   for (const auto& [key, value] : values) {
     if (!isStorable(value)) {
-      LXLogger::warning("no text for the preference file: " + key);
+      LXLogger::warning("the preference file cannot hold the text of " + key);
       return false;
     }
   }
@@ -164,9 +164,9 @@ bool PreferenceFile::change(const std::function<void(void* root)>& edit) {
     root.reset(plist_new_dict());
   }
   edit(root.get());
-  const std::string bytes = propertylist::serialise(root.get(), form);
+  const std::string bytes = propertylist::serialize(root.get(), form);
   if (bytes.empty()) {
-    LXLogger::warning("the preference file was not written: it cannot be put into its form");
+    LXLogger::warning("the preference file was not written: it cannot be serialized");
     return false;
   }
   error = durable::writeFile(m_path, bytes);

@@ -8,18 +8,18 @@
 #include <string>
 #include <variant>
 
-// The preference file that this program and the background service share. Both write it, so
-// nothing is cached: every reader reads the file, every writer reads it again, changes its own keys
-// and puts the file back, whole and synced. XML and binary files are read and keep their form.
+// The preference file that this program and the background service share. Both write it, so nothing
+// is cached: every read reads the file, and every write reads it again, changes only its own keys
+// and replaces the whole file, synced. XML and binary files keep their form.
 class PreferenceFile {
  public:
-  // What this program stores under a key of a dictionary.
+  // A value that this program stores under a key.
   using Value = std::variant<bool, std::string>;
 
   explicit PreferenceFile(std::filesystem::path path);
 
-  // Nothing when the file or the key is missing, or holds something of another kind. A number
-  // counts as a boolean (true unless 0), and a boolean as a number.
+  // Nothing if the file or the key is missing or the value is of another kind. A number counts as a
+  // boolean (true unless 0), and a boolean as a number.
   std::optional<bool> boolFor(const std::string& key) const;
   std::optional<std::int64_t> integerFor(const std::string& key) const;
   std::optional<std::string> stringFor(const std::string& key) const;
@@ -28,12 +28,12 @@ class PreferenceFile {
   std::optional<bool> boolFor(const std::string& dictionary, const std::string& key) const;
   std::optional<std::string> stringFor(const std::string& dictionary, const std::string& key) const;
 
-  // Stores one value. False when the file could not be written, or when the value is no text that a
-  // property list can hold (UTF-8 without control characters); the old file is then still there.
-  // A file that is no property list is set aside under another name first.
+  // Stores one value. False if the file could not be written, or if the value is not a text that a
+  // property list can hold (UTF-8 without control characters); the old file then remains. A file
+  // that is not a property list is first set aside under another name.
   [[nodiscard]] bool setValue(const std::string& key, const Value& value);
-  // Stores values in the dictionary under `dictionary`, which is made when it is missing; its
-  // other keys stay.
+  // Stores values in the dictionary under `dictionary`, which is created if missing; its other keys
+  // stay.
   [[nodiscard]] bool setValues(const std::string& dictionary,
                                const std::map<std::string, Value>& values);
 

@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::string_view binaryMagic = "bplist00";
 
-// libplist reads and writes numbers as the user's language does, with a comma for some, but a file
-// is the same in every language. While this lives, the calling thread uses the plain form.
+// libplist formats numbers as the user's language does, in some cases with a comma, but files are
+// the same in every language. While this lives, the calling thread uses the plain form.
 class PlainNumbers {
  public:
   PlainNumbers()
@@ -58,13 +58,13 @@ propertylist::Handle propertylist::parse(std::string_view bytes) {
     }
     plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &node);
   } else if (const auto plain = plainXmlPropertyList(bytes)) {
-    // libplist trusts XML too much: it is given none but what was taken apart and put together.
+    // libplist trusts XML too much, so it gets only XML that was parsed and written again here.
     plist_from_xml(plain->data(), static_cast<std::uint32_t>(plain->size()), &node);
   }
   return Handle(node);
 }
 
-std::string propertylist::serialise(plist_t node, Form form) {
+std::string propertylist::serialize(plist_t node, Form form) {
   const PlainNumbers plainNumbers;
   char* bytes = nullptr;
   std::uint32_t length = 0;

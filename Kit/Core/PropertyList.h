@@ -8,7 +8,7 @@
 
 #include <plist/plist.h>
 
-// Property lists, binary and XML, on libplist. A handle owns its tree.
+// Property lists, binary and XML, through libplist. A handle owns its tree.
 namespace propertylist {
 
 struct Free {
@@ -18,19 +18,19 @@ using Handle = std::unique_ptr<void, Free>;
 
 enum class Form { Xml, Binary };
 
-// The largest file that is taken, in bytes.
+// The maximum size of a file, in bytes.
 inline constexpr std::size_t maximumSize = std::size_t{16} << 20U;
 
-// The tree that the bytes describe, or null: for anything that is no property list, for one whose
-// nodes contain themselves, and for one beyond the limits of BinaryPropertyListGuard.h, which is an
-// attack and not a file of ours. All texts of the tree are UTF-8.
+// The tree that the bytes describe. Null if they are not a property list, if a node contains
+// itself, or if the list exceeds the limits of BinaryPropertyListGuard.h: that is an attack and not
+// a file of ours. All texts of the tree are UTF-8.
 Handle parse(std::string_view bytes);
 
-// The form of some bytes that parse() takes.
+// The form of bytes that parse() accepts.
 Form formOf(std::string_view bytes);
 
-// The bytes of a tree whose texts are UTF-8; empty when there is no such form.
-std::string serialise(plist_t node, Form form);
+// The bytes of a tree whose texts are UTF-8; empty if libplist cannot write it.
+std::string serialize(plist_t node, Form form);
 
 // The node's text, or an empty one for a node of another kind.
 std::string stringOf(plist_t node);

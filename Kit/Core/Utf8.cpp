@@ -9,7 +9,7 @@ bool isContinuation(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
-// Length of the sequence that this byte opens, 0 for a byte that opens none.
+// The length of the sequence that this byte starts; 0 if it starts none.
 std::size_t sequenceLength(unsigned char lead) {
   if (lead < 0x80U) {
     return 1;
@@ -42,7 +42,7 @@ bool isSecondByteAllowed(unsigned char lead, unsigned char second) {
   }
 }
 
-// Length of the character that the text begins with, 0 when it begins with none.
+// The length of the character at the start of the text; 0 if there is none.
 std::size_t characterLength(std::string_view text) {
   const auto lead = static_cast<unsigned char>(text.front());
   const std::size_t length = sequenceLength(lead);
@@ -88,7 +88,7 @@ std::string_view utf8::prefixOfBytes(std::string_view text, std::size_t limit) {
     return text;
   }
   std::size_t end = limit;
-  // A character has at most three continuation bytes; more are no text, and cut anywhere.
+  // A character has up to three continuation bytes. More are not text and may be cut anywhere.
   while (end > 0 && limit - end < 4 && isContinuation(text[end])) {
     --end;
   }

@@ -21,7 +21,7 @@ std::string_view prefixOfBytes(std::string_view text, std::size_t limit);
 // The number of characters as Cocoa counts them: UTF-16 code units.
 std::size_t lengthInUtf16(std::string_view text);
 
-// ASCII letters lower-cased; other bytes as they are.
+// The text with its ASCII letters in lower case.
 std::string lowercased(std::string_view text);
 
 }  // namespace utf8

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
 
-// Text split up by comments or sections is one text.
+// Comments and sections may split a text into several nodes.
 std::string textOf(const pugi::xml_node& element) {
   std::string text;
   for (const pugi::xml_node& child : element) {
@@ -65,9 +65,9 @@ bool isInteger(std::string_view text) {
   std::uint64_t magnitude = 0;
   const auto [end, error] =
       std::from_chars(text.data(), text.data() + text.size(), magnitude, base);
-  constexpr std::uint64_t lowest = std::uint64_t{1} << 63U;
+  constexpr std::uint64_t magnitudeOfMinimum = std::uint64_t{1} << 63U;
   return error == std::errc() && end == text.data() + text.size() &&
-         (!isNegative || magnitude <= lowest);
+         (!isNegative || magnitude <= magnitudeOfMinimum);
 }
 
 bool isReal(std::string_view text) {

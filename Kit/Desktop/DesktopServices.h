@@ -4,8 +4,8 @@
 
 namespace desktopservices {
 
-// Opens a web address, or the file of that path, with its default application. False when there is
-// none, or when the file is missing.
+// Opens a web address or the file at a path with its default application. False if there is no such
+// application or the file is missing.
 bool open(const std::string& address);
 
 }  // namespace desktopservices

@@ -17,7 +17,7 @@ bool isProgram(const QFileInfo& file) {
   return file.isExecutable() || suffix == u"app" || suffix == u"desktop" || suffix == u"AppImage";
 }
 
-// Leaves folders and programs. No pattern of names could: most programs have no extension.
+// Keeps folders and programs. Name patterns could not: programs usually have no extension.
 class ProgramFilter : public QSortFilterProxyModel {
  public:
   using QSortFilterProxyModel::QSortFilterProxyModel;
@@ -34,14 +34,14 @@ class Panel : public QFileDialog {
  public:
   Panel(QWidget* parent, filepanel::Kind kind) : QFileDialog(parent), m_kind(kind) {
     if (m_kind == filepanel::Kind::Program) {
-      // The desktop's own panel takes no filter.
+      // The desktop's own panel supports no filter model.
       setOption(QFileDialog::DontUseNativeDialog);
       setProxyModel(new ProgramFilter(this));
     }
   }
 
  protected:
-  // The name of another file can be typed; the panel stays then.
+  // The user can type the name of a file that is not a program; the panel then stays open.
   void accept() override {
     const QStringList files = selectedFiles();
     const QFileInfo file(files.isEmpty() ? QString() : files.constFirst());

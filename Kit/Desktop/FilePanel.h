@@ -8,34 +8,34 @@
 
 class QWidget;
 
-// The desktop's panels in which the user chooses a file. Each runs until it is answered; nothing
-// when the user cancelled.
+// The desktop's panels for choosing a file. Each runs until the user answers it; the answer is
+// nothing if the user cancels.
 namespace filepanel {
 
 enum class Kind {
   File,
-  Program,  // an application (".app", ".desktop", ".AppImage") or anything that can be executed
+  Program,  // an application (".app", ".desktop", ".AppImage") or any executable file
 };
 
 struct Request {
   bool isSave = false;
   std::filesystem::path folder{};  // where the panel starts
-  std::string name{};              // proposed, for saving
-  // Patterns of the names that can be chosen ("*.pro"); all names without one.
+  std::string name{};              // the proposed name, for saving
+  // Patterns that the name must match ("*.pro"); empty for all names.
   std::vector<std::string> patterns{};
   Kind kind = Kind::File;
 };
 
 using Answer = std::optional<std::filesystem::path>;
 
-// One file that is there.
+// An existing file.
 Answer openFile(QWidget* parent, const Request& request);
-// A program, from the folder where the system keeps them.
+// A program, starting in the folder where the system keeps them.
 Answer openProgram(QWidget* parent);
-// A path to write to; whether it may be replaced is not asked.
+// A path to write to. Does not ask whether an existing file may be replaced.
 Answer saveFile(QWidget* parent, const Request& request);
 
-// For tests: answers every panel from now on, without showing it; an empty function ends that.
+// For tests: answers every panel without showing it; an empty function turns this off.
 void setAnswerer(std::function<Answer(const Request&)> answerer);
 
 }  // namespace filepanel

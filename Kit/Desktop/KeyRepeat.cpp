@@ -2,7 +2,7 @@
 
 #include <QGuiApplication>
 
-// Behind Qt's headers, because X's are full of macros.
+// After Qt's headers, because those of X define many macros.
 #include <X11/XKBlib.h>
 
 void keyrepeat::withoutReleases() {

@@ -2,10 +2,10 @@
 
 namespace keyrepeat {
 
-// Lets the X server repeat a held key of this program as presses alone. It would send a release
-// before each of them, which nothing tells from a real one: Qt compares it with the event behind
-// it, which often has not arrived yet. Nothing to do on other platforms. To be called on the GUI
-// thread; more than once does no harm.
+// Makes the X server repeat a held key of this program as presses only. Otherwise it sends a
+// release before each press that looks like a real one: Qt compares it with the next event, which
+// often has not arrived yet. Does nothing on other platforms. Call it on the GUI thread; repeated
+// calls are harmless.
 void withoutReleases();
 
 }  // namespace keyrepeat

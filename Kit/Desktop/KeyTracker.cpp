@@ -8,7 +8,7 @@
 namespace {
 
 constexpr std::uint16_t capsLock = 57;
-// The same bit in X's key state and in Wayland's, whose first eight modifiers are X's.
+// The same bit in the key states of X and Wayland, whose first eight modifiers are those of X.
 constexpr std::uint32_t nativeLockBit = 0x2;
 
 }  // namespace
@@ -22,9 +22,9 @@ std::optional<TrackedKey> KeyTracker::take(const QKeyEvent& event) {
   if (!isPress && event.type() != QEvent::KeyRelease) {
     return std::nullopt;
   }
-  // On Wayland Qt repeats a key itself, with a release before each press. It knows that such a
-  // release is none; elsewhere isAutoRepeat() may be false for a repeat, so that a press is judged
-  // by the keys that are down.
+  // On Wayland Qt itself repeats a key, with a release before each press, and marks that release as
+  // a repeat. Elsewhere isAutoRepeat() may be false for a repeat, so a press is judged by the keys
+  // that are down.
   if (!isPress && event.isAutoRepeat()) {
     return std::nullopt;
   }

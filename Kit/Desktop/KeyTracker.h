@@ -16,7 +16,7 @@ enum KeyModifierFlag : std::uint32_t {
   KeyModifierFunction = 0x800000,
 };
 
-// The flag of a modifier key, left and right sharing one: 54..63 by Mac virtual key code, 0 for
+// The flag of a modifier key, by its Mac virtual key code (54..63); left and right share one. 0 for
 // any other key.
 constexpr std::uint32_t keyModifierFlag(std::uint32_t macKeyCode) {
   switch (macKeyCode) {
@@ -45,40 +45,40 @@ struct TrackedKey {
   enum class Kind : std::uint8_t {
     KeyDown,
     KeyUp,
-    FlagsChanged,  // a modifier key, down or up: its flag below tells which
+    FlagsChanged,  // a modifier key went down or up, as its flag below says
   };
 
   Kind kind;
   std::uint16_t keyCode;        // Mac virtual key code, 0..126; 54..63 for FlagsChanged
-  std::uint32_t modifierFlags;  // after the event; a flag is set while either key of its pair is
-                                // down, Caps Lock while it is locked
+  std::uint32_t modifierFlags;  // after the event; set while either key of the pair is down,
+                                // or while Caps Lock is locked
   bool isRepeat;                // a KeyDown of a key that was not released since the last one
-  std::uint64_t timestamp;      // of the Qt event, in milliseconds; only differences mean anything
+  std::uint64_t timestamp;      // of the Qt event, in milliseconds; only useful for differences
 };
 
-// Follows the keyboard through the key events of one widget and tells what happened in terms of
-// Mac keys. The widget gives every KeyPress and KeyRelease to take() and calls forgetAll() when it
-// loses the focus or starts a capture. It leaves input methods disabled, as widgets do unless told
-// otherwise, because they would swallow keys. Some keys are the desktop's own (Print Screen, the
-// volume); on X a widget has them too while it grabs the keyboard.
+// Follows the keyboard through the key events of one widget and translates them to Mac keys. The
+// widget passes every KeyPress and KeyRelease to take() and calls forgetAll() when it loses the
+// focus or starts a capture. It must leave input methods disabled, as they are by default, because
+// they would swallow keys. Some keys belong to the desktop (Print Screen, the volume keys); on X a
+// widget gets these too while it grabs the keyboard.
 //
-// Caps Lock changes its flag with every press and tells nothing when it is let go. Qt has no call
-// that says whether it is locked; the window system's state before the event does, but not while
-// Caps Lock itself is held (unlocking takes effect on the release only). So the state is taken from
-// outside or from the first event, and from then on counted.
+// Caps Lock changes its flag on every press and reports nothing on release. Qt cannot say whether
+// it is locked. The window system's state before the event can, but not while Caps Lock is held,
+// because unlocking takes effect on the release. So the state comes from the caller or the first
+// event, and is then tracked by counting presses.
 class KeyTracker {
  public:
-  // Made after the application object, or without one. `isCapsLockOn` is the state before the first
-  // event; without it the first event of a key other than a Caps Lock release tells it.
+  // Create it after the application object, or without one. `isCapsLockOn` is the state before the
+  // first event. Without it, the state comes from the first event that is not a Caps Lock release.
   explicit KeyTracker(std::optional<bool> isCapsLockOn = std::nullopt);
 
-  // What the event says; nothing for a key without a Mac code, for a repeated modifier, for the
-  // release of Caps Lock and for events that are neither KeyPress nor KeyRelease. The release of a
-  // key whose press was not seen is told as any other.
+  // What the event means. Nothing for a key without a Mac code, a repeated modifier, a release of
+  // Caps Lock, or an event that is neither KeyPress nor KeyRelease. The release of a key whose
+  // press was not seen is reported like any other.
   std::optional<TrackedKey> take(const QKeyEvent& event);
 
-  // No key is down any more: after a loss of focus nobody tells of releases, nor of a change of
-  // Caps Lock, so that it is learnt anew.
+  // Forgets the keys that are down. After a loss of focus neither releases nor changes of Caps Lock
+  // are reported, so the Caps Lock state must be determined again.
   void forgetAll(std::optional<bool> isCapsLockOn = std::nullopt);
 
   // The flags after the last event.

@@ -64,8 +64,8 @@ constexpr NativeKey keys[] = {
     {KEY_COMMA, 43},
     {KEY_DOT, 47},
     {KEY_SLASH, 44},
-    // The additional key of ISO keyboards. A Mac with an ISO keyboard of its own exchanges it with
-    // the one left of 1; the mouse does not, and means the key left of 1 by code 50.
+    // The additional key of ISO keyboards. A Mac swaps it with the key left of 1 on its own ISO
+    // keyboards. The mouse does not, and uses code 50 for the key left of 1.
     {KEY_102ND, 10},
 
     {KEY_ESC, 53},
@@ -85,7 +85,7 @@ constexpr NativeKey keys[] = {
     {KEY_CAPSLOCK, 57},
     {KEY_FN, 63},
 
-    // Function keys. Where a PC has Print Screen, Scroll Lock and Pause a Mac has F13 to F15.
+    // Function keys. Where a PC has Print Screen, Scroll Lock and Pause, a Mac has F13 to F15.
     {KEY_F1, 122},
     {KEY_F2, 120},
     {KEY_F3, 99},
@@ -110,7 +110,7 @@ constexpr NativeKey keys[] = {
     {KEY_SCROLLLOCK, 107},
     {KEY_PAUSE, 113},
 
-    // Navigation. Where a PC has Insert a Mac has Help.
+    // Navigation. Where a PC has Insert, a Mac has Help.
     {KEY_INSERT, 114},
     {KEY_HELP, 114},
     {KEY_HOME, 115},
@@ -151,9 +151,8 @@ constexpr NativeKey keys[] = {
     {KEY_VOLUMEDOWN, 73},
     {KEY_MUTE, 74},
 
-    // Japanese keyboards. A Mac has only Eisu left of the space bar and Kana right of it, so the
-    // keys of either side count as one of them, and Zenkaku/Hankaku as the key in whose place it
-    // is.
+    // Japanese keyboards. A Mac has only Eisu to the left of the space bar and Kana to the right,
+    // so the keys on each side map to one of them, and Zenkaku/Hankaku to the key in its position.
     {KEY_YEN, 93},
     {KEY_RO, 94},
     {KEY_MUHENKAN, 102},
@@ -163,17 +162,17 @@ constexpr NativeKey keys[] = {
     {KEY_HIRAGANA, 104},
     {KEY_ZENKAKUHANKAKU, 50},
 
-    // Korean keyboards send Hangul and Hanja as the keys that are Kana and Eisu on a Mac.
+    // Korean keyboards send Hangul and Hanja from the keys that are Kana and Eisu on a Mac.
     {KEY_HANGEUL, 104},
     {KEY_HANJA, 102},
 };
 
 constexpr std::uint8_t noKey = 0xFF;
-constexpr std::uint32_t highestCode = KEY_FN;
+constexpr std::uint32_t maximumCode = KEY_FN;
 
-// Looked up for every key event, so by index instead of by search.
+// Looked up for every key event, so indexed instead of searched.
 constexpr auto macKeyCodes = [] {
-  std::array<std::uint8_t, highestCode + 1> table{};
+  std::array<std::uint8_t, maximumCode + 1> table{};
   table.fill(noKey);
   for (const NativeKey& key : keys) {
     table.at(key.evdevCode) = key.macKeyCode;
@@ -191,7 +190,7 @@ static_assert(
     }(),
     "a key stands in the table once");
 
-// X keeps the codes below 8 for itself; Wayland took over the offset with X's keymaps.
+// X reserves the codes below 8; Wayland inherited this offset with X's keymaps.
 constexpr std::uint32_t scanCodeOffset = 8;
 
 }  // namespace
@@ -205,7 +204,7 @@ std::optional<std::uint32_t> nativekeys::evdevCode(const QKeyEvent& event) {
 }
 
 std::optional<std::uint16_t> nativekeys::macKeyCode(std::uint32_t evdevCode) {
-  if (evdevCode > highestCode || macKeyCodes[evdevCode] == noKey) {
+  if (evdevCode > maximumCode || macKeyCodes[evdevCode] == noKey) {
     return std::nullopt;
   }
   return macKeyCodes[evdevCode];

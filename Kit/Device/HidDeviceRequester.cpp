@@ -26,8 +26,8 @@ constexpr std::uint8_t setReport = 0x09;
 constexpr std::uint8_t getReportType = 0xA1;
 constexpr std::uint8_t getReport = 0x01;
 constexpr unsigned featureReport = 3;
-// The size has 14 bits in the number of the hidraw call.
-constexpr std::size_t maxReportSize = 0x3FFF;
+// The hidraw call encodes the size in 14 bits.
+constexpr std::size_t maximumReportSize = 0x3FFF;
 constexpr std::size_t loggedBytes = 64;
 constexpr auto lookInterval = std::chrono::milliseconds(500);
 constexpr const char* ruleFile = "/etc/udev/rules.d/60-nerin.rules";
@@ -58,8 +58,8 @@ std::string errorText(int error) {
   return std::generic_category().message(error);
 }
 
-// What the kernel answers when the mouse was pulled out: at once, while the bus still tries to
-// reach it, and after the transfer's five seconds.
+// What the kernel reports after the mouse is unplugged: at once, while the bus still tries to reach
+// it, and after the transfer's timeout of five seconds.
 bool isGone(int error) {
   return error == ENODEV || error == EPROTO || error == ETIMEDOUT;
 }
@@ -73,15 +73,15 @@ bool isDenied(int error) {
 struct HidDeviceRequester::State {
   using Clock = std::chrono::steady_clock;
 
-  // One mouse's nodes by interface number.
+  // The nodes of one mouse by interface number.
   using Nodes = std::array<std::optional<HidNode>, interfaceCount>;
 
   struct Absence {
     enum class Reason { NotListening, NothingFound, HalfFound, CannotOpen, None };
     Reason reason = Reason::NotListening;
     Nodes found;
-    std::string node;  // the one that cannot be opened
-    int error = 0;     // the errno of that
+    std::string node;  // that cannot be opened
+    int error = 0;     // the errno of the failure
 
     bool operator==(const Absence&) const = default;
   };
@@ -106,7 +106,7 @@ struct HidDeviceRequester::State {
   Clock::time_point lastLook;
   std::array<OpenNode, interfaceCount> devices;
   Absence absence;
-  Absence logged;  // what the log knows, so that it hears of every change once
+  Absence logged;  // already in the log, so that each change appears once
 };
 
 void HidDeviceRequester::State::close() {
@@ -119,7 +119,7 @@ void HidDeviceRequester::State::close() {
   }
 }
 
-// Brings the open nodes up to date, cheaply when nothing happened.
+// Updates the open nodes; cheap if nothing happened.
 void HidDeviceRequester::State::refresh() {
   if (absence.reason == Absence::Reason::NotListening) {
     return;
@@ -132,8 +132,8 @@ void HidDeviceRequester::State::refresh() {
   if (isOn() && std::any_of(absence.found.begin(), absence.found.end(), hasGone)) {
     close();
   }
-  // A mouse that is there but cannot be used may become usable without any news, for example
-  // when the rights of its nodes change.
+  // A mouse that is there but unusable may become usable without an event, for example when the
+  // permissions of its nodes change.
   const bool mayChangeSilently =
       !monitor.isReliable() || (!isOn() && absence.reason != Absence::Reason::NothingFound);
   const bool isTime = Clock::now() - lastLook >= lookInterval;
@@ -156,7 +156,7 @@ void HidDeviceRequester::State::look() {
   }
   std::string line = explanation();
   std::replace(line.begin(), line.end(), '\n', ' ');
-  // Other failures come and go while a mouse is being plugged in or pulled out.
+  // Other failures come and go while a mouse is plugged in or unplugged.
   if (absence.reason == Absence::Reason::CannotOpen && isDenied(absence.error)) {
     LXLogger::warning(line);
   } else {
@@ -165,7 +165,7 @@ void HidDeviceRequester::State::look() {
 }
 
 HidDeviceRequester::State::Absence HidDeviceRequester::State::findAndOpen() {
-  // Sorted by device, so that both halves of one mouse stand together even when there are two.
+  // Sorted by device, so both interfaces of a mouse are adjacent even if there are two mice.
   const std::vector<HidNode> nodes = findHidNodes(vid, pid);
   if (isOn()) {
     const bool areStillThere = std::all_of(
@@ -195,7 +195,7 @@ HidDeviceRequester::State::Absence HidDeviceRequester::State::findAndOpen() {
     if (absenceOfThis.reason == Absence::Reason::None) {
       return absenceOfThis;
     }
-    // A mouse that only lacks the rights says more than half a mouse.
+    // A mouse that only lacks permissions is more informative than half a mouse.
     if (best.reason < absenceOfThis.reason) {
       best = std::move(absenceOfThis);
     }
@@ -216,7 +216,8 @@ HidDeviceRequester::State::Absence HidDeviceRequester::State::openAll(const Node
     const std::string& path = nodes[index]->path;
     opened[index].reset(hid_open_path(path.c_str()));
     if (!opened[index]) {
-      // hidapi only gives a text, in the user's language; the kernel tells the reason once more.
+      // hidapi gives only a text in the user's language, so the kernel is asked for the error
+      // number.
       const int descriptor = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
       result.error = descriptor < 0 ? errno : EIO;
       if (descriptor >= 0) {
@@ -313,15 +314,15 @@ bool HidDeviceRequester::sendDeviceRequest(LXDeviceRequest& request) {
   const bool isSet = request.bmRequestType == setReportType && request.bRequest == setReport;
   const bool isGet = request.bmRequestType == getReportType && request.bRequest == getReport;
   const auto reportId = static_cast<std::uint8_t>(request.wValue & 0xFFU);
-  // A report without a number travels without an id byte, but hidraw wants one in front.
+  // A report without a number is sent without an id byte, but hidraw expects one in front.
   const std::size_t shift = reportId == 0 ? 1 : 0;
   if ((!isSet && !isGet) || static_cast<unsigned>(request.wValue >> 8U) != featureReport ||
       request.wIndex >= interfaceCount || request.data.empty() ||
-      request.data.size() + shift > maxReportSize) {
+      request.data.size() + shift > maximumReportSize) {
     request.error = std::make_error_code(std::errc::invalid_argument);
     return false;
   }
-  // The kernel takes the report's number from the first byte and nowhere else.
+  // The kernel takes the report number only from the first byte.
   if (isSet && shift == 0 && request.data[0] != reportId) {
     request.error = std::make_error_code(std::errc::invalid_argument);
     return false;

@@ -7,15 +7,15 @@
 
 #include "Kit/Core/LXDeviceRequester.h"
 
-// The requester that reaches a USB mouse through the kernel's hidraw nodes. The kernel's own
-// driver stays bound, so the pointer keeps moving while the program talks to the mouse.
+// The requester that reaches a USB mouse through the kernel's hidraw nodes. The kernel's own driver
+// stays bound, so the pointer keeps moving while the program talks to the mouse.
 //
 // The mouse is on when the nodes of its interfaces 0 and 1 are both open. Only class requests that
 // set or get a feature report can pass through these nodes; any other transfer fails.
 class HidDeviceRequester final : public LXDeviceRequester {
  public:
-  // Arrivals and removals are told by udevd, which listens on `udevControl` while it runs; without
-  // it the requester looks again by itself, at most every half second.
+  // udevd reports arrivals and removals; it listens on `udevControl` while it runs. Without udevd
+  // the requester looks for itself, no more than every half second.
   explicit HidDeviceRequester(std::filesystem::path udevControl = "/run/udev/control");
   ~HidDeviceRequester() override;
   HidDeviceRequester(const HidDeviceRequester&) = delete;
@@ -27,11 +27,11 @@ class HidDeviceRequester final : public LXDeviceRequester {
   bool sendDeviceRequest(LXDeviceRequest& request) override;
   void resetCurrDevice() override;
 
-  // For the user, in plain sentences: what was looked for, what was found, and what helps. Empty
-  // when the mouse is there and open.
+  // An explanation for the user in plain sentences: what was looked for, what was found, and what
+  // helps. Empty if the mouse is there and open.
   std::string explainAbsence();
 
-  // The udev rule that lets the user at the seat open the mouse, one line without its end.
+  // The udev rule that lets the user at the seat open the mouse: one line without a line break.
   static std::string udevRule(std::uint16_t vid, std::uint16_t pid);
 
  private:

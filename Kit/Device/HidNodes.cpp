@@ -22,7 +22,7 @@ std::string textOf(const char* text) {
   return text == nullptr ? std::string() : std::string(text);
 }
 
-// Fills in what hidapi does not tell. A node that is gone again already keeps empty paths.
+// Adds what hidapi does not provide. The paths of a node that is already gone stay empty.
 void addSysfsPaths(udev* context, HidNode& node) {
   const std::string name = std::filesystem::path(node.path).filename().string();
   const std::unique_ptr<udev_device, UdevUnref> device(
@@ -31,7 +31,7 @@ void addSysfsPaths(udev* context, HidNode& node) {
     return;
   }
   node.sysPath = textOf(udev_device_get_syspath(device.get()));
-  // The parent belongs to the device and is not released on its own.
+  // The parent belongs to the device and must not be released separately.
   udev_device* usbDevice =
       udev_device_get_parent_with_subsystem_devtype(device.get(), "usb", "usb_device");
   if (usbDevice != nullptr) {
@@ -50,7 +50,7 @@ std::vector<HidNode> findHidNodes(std::uint16_t vid, std::uint16_t pid) {
   const std::unique_ptr<hid_device_info, FreeEnumeration> list(hid_enumerate(vid, pid));
   for (const hid_device_info* entry = list.get(); entry != nullptr; entry = entry->next) {
     const std::string path = textOf(entry->path);
-    // An interface is listed once for each of its top-level usages.
+    // hidapi lists an interface once for each of its top-level usages.
     const bool isKnown = std::any_of(nodes.begin(), nodes.end(),
                                      [&](const HidNode& node) { return node.path == path; });
     if (path.empty() || isKnown) {

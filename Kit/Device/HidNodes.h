@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-// One hidraw node of a USB device, as it stands at the moment of the look.
+// One hidraw node of a USB device at the time of the search.
 struct HidNode {
-  std::string path;       // below /dev; another one after every replug
-  std::string sysPath;    // below /sys; the kernel never gives the same one twice
+  std::string path;       // below /dev; changes with every replug
+  std::string sysPath;    // below /sys; the kernel never reuses it
   std::string usbDevice;  // the sysfs path of the device that the interface belongs to
   int interfaceNumber = -1;
 
@@ -15,5 +15,5 @@ struct HidNode {
 };
 
 // The hidraw nodes of all attached USB devices with these ids, each once, sorted by device and
-// interface. Empty when there are none or when the system cannot be asked.
+// interface. Empty if there are none or the system cannot be queried.
 std::vector<HidNode> findHidNodes(std::uint16_t vid, std::uint16_t pid);

@@ -24,8 +24,8 @@ std::unique_ptr<udev_monitor, UdevUnref> openMonitor(udev* context) {
   if (context == nullptr) {
     return nullptr;
   }
-  // The "udev" group speaks after the rules have run, so that the node already has the rights that
-  // a rule gives.
+  // The "udev" group reports after the rules have run, so the node already has the permissions that
+  // a rule grants.
   std::unique_ptr<udev_monitor, UdevUnref> monitor(udev_monitor_new_from_netlink(context, "udev"));
   if (!monitor ||
       udev_monitor_filter_add_match_subsystem_devtype(monitor.get(), "hidraw", nullptr) < 0 ||
@@ -68,7 +68,7 @@ HidPresenceMonitor::News HidPresenceMonitor::takeNews() {
     const std::unique_ptr<udev_device, UdevUnref> device(
         udev_monitor_receive_device(m_state->monitor.get()));
     if (!device) {
-      // Lost messages count as news, because the one about the mouse may be among them.
+      // Lost messages count as news, because one of them may concern the mouse.
       news.isAny = news.isAny || errno == ENOBUFS;
       break;
     }

@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-// Tells which hidraw nodes came, went or changed, without a thread and without blocking.
+// Reports which hidraw nodes came, went or changed, without a thread and without blocking.
 class HidPresenceMonitor {
  public:
   struct News {
-    bool isAny = false;                     // something about a hidraw node is new
-    std::vector<std::string> goneSysPaths;  // the nodes that went
+    bool isAny = false;                     // something about a hidraw node changed
+    std::vector<std::string> goneSysPaths;  // the nodes that are gone
   };
 
   // udevd listens on `udevControl` while it runs.
@@ -19,8 +19,8 @@ class HidPresenceMonitor {
   HidPresenceMonitor(const HidPresenceMonitor&) = delete;
   HidPresenceMonitor& operator=(const HidPresenceMonitor&) = delete;
 
-  // Whether news can be trusted to come. Without udevd, as in most containers, the monitor opens
-  // but stays silent for ever.
+  // Whether news can be relied on. Without udevd, as in many containers, the monitor opens but
+  // stays silent.
   bool isReliable() const;
 
   // What happened since the last call.

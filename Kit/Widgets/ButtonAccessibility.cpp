@@ -11,7 +11,7 @@
 
 namespace {
 
-// Another window takes all input for now. A click or a key would not arrive, so a press from a
+// Another window takes all input for now. Clicks and keys would not arrive, so a press from a
 // screen reader must not either.
 bool isBlocked(const QWidget& widget) {
   const QWidget* modal = QApplication::activeModalWidget();
@@ -29,7 +29,7 @@ class AccessibleButton final : public QAccessibleWidget {
     return m_button.isStepItem() ? QAccessible::RadioButton : QAccessible::Button;
   }
 
-  // The list that it opens is below it while it is open.
+  // An open list is the child of the button that opened it.
   int childCount() const override { return openList() != nullptr ? 1 : 0; }
   QAccessibleInterface* child(int index) const override {
     return index == 0 ? QAccessible::queryAccessibleInterface(openList()) : nullptr;
@@ -40,7 +40,7 @@ class AccessibleButton final : public QAccessibleWidget {
 
   QAccessible::State state() const override {
     QAccessible::State state = QAccessibleWidget::state();
-    // What only points at something for the eye is no control, and has no name.
+    // A button that is only a visual marker is not a control and has no name.
     if (m_button.focusPolicy() == Qt::NoFocus && m_button.accessibleName().isEmpty()) {
       state.invisible = true;
     }
@@ -53,7 +53,7 @@ class AccessibleButton final : public QAccessibleWidget {
 
   QString text(QAccessible::Text kind) const override {
     QString text = QAccessibleWidget::text(kind);
-    // The tooltip is the description, and mostly the name too: it need not be said twice.
+    // The tooltip is the description and usually the name too, which must not be read out twice.
     if (kind == QAccessible::Description && text == QAccessibleWidget::text(QAccessible::Name)) {
       text.clear();
     }
@@ -65,7 +65,7 @@ class AccessibleButton final : public QAccessibleWidget {
     return names + QAccessibleWidget::actionNames();
   }
 
-  // Queued, because a press may open a dialog, and the screen reader waits for the answer.
+  // Queued, because a press may open a dialog and the screen reader waits for the reply.
   void doAction(const QString& actionName) override {
     if (actionName == pressAction() || actionName == toggleAction()) {
       QMetaObject::invokeMethod(
@@ -90,8 +90,7 @@ class AccessibleButton final : public QAccessibleWidget {
   LXButton& m_button;
 };
 
-// A window without a frame is a window all the same, and one that keeps the others waiting a
-// dialog.
+// A frameless window is still a window, and a modal one is a dialog.
 class AccessibleWindow final : public QAccessibleWidget {
  public:
   explicit AccessibleWindow(LXNoTitleWindow* window) : QAccessibleWidget(window) {}

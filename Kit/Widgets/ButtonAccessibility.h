@@ -2,8 +2,8 @@
 
 namespace buttonaccessibility {
 
-// Lets screen readers see the kit's controls as what they are: buttons, check boxes, the items of a
-// group of which one is selected, lists, windows and dialogs. Once for the process.
+// Presents the kit's controls to screen readers as what they are: buttons, check boxes, items of a
+// group with one selected, lists, windows and dialogs. Call it once per process.
 void install();
 
 }  // namespace buttonaccessibility

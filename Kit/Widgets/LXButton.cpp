@@ -9,15 +9,15 @@
 
 namespace {
 
-// The colour of a caption of a button that cannot be pressed.
+// The opacity of a disabled button's caption.
 constexpr int disabledAlpha = 96;
 constexpr QColor focusColor(0xF2, 0xF4, 0xF7);
 constexpr qreal focusWidth = 2;
 
-// How much of its selection shows a button that cannot be pressed.
+// The opacity of a disabled button's selection.
 constexpr qreal disabledSelection = 0.4;
 
-// A pointer shows where it is by itself; only the keyboard needs the ring.
+// The pointer shows its own position; only the keyboard needs the focus ring.
 bool isFromKeyboard(Qt::FocusReason reason) {
   return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
          reason == Qt::ShortcutFocusReason || reason == Qt::OtherFocusReason;
@@ -58,7 +58,7 @@ const LXImage& LXButton::currentImage() const {
 }
 
 void LXButton::setTitle(const QString& title) {
-  // Not QAbstractButton's: an "&" in the name of a program is no shortcut.
+  // QAbstractButton would make a shortcut of an "&" in the name of a program.
   const QKeySequence none;
   setText(title);
   setShortcut(none);
@@ -235,7 +235,7 @@ void LXButton::keyPressEvent(QKeyEvent* event) {
 }
 
 void LXButton::focusInEvent(QFocusEvent* event) {
-  // A window that comes back has the focus where it was, and shows it as it did.
+  // A reactivated window shows its focus as before.
   if (event->reason() != Qt::ActiveWindowFocusReason) {
     m_isFocusFromPointer = !isFromKeyboard(event->reason());
   }

@@ -10,8 +10,8 @@
 
 class LXButton;
 
-// Hears how the pointer moves over a button, and what is pressed there while the button captures
-// it.
+// Receives pointer movements over a button and, while the button captures them, mouse presses and
+// releases.
 class LXButtonDelegate {
  public:
   // The kinds of reports.
@@ -27,15 +27,15 @@ class LXButtonDelegate {
     OtherUp = 9,
   };
 
-  // The kind of a press or release of a button of the mouse.
+  // The event type of a press or release of a mouse button.
   static int pressType(const QMouseEvent& event, bool isDown);
 
   virtual ~LXButtonDelegate() = default;
   virtual void onMouseEvent(LXButton& button, QEvent& event, int type) = 0;
 };
 
-// A button, check box or step item that shows one picture for each of its states and a caption
-// over it. Space and Return press it.
+// A button, check box or step item that shows one picture per state and a caption over it. Space
+// and Return press it.
 class LXButton : public QAbstractButton {
   Q_OBJECT
 
@@ -53,8 +53,7 @@ class LXButton : public QAbstractButton {
 
   void setImages(StateImages images);
   const StateImages& images() const { return m_images; }
-  // The picture of the state that the button is in now; none when that one, and the normal one,
-  // are missing.
+  // The picture of the current state, or else the normal one; none if both are missing.
   const LXImage& currentImage() const;
 
   void setTitle(const QString& title);
@@ -62,16 +61,16 @@ class LXButton : public QAbstractButton {
   void setToolTip(const QString& toolTip);
   void setTag(int tag) { m_tag = tag; }
   int tag() const { return m_tag; }
-  // A second number, for whoever listens to the pointer.
+  // A second number for the delegate.
   void setBtnTag(int btnTag) { m_btnTag = btnTag; }
   int btnTag() const { return m_btnTag; }
 
-  // What a click with the left button, and with the right one, does.
+  // The actions of a left click and of a right click.
   void setAction(Action action) { m_action = std::move(action); }
   void setRightAction(Action action) { m_rightAction = std::move(action); }
   void setLXBtnDelege(LXButtonDelegate* delegate) { m_delegate = delegate; }
 
-  // Tells the delegate of every press and release, too. The button acts as ever.
+  // Also reports every press and release to the delegate. The button still acts.
   void setIsCaptureMouseEvent(bool captures) { m_isCaptureMouseEvent = captures; }
   bool isCaptureMouseEvent() const { return m_isCaptureMouseEvent; }
 
@@ -79,14 +78,14 @@ class LXButton : public QAbstractButton {
   void setIsCheckBox(bool isCheckBox);
   bool isCheckBox() const { return m_isCheckBox; }
   bool Checked() const { return isChecked(); }
-  // A step item shows the picture of its selection, and is told to the user as one of a group.
+  // A step item shows the picture of its selection and is presented as one of a group.
   void setIsStepItem(bool isStepItem);
   bool isStepItem() const { return m_isStepItem; }
   // Its pictures are its own, not slices of the parent's.
   void setIsNoanomaly(bool isNoanomaly) { m_isNoanomaly = isNoanomaly; }
   bool isNoanomaly() const { return m_isNoanomaly; }
 
-  // Shows the picture of the hovered button although the pointer is elsewhere, and ends that.
+  // Shows the picture of the hovered button wherever the pointer is, and ends that.
   void setOverImagePro();
   void setExitImagePro();
   bool isShownOver() const;
@@ -97,12 +96,12 @@ class LXButton : public QAbstractButton {
   void setBtnTextAlignment(Qt::Alignment alignment);
   void setLeftPad(int pixels);
   void setRightPad(int pixels);
-  // Colour, font and alignment in one.
+  // Color, font and alignment in one call.
   void setBtnAtr(const QColor& color, const QFont& font, Qt::Alignment alignment);
   // The list that the button opens.
   void setOpenedList(QWidget* list) { m_openedList = list; }
   QWidget* openedList() const { return m_openedList; }
-  // Gives the button the focus and shows it, in a window too that is not active yet.
+  // Gives the button the focus and shows it, even in a window that is not active yet.
   void showFocus();
   // Corner radius of the focus ring.
   void setFocusRadius(int pixels) { m_focusRadius = pixels; }
@@ -138,7 +137,7 @@ class LXButton : public QAbstractButton {
   bool m_isLit = false;
   bool m_isRightPressed = false;
   bool m_showsFocus = false;
-  // Nobody has used the keyboard yet.
+  // The keyboard has not been used yet.
   bool m_isFocusFromPointer = true;
   QColor m_color = Qt::white;
   Qt::Alignment m_alignment = Qt::AlignCenter;

@@ -7,7 +7,7 @@
 
 namespace {
 
-// The rectangle in the pixels of the picture, which has twice as many each way on a fine screen.
+// The rectangle in device pixels, of which a high-resolution picture has twice as many each way.
 QRectF inPixels(const QPixmap& pixmap, const QRect& rect) {
   const qreal ratio = pixmap.devicePixelRatio();
   return {rect.x() * ratio, rect.y() * ratio, rect.width() * ratio, rect.height() * ratio};
@@ -23,8 +23,8 @@ QPixmap partOf(const QPixmap& whole, const QRect& rect) {
 
 }  // namespace
 
-// A full picture of a screen takes megabytes, and of the hovered, pressed or disabled screen only
-// what is under its buttons is ever drawn.
+// The picture of a whole screen takes megabytes, and only the parts under the buttons are ever
+// drawn from the hovered, pressed and disabled ones.
 struct LXImage::Source {
   struct Part {
     QRect rect;

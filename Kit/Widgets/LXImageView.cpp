@@ -46,7 +46,7 @@ void LXColorView::setColor(const QColor& color) {
 void LXColorView::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  // The edge parts a dark colour from a dark window.
+  // The edge separates a dark color from a dark window.
   painter.setPen(edgeColor);
   painter.setBrush(m_color);
   painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius,

@@ -5,14 +5,14 @@
 
 #include "Kit/Widgets/LXImage.h"
 
-// Shows a picture, or none. The pointer passes through it.
+// Shows a picture, or none. Pointer events pass through it.
 class LXImageView : public QWidget {
   Q_OBJECT
 
  public:
   explicit LXImageView(QWidget* parent = nullptr);
 
-  // Repaints only where the old or the new picture has something: `position` is its place.
+  // Repaints only the areas of the old and new pictures. `position` is the place of the new one.
   void setImage(LXImage image, const QPoint& position = {});
   const LXImage& image() const { return m_image; }
 
@@ -26,7 +26,7 @@ class LXImageView : public QWidget {
   QPoint m_position;
 };
 
-// A picture that fills the view, whatever its size.
+// A picture that fills the view at any size.
 class LXImageBgView : public LXImageView {
   Q_OBJECT
 
@@ -37,7 +37,7 @@ class LXImageBgView : public LXImageView {
   void paintEvent(QPaintEvent* event) override;
 };
 
-// Shows one colour.
+// Shows one color.
 class LXColorView : public QWidget {
   Q_OBJECT
 

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int rowHeight = 28;
-constexpr int mostRows = 14;
+constexpr int maximumRows = 14;
 constexpr int borderWidth = 1;
 
 }  // namespace
@@ -26,7 +26,7 @@ LXMenulist::LXMenulist(std::shared_ptr<LXTreeNode> node, int fontSize, QWidget* 
   type.setPixelSize(fontSize);
   setFont(type);
   connect(this, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) { choose(item); });
-  // The entry under the pointer is the one that Return would take.
+  // Hovering makes an entry current, so that Return chooses it.
   connect(this, &QListWidget::itemEntered, this,
           [this](QListWidgetItem* item) { setCurrentItem(item); });
   setMenuNode(std::move(node));
@@ -48,7 +48,7 @@ void LXMenulist::setMenuNode(std::shared_ptr<LXTreeNode> node) {
 }
 
 int LXMenulist::fullHeight() const {
-  return std::min(count(), mostRows) * rowHeight + 2 * borderWidth;
+  return std::min(count(), maximumRows) * rowHeight + 2 * borderWidth;
 }
 
 void LXMenulist::showMenulist(const QPoint& position) {
@@ -80,7 +80,7 @@ void LXMenulist::choose(const QListWidgetItem* item) {
   if (index < 0 || static_cast<std::size_t>(index) >= nodes.size() || m_delegate == nullptr) {
     return;
   }
-  // The delegate may fill the menu anew.
+  // The delegate may refill the menu.
   const std::shared_ptr<LXTreeNode> chosen = nodes[static_cast<std::size_t>(index)];
   m_delegate->onMenulistSelected(*this, chosen);
 }

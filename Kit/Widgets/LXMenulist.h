@@ -8,38 +8,38 @@
 
 class LXMenulist;
 
-// Hears which entry of a menu list was chosen.
+// Receives the chosen entry of a menu list.
 class LXMenulistDelegate {
  public:
   virtual ~LXMenulistDelegate() = default;
   virtual void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) = 0;
 };
 
-// A pop-up list of the entries below a tree node. Keeps the nodes alive that it shows.
+// A pop-up list of the entries below a tree node. Keeps the nodes that it shows alive.
 class LXMenulist : public QListWidget {
   Q_OBJECT
 
  public:
-  // The entries of the node, in type of this many pixels.
+  // The entries of the node, in a font of this many pixels.
   LXMenulist(std::shared_ptr<LXTreeNode> node, int fontSize, QWidget* parent = nullptr);
 
   void setMenuNode(std::shared_ptr<LXTreeNode> node);
   const std::shared_ptr<LXTreeNode>& menuNode() const { return m_node; }
-  // One at a time; who opens a list that is shared makes itself its delegate.
+  // A list has one delegate at a time; whatever opens a shared list becomes its delegate.
   void setDelegate(LXMenulistDelegate* delegate) { m_delegate = delegate; }
   LXMenulistDelegate* menuDelegate() const { return m_delegate; }
   void setMenuWidth(int width) { m_width = width; }
   int menuWidth() const { return m_width; }
 
-  // The top left corner in screen coordinates; moved where it would leave the screen. An empty
-  // list does not open.
+  // `position` is the top left corner in screen coordinates; it is moved to keep the list on the
+  // screen. An empty list does not open.
   void showMenulist(const QPoint& position);
   void hideMenulist() { hide(); }
   bool isShowMenu() const { return isVisible(); }
-  // The button that opened it last.
+  // The button that last opened the list.
   void setOpener(QWidget* opener) { m_opener = opener; }
   QWidget* opener() const { return m_opener; }
-  // As a click on the current entry of an open list does.
+  // Does the same as a click on the current entry of an open list.
   void chooseCurrent();
 
  protected:

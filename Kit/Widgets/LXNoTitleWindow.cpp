@@ -70,7 +70,7 @@ void LXNoTitleWindow::closeEvent(QCloseEvent* event) {
   emit closed();
 }
 
-// Presses between the controls come here from the content.
+// The content passes on presses between the controls.
 void LXNoTitleWindow::mousePressEvent(QMouseEvent* event) {
   if (!isInDragStrip(event->position().toPoint())) {
     return;

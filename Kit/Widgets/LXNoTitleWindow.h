@@ -4,15 +4,15 @@
 
 class LXNoTitleWindow;
 
-// Hears that a window closes. It is still whole then.
+// Is notified that a window closes, while the window is still complete.
 class LXWindowDelegate {
  public:
   virtual ~LXWindowDelegate() = default;
   virtual void windowWillClose(LXNoTitleWindow& window) = 0;
 };
 
-// A window without a frame. A strip at its top moves it. Owns its content, which is dimmed while
-// another window keeps this one waiting.
+// A frameless window that is moved by a strip at its top. Owns its content, which it dims while
+// another window blocks this one.
 class LXNoTitleWindow : public QWidget {
   Q_OBJECT
 
@@ -26,17 +26,17 @@ class LXNoTitleWindow : public QWidget {
   // Pixels from the top.
   void setDragHeight(int height) { m_dragHeight = height; }
   int dragHeight() const { return m_dragHeight; }
-  // Whether a press here, between the controls, moves the window.
+  // Whether a press at this position, between the controls, moves the window.
   bool isInDragStrip(const QPoint& position) const;
   void setWindowDelegate(LXWindowDelegate* delegate) { m_delegate = delegate; }
   // Whether Esc closes the window.
   void setClosesOnEscape(bool closes) { m_closesOnEscape = closes; }
-  // Over the middle of another window, or of the screen without one.
+  // Centers the window over another one, or on the screen without one.
   void center(const QWidget* over = nullptr);
 
  signals:
   void closed();
-  // The right button in the drag strip, in screen coordinates.
+  // The right button was pressed in the drag strip, at a position in screen coordinates.
   void menuRequested(const QPoint& position);
 
  protected:

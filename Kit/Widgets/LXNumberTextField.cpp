@@ -8,8 +8,8 @@ LXNumberTextField::LXNumberTextField(QWidget* parent) : LXTextField(parent) {
   setHasNegative(false);
 }
 
-// Not QIntValidator: it would refuse to type a number that only becomes large enough with the next
-// digit, and the limits are for the finished number.
+// QIntValidator would reject a number that only the next digit makes large enough; the limits apply
+// to the finished number.
 void LXNumberTextField::setHasNegative(bool hasNegative) {
   const QRegularExpression pattern(hasNegative ? QStringLiteral("-?[0-9]*")
                                                : QStringLiteral("[0-9]*"));
@@ -27,7 +27,7 @@ int LXNumberTextField::value() const {
   bool isNumber = false;
   const qlonglong number = digits.toLongLong(&isNumber);
   if (!isNumber) {
-    // Digits beyond 64 bits are a number all the same, and too large a one.
+    // Digits beyond 64 bits are still a number, and one that is too large.
     const bool isHuge = digits.size() > 1 && !digits.startsWith(u'-');
     return isHuge ? m_maximum : m_minimum;
   }

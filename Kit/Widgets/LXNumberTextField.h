@@ -2,8 +2,8 @@
 
 #include "Kit/Widgets/LXTextField.h"
 
-// A whole number between a minimum and a maximum. Digits, and one leading "-" where negative
-// numbers are allowed; the limits are applied when the text is committed.
+// A whole number between a minimum and a maximum. Accepts digits, and one leading "-" if negative
+// numbers are allowed. The limits are applied when the text is committed.
 class LXNumberTextField : public LXTextField {
   Q_OBJECT
 
@@ -14,17 +14,17 @@ class LXNumberTextField : public LXTextField {
   void setMinNum(int minimum) { m_minimum = minimum; }
   int maxNum() const { return m_maximum; }
   int minNum() const { return m_minimum; }
-  // In characters, the sign included.
+  // In characters, including the sign.
   void setMaxLenth(int length) { setMaxLength(length); }
   void setHasNegative(bool hasNegative);
-  // How much the Up and Down keys add and take; 0 for nothing.
+  // How much the Up and Down keys add or subtract; 0 for nothing.
   void setStep(int step) { m_step = step; }
-  // Shows the number within its limits.
+  // Clamps the displayed number to its limits.
   void resetFormat();
 
-  // What the text says, within the limits; the minimum for no number.
+  // The number in the text, within the limits; the minimum if there is no number.
   int value() const;
-  // Tells nobody.
+  // Does not call the action.
   void setValue(int value);
 
  protected:

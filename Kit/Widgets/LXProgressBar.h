@@ -5,9 +5,9 @@
 
 #include "Kit/Widgets/LXImage.h"
 
-// A slider drawn from a background, a background under the pointer and a knob. A larger value is
-// further right, or further up. Setting the value through this class tells nobody; the user's
-// change does, by pointer, key, wheel or a screen reader.
+// A slider drawn from a background, a hover background and a knob. Larger values are further right
+// or further up. Setting the value through this class sends no notification; a change by the user
+// does, whether by pointer, key, wheel or screen reader.
 class LXProgressBar : public QAbstractSlider {
   Q_OBJECT
 
@@ -25,11 +25,11 @@ class LXProgressBar : public QAbstractSlider {
   void setValue(int value);
   void setTag(int tag) { m_tag = tag; }
   int tag() const { return m_tag; }
-  // 1 is the one there is: a bar with a knob.
+  // 1, a bar with a knob, is the only style.
   void setBarStyle(int style) { m_barStyle = style; }
   int barStyle() const { return m_barStyle; }
 
-  // Where the middle of the knob is: pixels from the left, or from the bottom.
+  // The middle of the knob, in pixels from the left or from the bottom.
   int indicatePosition() const;
   QRect indicateRect() const;
 

@@ -52,7 +52,8 @@ LXButton* LXSetpPanelObj::buttonOf(int index) const {
                                             : nullptr;
 }
 
-// Buttons and views as the selection has them. Tab stops once in the group: on the selected one.
+// Updates buttons and views to match the selection. Tab stops once in the group, on the selected
+// button.
 void LXSetpPanelObj::show() {
   for (int index = 1; index <= itemCount(); ++index) {
     const Item& item = m_items[static_cast<std::size_t>(index - 1)];
@@ -87,12 +88,12 @@ bool LXSetpPanelObj::eventFilter(QObject* watched, QEvent* event) {
   }
   const int next = indexOf(watched) + step;
   const LXButton* wanted = buttonOf(next);
-  // What is hidden cannot be chosen.
+  // A hidden item cannot be chosen.
   if (wanted != nullptr && !wanted->isHidden()) {
     const QWidget* focused = QApplication::focusWidget();
     selectindex(next);
-    // The delegate may have refused: the focus goes where the selection is, unless the delegate has
-    // a better place for it.
+    // The delegate may have refused. The focus goes to the selection unless the delegate has moved
+    // it elsewhere.
     LXButton* selected = buttonOf(m_current);
     if (selected != nullptr && QApplication::focusWidget() == focused) {
       selected->setFocus(Qt::TabFocusReason);

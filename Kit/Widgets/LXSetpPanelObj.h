@@ -7,7 +7,7 @@ class LXButton;
 class LXSetpPanelObj;
 class QWidget;
 
-// Is asked before a step panel changes and told after it. Indices count from 1; 0 is none.
+// Is asked before a step panel changes and notified afterwards. Indices start at 1; 0 is none.
 class LXSetpPanelDelegate {
  public:
   virtual ~LXSetpPanelDelegate() = default;
@@ -17,24 +17,24 @@ class LXSetpPanelDelegate {
   virtual void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) = 0;
 };
 
-// A group of buttons of which one is selected, or none. The arrow keys move through it. Owns
-// neither the buttons nor their views.
+// A group of buttons of which one or none is selected. The arrow keys move through it. Owns neither
+// the buttons nor their views.
 class LXSetpPanelObj : public QObject {
   Q_OBJECT
 
  public:
   explicit LXSetpPanelObj(QObject* parent = nullptr);
 
-  // The view, if any, shows only while its item is selected. An item without a button is selected
-  // by the program alone.
+  // The view, if any, is shown only while its item is selected. Only the program can select an item
+  // without a button.
   void addItem(LXButton* button, QWidget* panBox = nullptr);
-  // Not owned; has to outlive the panel.
+  // Not owned; must outlive the panel.
   void setSetpDelegate(LXSetpPanelDelegate* delegate) { m_delegate = delegate; }
 
-  // Selects an item after the delegate allowed it. The selected one again, and an index that no
-  // item has, are passed over.
+  // Selects an item if the delegate allows it. Ignores the selected index and an index without an
+  // item.
   void selectindex(int index);
-  // Back to none, without a word to the delegate.
+  // Resets the selection to none without notifying the delegate.
   void resetSetp();
   int currentSetp() const { return m_current; }
   int itemCount() const { return static_cast<int>(m_items.size()); }
@@ -49,7 +49,7 @@ class LXSetpPanelObj : public QObject {
   };
 
   int indexOf(const QObject* button) const;
-  // Null for an item without a button, and for no item.
+  // Null if the item has no button or the index has no item.
   LXButton* buttonOf(int index) const;
   void show();
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-// The text of a field that cannot be used, as that of a button.
+// The opacity of a disabled field's text, the same as for a button.
 constexpr int disabledAlpha = 96;
 
 }  // namespace
@@ -59,7 +59,7 @@ void LXTextField::keyPressEvent(QKeyEvent* event) {
   QLineEdit::keyPressEvent(event);
 }
 
-// A menu of the field itself takes the focus only for a while.
+// The field's own menu takes the focus only temporarily.
 void LXTextField::focusOutEvent(QFocusEvent* event) {
   QLineEdit::focusOutEvent(event);
   if (event->reason() != Qt::PopupFocusReason) {

@@ -3,34 +3,33 @@
 #include <QLineEdit>
 #include <functional>
 
-// A line of text. What was typed counts when it is committed: on Return, and on leaving the field
-// when it was changed.
+// A line of text. Typed text takes effect when it is committed: on Return, and on leaving the field
+// after a change.
 class LXTextField : public QLineEdit {
   Q_OBJECT
 
  public:
   using Action = std::function<void(LXTextField&)>;
 
-  // What the text keeps from each side in addition to the margins that are set, in pixels.
+  // The distance of the text from each side in pixels, in addition to the margins.
   static constexpr int ownMargin = 2;
 
   explicit LXTextField(QWidget* parent = nullptr);
 
   void setAction(Action action) { m_action = std::move(action); }
-  // Colour of the text and of the insertion point.
+  // The color of the text and of the cursor.
   void setTextColor(const QColor& color);
   void setTag(int tag) { m_tag = tag; }
   int tag() const { return m_tag; }
-  // The program's own text, which is settled. What anybody else puts into the field, a screen
-  // reader too, still has to be committed.
+  // Sets a text that needs no commit. A text from elsewhere, even from a screen reader, does.
   void setText(const QString& text);
-  // Commits what was typed since the last time; nothing when nothing was.
+  // Commits what was typed since the last commit, if anything.
   void commit();
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
-  // Before the action hears of it.
+  // Is called before the action.
   virtual void convert() {}
 
  private:

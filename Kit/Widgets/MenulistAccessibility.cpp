@@ -54,7 +54,7 @@ class AccessibleEntry final : public QAccessibleInterface, public QAccessibleAct
   }
   QStringList actionNames() const override { return {pressAction()}; }
   QStringList keyBindingsForAction(const QString& /*actionName*/) const override { return {}; }
-  // Queued, because a choice may open a dialog, and the screen reader waits for the answer.
+  // Queued, because a choice may open a dialog and the screen reader waits for the reply.
   void doAction(const QString& actionName) override {
     if (isValid() && actionName == pressAction()) {
       m_list->setCurrentRow(m_row);

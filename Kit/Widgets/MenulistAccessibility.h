@@ -5,8 +5,8 @@
 
 class LXMenulist;
 
-// A pop-up list as screen readers see it: a list below the button that opened it, each entry of
-// which can be pressed. By itself a pop-up window is in nobody's tree, and its entries can only be
+// A pop-up list as screen readers see it: a child of the button that opened it, with entries that
+// can be pressed. A plain pop-up window has no place in the tree, and its entries can only be
 // selected.
 class AccessibleMenulist final : public QAccessibleWidget {
  public:
@@ -23,6 +23,6 @@ class AccessibleMenulist final : public QAccessibleWidget {
 
  private:
   LXMenulist& m_list;
-  // Of the entries that somebody has asked for; 0 for the others.
+  // Ids of the entries requested so far; 0 for the others.
   mutable std::vector<QAccessible::Id> m_entries;
 };

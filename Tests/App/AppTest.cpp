@@ -126,7 +126,7 @@ TEST_F(App, TheMainWindowRestsWhileAboutIsOpen) {
     clickThroughWindow(appButton("profileNewBtn"));
     clickThroughWindow(appButton("profile3Btn"));
     clickThroughWindow(appButton("closeBtn"));
-    // Asking again only brings it to the front.
+    // A second call only brings it to the front.
     m_delegate.showAboutPro();
     EXPECT_TRUE(about().isVisible());
   });
@@ -169,7 +169,7 @@ TEST_F(App, AReportWaitsUntilAboutIsClosed) {
   EXPECT_EQ(library().currFWProfileIndex(), 4);
 }
 
-TEST_F(App, ItsDarkColoursCanBeRead) {
+TEST_F(App, ItsDarkColorsCanBeRead) {
   const QPalette before = QApplication::palette();
   const QFont font = QApplication::font();
   prepareApplication(*qApp);

@@ -1,4 +1,4 @@
-// What the demonstration has beside the program: hands for the virtual mouse.
+// What the demonstration adds to the program: hands for the virtual mouse.
 
 #include <QApplication>
 #include <QComboBox>

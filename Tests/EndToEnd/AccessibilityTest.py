@@ -1,8 +1,9 @@
-"""What somebody gets who neither sees the window nor points at it: reads the demonstration's tree
-of accessible objects, compares it with the artwork's controls, and does the main job through it,
-up to what the virtual mouse and the library then hold.
+"""The program for users who neither see the window nor point at it. Reads the demonstration's tree
+of accessible objects, compares it with the controls of the artwork, and does the main job through
+it, up to the contents of the virtual mouse and the library.
 
-AccessibilityTest.py BUILD [unittest options], with BUILD the folder that holds bin and generated.
+AccessibilityTest.py BUILD [unittest options], where BUILD is the folder that holds bin and
+generated.
 """
 
 import json
@@ -20,14 +21,14 @@ from desktop_session import DesktopSession, frames, wait_until  # noqa: E402
 
 BUILD = os.path.abspath(sys.argv.pop(1) if len(sys.argv) > 1 else "build/dev")
 TITLE = "NerinOptionDemo"
-# Beside the window there is room for the demonstration's panel.
+# Leaves room beside the window for the demonstration's panel.
 DESKTOP_SIZE = (1800, 900)
 ANSWER_SECONDS = 20
 
 SCENERY = {"subView1", "subView2", "lineImgView", "progressBar"}
 STEP_ITEMS = {"normalModeBtn", "battleModeBtn", "goLeftBtn", "goRightBtn",
               *("profile%dBtn" % number for number in range(1, 11))}
-# Which button of the mouse a caption belongs to is seen from its place, so it has to be said.
+# Only the place of a caption shows which button it belongs to, so its name must say so.
 CAPTIONS = {
     "MainViewSub1": {"leftClickBtn": "Left button: Left Click",
                      "rightBtn": "Right button: Right Click",
@@ -40,16 +41,16 @@ CAPTIONS = {
 
 
 def isForTheEye(control):
-    """What only shows something: the pictures, and the dots on them that point to the buttons of
-    the mouse, which are pressed by their captions."""
+    """Controls that only show something: the pictures, and the dots that mark the buttons of the
+    mouse on them. The captions are what the user presses."""
     return control in SCENERY or "Tag" in control
 
 
 class Tree:
-    """The accessible objects of the program, read anew each time."""
+    """The accessible objects of the program. Every call reads them again."""
 
     def __init__(self):
-        # It looks for its bus when it is loaded.
+        # The module looks for its bus when it is loaded.
         import pyatspi
         self.api = pyatspi
         self._application = wait_until(self._find, ANSWER_SECONDS, "the program in the tree")
@@ -85,7 +86,7 @@ class Tree:
         return [one for one in self.below(window) if self.has(one, "SHOWING")]
 
     def named(self, window, name, role=None):
-        """The control of this name that is shown, as soon as there is one."""
+        """The visible control of this name, as soon as there is one."""
         def look():
             return next((one for one in self.shown(window) if one.name == name and
                          role in (None, one.getRoleName())), None)
@@ -93,7 +94,7 @@ class Tree:
         return wait_until(look, ANSWER_SECONDS, "the control \"%s\"" % name)
 
     def press(self, accessible):
-        """The action that a control is for, which is its first."""
+        """Performs the main action of a control, which is its first."""
         if not self.has(accessible, "SENSITIVE"):
             raise AssertionError("\"%s\" cannot be pressed" % accessible.name)
         if not accessible.queryAction().doAction(0):
@@ -105,7 +106,7 @@ class AccessibilityTest(unittest.TestCase):
     def setUpClass(cls):
         cls.folder = tempfile.mkdtemp(prefix="accessibility-")
         cls.addClassCleanup(shutil.rmtree, cls.folder, ignore_errors=True)
-        # A process reads one tree, so the tests share the desktop.
+        # A process can read only one tree, so the tests share the desktop.
         cls.desktop = cls.enterClassContext(
             DesktopSession(cls.folder, DESKTOP_SIZE, accessibility=True))
         os.environ.update(cls.desktop.environment)
@@ -119,7 +120,7 @@ class AccessibilityTest(unittest.TestCase):
         self.desktop.window(TITLE)
         self.tree = Tree()
         self.main = self.tree.window(TITLE)
-        # It is said when the slot has been read.
+        # The name appears once the slot has been read.
         self.tree.named(self.main, "Left button: Left Click")
 
     # What the mouse and the library hold --------------------------------------------------------
@@ -130,7 +131,7 @@ class AccessibilityTest(unittest.TestCase):
                             "com.corvex.NerinOptionDemo")
 
     def mouse(self, *arguments):
-        """The answer of the command line on a copy of the memory, which the program holds."""
+        """The answer of nerinctl on a copy of the memory, which the program has locked."""
         memory = os.path.join(self.folder, "mouse")
         shutil.copyfile(os.path.join(self.support, "mouse"), memory)
         answer = subprocess.run(
@@ -146,7 +147,7 @@ class AccessibilityTest(unittest.TestCase):
         return next(one["slot"] for one in self.mouse("slots") if one["active"])
 
     def library(self):
-        """{name of a kept profile: whether it is linked to a program}."""
+        """{name of a saved profile: whether it is linked to a program}."""
         folder = os.path.join(self.support, "Profiles")
         found = {}
         for name in os.listdir(folder):
@@ -158,7 +159,7 @@ class AccessibilityTest(unittest.TestCase):
     # The tree -----------------------------------------------------------------------------------
 
     def expected(self, map):
-        """{control: frame in the window} of the window with one of its two maps."""
+        """{control: frame in the window} for the window with one of its two maps."""
         with open(os.path.join(top, "Resources", "artwork", "screens.json"),
                   encoding="utf-8") as file:
             listed = json.load(file)
@@ -172,9 +173,9 @@ class AccessibilityTest(unittest.TestCase):
         return controls
 
     def found(self, map):
-        """{control: the accessible object that stands where the artwork has the control}."""
+        """{control: the accessible object in the control's place in the artwork}."""
         windowX, windowY, _, _ = self.tree.place(self.main)
-        # What holds others is as large as they are together.
+        # Leaves out containers, which cover the places of their children.
         objects = {self.tree.place(one): one for one in self.tree.shown(self.main)
                    if one.childCount == 0}
         found = {}
@@ -193,7 +194,7 @@ class AccessibilityTest(unittest.TestCase):
         for control, one in found.items():
             with self.subTest(control=control):
                 role = one.getRoleName()
-                self.assertTrue(one.name.strip(), "nothing is said about it")
+                self.assertTrue(one.name.strip(), "it has no name")
                 if control in STEP_ITEMS:
                     self.assertEqual("radio button", role)
                 elif control == "linkProChk":
@@ -207,7 +208,7 @@ class AccessibilityTest(unittest.TestCase):
                     self.assertGreater(one.queryAction().nActions, 0)
                 if control in CAPTIONS[map]:
                     self.assertEqual(CAPTIONS[map][control], one.name)
-        # Nothing is there twice, and nothing that nobody can tell from others.
+        # There are no duplicates and no two controls with the same name.
         named = [(one.getRoleName(), one.name) for one in self.tree.shown(self.main)
                  if one.childCount == 0 and one.getRoleName() != "filler"]
         self.assertEqual(len(found), len(named))
@@ -265,7 +266,7 @@ class AccessibilityTest(unittest.TestCase):
         field.queryComponent().grabFocus()
         self.assertTrue(field.queryEditableText().setTextContents("Arena"))
         wait_until(lambda: self.tree.has(field, "FOCUSED"), ANSWER_SECONDS, "the focus")
-        # Leaving the field commits.
+        # Leaving the field commits the name.
         self.tree.named(self.main, "Cancel").queryComponent().grabFocus()
         wait_until(lambda: self.slot(3)["name"] == "Arena", ANSWER_SECONDS, "the name on the mouse")
         self.assertEqual("Arena", self.writtenName())
@@ -295,7 +296,7 @@ class AccessibilityTest(unittest.TestCase):
         self.assertEqual([button["function"] for button in self.slot(3)["buttons"]],
                          [button["function"] for button in slot["buttons"]])
 
-        # Only the button at the foot is called so.
+        # Only the button in the foot has this name.
         self.press("Cancel")
         wait_until(lambda: self.process.poll() is not None, ANSWER_SECONDS, "the end")
         self.assertEqual(0, self.process.returncode, self.desktop.log(self.process))
@@ -306,5 +307,5 @@ class AccessibilityTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    # The bindings warn of themselves.
+    # The bindings cause warnings of their own.
     unittest.main(verbosity=2, warnings="ignore")

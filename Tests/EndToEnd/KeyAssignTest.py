@@ -1,6 +1,6 @@
-"""One edit from the click in the main window to the bytes of the mouse, and back after a new start:
-each function that a button can have, and the DPI levels. And what becomes of the windows of an edit
-when the mouse goes."""
+"""Edits from the click in the main window to the bytes of the mouse, and back after a restart: each
+function that a button can have, and the DPI levels. Also what happens to the windows of an edit
+when the mouse is removed."""
 
 import os
 import unittest
@@ -8,19 +8,19 @@ import unittest
 from window_test import (DEMO, FRAMES, NOWHERE, REMOVED, UNPLUG, DemoTest, crop, listSize, middle,
                          wait_until)
 
-# Of the table of commands.
+# In the table of commands.
 ROW_HEIGHT = 20
 
-# In the file that holds the memory of the mouse.
+# Offsets in the memory file of the mouse.
 IMAGES = 16 + 256
 MACROS, MACRO_SIZE = 16 + 11 * 256 + 10 * 70, 2053
-# Of a slot's image, whose first bytes are a header that the mouse does not keep.
+# Offsets in a slot's image, which starts with a header that the mouse does not keep.
 HEADER, ACTIVE_LEVEL, FIRST_LEVEL, THIRD_LIGHT_MODE, BUTTONS = 4, 6, 7, 50, 58
 ENTRY_SIZE = 5
-# Of a macro.
+# Offsets in a macro.
 CHECKSUM, EVENTS = 3, 52
 
-# The lists of a panel, by their width and their entries.
+# The lists of a panel: width and entries.
 KINDS = (177, ["Default", "Macro Key", "Mouse or Key Function", "DPI Function", "Launch Program",
                "Disable"])
 MOUSE_FUNCTIONS = (264, ["Left Click", "Right Click", "Middle Click", "Button 4", "Button 5",
@@ -38,7 +38,7 @@ DPI_PANEL = ("sensitivityView", "SubSensitivityView")
 LAUNCH_PANEL = ("launchProView", "SubLaunchProgramView")
 SLIDER = (DPI_PANEL, ("subView", "SubSensitivityViewSub"), ("sliderView", "DpiSliderView"))
 
-# Virtual key codes, with the codes that the mouse has for them.
+# Virtual key codes and the mouse's codes for them.
 A, LEFT_SHIFT = 0, 56
 LEFT_BUTTON = 120
 USAGES = {A: 0x04, LEFT_SHIFT: 113, LEFT_BUTTON: 120}
@@ -46,7 +46,7 @@ PRESS, RELEASE, MOUSE_PRESS, MOUSE_RELEASE = 0, 1, 3, 4
 
 
 def imageAt(byte):
-    """Where the memory holds a byte of the image of slot 1."""
+    """The offset in the memory of a byte of the image of slot 1."""
     return IMAGES + byte - HEADER
 
 
@@ -55,7 +55,7 @@ def entryAt(position):
 
 
 def macroReport(number, kind, count, name, events):
-    """What the mouse holds of a macro of these (key code, flag, delay)."""
+    """The report of a macro with these events (key code, flag, delay)."""
     stream = bytearray()
     for code, flag, delay in events:
         stream.append(USAGES[code] + (128 if flag in (RELEASE, MOUSE_RELEASE) else 0))
@@ -71,7 +71,7 @@ def macroReport(number, kind, count, name, events):
 
 
 class PanelTest(DemoTest):
-    """Begins with a profile that is kept and applied, so that an edit is all that changes."""
+    """Starts with a saved and applied profile, so that only the edit changes anything."""
 
     def setUp(self):
         super().setUp()
@@ -93,7 +93,7 @@ class PanelTest(DemoTest):
         self.waitForRed("profile1Btn")
 
     def captionFrame(self, caption):
-        """In the main window, where both maps have the same place."""
+        """The frame in the main window, where both maps have the same place."""
         left, top, _, _ = FRAMES["MainView"]["subView1"]
         x, y, width, height = FRAMES[self.mapOf(caption)][caption]
         return left + x, top + y, width, height
@@ -112,7 +112,7 @@ class PanelTest(DemoTest):
         return crop(self.desktop.picture(self.window), self.captionFrame(caption))
 
     def openPanel(self, caption, kind):
-        """Of a button that the map which is up has."""
+        """Opens the panel of a button on the visible map."""
         self.desktop.click(self.window, *middle(self.captionFrame(caption)))
         panel = self.child("Key assignment", "KeyAssignView")
         self.choose(panel, "comSelBtn", KINDS, kind)
@@ -124,7 +124,7 @@ class PanelTest(DemoTest):
         self.chooseRow(titles.index(title), len(titles), width)
 
     def assertMemory(self, expected):
-        """The bytes of the mouse are these, all of them."""
+        """All bytes of the mouse match."""
         held = self.mouse.memory()
         self.assertEqual(len(held), len(expected))
         self.assertEqual([(where, has, should) for where, (has, should)
@@ -133,8 +133,8 @@ class PanelTest(DemoTest):
 
 class Roads(PanelTest):
     def go(self, caption, index, kind, choose, entry, words, macro=None):
-        """All of the road of one edit. The entry is what the mouse then holds of the button; the
-        macro, where there is one, the report of it."""
+        """Follows one edit all the way. The mouse must then hold this entry for the button and the
+        report of the macro, if there is one."""
         position = index if index < 14 else index + 3
         entry = bytes.fromhex(entry)
         self.showMapOf(caption)
@@ -163,7 +163,7 @@ class Roads(PanelTest):
         self.restart()
         self.showMapOf(caption)
         wait_until(lambda: self.captionPicture(caption) == shown, 30, "the same caption again")
-        # A start sends the LED mode, which has a value of its own for the third light.
+        # A start sends the LED mode, which has a special value for the third light.
         expected[imageAt(THIRD_LIGHT_MODE)] = 2
         self.assertMemory(expected)
         self.assertEqual(self.mouse.slot(1)["buttons"][index]["function"], words)
@@ -201,7 +201,7 @@ class AssignedFunction(Roads):
         def slide(panel):
             self.choose(panel, "selBtn", DPI_FUNCTIONS, "Set DPI", DPI_PANEL)
             x, y, width, height = panel.frame("dpiPro", *SLIDER)
-            # Its knob begins at 64 of 2 to 164.
+            # The knob starts at 64 in the range 2 to 164.
             level = y + height // 2
             knob = x + height // 2 + (width - height) * 62 // 162
             before = panel.picture("dpiPro", *SLIDER)
@@ -223,7 +223,7 @@ class AssignedFunction(Roads):
             self.desktop.activate(files)
             self.desktop.type(tool)
             self.desktop.key("Return")
-            # With the list of what the field would complete, which takes a click for itself.
+            # Includes the completion list of the field, which would swallow a click.
             self.waitForNoOther(panel)
             wait_until(lambda: panel.picture("pathTxt", LAUNCH_PANEL) != before, 30, "the path")
 
@@ -250,7 +250,7 @@ class RecordedMacro(Roads):
             self.chooseRow(0, 1, MACRO_LIST_WIDTH)
             self.choose(panel, "repeatSelBtn", REPEATS, "Repeat by Count", MACRO_PANEL)
             count = self.child("Repeat count", "TkeyRepeatView")
-            # It has the keyboard, and what it says is selected.
+            # The count has the keyboard focus and is selected.
             self.desktop.type("3")
             count.click("okBtn")
             self.waitForNoOther(panel)
@@ -267,10 +267,10 @@ class RecordedMacro(Roads):
         editor.click("commandTable")
         self.desktop.strike("+b", 0.1, "-b")
         self.stopRecording(editor)
-        # The last one is selected.
+        # The last command is selected.
         editor.click("delKeyBtn")
         editor.click("delKeyBtn")
-        # Shift is let go before the letter, and after that is a pause.
+        # Shift is released before the letter, and a pause follows.
         self.selectRow(editor, 3)
         editor.click("keyUpBtn")
         editor.click("insertKeyBtn")
@@ -296,7 +296,7 @@ class DpiLevels(PanelTest):
     def testATypedLevelIsAppliedAndFoundAgain(self):
         before = self.mouse.memory()
         expected = bytearray(before)
-        # 1234 is no multiple of 50; a level that is typed into is the active one.
+        # 1234 is not a multiple of 50. Typing into a level makes it the active one.
         expected[imageAt(FIRST_LEVEL)] = expected[imageAt(FIRST_LEVEL) + 1] = 24
         expected[imageAt(ACTIVE_LEVEL)] &= 0xF0
         self.assertNotEqual(before, expected)
@@ -330,7 +330,7 @@ class DpiLevels(PanelTest):
         return self.child("Advanced", "PerformanceView")
 
     def rest(self, levels):
-        """Takes the pointer to where nothing shows it."""
+        """Moves the pointer away from all controls."""
         self.desktop.move(levels.id, 4, 4)
         return levels
 
@@ -363,7 +363,7 @@ class RemovalUnderAPanel(PanelTest):
         self.assertTold(("121", None))
         self.assertEnds(self.program)
         self.assertMemory(held)
-        # What was edited is gone, and the mouse can be edited again.
+        # The edit is gone, and the mouse can be edited again.
         self.start()
         self.waitForRed("profile1Btn")
         self.assertEqual(self.mouse.slot(1)["buttons"][5]["function"], "DPI Level Up")

@@ -1,19 +1,19 @@
-"""Recording a macro from real keys and clicks, up to what the library keeps of it."""
+"""Recording a macro from real keys and clicks, up to its entry in the library."""
 
 import os
 import unittest
 
 from window_test import DEMO, DemoTest, middle, wait_until
 
-# Virtual key codes. The buttons of the mouse have their own.
+# Virtual key codes. The mouse buttons have codes of their own.
 A, B, C, ALT, F4, LEFT_SHIFT, RIGHT_SHIFT = 0, 11, 8, 58, 118, 56, 60
 LEFT, RIGHT, MIDDLE = 120, 121, 122
 PRESS, RELEASE, MOUSE_PRESS, MOUSE_RELEASE = 0, 1, 3, 4
-# Of the display: by their names another Shift would be pressed for the right one.
+# Key codes of the display. The name of the right Shift key would press another key.
 SHIFT_KEYS = "50", "62"
-# A recorded pause may be so much shorter than the real one: the display counts whole milliseconds.
+# How much shorter a recorded pause may be: the display counts whole milliseconds.
 TOLERANCE = 5
-# Much longer than what the display waits before it repeats a key.
+# Much longer than the delay after which the display repeats a key.
 HELD_SECONDS = 2
 
 
@@ -26,7 +26,7 @@ class RecordingTest(DemoTest):
         self.startRecording(self.editor)
 
     def finish(self):
-        """What the library then keeps, as (code, flag) and as the pauses."""
+        """Saves the macro. Returns its (code, flag) pairs and its pauses from the library."""
         self.stopRecording(self.editor)
         self.editor.click("okBtn")
         self.waitForNoOther()
@@ -64,7 +64,7 @@ class RecordedKeys(RecordingTest):
         self.assertGreaterEqual(pauses[0], HELD_SECONDS * 1000 - TOLERANCE)
         self.assertLessEqual(pauses[0], took * 1000 + TOLERANCE)
         self.quit()
-        # The display did repeat it.
+        # The display did repeat the key.
         path = os.path.join(self.desktop.home, "Library", "Logs", "com.corvex.%s.log" % DEMO)
         with open(path, encoding="utf-8") as file:
             words = [line.split()[-1] for line in file]
@@ -89,7 +89,7 @@ class RecordedKeys(RecordingTest):
         wait_until(lambda: self.macros(), 30, "the library to be kept")
         self.assertEqual([event[:2] for event in self.macros()["NewMacro_1"]],
                          [(ALT, PRESS), (F4, PRESS), (F4, RELEASE), (ALT, RELEASE)])
-        # And do what they say again.
+        # The keys have their usual effect again.
         self.desktop.strike(*closing)
         self.waitForNoOther()
         self.quit()
@@ -116,7 +116,7 @@ class RecordedKeys(RecordingTest):
         def message():
             return next((one for one in self.desktop.windows() if one.id not in known), None)
         wait_until(message, 30, "the message")
-        # It has the keyboard, and what closes it does not close the editor.
+        # The message has the keyboard focus, and the keys that close it do not close the editor.
         self.desktop.strike("+Alt_L", 0.05, "+F4", 0.05, "-F4", 0.05, "-Alt_L")
         wait_until(lambda: message() is None, 30, "the message to be answered")
         rows, _ = self.finish()
@@ -129,7 +129,7 @@ class RecordedClicks(RecordingTest):
         place = middle(self.editor.frame("commandTable"))
         for button in (1, 3, 2):
             self.desktop.click(self.editor.id, *place, button=button)
-        # What cannot be used meanwhile is a place like any other.
+        # Controls that are disabled while recording count as ordinary places.
         self.editor.click("newMacroBtn")
         self.editor.click("defDelayTxt")
         self.desktop.strike("+a", 0.1, "-a")

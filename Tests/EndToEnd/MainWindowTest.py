@@ -1,6 +1,6 @@
-"""The main window as a user has it: the real programs on a desktop of their own, real clicks and
-keys, and reports of another process on the bus. What they did is seen in the mouse, in the files of
-the library, and in what the background service is told."""
+"""The main window as the user has it: the real programs on a private desktop, real clicks and keys,
+and reports of another process on the bus. The effects are checked in the mouse, in the files of the
+library, and in the messages to the background service."""
 
 import os
 import unittest
@@ -9,16 +9,16 @@ from window_test import (ATTACHED, BINARIES, DEMO, MAIN_SIZE, NOWHERE, PLUG_IN, 
                          SLOT_BUTTON, SLOT_CHANGED, DemoTest, WindowTest, wait_until)
 
 MACRO_SIZE = (1048, 633)
-# More than Tab has stops.
-MOST_TABS = 80
+# More than there are Tab stops.
+MAXIMUM_TABS = 80
 
 
 class WithoutAMouse(WindowTest):
     title = "NerinOption"
 
     def testTheUserCanDeclineToWait(self):
-        # Of the machine's own devices the program sees none: a mouse that is really there is not
-        # for a test to write to.
+        # The program sees none of the machine's own devices: a test must not write to a real
+        # mouse.
         devices = os.path.join(self.folder, "devices")
         os.makedirs(os.path.join(devices, "sys"))
         os.makedirs(os.path.join(devices, "dev"))
@@ -80,7 +80,7 @@ class MainJob(DemoTest):
         self.desktop.activate(panel)
         self.desktop.type(game)
         self.desktop.key("Return")
-        # With the list of what the field would complete, which takes a click for itself.
+        # Includes the completion list of the field, which would swallow a click.
         self.waitForNoOther()
         self.assertTold()
         unapplied = self.fileOf("Day watch")
@@ -101,7 +101,7 @@ class MainJob(DemoTest):
         self.click("profileNewBtn")
         self.enterName("Night raid")
         wait_until(lambda: len(self.profiles(DEMO)) == 2, 30, "the second profile's file")
-        # The edit is not applied yet: the first time the user stays with it.
+        # The edit is not applied yet. The user first decides to stay.
         self.click("profile4Btn")
         self.answer("cancelBtn")
         self.waitForRed("profile3Btn")
@@ -186,7 +186,7 @@ class Removal(DemoTest):
         self.waitForRed("profile1Btn")
         self.unplug()
         self.clickPanel(PLUG_IN)
-        # Nobody hears of this while the dialog is up, so the slot has to be read again.
+        # The program misses this while the dialog is open, so it must read the slot again.
         self.clickPanel(SLOT_BUTTON)
         wait_until(lambda: self.mouse.activeSlot() == 2, 30, "the mouse to be in slot 2")
         self.assertTrue(self.isRed("profile1Btn"))
@@ -204,7 +204,7 @@ class Removal(DemoTest):
         self.answer("okBtn", "WarningNoDevice")
         self.click("profile3Btn")
         self.assertTold(("111", {"value1": 1, "value2": 2}))
-        # And it is a removal again when it happens again.
+        # Another removal is reported again.
         self.unplug()
         self.answer("cancelBtn", "WarningNoDevice")
         self.assertEnds(self.program)
@@ -241,7 +241,7 @@ class Keyboard(DemoTest):
         self.desktop.key("space")
         self.waitForRed("applyBtn")
         self.tabTo("profileNameTxt")
-        # Tab selects what the field holds.
+        # Tab selects the contents of the field.
         self.desktop.type("Blind")
         self.desktop.key("Return")
         wait_until(lambda: self.profiles(DEMO) == ["Blind.pro"], 30, "the profile's file")
@@ -269,9 +269,9 @@ class Keyboard(DemoTest):
         self.assertTold()
 
     def tabTo(self, control):
-        """Goes on with Tab until the control shows that it has the keyboard."""
+        """Presses Tab until the control shows the keyboard focus."""
         without = self.picture(control)
-        for _ in range(MOST_TABS):
+        for _ in range(MAXIMUM_TABS):
             before = self.desktop.picture(self.window)
             self.desktop.key("Tab")
             wait_until(lambda: self.desktop.picture(self.window) != before, 30,

@@ -1,8 +1,8 @@
-"""What the tests of a whole program share: a desktop of their own, the program on it, its windows
-by the places of their controls, and a look into the mouse and the library.
+"""What the tests of a whole program share: a private desktop, the program on it, its windows and
+the places of their controls, and the contents of the mouse and the library.
 
-A test file that uses it is called as FILE.py BINARIES [unittest options], with BINARIES the folder
-that holds the programs.
+A test file that uses it is called as FILE.py BINARIES [unittest options], where BINARIES is the
+folder that holds the programs.
 """
 
 import json
@@ -27,13 +27,13 @@ FRAMES = frames(os.path.join(os.path.dirname(BINARIES), "generated", "ArtworkFra
 DEMO = "NerinOptionDemo"
 MAIN_SIZE = (1048, 720)
 DIALOG_SIZE = (545, 155)
-# The demonstration's panel stands on the right of the window.
+# The demonstration's panel stands to the right of the window.
 DESKTOP_SIZE = (1900, 900)
 PANEL = "The virtual mouse"
 UNPLUG, PLUG_IN, SLOT_BUTTON = (90, 32), (254, 32), (172, 72)
-# Of the list of profiles, and of all lists.
+# LIST_WIDTH is that of the list of profiles; the others apply to all lists.
 LIST_WIDTH, ROW_HEIGHT, BORDER = 188, 28, 1
-# In the foot of the window, where there is nothing to point at.
+# In the foot of the window, away from all controls.
 NOWHERE = (420, 684)
 
 # What the background service reports as "type".
@@ -45,7 +45,7 @@ def listSize(width, count):
 
 
 class Mouse:
-    """Looks into the memory of a virtual mouse: into a copy, because a program holds it."""
+    """Reads the memory of a virtual mouse from a copy, because a program has it locked."""
 
     def __init__(self, memory, folder):
         self._memory = memory
@@ -72,7 +72,7 @@ class Mouse:
         return held
 
     def memory(self):
-        """All bytes that the mouse keeps."""
+        """All bytes of the mouse's memory."""
         with open(self._memory, "rb") as file:
             return file.read()
 
@@ -90,12 +90,12 @@ class ChildWindow:
         self._desktop = desktop
         self._screen = screen
         self.id = desktop.window(title)
-        # By then the window manager has put it in its place.
+        # Once the window is active, the window manager has placed it.
         desktop.activate(self.id)
 
     def frame(self, control, *parts):
-        """The parts are those that the control is in, from the outermost one: the name of each in
-        the screen around it, and its own screen."""
+        """The parts are those that contain the control, from the outside in: each is its name in
+        the screen around it and its own screen."""
         screen, left, top = self._screen, 0, 0
         for name, inner in parts:
             x, y, _, _ = FRAMES[screen][name]
@@ -134,14 +134,14 @@ class WindowTest(unittest.TestCase):
         return sorted(os.listdir(folder)) if os.path.isdir(folder) else []
 
     def assertTold(self, *messages):
-        """What the background service was told since this was asked last, no more and no less."""
-        wait_until(lambda: len(self.told()) >= self.known + len(messages), 30,
+        """The background service has received exactly these messages since the last call."""
+        wait_until(lambda: len(self.received()) >= self.known + len(messages), 30,
                    "the messages %s" % (messages,))
-        told = self.told()[self.known:]
-        self.known += len(told)
-        self.assertEqual(told, list(messages))
+        received = self.received()[self.known:]
+        self.known += len(received)
+        self.assertEqual(received, list(messages))
 
-    def told(self):
+    def received(self):
         return [(message.object, message.userInfo) for message in self.listener.messages
                 if message.member == "NerinSettingChange"]
 
@@ -153,8 +153,8 @@ class WindowTest(unittest.TestCase):
         return self.desktop.window(self.title, size=DIALOG_SIZE)
 
     def answer(self, button, dialog="WarningNeedSave"):
-        """Clicks a button of the dialog that is up or comes up. The name of the dialog tells where
-        its buttons are."""
+        """Clicks a button of the dialog that is open or about to open. The name of the dialog gives
+        the places of its buttons."""
         window = self.dialog()
         self.desktop.click(window, *middle(FRAMES[dialog][button]))
         wait_until(lambda: window not in [one.id for one in self.desktop.windows()], 30,
@@ -177,7 +177,7 @@ class DemoTest(WindowTest):
         self.program = self.desktop.start(os.path.join(BINARIES, DEMO))
         self.window = self.desktop.window(DEMO, size=MAIN_SIZE)
         self.panel = self.desktop.window(PANEL)
-        # It has its place when the mouse was read.
+        # The panel gets its place once the mouse has been read.
         right = self.desktop.geometry(self.window)[0] + MAIN_SIZE[0]
         wait_until(lambda: self.desktop.geometry(self.panel)[0] >= right, 30,
                    "the panel to stand beside the window")
@@ -194,7 +194,7 @@ class DemoTest(WindowTest):
         return [crop(picture, FRAMES["MainView"][control]) for control in controls]
 
     def isRed(self, control):
-        """What is selected, and what can be applied, is red for the most part."""
+        """Whether a control is mainly red: it is selected, or there is something to apply."""
         pixels = self.picture(control)[0].rgb
         red = sum(r > 30 and r > 2 * g and r > 2 * b
                   for r, g, b in zip(pixels[0::3], pixels[1::3], pixels[2::3]))
@@ -210,12 +210,12 @@ class DemoTest(WindowTest):
         self.desktop.key("Return")
 
     def chooseProfile(self, row, count):
-        """A click on a row, counted from 0, of the list of so many profiles."""
+        """Clicks a row, counted from 0, of the list of `count` profiles."""
         self.click("currProfileBtn")
         self.chooseRow(row, count, LIST_WIDTH)
 
     def chooseRow(self, row, count, width):
-        """The same of the list that is up or comes up."""
+        """Clicks a row, counted from 0, of the list that is open or about to open."""
         listing = self.desktop.window(DEMO, size=listSize(width, count))
         self.desktop.click(listing, width // 2, BORDER + row * ROW_HEIGHT + ROW_HEIGHT // 2)
         wait_until(lambda: listing not in [one.id for one in self.desktop.windows()], 30,
@@ -225,7 +225,7 @@ class DemoTest(WindowTest):
         return ChildWindow(self.desktop, title, screen)
 
     def macros(self):
-        """What the library keeps: {name: [(key code, flag, delay)]}."""
+        """The macros in the library: {name: [(key code, flag, delay)]}."""
         tree = ElementTree.parse(self.support(DEMO, "MenuInfo.xml"))
         return {item.get("title"): [tuple(int(key.get(one)) for one in
                                           ("keyCode", "keyFlag", "delay"))

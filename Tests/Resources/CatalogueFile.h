@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
-// Reading the catalogues as they ship.
+// Reads the catalogues that ship.
 
-// A file of the product data; one that is no XML fails the test.
+// A file of the product data. The test fails if it is not XML.
 inline pugi::xml_document resource(const std::string& name) {
   pugi::xml_document document;
   const auto result = document.load_file((std::string(NERIN_RESOURCES "/") + name).c_str());
@@ -21,8 +21,7 @@ inline std::vector<pugi::xml_node> items(const pugi::xml_node& parent) {
   return {range.begin(), range.end()};
 }
 
-// An attribute that is there, though it may be empty; one that is missing answers a text that no
-// catalogue holds.
+// An attribute, which may be empty. A missing one gives a text that no catalogue contains.
 inline std::string text(const pugi::xml_node& item, const char* name) {
   const auto attribute = item.attribute(name);
   return attribute ? attribute.value() : "(missing)";

@@ -14,7 +14,7 @@
 #include "Tests/Resources/CatalogueFile.h"
 #include "Tests/Resources/WindowWords.h"
 
-// The catalogues as they ship, compared with what the product says they hold.
+// The catalogues that ship, compared with what the product says they contain.
 
 namespace {
 

@@ -14,7 +14,7 @@
 #include <stdlib.h>
 #include <sys/wait.h>
 
-// The ten factory profiles, read back by offset and independently of the records that wrote them.
+// The ten factory profiles, read by offset and independently of the records that wrote them.
 
 namespace {
 
@@ -121,7 +121,7 @@ TEST_P(FactoryProfiles, ShineInOneColorInAllZones) {
   }
 }
 
-// Runs the tool on a source of its own.
+// Runs the tool on a source of the test.
 class FactoryProfilesTool : public testing::Test {
  protected:
   fs::path m_folder;
@@ -134,7 +134,7 @@ class FactoryProfilesTool : public testing::Test {
   }
   void TearDown() override { fs::remove_all(m_folder); }
 
-  // The exit code; what the tool says is in m_output, what it writes in m_folder / "out".
+  // Returns the exit code. The output is in m_output, the written files in m_folder / "out".
   int run(const fs::path& source) {
     const std::string command = std::string("'" FACTORY_PROFILES_TOOL "' '") + source.string() +
                                 "' '" + (m_folder / "out").string() + "' 2>&1";

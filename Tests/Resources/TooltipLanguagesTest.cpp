@@ -13,7 +13,7 @@
 #include "Tests/Resources/CatalogueFile.h"
 #include "Tests/Resources/WindowWords.h"
 
-// The translations as they ship, compared with the English texts.
+// The translations that ship, compared with the English texts.
 
 namespace {
 
@@ -30,7 +30,7 @@ bool isDigit(char character) {
   return std::isdigit(static_cast<unsigned char>(character)) != 0;
 }
 
-// "%d", "%@" and "%1" in the order of the text: the sign and its digits, or one character.
+// "%d", "%@" and "%1" in the order of the text: the sign with its digits, or with one character.
 std::vector<std::string> placeholders(const std::string& text) {
   std::vector<std::string> found;
   for (auto place = std::find(text.begin(), text.end(), '%'); place != text.end();
@@ -46,7 +46,7 @@ std::vector<std::string> placeholders(const std::string& text) {
   return found;
 }
 
-// The numbers in the text, sorted, for languages put them in other places.
+// The numbers in the text, sorted because languages order them differently.
 std::vector<std::string> numbers(const std::string& text) {
   std::vector<std::string> found;
   for (auto place = text.begin(); place != text.end();) {
@@ -78,8 +78,8 @@ bool isUtf8(const std::string& text) {
   return following == 0;
 }
 
-// The room that the text takes, in Latin letters. What begins with 0xE3 or more in UTF-8 is a
-// character of the Far East, as wide as two of them.
+// The width of the text in Latin letters. A character that starts with 0xE3 or more in UTF-8 is
+// East Asian and as wide as two letters.
 std::size_t width(const std::string& text) {
   std::size_t letters = 0;
   for (const char character : text) {

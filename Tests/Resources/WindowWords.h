@@ -1,13 +1,13 @@
 #pragma once
 
-// The words that belong to no control and to no menu of functions.
+// The words that belong neither to a control nor to a menu of functions.
 
 struct WindowWord {
   const char* name;
   const char* text;
 };
 
-// Drawn into the pictures, where there is only so much room.
+// Drawn into the pictures, where space is limited.
 inline constexpr WindowWord pictureWords[] = {
     {"Slot", "Slot"},
     {"Profile name", "Profile name"},
@@ -76,8 +76,8 @@ inline constexpr WindowWord pictureWords[] = {
     {"WarningNoItemDetail", "Select a profile first."},
 };
 
-// The menu of the main window, its questions, and the buttons of the mouse by their place: each
-// key is its own English text.
+// The menu of the main window, its questions, and the names of the mouse buttons. Each key is its
+// own English text.
 inline constexpr const char* plainWords[] = {
     "Menu",
     "About NerinOption",

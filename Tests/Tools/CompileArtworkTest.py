@@ -1,4 +1,4 @@
-"""What the artwork compiler makes of good masters, and how it refuses bad ones."""
+"""How the artwork compiler handles valid masters and refuses invalid ones."""
 
 import contextlib
 import io
@@ -108,7 +108,7 @@ class CompilerTest(unittest.TestCase):
         return masters.readScreens(self.folder)[1][0]
 
     def assertRefused(self, *parts):
-        """The compiler as a program ends with 1 and says what is wrong with what."""
+        """The compiler, run as a program, exits with 1 and reports the error and its place."""
         errors = io.StringIO()
         with contextlib.redirect_stderr(errors):
             self.assertEqual(compiler.main([self.folder]), 1)
@@ -207,7 +207,7 @@ class Words(CompilerTest):
         self.assertEqual([word[name] for name in ("key", "x", "y", "width", "height", "align")],
                          ["OK", 6, 2, 12, 10, "center"])
 
-    def testHaveAColourForEachState(self):
+    def testHaveAColorForEachState(self):
         colors = self.screen().words[0]["colors"]
         self.assertEqual((colors["Normal"], colors["Over"], colors["Down"]),
                          ("#FFFFFF", "#FF0000", "#FFFFFF"))
@@ -431,7 +431,7 @@ class ShippedArtwork(unittest.TestCase):
         for number in range(1, 5):
             self.assertEqual((stage.width, stage.height), self.frames("LightZone%d" % number)[0])
 
-    def testTheColourBarShowsWhatItsValuesGive(self):
+    def testTheColorBarShowsWhatItsValuesGive(self):
         with tempfile.TemporaryDirectory() as folder:
             compiler.renderAll(self.screens, folder, 2, "ColorBar|LightOptionView_Normal")
             width, height, rows = decoded(os.path.join(folder, "ColorBar.png"))
@@ -457,21 +457,21 @@ class ShippedArtwork(unittest.TestCase):
 
 
 class Contrast(unittest.TestCase):
-    """Words can be read on the surfaces that they stand on."""
+    """Words are readable on their surfaces."""
 
     def setUp(self):
-        self.colours = masters.readTheme(os.path.join(ROOT, "Resources", "artwork")).colours
+        self.colors = masters.readTheme(os.path.join(ROOT, "Resources", "artwork")).colors
 
     @staticmethod
-    def luminance(colour):
-        parts = [int(colour[index:index + 2], 16) / 255 for index in (1, 3, 5)]
+    def luminance(color):
+        parts = [int(color[index:index + 2], 16) / 255 for index in (1, 3, 5)]
         red, green, blue = (part / 12.92 if part <= 0.04045 else ((part + 0.055) / 1.055) ** 2.4
                             for part in parts)
         return 0.2126 * red + 0.7152 * green + 0.0722 * blue
 
     def ratio(self, one, other):
-        light, dark = sorted((self.luminance(self.colours[one]),
-                              self.luminance(self.colours[other])), reverse=True)
+        light, dark = sorted((self.luminance(self.colors[one]),
+                              self.luminance(self.colors[other])), reverse=True)
         return (light + 0.05) / (dark + 0.05)
 
     def testIsEnough(self):

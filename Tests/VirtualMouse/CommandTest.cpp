@@ -99,7 +99,8 @@ TEST(VirtualMouse, SwitchesTheActiveSlot) {
 
 TEST(VirtualMouse, WritesAndReadsSingleBytes) {
   VirtualMouse mouse;
-  // The write has the value between the two halves of the address, the read has them together.
+  // The write has the value between the two halves of the address; the read has the halves
+  // together.
   command(mouse, {0xDE, 0x34, 0x56, 0x02});
   command(mouse, {0xDF, 0x34, 0x02});
   EXPECT_EQ(answer(mouse), (Bytes{0xDF, 0x34, 0x02, 0, 0x56, 0, 0, 0}));

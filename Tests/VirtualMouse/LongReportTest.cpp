@@ -6,14 +6,14 @@ using namespace MouseHost;
 
 TEST(LongReport, NameIsReadAsWritten) {
   VirtualMouse mouse;
-  const std::string longest(65, 'x');
+  const std::string maximumName(65, 'x');
   for (int slot = 0; slot < 10; ++slot) {
-    const Bytes report = nameReport(slot, slot == 9 ? longest : "Name " + std::to_string(slot));
+    const Bytes report = nameReport(slot, slot == 9 ? maximumName : "Name " + std::to_string(slot));
     EXPECT_EQ(write(mouse, report), TransferStatus::Done);
     EXPECT_EQ(readAfterReady(mouse, 6, slot), report);
   }
   EXPECT_EQ(mouse.slotName(3), "Name 3");
-  EXPECT_EQ(mouse.slotName(9), longest);
+  EXPECT_EQ(mouse.slotName(9), maximumName);
   EXPECT_TRUE(mouse.faults().empty());
 }
 

@@ -33,7 +33,7 @@ std::size_t entriesIn(const std::filesystem::path& folder) {
                                                 std::filesystem::directory_iterator()));
 }
 
-// The error number with which a mouse refuses the file, 0 when it takes it.
+// The error number with which a mouse refuses the file; 0 if it accepts it.
 int refusalOf(const std::filesystem::path& path) {
   try {
     const VirtualMouse mouse(path);
@@ -44,7 +44,7 @@ int refusalOf(const std::filesystem::path& path) {
   }
 }
 
-// The administrator may write every file, so while this lives the process is somebody else.
+// Root may write every file, so the process is another user while this lives.
 class AsOrdinaryUser {
  public:
   AsOrdinaryUser() : m_isRoot(::geteuid() == 0) {
@@ -64,7 +64,7 @@ class AsOrdinaryUser {
   bool m_isRoot;
 };
 
-// No file may grow or be written beyond this size: the nearest thing to a full disk.
+// No file may grow or be written beyond this size, which comes close to a full disk.
 class FileSizeLimit {
  public:
   explicit FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -171,7 +171,7 @@ TEST(MemoryFile, WritesOnlyWhatChanged) {
   const auto path = folder.path() / "mouse";
   VirtualMouse mouse(path);
   write(mouse, nameReport(2, "same"));
-  // Bytes that the mouse does not change stay as somebody else put them.
+  // Bytes that the mouse does not change stay as another program wrote them.
   Bytes marked = contentsOf(path);
   const std::size_t name = headerSize + 11UL * 256 + 2UL * 70;
   for (std::size_t index = 0; index < 70; ++index) {
@@ -311,7 +311,7 @@ TEST(MemoryFile, IsMadeByOneOfSeveralAtOnce) {
       int code = 1;
       try {
         VirtualMouse mouse(path);
-        // Once over, so that the next one finds what this one wrote.
+        // Adds one, so that the next process finds what this one wrote.
         writeMemory(mouse, 100, static_cast<std::uint8_t>(readMemory(mouse, 100) + 1));
         code = 0;
       } catch (const std::system_error& error) {

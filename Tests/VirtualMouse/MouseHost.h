@@ -10,7 +10,7 @@
 
 #include "VirtualMouse/VirtualMouse.h"
 
-// The host's side of the transfers, as short as a test wants it.
+// The host's side of the transfers, as short as tests need it.
 namespace MouseHost {
 
 using Bytes = std::vector<std::uint8_t>;
@@ -57,7 +57,7 @@ inline TransferStatus write(VirtualMouse& mouse, const Bytes& report) {
   return set(mouse, static_cast<std::uint16_t>(0x0300 + report[0]), 1, report).status;
 }
 
-// Empty when the mouse refuses.
+// Empty if the mouse refuses.
 inline Bytes read(VirtualMouse& mouse, int id) {
   Bytes data(sizeOf(id), 0xEE);
   const auto value = static_cast<std::uint16_t>(0x0300 + id);
@@ -74,7 +74,7 @@ inline void announceMacro(VirtualMouse& mouse, int macroSlot) {
   command(mouse, {0xC4, 0x0B, static_cast<std::uint8_t>(macroSlot), 1});
 }
 
-// The last byte of a report is not covered by its checksum.
+// The checksum does not cover the last byte of a report.
 inline Bytes sealed(Bytes report) {
   unsigned sum = 0;
   for (std::size_t index = 4; index + 1 < report.size(); ++index) {
@@ -93,7 +93,7 @@ inline Bytes nameReport(int slot, const std::string& name) {
   return sealed(report);
 }
 
-// A report whose every byte says where it is, shifted by `seed`.
+// A report whose every byte depends on its position, shifted by `seed`.
 inline Bytes numberedReport(int id, int slot, int seed = 1) {
   Bytes report(sizeOf(id));
   for (std::size_t index = 4; index < report.size(); ++index) {

@@ -12,7 +12,7 @@ class AnyHost {
  public:
   explicit AnyHost(std::uint32_t seed) : m_random(seed) {}
 
-  // Mostly transfers that nearly fit, since pure noise never gets past the first check.
+  // Mostly transfers that are nearly valid, because pure noise never passes the first check.
   void transfer(VirtualMouse& mouse) {
     SetupPacket setup;
     const bool isToHost = oneOf(2);
@@ -85,10 +85,10 @@ TEST(VirtualMouse, StandsAnyTransferInAnyScenario) {
     for (const TransferRecord& record : mouse.transcript()) {
       done += record.status == TransferStatus::Done ? 1 : 0;
     }
-    // The noise is worth something only while much of it is understood.
+    // The noise is useful only if much of it is understood.
     EXPECT_GT(done, mouse.transcript().size() / 5);
     EXPECT_EQ(mouse.transcript().size(), mouse.isAttached() ? 5000U : 2500U);
-    // Whatever happened, what the mouse answers has the right form.
+    // Whatever happened, the answers of the mouse have the right form.
     mouse.attach();
     mouse.setScenario({});
     for (int slot = 0; slot < 10; ++slot) {

@@ -176,7 +176,7 @@ TEST(MouseScenario, GarbageIsWhatNoProgramWrites) {
       EXPECT_EQ(macro[0], 0xB0);
       EXPECT_EQ(macro, sealed(macro));
       EXPECT_EQ(macro[7] + 256 * macro[8], 2000);
-      // No delay record before the last byte can swallow it.
+      // No earlier delay record can take the last byte as its own.
       EXPECT_EQ(std::count(macro.begin() + 52, macro.begin() + 2051, 1), 0);
       EXPECT_EQ(macro[52 + 1999], 1);
     }

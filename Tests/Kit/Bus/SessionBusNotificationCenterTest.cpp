@@ -19,7 +19,7 @@ using std::chrono::seconds;
 const std::string path = "/com/corvex/NerinOption";
 const std::string interface = "com.corvex.NerinOption.Notification";
 
-// What an observer was called with.
+// The calls that an observer received.
 class Heard {
  public:
   using Call = std::pair<std::string, LXUserInfo>;

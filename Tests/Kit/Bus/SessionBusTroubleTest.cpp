@@ -28,7 +28,7 @@ milliseconds timeOf(Action action) {
   return std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
 }
 
-// A socket that is announced as the session bus and takes connections, but says nothing.
+// A socket that is announced as the session bus and accepts connections, but says nothing.
 class SilentBus {
  public:
   explicit SilentBus(int backlog) {
@@ -43,7 +43,7 @@ class SilentBus {
   }
   ~SilentBus() {
     unsetenv("DBUS_SESSION_BUS_ADDRESS");
-    // Wakes a thread that still accepts.
+    // Wakes a thread that is still accepting.
     shutdown(m_socket, SHUT_RDWR);
     if (m_thread.joinable()) {
       m_thread.join();
@@ -56,7 +56,7 @@ class SilentBus {
   SilentBus(const SilentBus&) = delete;
   SilentBus& operator=(const SilentBus&) = delete;
 
-  // Lets others wait at the door until nobody else fits.
+  // Fills the queue of waiting connections.
   void fill() {
     for (;;) {
       const int guest = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
@@ -67,7 +67,7 @@ class SilentBus {
     }
   }
 
-  // Answers the first line of every conversation as a bus does, and nothing more.
+  // Answers the first line of every conversation like a bus, and nothing more.
   void answerGreetings() {
     m_thread = std::thread([this] {
       for (int guest = accept(m_socket, nullptr, nullptr); guest >= 0;
@@ -92,7 +92,7 @@ class SilentBus {
   const sockaddr* address() const { return reinterpret_cast<const sockaddr*>(&m_address); }
 };
 
-void expectNobodyIsHeld() {
+void expectNoCallBlocks() {
   auto center = std::make_unique<SessionBusNotificationCenter>();
   EXPECT_LT(timeOf([&] {
               center->addObserver("NerinDevStatus", [](const auto&, const auto&) {});
@@ -150,19 +150,19 @@ TEST(SessionBusTrouble, NothingToDoEndsAtOnceWithoutABus) {
 
 TEST(SessionBusTrouble, ASilentBusHoldsNobody) {
   const SilentBus bus(16);
-  expectNobodyIsHeld();
+  expectNoCallBlocks();
 }
 
 TEST(SessionBusTrouble, ASilentBusWithAFullQueueHoldsNobody) {
   SilentBus bus(1);
   bus.fill();
-  expectNobodyIsHeld();
+  expectNoCallBlocks();
 }
 
 TEST(SessionBusTrouble, ABusThatOnlyAnswersTheGreetingHoldsNobody) {
   SilentBus bus(16);
   bus.answerGreetings();
-  expectNobodyIsHeld();
+  expectNoCallBlocks();
 }
 
 TEST(SessionBusTrouble, ABusThatIsSilentForAWhileGetsEverythingPosted) {

@@ -20,7 +20,7 @@ class DurableFile : public testing::Test {
   fs::path m_file = m_scratch / "file";
 };
 
-// No file may grow beyond this size: the nearest thing to a full disk.
+// No file may grow beyond this size, which comes close to a full disk.
 class FileSizeLimit {
  public:
   explicit FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -92,10 +92,10 @@ TEST_F(DurableFile, IsWrittenAndReplaced) {
 }
 
 TEST_F(DurableFile, MayHaveANameAsLongAsNamesCanBe) {
-  const fs::path longest = m_scratch / std::string(255, 'n');
-  EXPECT_FALSE(durable::writeFile(longest, "one"));
-  EXPECT_FALSE(durable::writeFile(longest, "two"));
-  EXPECT_EQ(durable::readFile(longest), "two");
+  const fs::path name = m_scratch / std::string(255, 'n');
+  EXPECT_FALSE(durable::writeFile(name, "one"));
+  EXPECT_FALSE(durable::writeFile(name, "two"));
+  EXPECT_EQ(durable::readFile(name), "two");
   EXPECT_EQ(durable::writeFile(m_scratch / std::string(256, 'n'), "one").value(), ENAMETOOLONG);
   EXPECT_EQ(namesIn(m_scratch.folder()).size(), 1U);
 }

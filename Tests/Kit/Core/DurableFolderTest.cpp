@@ -45,14 +45,15 @@ class DurableFolder : public testing::Test {
     return files;
   }
 
-  // What must be after an interruption and the next start.
+  // What must be true after an interruption and the next start.
   void expectOneOfBoth(const std::string& step) const {
     durable::recoverFolder(m_folder);
     EXPECT_TRUE(held() == oldFiles || held() == newFiles) << step;
     EXPECT_EQ(beside(), std::vector<std::string>{}) << step;
   }
 
-  // What is beside the folder that should not be. The lock stays, so that all agree on it.
+  // What should not be beside the folder. The lock file stays, so that all processes use the same
+  // one.
   std::vector<std::string> beside() const {
     std::vector<std::string> names = namesIn(m_scratch.folder());
     std::erase(names, "Profiles");
@@ -149,8 +150,8 @@ TEST_F(DurableFolder, IsTheOldOneOrTheNewOneWhicheverStepFails) {
               expectOneOfBoth(step);
             });
         EXPECT_EQ(held(), newFiles);
-        // One folder, one old file read for comparison, three files of which one has nothing to
-        // write, all synced, put in place.
+        // One folder, one old file read for comparison, and three files, one of them empty. All are
+        // synced and moved into place.
         EXPECT_EQ(steps, 1 + 3 + 3 + 2 + 2 * 3 + 2 + (canExchange ? 1 : 2) + 2);
       }
     }

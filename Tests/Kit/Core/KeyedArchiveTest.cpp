@@ -50,15 +50,15 @@ class Song final : public LXCoding {
   }
 };
 
-constexpr std::int32_t smallest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t minimum = std::numeric_limits<std::int32_t>::min();
 
 Song exampleSong() {
   Song song;
   song.length = -7;
   song.isLoud = true;
   song.title = "Lied \u00E4";
-  song.notes = {std::make_shared<Note>(440), std::make_shared<Note>(smallest)};
-  song.last.pitch = smallest;
+  song.notes = {std::make_shared<Note>(440), std::make_shared<Note>(minimum)};
+  song.last.pitch = minimum;
   return song;
 }
 
@@ -68,13 +68,13 @@ void expectExample(const Song& song) {
   EXPECT_EQ(song.title, "Lied \u00E4");
   ASSERT_EQ(song.notes.size(), 2U);
   EXPECT_EQ(song.notes[0]->pitch, 440);
-  EXPECT_EQ(song.notes[1]->pitch, smallest);
+  EXPECT_EQ(song.notes[1]->pitch, minimum);
   EXPECT_TRUE(song.hasLast);
-  EXPECT_EQ(song.last.pitch, smallest);
+  EXPECT_EQ(song.last.pitch, minimum);
 }
 
-// An XML archive whose objects, from index 1, are given. 6 is the class Note, 7 NSMutableArray, 8
-// Song. Of the others each begins with a comment.
+// An XML archive with the given objects from index 1 on. 6 is the class Note, 7 NSMutableArray, 8
+// Song. Each of the others starts with a comment.
 std::string archiveOf(const std::string& first, const std::string& others = "") {
   const auto classEntry = [](const std::string& name) {
     return "<dict><key>$classname</key><string>" + name + "</string></dict>";

@@ -11,10 +11,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
-constexpr std::int32_t smallest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t maximum = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t minimum = std::numeric_limits<std::int32_t>::min();
 
-// Helpers that stand on the platform.
+// Helpers that depend on the platform.
 class Action : public testing::Test {
  protected:
   Action() {
@@ -73,7 +73,7 @@ TEST_F(Action, ReadsHexadecimalNumbers) {
   EXPECT_EQ(LXAction::getIntValueByHex("ff"), 255);
   EXPECT_EQ(LXAction::getIntValueByHex(" 0xFf\n"), 255);
   EXPECT_EQ(LXAction::getIntValueByHex("0X1a"), 26);
-  EXPECT_EQ(LXAction::getIntValueByHex("7FFFFFFF"), largest);
+  EXPECT_EQ(LXAction::getIntValueByHex("7FFFFFFF"), maximum);
   EXPECT_EQ(LXAction::getIntValueByHex("FFFFFFFF"), -1);
 }
 
@@ -96,11 +96,11 @@ TEST_F(Action, ReadsTheDecimalNumberThatATextBeginsWith) {
 }
 
 TEST_F(Action, BoundsDecimalNumbers) {
-  EXPECT_EQ(LXAction::getIntValue("2147483647"), largest);
-  EXPECT_EQ(LXAction::getIntValue("2147483648"), largest);
-  EXPECT_EQ(LXAction::getIntValue("99999999999999999999"), largest);
-  EXPECT_EQ(LXAction::getIntValue("-2147483648"), smallest);
-  EXPECT_EQ(LXAction::getIntValue("-99999999999999999999"), smallest);
+  EXPECT_EQ(LXAction::getIntValue("2147483647"), maximum);
+  EXPECT_EQ(LXAction::getIntValue("2147483648"), maximum);
+  EXPECT_EQ(LXAction::getIntValue("99999999999999999999"), maximum);
+  EXPECT_EQ(LXAction::getIntValue("-2147483648"), minimum);
+  EXPECT_EQ(LXAction::getIntValue("-99999999999999999999"), minimum);
 }
 
 TEST_F(Action, GivesAnEmptyTextForNone) {

@@ -22,7 +22,7 @@ std::string bigEndian(std::uint64_t value, std::size_t width) {
   return bytes;
 }
 
-// What a binary file says of itself, right or wrong.
+// What a binary file says about itself, right or wrong.
 struct Trailer {
   int offsetSize = 2;
   int referenceSize = 1;
@@ -49,7 +49,7 @@ std::string binary(const Objects& objects, const Trailer& trailer = {}) {
          bigEndian(trailer.root, 8) + bigEndian(trailer.table.value_or(table), 8);
 }
 
-// Bytes that hold a NUL.
+// Bytes that may include a NUL.
 template <std::size_t size>
 std::string bytes(const char (&text)[size]) {
   return {text, size - 1};
@@ -67,7 +67,7 @@ bool isTaken(const Objects& objects, const Trailer& trailer = {}) {
   return isSafe;
 }
 
-// Arrays in arrays, `depth` levels with the number inside.
+// Nested arrays, `depth` levels including the number inside.
 Objects nested(std::size_t depth) {
   Objects objects;
   for (std::size_t level = 1; level < depth; ++level) {

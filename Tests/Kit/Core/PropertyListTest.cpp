@@ -21,10 +21,10 @@ plist_t at(const propertylist::Handle& list, const char* key) {
 }
 
 propertylist::Handle inBothForms(const propertylist::Handle& list, Form form) {
-  return propertylist::parse(propertylist::serialise(list.get(), form));
+  return propertylist::parse(propertylist::serialize(list.get(), form));
 }
 
-// While this lives, the decimal sign of the process is a comma.
+// While this lives, the process uses a decimal comma.
 class CommaNumbers {
  public:
   explicit CommaNumbers(const std::filesystem::path& folder) {
@@ -57,11 +57,11 @@ TEST(PropertyList, KeepsEverythingThatAnotherProgramWrote) {
     const auto list = propertylist::parse(contentsOf(scratch / "list"));
     ASSERT_TRUE(list) << written;
     for (const Form form : {Form::Xml, Form::Binary}) {
-      putFile(scratch / "ours", propertylist::serialise(list.get(), form));
+      putFile(scratch / "ours", propertylist::serialize(list.get(), form));
       EXPECT_TRUE(python("check", scratch / "ours")) << written;
       const auto again = inBothForms(list, form);
       ASSERT_TRUE(again);
-      putFile(scratch / "ours", propertylist::serialise(again.get(), Form::Binary));
+      putFile(scratch / "ours", propertylist::serialize(again.get(), Form::Binary));
       EXPECT_TRUE(python("check", scratch / "ours")) << written;
     }
   }
@@ -100,7 +100,7 @@ TEST(PropertyList, IsTheSameInEveryLanguage) {
   ASSERT_STREQ(text.data(), "1,5");
   const auto list = propertylist::parse(contentsOf(scratch / "list"));
   ASSERT_TRUE(list);
-  putFile(scratch / "ours", propertylist::serialise(list.get(), Form::Xml));
+  putFile(scratch / "ours", propertylist::serialize(list.get(), Form::Xml));
   EXPECT_TRUE(python("check", scratch / "ours"));
   std::snprintf(text.data(), text.size(), "%.1f", 1.5);
   EXPECT_STREQ(text.data(), "1,5") << "the caller's language is left as it was";

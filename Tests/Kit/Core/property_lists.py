@@ -50,7 +50,7 @@ def song_archive():
 
 
 def as_cocoa_xml(node):
-    """References have no element of their own in XML."""
+    """XML has no element for references."""
     if isinstance(node, plistlib.UID):
         return {"CF$UID": node.data}
     if isinstance(node, dict):
@@ -61,7 +61,7 @@ def as_cocoa_xml(node):
 
 
 def read_song(archive):
-    """The song of an archive, put together by following its references."""
+    """The song in an archive, assembled by following its references."""
     objects = archive["$objects"]
 
     def at(reference):

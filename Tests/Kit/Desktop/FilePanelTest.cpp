@@ -1,4 +1,4 @@
-// The panels in which a file is chosen: what the window asks for, and what the desktop shows.
+// The panels for choosing a file: what the window requests, and what the desktop shows.
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -23,7 +23,7 @@ using testing::Not;
 
 namespace {
 
-// Stands for the desktop's default applications.
+// Stands in for the desktop's default applications.
 class Opener : public QObject {
   Q_OBJECT
 
@@ -44,7 +44,7 @@ class FilePanel : public ViewTest {
     fs::permissions(m_folder / "script", fs::perms::owner_all);
     fs::create_directories(m_folder / "inner");
   }
-  // The panel that comes up next.
+  // Acts on the next panel.
   static void onPanel(std::function<void(QFileDialog&)> act) {
     filepanel::setAnswerer({});
     QTimer::singleShot(0, qApp, [act = std::move(act)] {
@@ -65,7 +65,7 @@ class FilePanel : public ViewTest {
         ->setText(QString::fromStdString(path.string()));
     QMetaObject::invokeMethod(&panel, "accept");
   }
-  // What the panel lists, once it has read its folder.
+  // What the panel lists after it has read its folder.
   static std::vector<std::string> shownIn(const QFileDialog& panel) {
     const auto* list = panel.findChild<QAbstractItemView*>(QStringLiteral("listView"));
     std::vector<std::string> names;

@@ -151,7 +151,7 @@ TEST_F(KeyTrackerTest, TakesTheStateOfCapsLockFromOutside) {
 
 TEST_F(KeyTrackerTest, LearnsTheStateOfCapsLockFromTheFirstEvent) {
   EXPECT_EQ(press(KEY_CAPSLOCK, nativeLock), (What{Kind::FlagsChanged, 57, 0}));
-  // The window system unlocks on the release, and so still says that it is locked.
+  // The window system unlocks on the release, so its state still says locked.
   EXPECT_EQ(release(KEY_CAPSLOCK, nativeLock), std::nullopt);
   EXPECT_EQ(press(KEY_A), (What{Kind::KeyDown, 0, 0}));
   m_tracker.forgetAll();

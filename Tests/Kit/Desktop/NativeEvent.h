@@ -4,8 +4,8 @@
 #include <QKeyEvent>
 #include <cstdint>
 
-// A key event as X and Wayland make it, the key told by its scan code. It has a keyboard of its
-// own, because Qt's needs an application object.
+// A key event as X and Wayland make it, with the scan code of the key. It has its own keyboard,
+// because Qt's needs an application object.
 inline QKeyEvent scannedEvent(QEvent::Type type, std::uint32_t scanCode,
                               std::uint32_t nativeModifiers = 0, bool isAutoRepeat = false) {
   static const QInputDevice keyboard;
@@ -14,7 +14,7 @@ inline QKeyEvent scannedEvent(QEvent::Type type, std::uint32_t scanCode,
           1,    &keyboard};
 }
 
-// The same by its evdev code.
+// The same for an evdev code.
 inline QKeyEvent nativeEvent(QEvent::Type type, std::uint32_t evdevCode,
                              std::uint32_t nativeModifiers = 0, bool isAutoRepeat = false) {
   return scannedEvent(type, evdevCode + 8, nativeModifiers, isAutoRepeat);

@@ -20,7 +20,7 @@ QKeyEvent scanned(std::uint32_t scanCode) {
   return scannedEvent(QEvent::KeyPress, scanCode);
 }
 
-// What Linux makes of the usages of a USB keyboard, from usage 4 on and from 0xE0 on.
+// The evdev codes that Linux assigns to the usages of a USB keyboard, from 4 on and from 0xE0 on.
 constexpr std::uint32_t keysOfUsages[] = {
     KEY_A,          KEY_B,          KEY_C,          KEY_D,          KEY_E,         KEY_F,
     KEY_G,          KEY_H,          KEY_I,          KEY_J,          KEY_K,         KEY_L,
@@ -78,7 +78,7 @@ TEST(NativeKeys, ReachesEveryKeyThatHasAName) {
 }
 
 TEST(NativeKeys, ReadsTheScanCodesOfXAndOfWayland) {
-  // Both count from 8; X ends at 255, Wayland does not.
+  // Both start at 8; X ends at 255, Wayland does not.
   const auto names = fixture("native-keys.json");
   for (const auto& [code, name] : names.items()) {
     const auto evdevCode = static_cast<std::uint32_t>(std::stoul(code));
@@ -96,9 +96,9 @@ TEST(NativeKeys, KnowsNothingOfEventsThatNoKeyMade) {
   }
   EXPECT_EQ(nativekeys::evdevCode(scanned(KEY_MAX + 8)), KEY_MAX);
   EXPECT_EQ(nativekeys::evdevCode(scanned(KEY_MAX + 9)), std::nullopt);
-  constexpr auto highest = std::numeric_limits<std::uint32_t>::max();
-  EXPECT_EQ(nativekeys::evdevCode(scanned(highest)), std::nullopt);
-  EXPECT_EQ(nativekeys::macKeyCode(highest), std::nullopt);
+  constexpr auto maximum = std::numeric_limits<std::uint32_t>::max();
+  EXPECT_EQ(nativekeys::evdevCode(scanned(maximum)), std::nullopt);
+  EXPECT_EQ(nativekeys::macKeyCode(maximum), std::nullopt);
 }
 
 TEST(NativeKeys, HasNoCodeForKeysThatAMacDoesNotKnow) {
@@ -123,14 +123,14 @@ TEST(NativeKeys, KeepsLeftAndRightApartAndControlFromCommand) {
 }
 
 TEST(NativeKeys, MeansTheKeyThatTheMouseWillPress) {
-  // A key is stored by its Mac code and sent by the usage of that code, which must come back as the
-  // key that was pressed in the first place.
+  // A key is stored by its Mac code and sent as the usage of that code, which must give the key
+  // that was pressed.
   std::size_t compared = 0;
   const auto tables = fixture("protocol-tables.json");
   for (const auto& pair : tables.at("UsageID_MacVk").at("pairs")) {
     const auto usage = pair.at(0).get<std::uint32_t>();
     const auto macKey = pair.at(1).get<std::uint32_t>();
-    // The firmware's own confusions: = sends the keypad's +, the ISO key an A.
+    // Errors of the firmware: = sends the keypad's +, the ISO key an A.
     if (usage == 0x2E || usage == 0x64) {
       EXPECT_NE(nativekeys::macKeyCode(keyOfUsage(usage)), macKey);
       continue;

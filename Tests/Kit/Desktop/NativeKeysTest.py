@@ -1,5 +1,5 @@
-"""The keys of a real X server: each is pressed by its code, and the window must tell the Mac key
-that it is. Arguments: the tree, the program PrintKeys."""
+"""The keys of a real X server. Each is pressed by its code, and the window must report the right
+Mac key. Arguments: the tree, the program PrintKeys."""
 
 import collections
 import json
@@ -19,8 +19,8 @@ from desktop_session import DesktopSession, wait_until  # noqa: E402
 SHIFT, CAPS_LOCK = 0x20000, 0x10000
 FLAGS = {54: 0x100000, 55: 0x100000, 56: SHIFT, 60: SHIFT, 57: CAPS_LOCK, 58: 0x80000, 61: 0x80000,
          59: 0x40000, 62: 0x40000}
-# An X server has no codes above; the key Fn is one that only Wayland can tell of.
-HIGHEST_X_CODE = 255
+# The maximum of an X server. Only Wayland can report the Fn key.
+MAXIMUM_X_CODE = 255
 # evdev codes.
 A, LEFT_SHIFT, RIGHT_SHIFT, CAPS, END_MARK, F24 = 30, 42, 54, 58, 88, 194
 
@@ -33,7 +33,7 @@ def fixture(name):
 
 
 def xCode(evdevCode):
-    # A number with a leading zero is no name of a key, as "9" would be.
+    # The leading zero makes it a code; a plain "9" would be the name of a key.
     return "%04d" % (evdevCode + 8)
 
 
@@ -50,7 +50,7 @@ class NativeKeys(unittest.TestCase):
         self.seen = len(self.lines())
 
     def lines(self):
-        # Qt's own messages go the same way.
+        # The log also contains Qt's own messages.
         return [line for line in self.desktop.log(self.program).splitlines()
                 if line.split(" ")[0] in ("KeyDown", "KeyUp", "FlagsChanged", "focus")]
 
@@ -64,8 +64,8 @@ class NativeKeys(unittest.TestCase):
         self.xdotool("keyup", xCode(evdevCode))
 
     def events(self):
-        """What came since the last call. Events come in their order, so that a key pressed twice
-        now ends them."""
+        """The events since the last call. They arrive in order, so a key pressed twice now marks
+        their end."""
         self.xdotool("key", xCode(END_MARK), xCode(END_MARK))
         end = [("KeyDown", "111"), ("KeyUp", "111")] * 2
         wait_until(lambda: [tuple(line.split()[:2]) for line in self.lines()[-len(end):]] == end,
@@ -78,10 +78,10 @@ class NativeKeys(unittest.TestCase):
     def testTellsEveryKeyByItsMacCode(self):
         codes = {name: int(code) for code, name in fixture("mac-key-names.json").items()}
         keys = {int(code): codes[name] for code, name in fixture("native-keys.json").items()}
-        pressed = [code for code in sorted(keys) if code + 8 <= HIGHEST_X_CODE]
+        pressed = [code for code in sorted(keys) if code + 8 <= MAXIMUM_X_CODE]
         self.assertEqual([code for code in keys if code not in pressed], [464])
         self.assertEqual(len(pressed), 131)
-        # The window manager has uses of its own for some of them, unless they are grabbed.
+        # The window manager takes some of the keys unless they are grabbed.
         self.start("--grab")
         expected = []
         for code in pressed:
@@ -90,11 +90,11 @@ class NativeKeys(unittest.TestCase):
                 expected += [("FlagsChanged", key, flag), ("FlagsChanged", key, 0)]
             else:
                 expected += [("KeyDown", key, 0), ("KeyUp", key, 0)]
-        # Caps Lock is pressed twice, so that it is off for the keys behind it.
+        # Caps Lock is pressed twice, so that it is off for the keys that follow.
         sequence = []
         for code in pressed:
             sequence += [xCode(code)] * (2 if keys[code] == 57 else 1)
-        # A key that no Mac has does not show.
+        # A key without a Mac code is not reported.
         self.xdotool("key", "--delay", "4", *sequence, xCode(F24))
         heard = self.events()
         self.assertEqual([event[:3] for event in heard], expected)
@@ -113,7 +113,7 @@ class NativeKeys(unittest.TestCase):
             self.assertEqual(heard[0][:4], ("KeyDown", 0, 0, 0))
             self.assertEqual({event[:4] for event in heard[1:-1]}, {("KeyDown", 0, 0, 1)})
             self.assertEqual(heard[-1][:4], ("KeyUp", 0, 0, 0))
-            # Longer than a press, because a key repeats only after a while.
+            # Longer than a press, because a key repeats only after a delay.
             self.assertGreater(heard[-1].time - heard[0].time, 300)
 
     def testKeepsTheFlagOfThePairWhileOneShiftIsDown(self):
@@ -135,7 +135,7 @@ class NativeKeys(unittest.TestCase):
             ("FlagsChanged", 57, 0), ("KeyDown", 0, 0), ("KeyUp", 0, 0),
             ("FlagsChanged", 57, CAPS_LOCK)])
 
-        # A second window takes the keyboard, and Caps Lock goes off there.
+        # A second window takes the keyboard focus, and Caps Lock is turned off there.
         other = self.desktop.start(PROGRAM)
         wait_until(lambda: self.lines()[-1:] == ["focus out"], 20, "the loss of the keyboard")
         wait_until(lambda: "focus in" in self.desktop.log(other), 20, "the other window")

@@ -1,6 +1,6 @@
-// A window that prints what a key tracker tells of its keyboard, a line for each event:
-// "<kind> <Mac key> <flags> <repeat 0 or 1> <milliseconds>", and "focus in" or "focus out". With
-// --grab it takes the keys that the desktop would keep for itself as well.
+// A window that prints what a key tracker reports about its keyboard, one line per event: "<kind>
+// <Mac key> <flags> <repeat 0 or 1> <milliseconds>", and "focus in" or "focus out". With --grab it
+// also receives the keys that the desktop would otherwise keep.
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -30,7 +30,7 @@ class KeyPrinter : public QWidget {
         print(*static_cast<QKeyEvent*>(event));
         return true;
       case QEvent::FocusIn:
-        // Not before, because X refuses a window that is not shown yet.
+        // Not earlier, because X refuses a window that is not shown yet.
         if (QApplication::arguments().contains(QStringLiteral("--grab"))) {
           grabKeyboard();
         }

@@ -22,7 +22,7 @@ using testing::HasSubstr;
 
 using Bytes = std::vector<std::uint8_t>;
 
-// The sum of the covered bytes and the checksum is 0.
+// Makes the sum of the covered bytes and the checksum 0.
 void addChecksum(Bytes& report, std::size_t first, std::size_t last) {
   const auto begin = report.begin();
   report[3] =
@@ -30,7 +30,7 @@ void addChecksum(Bytes& report, std::size_t first, std::size_t last) {
                                                  begin + static_cast<std::ptrdiff_t>(last) + 1, 0));
 }
 
-// A report whose bytes all differ from their neighbours, so that a shifted one shows.
+// A report in which neighboring bytes differ, so that a shift is noticed.
 Bytes patternReport(std::uint8_t reportId, std::uint8_t slot, std::size_t size) {
   Bytes report(size);
   for (std::size_t index = 4; index < size; ++index) {
@@ -97,7 +97,7 @@ class HidTransfer : public testing::Test {
     EXPECT_THAT(m_mouse.mouse().faults(), ElementsAre());
   }
 
-  // `held` is what the mouse keeps, and so what it has to answer.
+  // `held` is what the mouse keeps, and so what it must answer.
   void expectLongReportIsRead(std::uint8_t reportId, std::span<const std::uint8_t> held) {
     const Bytes expected(held.begin(), held.end());
     const auto value = static_cast<std::uint16_t>(0x0300U | reportId);
@@ -222,7 +222,7 @@ TEST_F(HidTransfer, RefusesWhatHidrawCannotCarry) {
   };
   Bytes huge(0x4000);
   Bytes none;
-  // Each differs in one field from a transfer that the node carries.
+  // Each differs in one field from a transfer that the node can carry.
   EXPECT_TRUE(refuses({0x20, 0x09, 0x0300, 0, bytes}));
   EXPECT_TRUE(refuses({0xA1, 0x09, 0x0300, 0, bytes}));
   EXPECT_TRUE(refuses({0x21, 0x01, 0x0300, 0, bytes}));
@@ -292,7 +292,7 @@ TEST_P(LostMouse, IsOffWhenTheLookFindsNothing) {
   m_mouse.setTransferError(GetParam());
   Bytes bytes(8);
   EXPECT_FALSE(get(0x0300, 0, bytes));
-  // The transfer noticed it before anybody told.
+  // The transfer notices the removal before udevd reports it.
   m_mouse.setIsSilent(true);
   m_mouse.unplug();
   EXPECT_FALSE(m_requester.isDevOn());

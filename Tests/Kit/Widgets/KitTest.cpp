@@ -1,4 +1,4 @@
-// The widgets by themselves.
+// The widgets on their own.
 
 #include <QAccessible>
 #include <QApplication>
@@ -33,7 +33,7 @@ const QColor blue(0, 0, 255);
 const QColor grey(128, 128, 128);
 const QColor white(255, 255, 255);
 
-// A button with a colour for each of its states.
+// A button with one color per state.
 class Button : public ViewTest {
  protected:
   Button() {
