@@ -27,17 +27,25 @@ function(nerin_layer name)
   target_link_libraries(${name} PRIVATE NerinWarnings)
 endfunction()
 
-# nerin_test(NAME SOURCES...) makes one GoogleTest program and registers its tests.
+# nerin_test(NAME SOURCES... [ALONE SOURCES...]) makes one GoogleTest program and registers its tests.
+#
+# Reading the headers, and the templates made from them, is most of a test's compile time, so that
+# several files are compiled at once (NERIN_UNITY_TESTS). A file that cannot stand behind another,
+# because of a name that both have for themselves, or because of macros, is listed in ALONE.
 function(nerin_test name)
-  add_executable(${name} ${ARGN})
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "ALONE")
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS} ${arg_ALONE})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
-  # Most of a test's compile time is in reading these.
-  target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <filesystem> <fstream>
-                            <memory> <optional> <string> <vector>)
   target_compile_definitions(
     ${name} PRIVATE NERIN_FIXTURES="${PROJECT_SOURCE_DIR}/Tests/Fixtures"
                     NERIN_RESOURCES="${CMAKE_BINARY_DIR}/resources")
   target_link_libraries(${name} PRIVATE NerinWarnings GTest::gtest GTest::gmock GTest::gtest_main)
+  if(NERIN_UNITY_TESTS)
+    set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+    set_source_files_properties(${arg_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+    # A fixture of one file is no longer in the main file, which is all that this warns of.
+    target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+  endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
                        PROPERTIES TIMEOUT 300)
 endfunction()
