@@ -27,13 +27,16 @@ function(nerin_layer name)
   target_link_libraries(${name} PRIVATE NerinWarnings)
 endfunction()
 
-# nerin_test(NAME SOURCES... [ALONE SOURCES...]) makes one GoogleTest program and registers its tests.
+# nerin_test(NAME SOURCES... [ALONE SOURCES...] [OWN_PROCESS SUITES...]) makes one GoogleTest
+# program and registers its suites, each as one test of ctest. A suite that OWN_PROCESS names (* is
+# all of them) is registered test by test: what such a suite leaves behind in its process, another
+# test would meet.
 #
 # Reading the headers, and the templates made from them, is most of a test's compile time, so that
 # several files are compiled at once (NERIN_UNITY_TESTS). A file that cannot stand behind another,
 # because of a name that both have for themselves, or because of macros, is listed in ALONE.
 function(nerin_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "ALONE")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "ALONE;OWN_PROCESS")
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS} ${arg_ALONE})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   target_compile_definitions(
@@ -46,6 +49,18 @@ function(nerin_test name)
     # A fixture of one file is no longer in the main file, which is all that this warns of.
     target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
   endif()
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-                       PROPERTIES TIMEOUT 300)
+  nerin_discover_suites(${name} ${arg_OWN_PROCESS})
+endfunction()
+
+# The suites are those that the program names when ctest starts.
+function(nerin_discover_suites name)
+  set(script "${CMAKE_CURRENT_BINARY_DIR}/${name}-suites.cmake")
+  file(GENERATE OUTPUT "${script}" CONTENT "\
+set(script \"${script}\")
+set(program \"$<TARGET_FILE:${name}>\")
+set(own_process \"${ARGN}\")
+set(tests \"${CMAKE_CURRENT_BINARY_DIR}/${name}-tests.cmake\")
+include(\"${PROJECT_SOURCE_DIR}/cmake/RegisterSuites.cmake\")
+")
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${script}")
 endfunction()
