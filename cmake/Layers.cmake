@@ -1,5 +1,3 @@
-# nerin_layer(NAME SOURCES...) makes one layer of the house: a static library whose headers are
-# included by their path from the top of the tree, built with the warnings that every layer keeps.
 add_library(NerinWarnings INTERFACE)
 # The log names source files by their path inside the tree, and no folder of the build machine.
 add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
@@ -21,11 +19,34 @@ if(NERIN_FUZZERS)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
+# nerin_layer(NAME SOURCES...) makes one layer of the house: a static library whose headers are
+# included by their path from the top of the tree, built with the warnings that every layer keeps.
 function(nerin_layer name)
   add_library(${name} STATIC ${ARGN})
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE NerinWarnings)
 endfunction()
+
+# Most of what a small file costs is in the headers of others, so they are precompiled: once for the
+# layers without Qt, and once for those with its widgets. Each file still includes what it needs, as
+# it must compile without them, too.
+function(nerin_headers name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LINK")
+  set(source "${CMAKE_BINARY_DIR}/generated/${name}.cpp")
+  file(CONFIGURE OUTPUT "${source}" CONTENT "// Is compiled for its precompiled headers only.\n")
+  add_library(${name} OBJECT "${source}")
+  target_precompile_headers(${name} PRIVATE ${arg_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE NerinWarnings ${arg_LINK})
+endfunction()
+
+nerin_headers(PlainHeaders
+  <algorithm> <array> <cstdint> <filesystem> <functional> <memory> <optional> <string> <utility>
+  <vector>)
+nerin_headers(WidgetHeaders
+  <algorithm> <array> <cstdint> <functional> <memory> <optional> <string> <utility> <vector>
+  <QApplication> <QKeyEvent> <QLabel> <QLineEdit> <QMouseEvent> <QPainter> <QPointer> <QPushButton>
+  <QScreen> <QTimer> <QWidget>
+  LINK Qt6::Widgets)
 
 # nerin_test(NAME SOURCES... [ALONE SOURCES...] [OWN_PROCESS SUITES...]) makes one GoogleTest
 # program and registers its suites, each as one test of ctest. A suite that OWN_PROCESS names (* is
