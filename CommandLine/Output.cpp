@@ -6,8 +6,6 @@
 #include "CommandLine/CommandError.h"
 #include "Kit/Core/Utf8.h"
 
-template class nlohmann::basic_json<nlohmann::ordered_map>;
-
 namespace {
 
 // Characters as a terminal counts them, near enough: one for each lead byte.

@@ -8,9 +8,6 @@
 
 using Json = nlohmann::ordered_json;
 
-// Made once, in Output.cpp: in every file that makes a document it takes most of the compile time.
-extern template class nlohmann::basic_json<nlohmann::ordered_map>;
-
 // What a command answers: the same facts as lines for a person and as JSON for a script.
 class Output {
  public:
