@@ -277,7 +277,7 @@ void restore(Session& session, const std::string& folder) {
 
 }  // namespace
 
-void addBackupCommands(CLI::App& program, Command& chosen) {
+void addBackupCommands(GrammarCommand program, Command& chosen) {
   addWithWord(program, chosen, "backup",
               "Keep all ten slots with their names and macros as files in an empty folder",
               "backup mouse-before-update", "folder", backup);

@@ -11,14 +11,6 @@
 #include "Action/NerinAction.h"
 #include "CommandLine/CommandError.h"
 
-CLI::App* addCommand(CLI::App& parent, const std::string& name, const std::string& description,
-                     const std::string& example) {
-  CLI::App* command = parent.add_subcommand(name, description);
-  command->fallthrough();
-  command->footer("Example:\n  nerinctl " + example);
-  return command;
-}
-
 int slotOf(int number) {
   if (number < 1 || number > ProfieController::slotCount) {
     throw CommandError(ExitCode::NotFound, "no such slot: " + std::to_string(number) +
@@ -93,25 +85,25 @@ int activeSlotOf(Session& session) {
   return slot;
 }
 
-void addWithWord(CLI::App& group, Command& chosen, const std::string& name,
+void addWithWord(GrammarCommand group, Command& chosen, const std::string& name,
                  const std::string& description, const std::string& example,
                  const std::string& word, void (*action)(Session&, const std::string&)) {
-  CLI::App* command = addCommand(group, name, description, example);
+  GrammarCommand command = group.addCommand(name, description, example);
   auto value = std::make_shared<std::string>();
-  command->add_option(word, *value)->required();
-  command->callback(
+  command.addOption(word, *value).required();
+  command.onGiven(
       [&chosen, value, action] { chosen = [=](Session& session) { action(session, *value); }; });
 }
 
-void addWithWords(CLI::App& group, Command& chosen, const std::string& name,
+void addWithWords(GrammarCommand group, Command& chosen, const std::string& name,
                   const std::string& description, const std::string& example,
                   const std::string& first, const std::string& second,
                   void (*action)(Session&, const std::string&, const std::string&)) {
-  CLI::App* command = addCommand(group, name, description, example);
+  GrammarCommand command = group.addCommand(name, description, example);
   auto values = std::make_shared<std::pair<std::string, std::string>>();
-  command->add_option(first, values->first)->required();
-  command->add_option(second, values->second)->required();
-  command->callback([&chosen, values, action] {
+  command.addOption(first, values->first).required();
+  command.addOption(second, values->second).required();
+  command.onGiven([&chosen, values, action] {
     chosen = [=](Session& session) { action(session, values->first, values->second); };
   });
 }

@@ -3,31 +3,26 @@
 #include <functional>
 #include <string>
 
-#include <CLI/CLI.hpp>
-
 #include "Action/Library/ProfieController.h"
+#include "CommandLine/Grammar.h"
 #include "CommandLine/Session.h"
 
 // The command that the user chose; run after the whole line was read.
 using Command = std::function<void(Session&)>;
 
 // Each adds a group of commands to the program. The chosen one ends up in `chosen`.
-void addSlotCommands(CLI::App& program, Command& chosen);
-void addProfileCommands(CLI::App& program, Command& chosen);
-void addShowCommand(CLI::App& program, Command& chosen);
-void addSettingCommands(CLI::App& program, Command& chosen);
-void addMacroCommands(CLI::App& program, Command& chosen);
-void addBackupCommands(CLI::App& program, Command& chosen);
+void addSlotCommands(GrammarCommand program, Command& chosen);
+void addProfileCommands(GrammarCommand program, Command& chosen);
+void addShowCommand(GrammarCommand program, Command& chosen);
+void addSettingCommands(GrammarCommand program, Command& chosen);
+void addMacroCommands(GrammarCommand program, Command& chosen);
+void addBackupCommands(GrammarCommand program, Command& chosen);
 
-// A command with its example, which its help shows.
-CLI::App* addCommand(CLI::App& parent, const std::string& name, const std::string& description,
-                     const std::string& example);
-
-// The same for a command with one word, or two, behind it.
-void addWithWord(CLI::App& group, Command& chosen, const std::string& name,
+// Adds a command with one word, or two, behind it.
+void addWithWord(GrammarCommand group, Command& chosen, const std::string& name,
                  const std::string& description, const std::string& example,
                  const std::string& word, void (*action)(Session&, const std::string&));
-void addWithWords(CLI::App& group, Command& chosen, const std::string& name,
+void addWithWords(GrammarCommand group, Command& chosen, const std::string& name,
                   const std::string& description, const std::string& example,
                   const std::string& first, const std::string& second,
                   void (*action)(Session&, const std::string&, const std::string&));

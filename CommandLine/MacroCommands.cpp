@@ -108,18 +108,18 @@ void remove(Session& session, const std::string& name) {
 
 }  // namespace
 
-void addMacroCommands(CLI::App& program, Command& chosen) {
-  CLI::App* group = addCommand(program, "macros", "The macros", "macros list");
-  group->require_subcommand(1);
-  addCommand(*group, "list", "All macros", "macros list --json")->callback([&chosen] {
+void addMacroCommands(GrammarCommand program, Command& chosen) {
+  GrammarCommand group = program.addCommand("macros", "The macros", "macros list");
+  group.requireCommand();
+  group.addCommand("list", "All macros", "macros list --json").onGiven([&chosen] {
     chosen = list;
   });
-  addWithWord(*group, chosen, "show", "The events of a macro", "macros show Reload", "name", show);
-  addWithWord(*group, chosen, "import", "Add a macro file, under the file's name",
+  addWithWord(group, chosen, "show", "The events of a macro", "macros show Reload", "name", show);
+  addWithWord(group, chosen, "import", "Add a macro file, under the file's name",
               "macros import Reload.mac", "file", import);
-  addWithWords(*group, chosen, "export", "Write a macro to a file",
+  addWithWords(group, chosen, "export", "Write a macro to a file",
                "macros export Reload Reload.mac", "name", "file", exportTo);
-  addWithWords(*group, chosen, "rename", "Give a macro another name", "macros rename Reload Fire",
+  addWithWords(group, chosen, "rename", "Give a macro another name", "macros rename Reload Fire",
                "old", "new", rename);
-  addWithWord(*group, chosen, "delete", "Remove a macro", "macros delete Reload", "name", remove);
+  addWithWord(group, chosen, "delete", "Remove a macro", "macros delete Reload", "name", remove);
 }

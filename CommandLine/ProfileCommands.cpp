@@ -119,27 +119,27 @@ void show(Session& session, const std::string& nameOrFile) {
 
 }  // namespace
 
-void addProfileCommands(CLI::App& program, Command& chosen) {
-  CLI::App* group = addCommand(program, "profiles", "The library of profiles", "profiles list");
-  group->require_subcommand(1);
-  addCommand(*group, "list", "All profiles", "profiles list --json")->callback([&chosen] {
+void addProfileCommands(GrammarCommand program, Command& chosen) {
+  GrammarCommand group = program.addCommand("profiles", "The library of profiles", "profiles list");
+  group.requireCommand();
+  group.addCommand("list", "All profiles", "profiles list --json").onGiven([&chosen] {
     chosen = list;
   });
-  addWithWord(*group, chosen, "add", "A new profile with the factory's settings",
+  addWithWord(group, chosen, "add", "A new profile with the factory's settings",
               "profiles add Office", "name", add);
-  addWithWord(*group, chosen, "copy", "A copy under the next free name", "profiles copy Office",
+  addWithWord(group, chosen, "copy", "A copy under the next free name", "profiles copy Office",
               "name", copy);
-  addWithWords(*group, chosen, "rename", "Give a profile another name",
+  addWithWords(group, chosen, "rename", "Give a profile another name",
                "profiles rename Office Work", "old", "new", rename);
-  addWithWord(*group, chosen, "delete", "Remove a profile from the library",
+  addWithWord(group, chosen, "delete", "Remove a profile from the library",
               "profiles delete Office", "name", remove);
-  addWithWord(*group, chosen, "import", "Add a profile file to the library",
+  addWithWord(group, chosen, "import", "Add a profile file to the library",
               "profiles import office.pro", "file", import);
-  addWithWords(*group, chosen, "export", "Write a profile to a file",
+  addWithWords(group, chosen, "export", "Write a profile to a file",
                "profiles export Office office.pro", "name", "file", exportTo);
 }
 
-void addShowCommand(CLI::App& program, Command& chosen) {
+void addShowCommand(GrammarCommand program, Command& chosen) {
   addWithWord(program, chosen, "show", "Everything that a profile says, in words", "show Office",
               "profile", show);
 }

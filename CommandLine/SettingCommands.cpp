@@ -200,48 +200,45 @@ void mode(Session& session, bool isBattle) {
 
 }  // namespace
 
-void addSettingCommands(CLI::App& program, Command& chosen) {
-  CLI::App* command =
-      addCommand(program, "rate", "The report rate of the active slot, at once", "rate 1000");
+void addSettingCommands(GrammarCommand program, Command& chosen) {
+  GrammarCommand command =
+      program.addCommand("rate", "The report rate of the active slot, at once", "rate 1000");
   auto hertz = std::make_shared<int>();
-  command->add_option("hz", *hertz, "125, 250, 500 or 1000")->required();
-  command->callback(
+  command.addOption("hz", *hertz, "125, 250, 500 or 1000").required();
+  command.onGiven(
       [&chosen, hertz] { chosen = [hertz](Session& session) { rate(session, *hertz); }; });
 
-  command = addCommand(program, "dpi", "The DPI levels of the active slot, at once",
-                       "dpi --levels 2 --set 1=800 --set 2=1600x800 --active 1");
+  command = program.addCommand("dpi", "The DPI levels of the active slot, at once",
+                               "dpi --levels 2 --set 1=800 --set 2=1600x800 --active 1");
   auto dpiOptions = std::make_shared<DpiOptions>();
-  command->add_option("--levels", dpiOptions->levels, "How many levels are in use, 1 to 5");
-  command->add_option("--active", dpiOptions->active, "The active level, 1 to 5");
-  command->add_option("--set", dpiOptions->values, "LEVEL=DPI, or LEVEL=XxY for two axes")
-      ->type_name("LEVEL=DPI");
-  command->callback([&chosen, dpiOptions] {
+  command.addOption("--levels", dpiOptions->levels, "How many levels are in use, 1 to 5");
+  command.addOption("--active", dpiOptions->active, "The active level, 1 to 5");
+  command.addOption("--set", dpiOptions->values, "LEVEL=DPI, or LEVEL=XxY for two axes")
+      .typeName("LEVEL=DPI");
+  command.onGiven([&chosen, dpiOptions] {
     chosen = [dpiOptions](Session& session) { dpi(session, *dpiOptions); };
   });
 
   command =
-      addCommand(program, "lift", "The lift-off height of the active slot, at once", "lift 15");
+      program.addCommand("lift", "The lift-off height of the active slot, at once", "lift 15");
   auto height = std::make_shared<int>();
-  command->add_option("height", *height, "0 to 31")->required();
-  command->callback(
+  command.addOption("height", *height, "0 to 31").required();
+  command.onGiven(
       [&chosen, height] { chosen = [height](Session& session) { lift(session, *height); }; });
 
-  command = addCommand(program, "leds", "The colours of the active slot, at once",
-                       "leds --all e5262f --zone 3=0000ff");
+  command = program.addCommand("leds", "The colours of the active slot, at once",
+                               "leds --all e5262f --zone 3=0000ff");
   auto ledOptions = std::make_shared<LedOptions>();
-  command->add_option("--all", ledOptions->all, "The colour of all four zones")
-      ->type_name("RRGGBB");
-  command->add_option("--zone", ledOptions->zones, "The colour of one zone, 1 to 4")
-      ->type_name("N=RRGGBB");
-  command->callback([&chosen, ledOptions] {
+  command.addOption("--all", ledOptions->all, "The colour of all four zones").typeName("RRGGBB");
+  command.addOption("--zone", ledOptions->zones, "The colour of one zone, 1 to 4")
+      .typeName("N=RRGGBB");
+  command.onGiven([&chosen, ledOptions] {
     chosen = [ledOptions](Session& session) { leds(session, *ledOptions); };
   });
 
-  command = addCommand(program, "mode", "The LED mode of the active slot, at once", "mode battle");
+  command = program.addCommand("mode", "The LED mode of the active slot, at once", "mode battle");
   auto name = std::make_shared<std::string>();
-  command->add_option("mode", *name, "battle or normal")
-      ->required()
-      ->check(CLI::IsMember({"battle", "normal"}));
-  command->callback(
+  command.addOption("mode", *name, "battle or normal").required().oneOf({"battle", "normal"});
+  command.onGiven(
       [&chosen, name] { chosen = [name](Session& session) { mode(session, *name == "battle"); }; });
 }

@@ -148,37 +148,38 @@ void read(Session& session, int slot, const std::optional<std::string>& file) {
 
 }  // namespace
 
-void addSlotCommands(CLI::App& program, Command& chosen) {
-  addCommand(program, "status", "What the mouse and the library hold now", "status")
-      ->callback([&chosen] { chosen = status; });
-  addCommand(program, "slots", "The ten slots of the mouse", "slots --json")->callback([&chosen] {
+void addSlotCommands(GrammarCommand program, Command& chosen) {
+  program.addCommand("status", "What the mouse and the library hold now", "status")
+      .onGiven([&chosen] { chosen = status; });
+  program.addCommand("slots", "The ten slots of the mouse", "slots --json").onGiven([&chosen] {
     chosen = slots;
   });
 
-  CLI::App* command = addCommand(program, "switch", "Make another slot the active one", "switch 3");
+  GrammarCommand command =
+      program.addCommand("switch", "Make another slot the active one", "switch 3");
   auto number = std::make_shared<int>();
-  command->add_option("slot", *number, "The slot, 1 to 10")->required();
-  command->callback([&chosen, number] {
+  command.addOption("slot", *number, "The slot, 1 to 10").required();
+  command.onGiven([&chosen, number] {
     chosen = [number](Session& session) { switchSlot(session, slotOf(*number)); };
   });
 
-  command = addCommand(program, "apply", "Write a profile of the library into a slot",
-                       "apply Office --slot 2");
+  command = program.addCommand("apply", "Write a profile of the library into a slot",
+                               "apply Office --slot 2");
   auto name = std::make_shared<std::string>();
   auto applySlotNumber = std::make_shared<int>();
-  command->add_option("name", *name, "The profile")->required();
-  command->add_option("--slot", *applySlotNumber, "The slot, 1 to 10")->required();
-  command->callback([&chosen, name, applySlotNumber] {
+  command.addOption("name", *name, "The profile").required();
+  command.addOption("--slot", *applySlotNumber, "The slot, 1 to 10").required();
+  command.onGiven([&chosen, name, applySlotNumber] {
     chosen = [=](Session& session) { apply(session, *name, slotOf(*applySlotNumber)); };
   });
 
-  command = addCommand(program, "read", "Show what a slot of the mouse holds",
-                       "read --slot 2 --output office.pro");
+  command = program.addCommand("read", "Show what a slot of the mouse holds",
+                               "read --slot 2 --output office.pro");
   auto readSlotNumber = std::make_shared<int>();
   auto file = std::make_shared<std::optional<std::string>>();
-  command->add_option("--slot", *readSlotNumber, "The slot, 1 to 10")->required();
-  command->add_option("--output", *file, "Write it to this profile file, too")->type_name("FILE");
-  command->callback([&chosen, readSlotNumber, file] {
+  command.addOption("--slot", *readSlotNumber, "The slot, 1 to 10").required();
+  command.addOption("--output", *file, "Write it to this profile file, too").typeName("FILE");
+  command.onGiven([&chosen, readSlotNumber, file] {
     chosen = [=](Session& session) { read(session, slotOf(*readSlotNumber), *file); };
   });
 }

@@ -4,7 +4,6 @@
 #include <sstream>
 #include <string>
 
-#include <CLI/CLI.hpp>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -31,16 +30,6 @@ void occupyStandardStreams() {
   }
 }
 
-// The word that stands where a command was expected; empty when there is none.
-std::string unknownCommand(const CLI::App& program) {
-  const CLI::App* group = &program;
-  while (!group->get_subcommands().empty()) {
-    group = group->get_subcommands().front();
-  }
-  const auto words = program.remaining(true);
-  return group->get_require_subcommand_min() > 0 && !words.empty() ? words.front() : std::string();
-}
-
 // The lines of a message are the program's own; what came from elsewhere has none.
 void complain(const std::string& message) {
   std::istringstream lines("nerinctl: " + message);
@@ -50,26 +39,25 @@ void complain(const std::string& message) {
 }
 
 int run(int argc, char** argv) {
-  CLI::App program(
+  Grammar program(
       "Configures the NERIN gaming mouse: its ten slots, profiles, macros and settings.",
-      "nerinctl");
+      "nerinctl", exitCodes);
   SessionOptions options;
   bool isJson = false;
   program
-      .add_option("--virtual", options.virtualFile,
-                  "Use a virtual mouse whose memory is this file, made when missing")
-      ->type_name("FILE");
+      .addOption("--virtual", options.virtualFile,
+                 "Use a virtual mouse whose memory is this file, made when missing")
+      .typeName("FILE");
   program
-      .add_option("--scenario", options.scenario,
-                  "How the virtual mouse misbehaves: healthy, absent, unplugged-after=N, slow, "
-                  "short, random, garbage")
-      ->type_name("NAME");
-  program.add_option("--trace", options.traceFile, "Write every transfer and pause to this file")
-      ->type_name("FILE");
-  program.add_flag("--json", isJson, "Answer in JSON");
-  program.set_version_flag("--version", NERIN_VERSION);
-  program.require_subcommand(1);
-  program.footer(exitCodes);
+      .addOption("--scenario", options.scenario,
+                 "How the virtual mouse misbehaves: healthy, absent, unplugged-after=N, slow, "
+                 "short, random, garbage")
+      .typeName("NAME");
+  program.addOption("--trace", options.traceFile, "Write every transfer and pause to this file")
+      .typeName("FILE");
+  program.addFlag("--json", isJson, "Answer in JSON");
+  program.addVersion(NERIN_VERSION);
+  program.requireCommand();
 
   Command chosen;
   addSlotCommands(program, chosen);
@@ -78,15 +66,8 @@ int run(int argc, char** argv) {
   addSettingCommands(program, chosen);
   addMacroCommands(program, chosen);
   addBackupCommands(program, chosen);
-  try {
-    program.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    if (const std::string word = unknownCommand(program); !word.empty()) {
-      throw CommandError(ExitCode::Usage,
-                         "no such command: " + printable(word) + " (see nerinctl --help)");
-    }
-    const int code = program.exit(error);
-    return static_cast<int>(code == 0 ? ExitCode::Done : ExitCode::Usage);
+  if (const auto code = program.parse(argc, argv)) {
+    return static_cast<int>(*code);
   }
 
   Session session;

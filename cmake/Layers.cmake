@@ -1,5 +1,3 @@
-# nerin_layer(NAME SOURCES...) makes one layer of the house: a static library whose headers are
-# included by their path from the top of the tree, built with the warnings that every layer keeps.
 add_library(NerinWarnings INTERFACE)
 # The log names source files by their path inside the tree, and no folder of the build machine.
 add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
@@ -21,23 +19,69 @@ if(NERIN_FUZZERS)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
+# nerin_layer(NAME SOURCES...) makes one layer of the house: a static library whose headers are
+# included by their path from the top of the tree, built with the warnings that every layer keeps.
 function(nerin_layer name)
   add_library(${name} STATIC ${ARGN})
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE NerinWarnings)
 endfunction()
 
-# nerin_test(NAME SOURCES...) makes one GoogleTest program and registers its tests.
+# Most of what a small file costs is in the headers of others, so they are precompiled: once for the
+# layers without Qt, and once for those with its widgets. Each file still includes what it needs, as
+# it must compile without them, too.
+function(nerin_headers name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LINK")
+  set(source "${CMAKE_BINARY_DIR}/generated/${name}.cpp")
+  file(CONFIGURE OUTPUT "${source}" CONTENT "// Is compiled for its precompiled headers only.\n")
+  add_library(${name} OBJECT "${source}")
+  target_precompile_headers(${name} PRIVATE ${arg_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE NerinWarnings ${arg_LINK})
+endfunction()
+
+nerin_headers(PlainHeaders
+  <algorithm> <array> <cstdint> <filesystem> <functional> <memory> <optional> <string> <utility>
+  <vector>)
+nerin_headers(WidgetHeaders
+  <algorithm> <array> <cstdint> <functional> <memory> <optional> <string> <utility> <vector>
+  <QApplication> <QKeyEvent> <QLabel> <QLineEdit> <QMouseEvent> <QPainter> <QPointer> <QPushButton>
+  <QScreen> <QTimer> <QWidget>
+  LINK Qt6::Widgets)
+
+# nerin_test(NAME SOURCES... [ALONE SOURCES...] [OWN_PROCESS SUITES...]) makes one GoogleTest
+# program and registers its suites, each as one test of ctest. A suite that OWN_PROCESS names (* is
+# all of them) is registered test by test: what such a suite leaves behind in its process, another
+# test would meet.
+#
+# Reading the headers, and the templates made from them, is most of a test's compile time, so that
+# several files are compiled at once (NERIN_UNITY_TESTS). A file that cannot stand behind another,
+# because of a name that both have for themselves, or because of macros, is listed in ALONE.
 function(nerin_test name)
-  add_executable(${name} ${ARGN})
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "ALONE;OWN_PROCESS")
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS} ${arg_ALONE})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
-  # Most of a test's compile time is in reading these.
-  target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <filesystem> <fstream>
-                            <memory> <optional> <string> <vector>)
   target_compile_definitions(
     ${name} PRIVATE NERIN_FIXTURES="${PROJECT_SOURCE_DIR}/Tests/Fixtures"
                     NERIN_RESOURCES="${CMAKE_BINARY_DIR}/resources")
   target_link_libraries(${name} PRIVATE NerinWarnings GTest::gtest GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-                       PROPERTIES TIMEOUT 300)
+  if(NERIN_UNITY_TESTS)
+    set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+    set_source_files_properties(${arg_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+    # A fixture of one file is no longer in the main file, which is all that this warns of.
+    target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+  endif()
+  nerin_discover_suites(${name} ${arg_OWN_PROCESS})
+endfunction()
+
+# The suites are those that the program names when ctest starts.
+function(nerin_discover_suites name)
+  set(script "${CMAKE_CURRENT_BINARY_DIR}/${name}-suites.cmake")
+  file(GENERATE OUTPUT "${script}" CONTENT "\
+set(script \"${script}\")
+set(program \"$<TARGET_FILE:${name}>\")
+set(own_process \"${ARGN}\")
+set(tests \"${CMAKE_CURRENT_BINARY_DIR}/${name}-tests.cmake\")
+include(\"${PROJECT_SOURCE_DIR}/cmake/RegisterSuites.cmake\")
+")
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${script}")
 endfunction()

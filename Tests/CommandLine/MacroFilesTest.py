@@ -14,7 +14,7 @@ import unittest
 from plistlib import UID
 
 TESTS = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-sys.path.insert(0, os.path.join(TESTS, "KitCore"))
+sys.path.insert(0, os.path.join(TESTS, "Kit", "Core"))
 
 from property_lists import as_cocoa_xml  # noqa: E402
 

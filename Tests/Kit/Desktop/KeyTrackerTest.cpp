@@ -1,3 +1,4 @@
+#include <fstream>
 #include <ostream>
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+#include <fstream>
 #include <limits>
 #include <set>
 

@@ -1,0 +1,97 @@
+#include "CommandLine/Grammar.h"
+
+#include <utility>
+
+#include <CLI/CLI.hpp>
+
+#include "CommandLine/Output.h"
+
+namespace {
+
+// The word that stands where a command was expected; empty when there is none.
+std::string unknownCommand(const CLI::App& program) {
+  const CLI::App* group = &program;
+  while (!group->get_subcommands().empty()) {
+    group = group->get_subcommands().front();
+  }
+  const auto words = program.remaining(true);
+  return group->get_require_subcommand_min() > 0 && !words.empty() ? words.front() : std::string();
+}
+
+}  // namespace
+
+GrammarOption& GrammarOption::required() {
+  m_option->required();
+  return *this;
+}
+
+GrammarOption& GrammarOption::typeName(const std::string& name) {
+  m_option->type_name(name);
+  return *this;
+}
+
+GrammarOption& GrammarOption::oneOf(const std::vector<std::string>& values) {
+  m_option->check(CLI::IsMember(values));
+  return *this;
+}
+
+GrammarCommand GrammarCommand::addCommand(const std::string& name, const std::string& description,
+                                          const std::string& example) {
+  CLI::App* command = m_command->add_subcommand(name, description);
+  command->fallthrough();
+  command->footer("Example:\n  nerinctl " + example);
+  return GrammarCommand(command);
+}
+
+void GrammarCommand::requireCommand() {
+  m_command->require_subcommand(1);
+}
+
+template <typename Value>
+GrammarOption GrammarCommand::addOption(const std::string& name, Value& value,
+                                        const std::string& description) {
+  return GrammarOption(m_command->add_option(name, value, description));
+}
+
+template GrammarOption GrammarCommand::addOption(const std::string&, int&, const std::string&);
+template GrammarOption GrammarCommand::addOption(const std::string&, std::optional<int>&,
+                                                 const std::string&);
+template GrammarOption GrammarCommand::addOption(const std::string&, std::string&,
+                                                 const std::string&);
+template GrammarOption GrammarCommand::addOption(const std::string&, std::optional<std::string>&,
+                                                 const std::string&);
+template GrammarOption GrammarCommand::addOption(const std::string&, std::vector<std::string>&,
+                                                 const std::string&);
+
+void GrammarCommand::addFlag(const std::string& name, bool& value, const std::string& description) {
+  m_command->add_flag(name, value, description);
+}
+
+void GrammarCommand::onGiven(std::function<void()> action) {
+  m_command->callback(std::move(action));
+}
+
+Grammar::Grammar(const std::string& description, const std::string& name, const std::string& footer)
+    : GrammarCommand(nullptr), m_program(std::make_unique<CLI::App>(description, name)) {
+  m_command = m_program.get();
+  m_command->footer(footer);
+}
+
+Grammar::~Grammar() = default;
+
+void Grammar::addVersion(const std::string& version) {
+  m_program->set_version_flag("--version", version);
+}
+
+std::optional<ExitCode> Grammar::parse(int argc, const char* const* argv) {
+  try {
+    m_program->parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (const std::string word = unknownCommand(*m_program); !word.empty()) {
+      throw CommandError(ExitCode::Usage,
+                         "no such command: " + printable(word) + " (see nerinctl --help)");
+    }
+    return m_program->exit(error) == 0 ? ExitCode::Done : ExitCode::Usage;
+  }
+  return std::nullopt;
+}
