@@ -58,13 +58,13 @@ def header(theme, screens):
         "  Frame frame;",
         "};",
         "",
-        "namespace Colour {",
+        "namespace Color {",
     ]
     for name, value in theme.colors.items():
         if not re.fullmatch(r"#[0-9A-Fa-f]{6}", value):
             raise ArtworkError("theme.css: --%s is not a color of six digits" % name)
         lines.append("inline constexpr std::uint32_t %s = 0x%s;" % (name, value[1:].upper()))
-    lines.append("}  // namespace Colour")
+    lines.append("}  // namespace Color")
 
     def table(kind, rows):
         lines.append("  static constexpr std::array<NamedFrame, %d> %s{{" % (len(rows), kind))

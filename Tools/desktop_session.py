@@ -70,10 +70,10 @@ def frames(header):
     screens = {}
     with open(header, encoding="utf-8") as file:
         for line in file:
-            if opened := re.match(r"namespace (\w+) \{", line):
+            if opened := re.match(r"struct (\w+) \{", line):
                 screens[opened[1]] = controls = {}
             elif frame := re.match(
-                    r"inline constexpr Frame (\w+)\{(\d+), (\d+), (\d+), (\d+),", line):
+                    r"  static constexpr Frame (\w+)\{(\d+), (\d+), (\d+), (\d+),", line):
                 controls[frame[1]] = tuple(int(number) for number in frame.groups()[1:])
     return screens
 

@@ -112,6 +112,11 @@ std::optional<std::string> ProfieController::getLaunchPath(int pIndex, int bInde
 
 bool ProfieController::setLinkAppPath(const std::optional<std::string>& path, int pIndex,
                                       bool isActive) {
+  bool isStoredActive = false;
+  if (getLinkAppPath(pIndex, isStoredActive) == path.value_or("") && isStoredActive == isActive) {
+    // What is stored needs no room on a full disk.
+    return true;
+  }
   return preferences().setValues(preferencekeys::linkApp,
                                  {{preferencekeys::profile(pIndex), path.value_or("")},
                                   {preferencekeys::linkIsActive(pIndex), isActive}});

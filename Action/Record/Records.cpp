@@ -47,10 +47,10 @@ void swapNumbers(_Nerin_CONFIG& config) {
     std::for_each(std::begin(button.KeyBit), std::end(button.KeyBit), swapWord);
     swapWord(button.MacroID);
   }
-  for (_LightColorInfo& colour : profile.lightColorArr) {
-    swapWord(colour.cR);
-    swapWord(colour.cG);
-    swapWord(colour.cB);
+  for (_LightColorInfo& color : profile.lightColorArr) {
+    swapWord(color.cR);
+    swapWord(color.cG);
+    swapWord(color.cB);
   }
   std::for_each(std::begin(profile.islightOnArr), std::end(profile.islightOnArr), swapWord);
   std::for_each(std::begin(profile.xSensArr), std::end(profile.xSensArr), swapWord);

@@ -30,7 +30,7 @@ struct _BTN_INFO {
   std::uint32_t MacroID;      // the macro's id; 1 for mouse functions, 2 for keys
 };
 
-// One LED colour, 0..255 each.
+// One LED color, 0..255 each.
 struct _LightColorInfo {
   std::uint32_t cR;
   std::uint32_t cG;

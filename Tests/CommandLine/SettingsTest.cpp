@@ -96,7 +96,7 @@ TEST(NerinctlSettings, SetTheDpiLevels) {
       json::array({{{"x", 100}, {"y", 100}}, {{"x", 800}, {"y", 800}}, {{"x", 8200}, {"y", 150}}}));
   EXPECT_EQ(slot["activeLevel"], 2);
   EXPECT_EQ(bytesOf(image(user, 1), 6, 3), "310202");
-  // The colours of the levels are none of the settings.
+  // The colors of the levels are none of the settings.
   EXPECT_EQ(without(image(user, 1), 6, 23), without(before, 6, 23));
 }
 
@@ -134,7 +134,7 @@ TEST(NerinctlSettings, RefuseDpiLevelsThatTheMouseDoesNotHave) {
   EXPECT_EQ(user.mouseMemory(), before);
 }
 
-TEST(NerinctlSettings, SetTheColours) {
+TEST(NerinctlSettings, SetTheColors) {
   const TestHome user;
   const std::string before = (user.prepare({"status"}), image(user));
   const Lines trace = user.trace({"leds", "--all", "#e5262f", "--zone", "3=0000ff"});
@@ -150,7 +150,7 @@ TEST(NerinctlSettings, SetTheColours) {
   EXPECT_THAT(user.lines({"leds", "--all", "010203"}), ElementsAre("colours set"));
 }
 
-TEST(NerinctlSettings, RefuseWhatIsNoColour) {
+TEST(NerinctlSettings, RefuseWhatIsNoColor) {
   const TestHome user;
   user.prepare({"status"});
   const std::string before = user.mouseMemory();

@@ -172,8 +172,8 @@ _Nerin_PROFILE slotAsRead(int slot, const _Nerin_PROFILE& written) {
   }
   read.modeType = written.modeType == 1 ? 1 : 0;
   std::fill(std::begin(read.islightOnArr), std::end(read.islightOnArr), 0);
-  for (_LightColorInfo& colour : read.lightColorArr) {
-    colour = {low(colour.cR), low(colour.cG), low(colour.cB)};
+  for (_LightColorInfo& color : read.lightColorArr) {
+    color = {low(color.cR), low(color.cG), low(color.cB)};
   }
   const std::uint32_t levels = low(written.currSelectDPI + written.dpiLevel * 16);
   read.currSelectDPI = levels & 0x0FU;

@@ -41,7 +41,7 @@ void KeyAssignView::initControls() {
   m_buttonTxt->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   // Its edge is that of what stands below.
   m_buttonTxt->setTextMargins(0, 0, -LXTextField::ownMargin, 0);
-  m_buttonTxt->setTextColor(QColor::fromRgb(Artwork::Colour::mist));
+  m_buttonTxt->setTextColor(QColor::fromRgb(Artwork::Color::mist));
 
   m_singleKeyView = new SubSingleKeyView(this);
   struct Panel {

@@ -61,7 +61,7 @@ void SubSingleKeyView::initControls() {
   m_noteTxt->setObjectName(QStringLiteral("noteTxt"));
   m_noteTxt->setText(NerinAction::tooltipText("The mouse cannot send this key"));
   m_noteTxt->setTextMargins(textMargin, 0, 0, 0);
-  m_noteTxt->setTextColor(QColor::fromRgb(Artwork::Colour::emberLit));
+  m_noteTxt->setTextColor(QColor::fromRgb(Artwork::Color::emberLit));
   m_noteTxt->hide();
 
   m_singleSetp = new LXSetpPanelObj(this);

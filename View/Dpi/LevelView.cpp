@@ -115,8 +115,7 @@ void LevelView::setIsActive(bool isActive) {
 void LevelView::showState() {
   const bool isHovered = underMouse();
   setBgImage(m_isActive ? m_activeImg : isHovered ? m_hoverImg : m_normalImg);
-  const std::uint32_t color =
-      m_isActive || isHovered ? Artwork::Colour::snow : Artwork::Colour::mist;
+  const std::uint32_t color = m_isActive || isHovered ? Artwork::Color::snow : Artwork::Color::mist;
   m_levelTxt->setStyleSheet(
       QStringLiteral("color: #%1;").arg(static_cast<uint>(color), 6, 16, QLatin1Char('0')));
   update();

@@ -39,7 +39,7 @@ void drawKnob(QPainter& painter, const QPointF& center, bool hasFocus) {
   painter.drawEllipse(center, knobRadius, knobRadius);
 }
 
-// A colour that can be clicked.
+// A color that can be clicked.
 class Swatch : public QAbstractButton {
  public:
   explicit Swatch(QWidget* parent) : QAbstractButton(parent) {}
@@ -58,8 +58,8 @@ class Swatch : public QAbstractButton {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(m_color);
     const bool isLit = hasFocus() || underMouse();
-    painter.setPen(QPen(isLit ? QColor(Qt::white) : QColor::fromRgb(Artwork::Colour::hairline),
-                        isLit ? 2 : 1));
+    painter.setPen(
+        QPen(isLit ? QColor(Qt::white) : QColor::fromRgb(Artwork::Color::hairline), isLit ? 2 : 1));
     painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
   }
 
@@ -304,7 +304,7 @@ void ColorPanel::onNumTextChange(LXNumberTextField& /*sender*/) {
   setSelColor(LightColor::ofBytes(part(0), part(1), part(2)));
 }
 
-// Six digits are a colour; anything else goes back.
+// Six digits are a color; anything else goes back.
 void ColorPanel::takeHex() {
   QString code = m_hexTxt->text();
   code.remove(u'#');

@@ -10,7 +10,7 @@
 class LXNumberTextField;
 class LXTextField;
 
-// The colour being picked, as hue, saturation and brightness of 0..1: what two sliders and fields
+// The color being picked, as hue, saturation and brightness of 0..1: what two sliders and fields
 // share, so that a grey does not lose its hue nor a black its saturation.
 struct PickedColor {
   double hue = 0;
@@ -29,7 +29,7 @@ class PickView : public QWidget {
  public:
   explicit PickView(QWidget* parent);
 
-  // Shows a colour and tells nobody.
+  // Shows a color and tells nobody.
   void show(const PickedColor& color);
 
  signals:
@@ -65,7 +65,7 @@ class HueSaturationView : public PickView {
   void pick(double hue, double saturation);
 };
 
-// The brightness of the picked colour, left to right.
+// The brightness of the picked color, left to right.
 class BrightnessView : public PickView {
   Q_OBJECT
 
@@ -83,7 +83,7 @@ class BrightnessView : public PickView {
   void pick(double brightness);
 };
 
-// A few colours that were used, the last one first. They last as long as the program.
+// A few colors that were used, the last one first. They last as long as the program.
 class RecentColorsView : public QWidget {
   Q_OBJECT
 
@@ -103,7 +103,7 @@ class RecentColorsView : public QWidget {
   std::vector<QWidget*> m_swatches;
 };
 
-// The colour in numbers: red, green and blue of 0..255, and the code of the three.
+// The color in numbers: red, green and blue of 0..255, and the code of the three.
 class ColorPanel : public TavImageView {
   Q_OBJECT
 
@@ -118,10 +118,10 @@ class ColorPanel : public TavImageView {
   // Without a picture of its own: it lies on its parent's.
   ColorPanel(const QSize& frame, const Places& places, QWidget* parent);
 
-  // Chooses a colour, which is reported as a change.
+  // Chooses a color, which is reported as a change.
   void setSelColor(const LightColor& color);
   const LightColor& selColor() const { return m_selColor; }
-  // Shows a colour and tells nobody.
+  // Shows a color and tells nobody.
   void showColor(const LightColor& color);
   void onNumTextChange(LXNumberTextField& sender) override;
   // What was typed and not committed counts.

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// A colour with components 0..1. Doubles until it is stored: the rounding of anything coarser would
+// A color with components 0..1. Doubles until it is stored: the rounding of anything coarser would
 // show in the profile.
 struct LightColor {
   double red = 0;

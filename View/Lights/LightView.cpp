@@ -19,7 +19,7 @@ using frames = Artwork::LightOptionView;
 constexpr int zones = static_cast<int>(zoneCount);
 constexpr int wellInset = 4;
 constexpr double wellRadius = 5;
-// Where the colour bar's picture is looked up, from its bottom left.
+// Where the color bar's picture is looked up, from its bottom left.
 constexpr int barColumn = 20;
 constexpr int barTop = 265;
 
@@ -356,7 +356,7 @@ void LightView::drawColorBtn(QPainter& painter) const {
   }
 }
 
-// The lights of the mouse in their colours: each picture is the light alone, white on nothing.
+// The lights of the mouse in their colors: each picture is the light alone, white on nothing.
 void LightView::drawLights(QPainter& painter) const {
   for (int i = 0; i < zones; ++i) {
     QPixmap light = m_lights[static_cast<std::size_t>(i)];

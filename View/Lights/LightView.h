@@ -17,8 +17,8 @@ class LXColorView;
 class LXImageView;
 class LXProgressBar;
 
-// The colours of the mouse's four zones. A change is seen here at once; Apply shows it on the
-// mouse, OK keeps it in the edited profile, Cancel gives the mouse the profile's colours again.
+// The colors of the mouse's four zones. A change is seen here at once; Apply shows it on the
+// mouse, OK keeps it in the edited profile, Cancel gives the mouse the profile's colors again.
 class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonDelegate {
   Q_OBJECT
 
@@ -46,9 +46,9 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   void displayBAColor();
   void displayBtnColor() { update(); }
   static LightColor getColorPro(const _LightColorInfo& color);
-  // Stores a colour for a zone index, 0..3; other indices are passed over.
+  // Stores a color for a zone index, 0..3; other indices are passed over.
   static void setColorPro(int index, const LightColor& color);
-  // A colour was chosen.
+  // A color was chosen.
   void onChangeColorPro(const LightColor& color);
   void OnColorChange(QObject* sender, const LightColor& color);
   void progessBarAction(LXProgressBar& sender);

@@ -140,7 +140,7 @@ void MacroView::initFields() {
   m_recordStateTxt = NerinAction::AddLabTextField(frameRect(frames::recordStateTxt), *this);
   m_recordStateTxt->setObjectName(QStringLiteral("recordStateTxt"));
   m_recordStateTxt->setTextMargins(-LXTextField::ownMargin, 0, -LXTextField::ownMargin, 0);
-  m_recordStateTxt->setTextColor(QColor::fromRgb(Artwork::Colour::emberLit));
+  m_recordStateTxt->setTextColor(QColor::fromRgb(Artwork::Color::emberLit));
 
   const auto addUsage = [this](const Artwork::Frame& label, const Artwork::Frame& bar,
                                const char* name, const char* nameKey) {

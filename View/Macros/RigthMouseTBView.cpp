@@ -30,7 +30,7 @@ QString keyName(std::int32_t keyCode) {
   }
 }
 
-// The pictures of the selected command stay as they are: tinted with the colour of the selection
+// The pictures of the selected command stay as they are: tinted with the color of the selection
 // they would be lost in it.
 class CommandDelegate : public QStyledItemDelegate {
  public:

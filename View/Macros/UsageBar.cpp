@@ -22,6 +22,6 @@ void UsageBar::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);
-  painter.setBrush(QColor::fromRgb(Artwork::Colour::ember));
+  painter.setBrush(QColor::fromRgb(Artwork::Color::ember));
   painter.drawRoundedRect(QRectF(0, 0, filled, height()), radius, radius);
 }

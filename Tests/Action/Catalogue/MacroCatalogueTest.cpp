@@ -260,7 +260,7 @@ constexpr const char* elaborate = R"(<?xml version="1.0" encoding="UTF-8"?>
 <?tool keep me?>
 <MenuInfo version="7" note="a &amp; b &lt; c &quot;d&quot;">
   <!-- in front of the list -->
-  <MacroList colour="red">
+  <MacroList color="red">
     <Item title="old" MacroID="1">
       <LoopTime>1</LoopTime>
     </Item>

@@ -93,7 +93,10 @@ TEST_F(OverHid, ApplyingToAMouseThatIsGoneKeepsTheProfile) {
   EXPECT_FALSE(NerinAction::checkListenDev());
   library().setCurrFWProfileName("Game");
   library().setFwProfileId(-1, 0);
-  EXPECT_TRUE(NerinAction::applySlot().isDone());
+  const Outcome outcome = NerinAction::applySlot();
+  ASSERT_TRUE(outcome.failure());
+  EXPECT_EQ(outcome.failure()->step, SlotStep::WriteName);
+  EXPECT_EQ(outcome.failure()->error, std::errc::no_such_device);
   EXPECT_EQ(namesOf(library().profileArr()), std::vector<std::string>{"Game"});
   m_emulated.plug(7);
   EXPECT_TRUE(NerinAction::checkListenDev());

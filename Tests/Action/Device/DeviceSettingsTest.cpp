@@ -34,7 +34,7 @@ class DeviceSettings : public ActionTest {
     }
     const auto name = word.get<std::string>();
     const auto index = [&] { return static_cast<std::size_t>(name.at(9) - '0'); };
-    const _LightColorInfo& colour = editState->currSetProfile().lightColorArr[zone];
+    const _LightColorInfo& color = editState->currSetProfile().lightColorArr[zone];
     if (name.starts_with("xSensArr[")) {
       return editState->currSetProfile().xSensArr[index()];
     }
@@ -55,13 +55,13 @@ class DeviceSettings : public ActionTest {
              ((editState->currSetProfile().dpiLevel * 16) & 0xFFU);
     }
     if (name == "cR") {
-      return colour.cR;
+      return color.cR;
     }
     if (name == "cG") {
-      return colour.cG;
+      return color.cG;
     }
     EXPECT_EQ(name, "cB");
-    return colour.cB;
+    return color.cB;
   }
 
   static std::string commandOf(const nlohmann::json& row, std::size_t zone) {
@@ -138,7 +138,7 @@ TEST_F(DeviceSettings, ARateThatDoesNotExistIsZero) {
   EXPECT_EQ(imageByte(4), 0);
 }
 
-TEST_F(DeviceSettings, TheColoursAreSentWithoutTheModes) {
+TEST_F(DeviceSettings, TheColorsAreSentWithoutTheModes) {
   library().setCurrFWProfileIndex(3);
   const std::uint8_t mode = imageByte(42);
   EXPECT_TRUE(NerinAction::setColorToDevice2().isDone());
@@ -166,15 +166,15 @@ TEST_F(DeviceSettings, AnyModeButNormalIsBattleWhenSentAtOnce) {
   expectSequence("setModelToDevice_battle(modeType!=0)");
 }
 
-TEST_F(DeviceSettings, ColoursByMemoryAreSixteenWritesAndARefresh) {
+TEST_F(DeviceSettings, ColorsByMemoryAreSixteenWritesAndARefresh) {
   library().setCurrFWProfileIndex(2);
   editState->currSetProfile().modeType = 1;
   EXPECT_TRUE(NerinAction::setColorToDevice().isDone());
   std::vector<std::string> expected;
   const std::uint32_t base = 294 + 2 * 256;
   for (std::uint32_t at = 0; at < 16; ++at) {
-    const _LightColorInfo& colour = editState->currSetProfile().lightColorArr[at / 4];
-    const std::uint32_t values[] = {3, colour.cR, colour.cG, colour.cB};
+    const _LightColorInfo& color = editState->currSetProfile().lightColorArr[at / 4];
+    const std::uint32_t values[] = {3, color.cR, color.cG, color.cB};
     const std::uint32_t address = base + at;
     const Bytes bytes{0xDE,
                       static_cast<std::uint8_t>(address),
@@ -195,7 +195,7 @@ TEST_F(DeviceSettings, ColoursByMemoryAreSixteenWritesAndARefresh) {
   EXPECT_EQ(mouse().imageReport(2)[57], 0x63);
 }
 
-TEST_F(DeviceSettings, ColoursByMemoryAreBattleOnlyForModeOne) {
+TEST_F(DeviceSettings, ColorsByMemoryAreBattleOnlyForModeOne) {
   editState->currSetProfile().modeType = 2;
   EXPECT_TRUE(NerinAction::setColorToDevice().isDone());
   EXPECT_EQ(mouse().imageReport(0)[42], 1);

@@ -95,8 +95,8 @@ class ImageTranslation : public ActionTest {
       return bytes;
     }
     if (meaning.starts_with("LED zone ")) {
-      const _LightColorInfo& colour = m_profile.lightColorArr[number("LED zone ")];
-      return {3, low(colour.cR), low(colour.cG), low(colour.cB)};
+      const _LightColorInfo& color = m_profile.lightColorArr[number("LED zone ")];
+      return {3, low(color.cR), low(color.cG), low(color.cB)};
     }
     if (meaning.find("button index ") != std::string::npos) {
       const auto index = static_cast<std::uint32_t>(number("button index "));
@@ -257,7 +257,7 @@ TEST_F(ImageTranslation, YStandsBeforeX) {
   EXPECT_EQ(m_profile.xSensArr[0], 22U);
 }
 
-TEST_F(ImageTranslation, LevelColoursAreConstantAndIgnoredOnReading) {
+TEST_F(ImageTranslation, LevelColorsAreConstantAndIgnoredOnReading) {
   fill();
   Bytes image = encoded();
   std::fill_n(image.begin() + 9, 3, std::uint8_t{99});

@@ -1,4 +1,4 @@
-// Picking a colour for a zone: the field, the brightness, the bar, numbers and recent colours.
+// Picking a color for a zone: the field, the brightness, the bar, numbers and recent colors.
 
 #include <QAbstractButton>
 #include <QTest>
@@ -55,7 +55,7 @@ class LightPicker : public LightTest {
     }
     return all;
   }
-  // Ten greys, so that no other test's colours are left.
+  // Ten greys, so that no other test's colors are left.
   static void forgetColors() {
     for (int i = 0; i < 10; ++i) {
       const double grey = (100 + i) / 255.0;
@@ -261,7 +261,7 @@ TEST_F(LightPicker, TheBarIsAPictureOfItsColors) {
   other.setTag(241);
   other.setValue(10);
   light().progessBarAction(other);
-  // Nor is there a colour beside the picture.
+  // Nor is there a color beside the picture.
   other.setTag(242);
   other.setValue(266);
   light().progessBarAction(other);

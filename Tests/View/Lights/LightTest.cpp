@@ -1,4 +1,4 @@
-// The colours of the four zones.
+// The colors of the four zones.
 
 #include "Tests/View/Lights/LightTest.h"
 

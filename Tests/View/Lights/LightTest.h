@@ -7,7 +7,7 @@
 #include "Tests/Support/EditorTest.h"
 #include "View/Lights/LightView.h"
 
-// The window of the four zones' colours over a profile with colours of its own.
+// The window of the four zones' colors over a profile with colors of its own.
 class LightTest : public EditorTest {
  protected:
   LightView& open() {
@@ -27,7 +27,7 @@ class LightTest : public EditorTest {
   const _LightColorInfo& color(int index) {
     return editState->currSetProfile().lightColorArr[index];
   }
-  // What gives the mouse these colours.
+  // What gives the mouse these colors.
   static std::vector<std::string> colorCommands(const _Nerin_PROFILE& profile) {
     std::vector<std::string> commands;
     const auto send = [&](Bytes bytes) {

@@ -1,4 +1,4 @@
-// The four zones of the LED window: choosing one, its line, its colour and its history.
+// The four zones of the LED window: choosing one, its line, its color and its history.
 
 #include <QEnterEvent>
 #include <QPixmap>
@@ -80,7 +80,7 @@ TEST_P(LightZones, HasAButtonAMarkerAndALine) {
     EXPECT_FALSE(control(name).accessibleName().isEmpty()) << name;
     EXPECT_TRUE(control(name).isStepItem()) << name;
   }
-  // Only its colour is to be seen.
+  // Only its color is to be seen.
   const auto& images = control(zone.button).images();
   EXPECT_TRUE(images.normal.isNull() && images.over.isNull() && images.hight.isNull() &&
               images.disable.isNull() && images.active.isNull());
@@ -144,7 +144,7 @@ TEST_P(LightZones, ItsColorIsPaintedInItsPlace) {
     EXPECT_EQ(pixel(control(other().button).geometry().center()),
               shown(editState->selProfile().lightColorArr[other().number - 1]));
   }
-  // Within a frame, with round corners: there the colour does not show.
+  // Within a frame, with round corners: there the color does not show.
   const QColor corner = pixel(well.topLeft() + QPoint(4, 4));
   const QColor edge = pixel(well.topLeft() + QPoint(1, well.height() / 2));
   light().onChangeColorPro(blue);
@@ -224,7 +224,7 @@ TEST_P(LightZones, ItsHistoryIsWhatItWasAndWhatItIs) {
   EXPECT_EQ(before(), QColor(Qt::black));
   EXPECT_EQ(after(), shown(editState->selProfile().lightColorArr[other().number - 1]));
   press(zone.button);
-  // The last zone is remembered as it was filled, though it has the colour.
+  // The last zone is remembered as it was filled, though it has the color.
   const bool isLast = zone.number == 4;
   EXPECT_EQ(before(), isLast ? QColor(Qt::black) : red.shown());
   EXPECT_EQ(after(), isLast ? filled : green.shown());

@@ -40,7 +40,7 @@ class Screen : public TavImageView {
 
 class Factory : public ViewTest {
  protected:
-  // A folder of pictures, each filled with the colour that its name is listed with.
+  // A folder of pictures, each filled with the color that its name is listed with.
   void putPictures(const std::vector<std::pair<const char*, QColor>>& pictures) {
     const auto folder = home() / "pictures";
     std::filesystem::create_directories(folder);
@@ -111,7 +111,7 @@ TEST_F(Factory, AScreenBuiltInItsParentObservesAfterItsData) {
   EXPECT_THAT(screen->calls, ElementsAre("initData", "initControls", "refreshData", "initNotify"));
 }
 
-TEST_F(Factory, AScreenDrawsItsPictureOverItsColour) {
+TEST_F(Factory, AScreenDrawsItsPictureOverItsColor) {
   Screen screen({40, 30});
   QPixmap half(20, 30);
   half.fill(red);
