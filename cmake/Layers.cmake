@@ -54,8 +54,8 @@ nerin_headers(WidgetHeaders
 # test would meet.
 #
 # Reading the headers, and the templates made from them, is most of a test's compile time, so that
-# several files are compiled at once (NERIN_UNITY_TESTS). A file that cannot stand behind another,
-# because of a name that both have for themselves, or because of macros, is listed in ALONE.
+# the files of a folder are compiled at once (NERIN_UNITY_TESTS). A file that cannot stand behind
+# another of its folder, because both have a name for themselves, is listed in ALONE.
 function(nerin_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "ALONE;OWN_PROCESS")
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS} ${arg_ALONE})
@@ -65,8 +65,14 @@ function(nerin_test name)
                     NERIN_RESOURCES="${CMAKE_BINARY_DIR}/resources")
   target_link_libraries(${name} PRIVATE NerinWarnings GTest::gtest GTest::gmock GTest::gtest_main)
   if(NERIN_UNITY_TESTS)
-    set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
-    set_source_files_properties(${arg_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+    set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+    foreach(source IN LISTS arg_UNPARSED_ARGUMENTS)
+      cmake_path(GET source PARENT_PATH folder)
+      if(folder MATCHES "^\\.\\.")
+        set(folder Neighbours)
+      endif()
+      set_source_files_properties(${source} PROPERTIES UNITY_GROUP "Files${folder}")
+    endforeach()
     # A fixture of one file is no longer in the main file, which is all that this warns of.
     target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
   endif()
