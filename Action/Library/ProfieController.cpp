@@ -308,12 +308,14 @@ std::size_t ProfieController::getCurrProfileIndex() const {
 }
 
 void ProfieController::delProfile(const Profile& profile) {
-  // A copy, since the caller may hand over the selection itself.
-  const Profile removed = profile;
-  if (m_currProfile == removed) {
+  // First of all, since the caller may hand over the selection itself.
+  const std::ptrdiff_t position = positionOf(profile);
+  if (m_currProfile == profile) {
     m_currProfile = nullptr;
   }
-  std::erase(m_profileArr, removed);
+  if (position >= 0) {
+    m_profileArr.erase(m_profileArr.begin() + position);
+  }
 }
 
 void ProfieController::delProByName(const std::optional<std::string>& name) {
