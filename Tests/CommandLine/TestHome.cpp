@@ -16,9 +16,9 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 TestHome::TestHome()
-    : home(m_folder.path() / "home"),
-      mouseFile(m_folder.path() / "mouse"),
-      files(m_folder.path() / "files") {
+    : home(m_folder.folder() / "home"),
+      mouseFile(m_folder.folder() / "mouse"),
+      files(m_folder.folder() / "files") {
   fs::create_directories(home);
   fs::create_directories(files);
 }

@@ -11,6 +11,7 @@
 #include "Action/Library/ProfileValue.h"
 #include "Kit/Core/KeyedArchive.h"
 #include "Tests/CommandLine/ProgramRun.h"
+#include "Tests/Support/Scratch.h"
 #include "Tests/VirtualMouse/MouseHost.h"
 #include "VirtualMouse/VirtualMouse.h"
 
@@ -19,7 +20,7 @@ using Lines = std::vector<std::string>;
 
 // A user of the program: a home folder, a virtual mouse, and the ways to run the program there.
 class TestHome {
-  TemporaryFolder m_folder;
+  Scratch m_folder;
 
  public:
   TestHome();

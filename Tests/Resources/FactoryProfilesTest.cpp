@@ -16,6 +16,8 @@
 
 // The ten factory profiles, read by offset and independently of the records that wrote them.
 
+#include "Tests/Support/Scratch.h"
+
 namespace {
 
 using Json = nlohmann::json;
@@ -124,15 +126,8 @@ TEST_P(FactoryProfiles, ShineInOneColorInAllZones) {
 // Runs the tool on a source of the test.
 class FactoryProfilesTool : public testing::Test {
  protected:
-  fs::path m_folder;
+  Scratch m_folder;
   std::string m_output;
-
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "/factory-profiles-XXXXXX";
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    m_folder = pattern;
-  }
-  void TearDown() override { fs::remove_all(m_folder); }
 
   // Returns the exit code. The output is in m_output, the written files in m_folder / "out".
   int run(const fs::path& source) {

@@ -21,14 +21,6 @@ namespace {
 
 constexpr const char* bundle = "com.corvex.NerinOption";
 
-fs::path newFolder() {
-  std::string pattern = (fs::temp_directory_path() / "action-test-XXXXXX").string();
-  if (::mkdtemp(pattern.data()) == nullptr) {
-    throw std::runtime_error("no temporary folder");
-  }
-  return pattern;
-}
-
 std::string traceOf(const LXDeviceRequest& request, bool isDone) {
   const std::array<std::uint8_t, 2> value{static_cast<std::uint8_t>(request.wValue >> 8U),
                                           static_cast<std::uint8_t>(request.wValue)};
@@ -63,33 +55,11 @@ std::uint8_t checksumOf(std::span<const std::uint8_t> report) {
   return static_cast<std::uint8_t>(-std::accumulate(covered.begin(), covered.end(), 0));
 }
 
-void writeText(const fs::path& path, std::string_view text) {
-  fs::create_directories(path.parent_path());
-  std::ofstream(path, std::ios::binary) << text;
-}
-
-std::string textOfFile(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-std::vector<std::string> namesIn(const fs::path& folder) {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder)) {
-    names.push_back(entry.path().filename().string());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
 ActionTest::ActionTest() : ActionTest(std::make_shared<VirtualMouse>(), nullptr) {}
 
 ActionTest::ActionTest(std::shared_ptr<VirtualMouse> mouse,
                        std::shared_ptr<LXDeviceRequester> requester)
-    : m_home(newFolder()),
-      m_resources(NERIN_RESOURCES),
-      m_mouse(std::move(mouse)),
-      m_requester(std::move(requester)) {
+    : m_resources(NERIN_RESOURCES), m_mouse(std::move(mouse)), m_requester(std::move(requester)) {
   if (!m_requester) {
     m_requester = std::make_shared<VirtualDeviceRequester>(m_mouse);
   }
@@ -100,13 +70,11 @@ ActionTest::ActionTest(std::shared_ptr<VirtualMouse> mouse,
 ActionTest::~ActionTest() {
   endProgram();
   LXPlatform::install({});
-  std::error_code ignored;
-  fs::remove_all(m_home, ignored);
 }
 
 void ActionTest::install() {
   LXPlatform platform;
-  platform.homeFolder = m_home;
+  platform.homeFolder = home();
   platform.resourceFolder = m_resources;
   platform.preferredLanguage = m_language;
   platform.notificationCenter = m_notifications;
@@ -149,7 +117,7 @@ const std::vector<RecordingNotificationCenter::Post>& ActionTest::posts() const 
 }
 
 fs::path ActionTest::supportFolder() const {
-  return m_home / "Library" / "Application Support" / bundle;
+  return home() / "Library" / "Application Support" / bundle;
 }
 
 std::vector<std::string> ActionTest::supportNames() const {
@@ -159,7 +127,7 @@ std::vector<std::string> ActionTest::supportNames() const {
 }
 
 fs::path ActionTest::preferenceFile() const {
-  return m_home / "Library" / "Preferences" / (std::string(bundle) + ".plist");
+  return home() / "Library" / "Preferences" / (std::string(bundle) + ".plist");
 }
 
 std::vector<std::string> ActionTest::sent() const {

@@ -17,6 +17,7 @@
 #include "Action/Library/ProfieController.h"
 #include "Kit/Core/LXDeviceRequester.h"
 #include "Kit/Core/LXNotificationCenter.h"
+#include "Tests/Support/Scratch.h"
 #include "VirtualMouse/VirtualMouse.h"
 
 using Bytes = std::vector<std::uint8_t>;
@@ -26,11 +27,6 @@ std::string hexOf(std::span<const std::uint8_t> bytes);
 Bytes bytesOfHex(std::string_view hex);
 // The checksum of a long report over its bytes from 4 to the last but one.
 std::uint8_t checksumOf(std::span<const std::uint8_t> report);
-
-void writeText(const std::filesystem::path& path, std::string_view text);
-std::string textOfFile(const std::filesystem::path& path);
-// The names of a folder's entries, sorted.
-std::vector<std::string> namesIn(const std::filesystem::path& folder);
 
 // Keeps what was posted.
 class RecordingNotificationCenter final : public LXNotificationCenter {
@@ -75,7 +71,7 @@ class ActionTest : public testing::Test {
   VirtualMouse& mouse() { return *m_mouse; }
   const std::vector<RecordingNotificationCenter::Post>& posts() const;
 
-  const std::filesystem::path& home() const { return m_home; }
+  const std::filesystem::path& home() const { return m_home.folder(); }
   std::filesystem::path supportFolder() const;
   std::filesystem::path libraryFolder() const { return supportFolder() / "Profiles"; }
   // What lies in the support folder, but for the lock of the library.
@@ -117,7 +113,7 @@ class ActionTest : public testing::Test {
  private:
   void install();
 
-  std::filesystem::path m_home;
+  Scratch m_home;
   std::filesystem::path m_resources;
   std::optional<std::string> m_language;
   std::shared_ptr<VirtualMouse> m_mouse;

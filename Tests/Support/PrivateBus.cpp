@@ -113,21 +113,8 @@ std::optional<BusMessage> takeMessage(std::string& bytes) {
 
 }  // namespace
 
-ShortFolder::ShortFolder() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "bus-XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) {
-    throw std::runtime_error("no folder");
-  }
-  path = pattern;
-}
-
-ShortFolder::~ShortFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path, ignored);
-}
-
 PrivateBus::PrivateBus() {
-  const std::string wanted = "unix:path=" + (m_folder.path / "bus").string();
+  const std::string wanted = "unix:path=" + (m_folder.folder() / "bus").string();
   m_daemon = std::make_unique<ChildProcess>(
       std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nosyslog",
                                "--print-address=1", "--address=" + wanted});

@@ -7,18 +7,7 @@
 #include <string>
 
 #include "Tests/Support/ChildProcess.h"
-
-// A folder of the test's own, short enough for the name of a socket.
-class ShortFolder {
- public:
-  ShortFolder();
-  ~ShortFolder();
-  ShortFolder(const ShortFolder&) = delete;
-  ShortFolder& operator=(const ShortFolder&) = delete;
-
-  std::filesystem::path path;
-};
-
+#include "Tests/Support/Scratch.h"
 // A message as it travelled, read from its bytes.
 struct BusMessage {
   std::string path;
@@ -49,7 +38,7 @@ class PrivateBus {
   void end();
 
  private:
-  ShortFolder m_folder;
+  Scratch m_folder;
   std::unique_ptr<ChildProcess> m_daemon;
   std::unique_ptr<ChildProcess> m_listener;
   std::string m_bytes;

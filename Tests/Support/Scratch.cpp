@@ -1,18 +1,18 @@
 #include "Tests/Support/Scratch.h"
 
 #include <algorithm>
-#include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 
-#include "Kit/Core/DurableFile.h"
-
 namespace fs = std::filesystem;
 
-Scratch::Scratch() {
-  std::string pattern = (fs::temp_directory_path() / "nerin-kit-core-XXXXXX").string();
+Scratch::Scratch(const fs::path& parent) {
+  // The name is short, since a socket inside it has a path of at most 107 bytes.
+  std::string pattern =
+      ((parent.empty() ? fs::temp_directory_path() : parent) / "nerin-XXXXXX").string();
   if (::mkdtemp(pattern.data()) == nullptr) {
     throw std::runtime_error("cannot make " + pattern);
   }
@@ -24,16 +24,17 @@ Scratch::~Scratch() {
   fs::remove_all(m_folder, ignored);
 }
 
-void putFile(const fs::path& path, std::string_view bytes) {
+void writeText(const fs::path& path, std::string_view text) {
+  fs::create_directories(path.parent_path());
   std::ofstream file(path, std::ios::binary);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  file.close();
-  ASSERT_TRUE(file.good()) << path;
+  file << text;
+  if (!file.flush()) {
+    throw std::runtime_error("cannot write " + path.string());
+  }
 }
 
-std::string contentsOf(const fs::path& path) {
+std::string textOfFile(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
-  EXPECT_TRUE(file.is_open()) << path;
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
@@ -46,56 +47,13 @@ std::vector<std::string> namesIn(const fs::path& folder) {
   return names;
 }
 
-LogLines::LogLines() {
-  LXLogger::setObserver(
-      [this](LXLogger::Level, std::string_view line) { m_lines.emplace_back(line); });
+FileSizeLimit::FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
+  ::getrlimit(RLIMIT_FSIZE, &m_before);
+  const rlimit limit{bytes, m_before.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &limit);
 }
 
-LogLines::~LogLines() {
-  LXLogger::setObserver({});
-}
-
-bool LogLines::has(std::string_view part) const {
-  return std::any_of(m_lines.begin(), m_lines.end(),
-                     [&](const std::string& line) { return line.find(part) != std::string::npos; });
-}
-
-bool python(const std::string& command, const fs::path& file) {
-  const std::string line =
-      "python3 '" PROPERTY_LISTS_BY_PYTHON "' " + command + " '" + file.string() + "'";
-  return std::system(line.c_str()) == 0;
-}
-
-int FailingDisk::failEachStep(const std::function<void()>& prepare,
-                              const std::function<void()>& job,
-                              const std::function<void(const std::string& step)>& check) const {
-  for (int failing = 1;; ++failing) {
-    prepare();
-    int steps = 0;
-    std::string failed;
-    durable::setFaultInjector([&](const char* step) {
-      if (!canExchange && std::string_view(step) == "exchange") {
-        return EINVAL;
-      }
-      ++steps;
-      if (steps != failing && !(staysBroken && steps > failing)) {
-        return 0;
-      }
-      failed += failed.empty() ? step : "";
-      if (error == 0) {
-        throw PowerCut();
-      }
-      return error;
-    });
-    try {
-      job();
-    } catch (const PowerCut&) {
-      // The disk stays as it was at that moment.
-    }
-    durable::setFaultInjector({});
-    if (failed.empty()) {
-      return failing - 1;
-    }
-    check("step " + std::to_string(failing) + ", " + failed);
-  }
+FileSizeLimit::~FileSizeLimit() {
+  ::setrlimit(RLIMIT_FSIZE, &m_before);
+  std::signal(SIGXFSZ, m_handler);
 }

@@ -1,19 +1,17 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include <gtest/gtest.h>
+#include <sys/resource.h>
 
-#include "Kit/Core/LXLogger.h"
-
-// A folder for one test, gone afterwards.
+// A folder for one test, which disappears with it.
 class Scratch {
  public:
-  Scratch();
+  // `parent` is the folder in which it is made; the system's folder for temporary files if empty.
+  explicit Scratch(const std::filesystem::path& parent = {});
   ~Scratch();
   Scratch(const Scratch&) = delete;
   Scratch& operator=(const Scratch&) = delete;
@@ -25,41 +23,23 @@ class Scratch {
   std::filesystem::path m_folder;
 };
 
-void putFile(const std::filesystem::path& path, std::string_view bytes);
-std::string contentsOf(const std::filesystem::path& path);
+// Writes a file, with the folders above it.
+void writeText(const std::filesystem::path& path, std::string_view text);
+// The bytes of a file; empty if there is none.
+std::string textOfFile(const std::filesystem::path& path);
 // The names of what the folder holds, hidden files too, in byte order.
 std::vector<std::string> namesIn(const std::filesystem::path& folder);
 
-// Every line that is logged while this lives.
-class LogLines {
+// While this lives, no file of the process can grow beyond the size. A write that tries fails, as
+// it does on a full disk.
+class FileSizeLimit {
  public:
-  LogLines();
-  ~LogLines();
-  LogLines(const LogLines&) = delete;
-  LogLines& operator=(const LogLines&) = delete;
-
-  const std::vector<std::string>& lines() const { return m_lines; }
-  bool has(std::string_view part) const;
+  explicit FileSizeLimit(rlim_t bytes);
+  ~FileSizeLimit();
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
 
  private:
-  std::vector<std::string> m_lines;
-};
-
-// Runs a command of property_lists.py on a file: "write-xml" and "write-binary" make the file,
-// "check" tells whether it holds the same. See there for the others.
-bool python(const std::string& command, const std::filesystem::path& file);
-
-// What a failing disk does to a job: the job runs again and again, with its first step failing,
-// then its second one, and so on until none is left to fail.
-struct FailingDisk {
-  int error = 0;             // the errno of the failing step, 0 for one that never returns
-  bool staysBroken = false;  // every later step fails as well
-  bool canExchange = true;   // whether the file system can exchange two folders in one step
-
-  // What a step that never returns ends in.
-  struct PowerCut {};
-
-  // `prepare` comes before each run of `job`, `check` after it. Answers the number of steps.
-  int failEachStep(const std::function<void()>& prepare, const std::function<void()>& job,
-                   const std::function<void(const std::string& step)>& check) const;
+  void (*m_handler)(int);
+  rlimit m_before{};
 };

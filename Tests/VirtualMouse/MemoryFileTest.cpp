@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "Tests/Support/Scratch.h"
 #include "Tests/VirtualMouse/MouseHost.h"
 
 using namespace MouseHost;
@@ -64,31 +65,11 @@ class AsOrdinaryUser {
   bool m_isRoot;
 };
 
-// No file may grow or be written beyond this size, which comes close to a full disk.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
-    ::getrlimit(RLIMIT_FSIZE, &m_before);
-    const rlimit limit{bytes, m_before.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    ::setrlimit(RLIMIT_FSIZE, &m_before);
-    std::signal(SIGXFSZ, m_handler);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  void (*m_handler)(int);
-  rlimit m_before{};
-};
-
 }  // namespace
 
 TEST(MemoryFile, IsMadeAsDelivered) {
-  const TemporaryFolder folder;
-  const auto path = folder.path() / "mouse";
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
   {
     const VirtualMouse mouse(path);
     EXPECT_EQ(mouse.slotName(9), "Profile#10");
@@ -99,12 +80,12 @@ TEST(MemoryFile, IsMadeAsDelivered) {
             (Bytes{'N', 'E', 'R', 'I', 'N', 'M', 'E', 'M', 1, 0, 0, 0, 0, 0, 0, 0}));
   EXPECT_EQ(bytes[headerSize + 25], 0xA0);
   EXPECT_EQ(bytes[headerSize + 256 + 1], 0x2F);
-  EXPECT_EQ(entriesIn(folder.path()), 1U);
+  EXPECT_EQ(entriesIn(folder.folder()), 1U);
 }
 
 TEST(MemoryFile, KeepsEverythingThatCanBeChanged) {
-  const TemporaryFolder folder;
-  const auto path = folder.path() / "mouse";
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
   {
     VirtualMouse mouse(path);
     write(mouse, nameReport(0, "first"));
@@ -138,8 +119,8 @@ TEST(MemoryFile, KeepsEverythingThatCanBeChanged) {
 }
 
 TEST(MemoryFile, HasEachChangeBeforeTheTransferReturns) {
-  const TemporaryFolder folder;
-  const auto path = folder.path() / "mouse";
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
   VirtualMouse mouse(path);
   Bytes before = contentsOf(path);
   const auto changed = [&] {
@@ -167,8 +148,8 @@ TEST(MemoryFile, HasEachChangeBeforeTheTransferReturns) {
 }
 
 TEST(MemoryFile, WritesOnlyWhatChanged) {
-  const TemporaryFolder folder;
-  const auto path = folder.path() / "mouse";
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
   VirtualMouse mouse(path);
   write(mouse, nameReport(2, "same"));
   // Bytes that the mouse does not change stay as another program wrote them.
@@ -188,8 +169,8 @@ TEST(MemoryFile, WritesOnlyWhatChanged) {
 }
 
 TEST(MemoryFile, SurvivesAKill) {
-  const TemporaryFolder folder;
-  const auto path = folder.path() / "mouse";
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
   int channel[2];
   ASSERT_EQ(::pipe(channel), 0);
   const pid_t child = ::fork();
@@ -220,8 +201,8 @@ TEST(MemoryFile, SurvivesAKill) {
 }
 
 TEST(MemoryFile, OfAnotherKindIsRefusedAndLeftAlone) {
-  const TemporaryFolder folder;
-  const auto path = folder.path() / "mouse";
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
   { const VirtualMouse mouse(path); }
   const Bytes good = contentsOf(path);
   struct Case {
@@ -250,23 +231,23 @@ TEST(MemoryFile, OfAnotherKindIsRefusedAndLeftAlone) {
       EXPECT_NE(words.find(each.reason), std::string::npos) << words;
     }
     EXPECT_EQ(contentsOf(path), each.bytes);
-    EXPECT_EQ(entriesIn(folder.path()), 1U);
+    EXPECT_EQ(entriesIn(folder.folder()), 1U);
   }
   put(path, good);
   EXPECT_EQ(refusalOf(path), 0);
 }
 
 TEST(MemoryFile, ThatIsNoFileIsRefused) {
-  const TemporaryFolder folder;
-  const auto pipe = folder.path() / "pipe";
+  const Scratch folder;
+  const auto pipe = folder.folder() / "pipe";
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
   EXPECT_THROW(const VirtualMouse mouse(pipe), std::runtime_error);
-  EXPECT_EQ(refusalOf(folder.path()), EISDIR);
+  EXPECT_EQ(refusalOf(folder.folder()), EISDIR);
 }
 
 TEST(MemoryFile, OfAnyContentIsHeldWithoutHarm) {
-  const TemporaryFolder folder;
-  const auto path = folder.path() / "mouse";
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
   { const VirtualMouse mouse(path); }
   Bytes bytes = contentsOf(path);
   std::fill(bytes.begin() + headerSize, bytes.end(), std::uint8_t{0xFF});
@@ -281,8 +262,8 @@ TEST(MemoryFile, OfAnyContentIsHeldWithoutHarm) {
 }
 
 TEST(MemoryFile, ServesOneMouseAtATime) {
-  const TemporaryFolder folder;
-  const auto path = folder.path() / "mouse";
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
   {
     const VirtualMouse made(path);
     EXPECT_EQ(refusalOf(path), EWOULDBLOCK);
@@ -301,8 +282,8 @@ TEST(MemoryFile, ServesOneMouseAtATime) {
 }
 
 TEST(MemoryFile, IsMadeByOneOfSeveralAtOnce) {
-  const TemporaryFolder folder;
-  const auto path = folder.path() / "mouse";
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
   std::vector<pid_t> children;
   for (int index = 0; index < 8; ++index) {
     const pid_t child = ::fork();
@@ -332,60 +313,60 @@ TEST(MemoryFile, IsMadeByOneOfSeveralAtOnce) {
   EXPECT_GE(successes, 1);
   VirtualMouse mouse(path);
   EXPECT_EQ(readMemory(mouse, 100), successes);
-  EXPECT_EQ(entriesIn(folder.path()), 1U);
+  EXPECT_EQ(entriesIn(folder.folder()), 1U);
 }
 
 TEST(MemoryFile, ThatCannotBeWrittenIsRefused) {
-  const TemporaryFolder folder;
-  const auto path = folder.path() / "mouse";
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
   { const VirtualMouse mouse(path); }
-  std::filesystem::permissions(folder.path(), static_cast<std::filesystem::perms>(0755));
+  std::filesystem::permissions(folder.folder(), static_cast<std::filesystem::perms>(0755));
   std::filesystem::permissions(path, static_cast<std::filesystem::perms>(0444));
   const AsOrdinaryUser user;
   EXPECT_EQ(refusalOf(path), EACCES);
 }
 
 TEST(MemoryFile, ThatCannotBeMadeIsRefused) {
-  const TemporaryFolder folder;
-  put(folder.path() / "file", {1});
-  EXPECT_EQ(refusalOf(folder.path() / "missing" / "mouse"), ENOENT);
-  EXPECT_EQ(refusalOf(folder.path() / "file" / "mouse"), ENOTDIR);
-  EXPECT_EQ(refusalOf(folder.path() / std::string(300, 'n')), ENAMETOOLONG);
-  std::filesystem::create_symlink("nowhere", folder.path() / "dangling");
-  EXPECT_EQ(refusalOf(folder.path() / "dangling"), ENOENT);
-  std::filesystem::permissions(folder.path(), static_cast<std::filesystem::perms>(0555));
+  const Scratch folder;
+  put(folder.folder() / "file", {1});
+  EXPECT_EQ(refusalOf(folder.folder() / "missing" / "mouse"), ENOENT);
+  EXPECT_EQ(refusalOf(folder.folder() / "file" / "mouse"), ENOTDIR);
+  EXPECT_EQ(refusalOf(folder.folder() / std::string(300, 'n')), ENAMETOOLONG);
+  std::filesystem::create_symlink("nowhere", folder.folder() / "dangling");
+  EXPECT_EQ(refusalOf(folder.folder() / "dangling"), ENOENT);
+  std::filesystem::permissions(folder.folder(), static_cast<std::filesystem::perms>(0555));
   {
     const AsOrdinaryUser user;
-    EXPECT_EQ(refusalOf(folder.path() / "mouse"), EACCES);
+    EXPECT_EQ(refusalOf(folder.folder() / "mouse"), EACCES);
   }
-  std::filesystem::permissions(folder.path(), static_cast<std::filesystem::perms>(0755));
-  EXPECT_EQ(entriesIn(folder.path()), 2U);
+  std::filesystem::permissions(folder.folder(), static_cast<std::filesystem::perms>(0755));
+  EXPECT_EQ(entriesIn(folder.folder()), 2U);
 }
 
 TEST(MemoryFile, IsFollowedThroughALink) {
-  const TemporaryFolder folder;
-  { const VirtualMouse mouse(folder.path() / "mouse"); }
-  std::filesystem::create_symlink("mouse", folder.path() / "link");
+  const Scratch folder;
+  { const VirtualMouse mouse(folder.folder() / "mouse"); }
+  std::filesystem::create_symlink("mouse", folder.folder() / "link");
   {
-    VirtualMouse mouse(folder.path() / "link");
+    VirtualMouse mouse(folder.folder() / "link");
     write(mouse, nameReport(0, "linked"));
   }
-  const VirtualMouse mouse(folder.path() / "mouse");
+  const VirtualMouse mouse(folder.folder() / "mouse");
   EXPECT_EQ(mouse.slotName(0), "linked");
 }
 
 TEST(MemoryFile, LeavesNothingWhenTheDiskIsFull) {
-  const TemporaryFolder folder;
+  const Scratch folder;
   for (const rlim_t limit : {0U, 8U, 16U, 5000U}) {
     const FileSizeLimit full(limit);
-    EXPECT_EQ(refusalOf(folder.path() / "mouse"), EFBIG);
-    EXPECT_EQ(entriesIn(folder.path()), 0U);
+    EXPECT_EQ(refusalOf(folder.folder() / "mouse"), EFBIG);
+    EXPECT_EQ(entriesIn(folder.folder()), 0U);
   }
 }
 
 TEST(MemoryFile, ChangesNothingWhenItCannotBeWritten) {
-  const TemporaryFolder folder;
-  const auto path = folder.path() / "mouse";
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
   VirtualMouse mouse(path);
   const Bytes before = contentsOf(path);
   {
@@ -406,8 +387,8 @@ TEST(MemoryFile, ChangesNothingWhenItCannotBeWritten) {
 }
 
 TEST(MemoryFile, SeesNothingOfGarbage) {
-  const TemporaryFolder folder;
-  const auto path = folder.path() / "mouse";
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
   VirtualMouse mouse(path);
   const Bytes before = contentsOf(path);
   mouse.setScenario({MouseScenario::Kind::HoldsGarbage});

@@ -110,25 +110,3 @@ Bytes copyOf(const Range& range) {
 }
 
 }  // namespace MouseHost
-
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string path = (std::filesystem::temp_directory_path() / "virtual-mouse-XXXXXX").string();
-    if (::mkdtemp(path.data()) == nullptr) {
-      throw std::runtime_error("no temporary folder");
-    }
-    m_path = path;
-  }
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  const std::filesystem::path& path() const { return m_path; }
-
- private:
-  std::filesystem::path m_path;
-};

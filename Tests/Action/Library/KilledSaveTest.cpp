@@ -15,6 +15,7 @@
 #include "Action/Library/SupportFolder.h"
 #include "Kit/Core/DurableFile.h"
 #include "Kit/Core/LXPlatform.h"
+#include "Tests/Support/Scratch.h"
 
 // A program that is killed while it saves its library, at whatever moment that is.
 
@@ -66,26 +67,16 @@ Profiles loadedLibrary() {
   return profiles;
 }
 
-// In a folder of the memory where there is one: a kill loses nothing that was written, on whatever
-// it was written, so that a disk would only make this slow.
 class KilledSave : public testing::Test {
  protected:
   KilledSave() {
-    const fs::path base = ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : fs::temp_directory_path();
-    std::string pattern = (base / "nerin-killed-save-XXXXXX").string();
-    if (::mkdtemp(pattern.data()) == nullptr) {
-      throw std::runtime_error("cannot make " + pattern);
-    }
-    m_home = pattern;
     LXPlatform platform;
-    platform.homeFolder = m_home;
+    platform.homeFolder = m_home.folder();
     LXPlatform::install(std::move(platform));
   }
   ~KilledSave() override {
     ProfieController::releaseShareProCon();
     LXPlatform::install({});
-    std::error_code ignored;
-    fs::remove_all(m_home, ignored);
   }
 
   // Starts a process that makes the library this version and saves it. It returns when the process
@@ -141,7 +132,9 @@ class KilledSave : public testing::Test {
     EXPECT_EQ(::waitpid(child, nullptr, 0), child);
   }
 
-  fs::path m_home;
+  // In a folder of the memory where there is one: a kill loses nothing that was written, whatever
+  // it was written to, so that a disk would only make this slow.
+  Scratch m_home{::access("/dev/shm", W_OK) == 0 ? fs::path("/dev/shm") : fs::path()};
 };
 
 TEST_F(KilledSave, LeavesTheOldLibraryOrTheNewOneWhole) {

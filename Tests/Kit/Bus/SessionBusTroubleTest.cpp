@@ -33,7 +33,7 @@ class SilentBus {
  public:
   explicit SilentBus(int backlog) {
     m_socket = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const std::string path = (m_folder.path / "bus").string();
+    const std::string path = (m_folder.folder() / "bus").string();
     m_address.sun_family = AF_UNIX;
     std::memcpy(m_address.sun_path, path.c_str(), path.size() + 1);
     if (bind(m_socket, address(), sizeof(m_address)) != 0 || listen(m_socket, backlog) != 0) {
@@ -83,7 +83,7 @@ class SilentBus {
   }
 
  private:
-  ShortFolder m_folder;
+  Scratch m_folder;
   int m_socket = -1;
   sockaddr_un m_address{};
   std::vector<int> m_guests;
@@ -132,8 +132,8 @@ TEST(SessionBusTrouble, NoBusLosesPostsSilently) {
 }
 
 TEST(SessionBusTrouble, ABusThatIsNotThereLosesPostsSilently) {
-  const ShortFolder folder;
-  const std::string path = (folder.path / "nobody").string();
+  const Scratch folder;
+  const std::string path = (folder.folder() / "nobody").string();
   setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + path).c_str(), 1);
   expectLostAtOnce();
   setenv("DBUS_SESSION_BUS_ADDRESS", "nonsense", 1);

@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include "Kit/Core/DurableFile.h"
-#include "Tests/Support/Scratch.h"
+#include "Tests/Support/FailingDisk.h"
 
 namespace fs = std::filesystem;
 
@@ -20,38 +20,18 @@ class DurableFile : public testing::Test {
   fs::path m_file = m_scratch / "file";
 };
 
-// No file may grow beyond this size, which comes close to a full disk.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
-    ::getrlimit(RLIMIT_FSIZE, &m_before);
-    const rlimit limit{bytes, m_before.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    ::setrlimit(RLIMIT_FSIZE, &m_before);
-    std::signal(SIGXFSZ, m_handler);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  void (*m_handler)(int);
-  rlimit m_before{};
-};
-
 }  // namespace
 
 TEST_F(DurableFile, IsReadWhole) {
   const std::string bytes = std::string(200'000, 'x') + std::string("\0\r\n", 3);
-  putFile(m_file, bytes);
+  writeText(m_file, bytes);
   EXPECT_EQ(durable::readFile(m_file), bytes);
-  putFile(m_file, "");
+  writeText(m_file, "");
   EXPECT_EQ(durable::readFile(m_file), "");
 }
 
 TEST_F(DurableFile, IsReadUpToItsLimitAndNotBeyond) {
-  putFile(m_file, std::string(100, 'x'));
+  writeText(m_file, std::string(100, 'x'));
   EXPECT_EQ(durable::readFile(m_file, 100), std::string(100, 'x'));
   EXPECT_FALSE(durable::readFile(m_file, 99));
 }
@@ -60,7 +40,7 @@ TEST_F(DurableFile, IsNothingWhereThereIsNone) {
   EXPECT_FALSE(durable::readFile(m_file));
   EXPECT_FALSE(durable::readFile(""));
   EXPECT_FALSE(durable::readFile(m_scratch.folder()));
-  putFile(m_file, "");
+  writeText(m_file, "");
   EXPECT_FALSE(durable::readFile(m_file / "below"));
   EXPECT_FALSE(durable::readFile(m_scratch / std::string(300, 'n')));
 }
@@ -73,7 +53,7 @@ TEST_F(DurableFile, IsNoDeviceAndNoPipe) {
 }
 
 TEST_F(DurableFile, IsNothingWhenTheDiskFailsWhileItIsRead) {
-  putFile(m_file, "bytes");
+  writeText(m_file, "bytes");
   const int steps = FailingDisk{EIO}.failEachStep([] {}, [&] { durable::readFile(m_file); },
                                                   [](const std::string&) {});
   EXPECT_GE(steps, 2);
@@ -85,9 +65,9 @@ TEST_F(DurableFile, IsNothingWhenTheDiskFailsWhileItIsRead) {
 
 TEST_F(DurableFile, IsWrittenAndReplaced) {
   EXPECT_FALSE(durable::writeFile(m_file, "one"));
-  EXPECT_EQ(contentsOf(m_file), "one");
+  EXPECT_EQ(textOfFile(m_file), "one");
   EXPECT_FALSE(durable::writeFile(m_file, ""));
-  EXPECT_EQ(contentsOf(m_file), "");
+  EXPECT_EQ(textOfFile(m_file), "");
   EXPECT_EQ(namesIn(m_scratch.folder()), std::vector<std::string>{"file"});
 }
 
@@ -101,7 +81,7 @@ TEST_F(DurableFile, MayHaveANameAsLongAsNamesCanBe) {
 }
 
 TEST_F(DurableFile, KeepsItsPermissions) {
-  putFile(m_file, "one");
+  writeText(m_file, "one");
   for (const int mode : {0600, 0666, 0640}) {
     fs::permissions(m_file, static_cast<fs::perms>(mode));
     EXPECT_FALSE(durable::writeFile(m_file, "two"));
@@ -111,20 +91,20 @@ TEST_F(DurableFile, KeepsItsPermissions) {
 
 TEST_F(DurableFile, IsReplacedBehindASymbolicLink) {
   fs::create_directory(m_scratch / "elsewhere");
-  putFile(m_scratch / "elsewhere/real", "one");
+  writeText(m_scratch / "elsewhere/real", "one");
   fs::create_symlink("elsewhere/second", m_file);
   fs::create_symlink("real", m_scratch / "elsewhere/second");
   EXPECT_FALSE(durable::writeFile(m_file, "two"));
   EXPECT_EQ(fs::read_symlink(m_file), "elsewhere/second");
   EXPECT_TRUE(fs::is_symlink(m_scratch / "elsewhere/second"));
-  EXPECT_EQ(contentsOf(m_scratch / "elsewhere/real"), "two");
+  EXPECT_EQ(textOfFile(m_scratch / "elsewhere/real"), "two");
 }
 
 TEST_F(DurableFile, IsMadeWhereALinkLeadsToNothing) {
   fs::create_symlink("real", m_file);
   EXPECT_FALSE(durable::writeFile(m_file, "one"));
   EXPECT_TRUE(fs::is_symlink(m_file));
-  EXPECT_EQ(contentsOf(m_scratch / "real"), "one");
+  EXPECT_EQ(textOfFile(m_scratch / "real"), "one");
 }
 
 TEST_F(DurableFile, IsRefusedBehindLinksInACircle) {
@@ -136,9 +116,9 @@ TEST_F(DurableFile, IsRefusedBehindLinksInACircle) {
 
 TEST_F(DurableFile, CannotTakeThePlaceOfAFolder) {
   fs::create_directory(m_file);
-  putFile(m_file / "inside", "kept");
+  writeText(m_file / "inside", "kept");
   EXPECT_EQ(durable::writeFile(m_file, "one").value(), EISDIR);
-  EXPECT_EQ(contentsOf(m_file / "inside"), "kept");
+  EXPECT_EQ(textOfFile(m_file / "inside"), "kept");
   EXPECT_EQ(namesIn(m_scratch.folder()), std::vector<std::string>{"file"});
 }
 
@@ -147,12 +127,12 @@ TEST_F(DurableFile, TellsThatItsFolderIsMissing) {
 }
 
 TEST_F(DurableFile, StaysTheOldOneOnAFullDisk) {
-  putFile(m_file, "one");
+  writeText(m_file, "one");
   {
     const FileSizeLimit full(1000);
     EXPECT_EQ(durable::writeFile(m_file, std::string(5000, 'x')).value(), EFBIG);
   }
-  EXPECT_EQ(contentsOf(m_file), "one");
+  EXPECT_EQ(textOfFile(m_file), "one");
   EXPECT_EQ(namesIn(m_scratch.folder()), std::vector<std::string>{"file"});
 }
 
@@ -162,34 +142,34 @@ TEST_F(DurableFile, IsTheOldOneOrTheNewOneWhicheverStepFails) {
       std::error_code result;
       int failures = 0;
       const int steps = FailingDisk{error, staysBroken}.failEachStep(
-          [&] { putFile(m_file, "old"); }, [&] { result = durable::writeFile(m_file, "new"); },
+          [&] { writeText(m_file, "old"); }, [&] { result = durable::writeFile(m_file, "new"); },
           [&](const std::string& step) {
             EXPECT_TRUE(result.value() == error || !result) << step;
-            EXPECT_EQ(contentsOf(m_file), result ? "old" : "new") << step;
+            EXPECT_EQ(textOfFile(m_file), result ? "old" : "new") << step;
             EXPECT_EQ(namesIn(m_scratch.folder()), std::vector<std::string>{"file"}) << step;
             failures += result ? 1 : 0;
           });
       EXPECT_EQ(steps, 7) << "create, write, open and sync the file, rename, open and sync the "
                              "folder";
       EXPECT_EQ(failures, 5) << "what fails after the rename takes nothing back";
-      EXPECT_EQ(contentsOf(m_file), "new");
+      EXPECT_EQ(textOfFile(m_file), "new");
     }
   }
 }
 
 TEST_F(DurableFile, IsTheOldOneOrTheNewOneWheneverThePowerGoes) {
   FailingDisk{}.failEachStep(
-      [&] { putFile(m_file, "old"); }, [&] { EXPECT_FALSE(durable::writeFile(m_file, "new")); },
+      [&] { writeText(m_file, "old"); }, [&] { EXPECT_FALSE(durable::writeFile(m_file, "new")); },
       [&](const std::string& step) {
-        EXPECT_TRUE(contentsOf(m_file) == "old" || contentsOf(m_file) == "new") << step;
+        EXPECT_TRUE(textOfFile(m_file) == "old" || textOfFile(m_file) == "new") << step;
         EXPECT_FALSE(durable::writeFile(m_file, "next")) << step;
-        EXPECT_EQ(contentsOf(m_file), "next") << step;
+        EXPECT_EQ(textOfFile(m_file), "next") << step;
       });
 }
 
 TEST_F(DurableFile, LeavesNothingForLongAfterThePowerWent) {
-  putFile(m_file, "old");
-  putFile(m_scratch / ".nerin-notes.txt", "not ours");
+  writeText(m_file, "old");
+  writeText(m_scratch / ".nerin-notes.txt", "not ours");
   FailingDisk{}.failEachStep([] {}, [&] { EXPECT_FALSE(durable::writeFile(m_file, "new")); },
                              [](const std::string&) {});
   std::vector<std::string> young = namesIn(m_scratch.folder());

@@ -8,7 +8,7 @@
 
 #include "Kit/Core/DurableFile.h"
 #include "Kit/Core/FileLock.h"
-#include "Tests/Support/Scratch.h"
+#include "Tests/Support/FailingDisk.h"
 
 namespace fs = std::filesystem;
 
@@ -25,7 +25,7 @@ class DurableFolder : public testing::Test {
     fs::remove_all(m_folder);
     fs::create_directory(m_folder);
     for (const auto& [name, bytes] : oldFiles) {
-      putFile(m_folder / name, bytes);
+      writeText(m_folder / name, bytes);
     }
   }
 
@@ -40,7 +40,7 @@ class DurableFolder : public testing::Test {
   Files held() const {
     Files files;
     for (const std::string& name : namesIn(m_folder)) {
-      files[name] = contentsOf(m_folder / name);
+      files[name] = textOfFile(m_folder / name);
     }
     return files;
   }
@@ -124,7 +124,7 @@ TEST_F(DurableFolder, WritesAFileWhereALinkWas) {
   const std::vector<durable::FolderEntry> entries{{"a.pro", oldFiles.at("a.pro")}};
   EXPECT_FALSE(durable::replaceFolder(m_folder, entries));
   EXPECT_FALSE(fs::is_symlink(m_folder / "a.pro"));
-  EXPECT_EQ(contentsOf(m_folder / "a.pro"), oldFiles.at("a.pro"));
+  EXPECT_EQ(textOfFile(m_folder / "a.pro"), oldFiles.at("a.pro"));
 }
 
 TEST_F(DurableFolder, StaysTheOldOneWhenAFileCannotBeWritten) {
@@ -190,7 +190,7 @@ TEST_F(DurableFolder, IsReplacedAfterAnInterruptionWithoutARecovery) {
 
 TEST_F(DurableFolder, RecoveryLeavesAloneWhatIsWhole) {
   makeOld();
-  putFile(m_scratch / "Profiles.new", "not ours");
+  writeText(m_scratch / "Profiles.new", "not ours");
   durable::recoverFolder(m_folder);
   EXPECT_EQ(held(), oldFiles);
   EXPECT_EQ(beside(), std::vector<std::string>{"Profiles.new"});
@@ -239,9 +239,9 @@ TEST_F(DurableFolder, KeepsItsPermissions) {
 }
 
 TEST_F(DurableFolder, DoesNotTakeThePlaceOfAFile) {
-  putFile(m_folder, "a file");
+  writeText(m_folder, "a file");
   EXPECT_EQ(replace().value(), ENOTDIR);
-  EXPECT_EQ(contentsOf(m_folder), "a file");
+  EXPECT_EQ(textOfFile(m_folder), "a file");
   EXPECT_EQ(beside(), std::vector<std::string>{});
 }
 

@@ -4,7 +4,7 @@
 
 #include "Kit/Core/KeyedArchive.h"
 #include "Kit/Core/PropertyList.h"
-#include "Tests/Support/Scratch.h"
+#include "Tests/Support/FailingDisk.h"
 
 namespace {
 
@@ -113,7 +113,7 @@ std::string songWith(const std::string& keys) {
 
 TEST(KeyedArchive, IsReadByAnotherProgram) {
   const Scratch scratch;
-  putFile(scratch / "song", keyedarchive::archive(exampleSong()));
+  writeText(scratch / "song", keyedarchive::archive(exampleSong()));
   EXPECT_TRUE(python("check-song", scratch / "song"));
 }
 
@@ -122,7 +122,7 @@ TEST(KeyedArchive, OfAnotherProgramIsReadInBothForms) {
   for (const char* command : {"write-song-binary", "write-song-xml"}) {
     ASSERT_TRUE(python(command, scratch / "song"));
     Song song;
-    ASSERT_TRUE(keyedarchive::unarchive(contentsOf(scratch / "song"), song)) << command;
+    ASSERT_TRUE(keyedarchive::unarchive(textOfFile(scratch / "song"), song)) << command;
     expectExample(song);
   }
 }

@@ -5,7 +5,7 @@
 
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXPlatform.h"
-#include "Tests/Support/Scratch.h"
+#include "Tests/Support/FailingDisk.h"
 
 namespace fs = std::filesystem;
 
@@ -127,7 +127,7 @@ TEST_F(Action, MakesAFolderWithAllAboveIt) {
   EXPECT_TRUE(LXAction::creatDirectoryPro(folder));
   EXPECT_TRUE(fs::is_directory(folder));
   EXPECT_TRUE(LXAction::creatDirectoryPro(folder));
-  putFile(m_scratch / "file", "");
+  writeText(m_scratch / "file", "");
   const LogLines log;
   EXPECT_FALSE(LXAction::creatDirectoryPro(m_scratch / "file"));
   EXPECT_FALSE(LXAction::creatDirectoryPro(m_scratch / "file/below"));
@@ -135,23 +135,23 @@ TEST_F(Action, MakesAFolderWithAllAboveIt) {
 }
 
 TEST_F(Action, CopiesAResourceIntoAFolderThatLacksIt) {
-  putFile(m_scratch / "resources/MenuInfo.xml", "shipped");
+  writeText(m_scratch / "resources/MenuInfo.xml", "shipped");
   EXPECT_TRUE(LXAction::checkAddCopyFileFromResourceWithPath(m_support, "MenuInfo.xml"));
-  EXPECT_EQ(contentsOf(m_support / "MenuInfo.xml"), "shipped");
+  EXPECT_EQ(textOfFile(m_support / "MenuInfo.xml"), "shipped");
 }
 
 TEST_F(Action, LeavesTheFileThatAFolderHas) {
-  putFile(m_scratch / "resources/MenuInfo.xml", "shipped");
-  putFile(m_support / "MenuInfo.xml", "the user's");
+  writeText(m_scratch / "resources/MenuInfo.xml", "shipped");
+  writeText(m_support / "MenuInfo.xml", "the user's");
   EXPECT_TRUE(LXAction::checkAddCopyFileFromResourceWithPath(m_support, "MenuInfo.xml"));
-  EXPECT_EQ(contentsOf(m_support / "MenuInfo.xml"), "the user's");
+  EXPECT_EQ(textOfFile(m_support / "MenuInfo.xml"), "the user's");
 }
 
 TEST_F(Action, TellsThatAResourceCannotBeCopied) {
   EXPECT_FALSE(LXAction::checkAddCopyFileFromResourceWithPath(m_support, "None.xml"));
   fs::create_directory(m_scratch / "resources/Folder.xml");
   EXPECT_FALSE(LXAction::checkAddCopyFileFromResourceWithPath(m_support, "Folder.xml"));
-  putFile(m_scratch / "resources/MenuInfo.xml", "shipped");
+  writeText(m_scratch / "resources/MenuInfo.xml", "shipped");
   EXPECT_FALSE(LXAction::checkAddCopyFileFromResourceWithPath(m_scratch / "none", "MenuInfo.xml"));
   EXPECT_TRUE(namesIn(m_support).empty());
 }
@@ -202,9 +202,9 @@ TEST_F(Action, SavesAnObjectAndReadsItBack) {
 TEST_F(Action, ReadsNoObjectFromSomethingElse) {
   EXPECT_EQ(LXAction::CopyObject<Counter>(m_scratch / "none"), nullptr);
   EXPECT_EQ(LXAction::CopyObject<Counter>(m_scratch.folder()), nullptr);
-  putFile(m_scratch / "empty", "");
+  writeText(m_scratch / "empty", "");
   EXPECT_EQ(LXAction::CopyObject<Counter>(m_scratch / "empty"), nullptr);
-  putFile(m_scratch / "text", "count=5");
+  writeText(m_scratch / "text", "count=5");
   EXPECT_EQ(LXAction::CopyObject<Counter>(m_scratch / "text"), nullptr);
 }
 
@@ -237,7 +237,7 @@ TEST_F(Action, SwitchesTheLogIntoTheUsersFolderOfLogs) {
   LXLogger::debug("inside");
   LXAction::setLoggerHasFile(false);
   LXLogger::debug("outside");
-  const std::string text = contentsOf(file);
+  const std::string text = textOfFile(file);
   EXPECT_NE(text.find("inside"), std::string::npos);
   EXPECT_EQ(text.find("outside"), std::string::npos);
 }

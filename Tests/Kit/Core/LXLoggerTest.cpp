@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Kit/Core/LXLogger.h"
-#include "Tests/Support/Scratch.h"
+#include "Tests/Support/FailingDisk.h"
 
 namespace {
 
@@ -14,7 +14,7 @@ class Logger : public testing::Test {
 
   std::string written() const {
     LXLogger::setFile({});
-    return contentsOf(m_file);
+    return textOfFile(m_file);
   }
 
   Scratch m_scratch;
@@ -40,7 +40,7 @@ TEST_F(Logger, WritesTheLineWithItsPlaceAndLevel) {
 }
 
 TEST_F(Logger, AppendsToTheFileOfTheLastRun) {
-  putFile(m_file, "before\n");
+  writeText(m_file, "before\n");
   LXLogger::setFile(m_file);
   LXLogger::debug("after");
   const std::string text = written();
@@ -62,7 +62,7 @@ TEST_F(Logger, WritesNowhereWithoutAFile) {
   LXLogger::setFile(m_file);
   LXLogger::setFile({});
   LXLogger::error("lost");
-  EXPECT_EQ(contentsOf(m_file), "");
+  EXPECT_EQ(textOfFile(m_file), "");
 }
 
 TEST_F(Logger, KeepsTheLatestMebibyteAndTwoOlderOnes) {
@@ -78,16 +78,16 @@ TEST_F(Logger, KeepsTheLatestMebibyteAndTwoOlderOnes) {
   for (const std::string& name : namesIn(m_scratch.folder())) {
     EXPECT_LE(std::filesystem::file_size(m_scratch / name), 1024U * 1024U) << name;
   }
-  EXPECT_NE(contentsOf(m_file).find("the last line"), std::string::npos);
+  EXPECT_NE(textOfFile(m_file).find("the last line"), std::string::npos);
 }
 
 TEST_F(Logger, GoesOnWithoutAFileThatCannotBeOpened) {
-  putFile(m_scratch / "file", "");
+  writeText(m_scratch / "file", "");
   LXLogger::setFile(m_scratch / "file" / "program.log");
   LXLogger::error("lost");
   LXLogger::setFile(m_scratch.folder());
   LXLogger::error("lost");
-  EXPECT_EQ(contentsOf(m_scratch / "file"), "");
+  EXPECT_EQ(textOfFile(m_scratch / "file"), "");
 }
 
 TEST_F(Logger, ShowsEveryLineToTheObserver) {

@@ -5,7 +5,7 @@
 #include "Kit/Core/DurableFile.h"
 #include "Kit/Core/PreferenceFile.h"
 #include "Kit/Core/PropertyList.h"
-#include "Tests/Support/Scratch.h"
+#include "Tests/Support/FailingDisk.h"
 
 namespace fs = std::filesystem;
 
@@ -15,7 +15,7 @@ constexpr const char* xmlHead = R"(<?xml version="1.0" encoding="UTF-8"?><plist 
 
 class Preferences : public testing::Test {
  protected:
-  void put(const std::string& content) const { putFile(m_path, xmlHead + content + "</plist>"); }
+  void put(const std::string& content) const { writeText(m_path, xmlHead + content + "</plist>"); }
 
   Scratch m_scratch;
   fs::path m_path = m_scratch / "com.example.plist";
@@ -49,7 +49,7 @@ TEST_F(Preferences, KeepWhatIsStored) {
 TEST_F(Preferences, AreXmlInAFolderOfTheirOwnWhenNew) {
   const fs::path below = m_scratch / "Library/Preferences/new.plist";
   EXPECT_TRUE(PreferenceFile(below).setValue("OSDTag", true));
-  EXPECT_TRUE(contentsOf(below).starts_with("<?xml"));
+  EXPECT_TRUE(textOfFile(below).starts_with("<?xml"));
 }
 
 TEST_F(Preferences, ReadNumbersAsBooleansAndBooleansAsNumbers) {
@@ -87,31 +87,31 @@ TEST_F(Preferences, KeepTheFormAndEverythingElseOfAFileByAnotherProgram) {
     EXPECT_EQ(m_file.boolFor("OSDTag"), false);
     ASSERT_TRUE(m_file.setValue("OSDTag", true));
     EXPECT_TRUE(python("check", m_path)) << form;
-    EXPECT_EQ(contentsOf(m_path).starts_with("bplist00"), std::string(form) == "binary");
+    EXPECT_EQ(textOfFile(m_path).starts_with("bplist00"), std::string(form) == "binary");
   }
 }
 
 TEST_F(Preferences, SetAsideEveryBrokenFile) {
   const LogLines log;
-  putFile(m_path, "broken");
+  writeText(m_path, "broken");
   EXPECT_TRUE(m_file.setValue("OSDTag", true));
   EXPECT_EQ(m_file.boolFor("OSDTag"), true);
-  EXPECT_EQ(contentsOf(m_path.string() + ".broken"), "broken");
+  EXPECT_EQ(textOfFile(m_path.string() + ".broken"), "broken");
   put("<array><true/></array>");
   EXPECT_TRUE(m_file.setValues("LinkApp", {{"a", "x"}}));
-  EXPECT_NE(contentsOf(m_path.string() + ".broken-2").find("<array>"), std::string::npos);
-  EXPECT_EQ(contentsOf(m_path.string() + ".broken"), "broken");
+  EXPECT_NE(textOfFile(m_path.string() + ".broken-2").find("<array>"), std::string::npos);
+  EXPECT_EQ(textOfFile(m_path.string() + ".broken"), "broken");
   EXPECT_TRUE(log.has("was kept as"));
 }
 
 TEST_F(Preferences, ReadNothingFromABrokenFileAndLeaveItThere) {
-  putFile(m_path, "bplist00 broken");
+  writeText(m_path, "bplist00 broken");
   EXPECT_EQ(m_file.boolFor("OSDTag"), std::nullopt);
-  EXPECT_EQ(contentsOf(m_path), "bplist00 broken");
+  EXPECT_EQ(textOfFile(m_path), "bplist00 broken");
 }
 
 TEST_F(Preferences, TakeAnEmptyFileForANewOne) {
-  putFile(m_path, "");
+  writeText(m_path, "");
   EXPECT_TRUE(m_file.setValue("OSDTag", true));
   EXPECT_EQ(namesIn(m_scratch.folder()), std::vector<std::string>{"com.example.plist"});
 }
@@ -126,7 +126,7 @@ TEST_F(Preferences, AreNotWrittenOverWhatCannotBeRead) {
 
 TEST_F(Preferences, RefuseTextsThatAPropertyListCannotHold) {
   ASSERT_TRUE(m_file.setValue("path", "good"));
-  const std::string before = contentsOf(m_path);
+  const std::string before = textOfFile(m_path);
   for (const std::string& text :
        {std::string("\xFF"), std::string("a\0b", 3), std::string("\x1B")}) {
     const LogLines log;
@@ -134,7 +134,7 @@ TEST_F(Preferences, RefuseTextsThatAPropertyListCannotHold) {
     EXPECT_FALSE(m_file.setValues("LinkApp", {{"a", "fine"}, {"b", text}}));
     EXPECT_EQ(log.lines().size(), 2U);
   }
-  EXPECT_EQ(contentsOf(m_path), before);
+  EXPECT_EQ(textOfFile(m_path), before);
 }
 
 TEST_F(Preferences, AreTheOldOnesOrTheNewOnesWhicheverStepFails) {

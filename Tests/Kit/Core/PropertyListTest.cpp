@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "Kit/Core/PropertyList.h"
-#include "Tests/Support/Scratch.h"
+#include "Tests/Support/FailingDisk.h"
 
 using propertylist::Form;
 
@@ -54,14 +54,14 @@ TEST(PropertyList, KeepsEverythingThatAnotherProgramWrote) {
   const Scratch scratch;
   for (const char* written : {"write-xml", "write-binary"}) {
     ASSERT_TRUE(python(written, scratch / "list"));
-    const auto list = propertylist::parse(contentsOf(scratch / "list"));
+    const auto list = propertylist::parse(textOfFile(scratch / "list"));
     ASSERT_TRUE(list) << written;
     for (const Form form : {Form::Xml, Form::Binary}) {
-      putFile(scratch / "ours", propertylist::serialize(list.get(), form));
+      writeText(scratch / "ours", propertylist::serialize(list.get(), form));
       EXPECT_TRUE(python("check", scratch / "ours")) << written;
       const auto again = inBothForms(list, form);
       ASSERT_TRUE(again);
-      putFile(scratch / "ours", propertylist::serialize(again.get(), Form::Binary));
+      writeText(scratch / "ours", propertylist::serialize(again.get(), Form::Binary));
       EXPECT_TRUE(python("check", scratch / "ours")) << written;
     }
   }
@@ -98,9 +98,9 @@ TEST(PropertyList, IsTheSameInEveryLanguage) {
   std::array<char, 16> text{};
   std::snprintf(text.data(), text.size(), "%.1f", 1.5);
   ASSERT_STREQ(text.data(), "1,5");
-  const auto list = propertylist::parse(contentsOf(scratch / "list"));
+  const auto list = propertylist::parse(textOfFile(scratch / "list"));
   ASSERT_TRUE(list);
-  putFile(scratch / "ours", propertylist::serialize(list.get(), Form::Xml));
+  writeText(scratch / "ours", propertylist::serialize(list.get(), Form::Xml));
   EXPECT_TRUE(python("check", scratch / "ours"));
   std::snprintf(text.data(), text.size(), "%.1f", 1.5);
   EXPECT_STREQ(text.data(), "1,5") << "the caller's language is left as it was";
