@@ -1,12 +1,11 @@
 #!/usr/bin/env bash
-# Checks what a compiler does not: the format of the sources, and that no include points up the list
-# of layers.
+# Checks the format of the sources, and that no layer includes a layer above it.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
 
-# layer -> the folders from which it may include.
+# layer -> the folders that it may include.
 declare -A allowed=(
   [Kit/Core]='Kit/Core'
   [Kit/Bus]='Kit/Bus Kit/Core'
