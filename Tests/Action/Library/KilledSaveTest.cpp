@@ -16,7 +16,7 @@
 #include "Kit/Core/DurableFile.h"
 #include "Kit/Core/LXPlatform.h"
 
-// A program that is killed while it saves its library, at whatever moment that is.
+// Kills the program at any moment while it saves its library.
 
 namespace fs = std::filesystem;
 
@@ -28,8 +28,8 @@ using Profiles = std::map<std::string, std::string>;  // name -> the bytes of it
 constexpr int profileCount = 50;
 constexpr int kills = 500;
 
-// A profile of one state of the library. Half of the names stay from state to state, so that their
-// files are replaced; the other half come and go.
+// A profile of one version of the library. Half of the names stay in every version, so their files
+// are replaced; the other half come and go.
 std::shared_ptr<ProfileValue> profileOf(int version, int index) {
   auto profile = std::make_shared<ProfileValue>();
   profile->setProfileId(static_cast<std::uint64_t>(index) + 1);
@@ -55,7 +55,7 @@ Profiles libraryOf(int version) {
   return profiles;
 }
 
-// What a start of the program finds.
+// The library as the program finds it at its start.
 Profiles loadedLibrary() {
   ProfieController::releaseShareProCon();
   Profiles profiles;
@@ -66,8 +66,8 @@ Profiles loadedLibrary() {
   return profiles;
 }
 
-// In a folder of the memory where there is one: a kill loses nothing that was written, on whatever
-// it was written, so that a disk would only make this slow.
+// Uses a folder in memory if there is one. A kill loses nothing that was written, so a disk would
+// only make the test slower.
 class KilledSave : public testing::Test {
  protected:
   KilledSave() {
@@ -88,8 +88,8 @@ class KilledSave : public testing::Test {
     fs::remove_all(m_home, ignored);
   }
 
-  // Starts a process that makes the library this version and saves it. It returns when the process
-  // is about to save.
+  // Starts a process that saves this version of the library. Returns when the process is about to
+  // save.
   static pid_t beginSave(int version, bool canExchange) {
     int ready[2];
     if (::pipe(ready) != 0) {
@@ -121,7 +121,7 @@ class KilledSave : public testing::Test {
     std::_Exit(isTold && !library.saveToSys() ? 0 : 1);
   }
 
-  // Lets a save come to its end and answers how long it took.
+  // Lets a save finish and returns its duration.
   static Clock::duration saveUndisturbed(int version, bool canExchange) {
     const pid_t child = beginSave(version, canExchange);
     const auto begin = Clock::now();
@@ -135,7 +135,7 @@ class KilledSave : public testing::Test {
     const pid_t child = beginSave(version, canExchange);
     const auto end = Clock::now() + after;
     while (Clock::now() < end) {
-      // A sleep would wake too late for the moment that was meant.
+      // A sleep would end too late.
     }
     ::kill(child, SIGKILL);
     EXPECT_EQ(::waitpid(child, nullptr, 0), child);
@@ -156,7 +156,7 @@ TEST_F(KilledSave, LeavesTheOldLibraryOrTheNewOneWhole) {
   for (int kill = 0; kill < kills; ++kill) {
     const bool canExchange = kill % 2 == 0;
     if (kill % 25 == 0) {
-      // The machine may have become slower or faster meanwhile.
+      // The speed of the machine may have changed.
       duration = saveUndisturbed(++version, canExchange);
       before = libraryOf(version);
       ASSERT_EQ(loadedLibrary(), before);
@@ -176,7 +176,7 @@ TEST_F(KilledSave, LeavesTheOldLibraryOrTheNewOneWhole) {
   }
   RecordProperty("old", old);
   RecordProperty("interrupted", interrupted);
-  // Otherwise the kills came at no interesting moments.
+  // Otherwise the kills missed the save.
   EXPECT_GT(old, kills / 20);
   EXPECT_GT(kills - old, kills / 20);
   EXPECT_GT(interrupted, kills / 10);
