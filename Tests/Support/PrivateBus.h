@@ -8,7 +8,7 @@
 
 #include "Tests/Support/ChildProcess.h"
 
-// A folder of the test's own, short enough for the name of a socket.
+// A private folder with a path that is short enough for a socket.
 class ShortFolder {
  public:
   ShortFolder();
@@ -19,17 +19,17 @@ class ShortFolder {
   std::filesystem::path path;
 };
 
-// A message as it travelled, read from its bytes.
+// A message, decoded from its bytes.
 struct BusMessage {
   std::string path;
   std::string interface;
   std::string member;
   std::string signature;
-  std::string body;  // in words: "s:111 {value1=i:2 value2=b:1}"
+  std::string body;  // as text: "s:111 {value1=i:2 value2=b:1}"
 };
 
-// A session bus that only this test knows, announced in the environment, and an independent
-// listener on it that sees every message.
+// A private session bus, set in the environment, with an independent listener that sees every
+// message.
 class PrivateBus {
  public:
   PrivateBus();
@@ -37,10 +37,10 @@ class PrivateBus {
   PrivateBus(const PrivateBus&) = delete;
   PrivateBus& operator=(const PrivateBus&) = delete;
 
-  // The next signal of our interface that somebody sent; nothing after `limit`.
+  // The next signal of our interface; no value after `limit`.
   std::optional<BusMessage> nextNotification(
       std::chrono::milliseconds limit = std::chrono::seconds(20));
-  // Sends a signal from another process; the arguments are in GVariant text.
+  // Sends a signal from another process, with arguments in GVariant text.
   static void broadcast(const std::string& path, const std::string& interfaceAndMember,
                         const std::vector<std::string>& arguments);
 

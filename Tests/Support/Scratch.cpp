@@ -90,7 +90,7 @@ int FailingDisk::failEachStep(const std::function<void()>& prepare,
     try {
       job();
     } catch (const PowerCut&) {
-      // The disk stays as it was at that moment.
+      // Leave the disk in its current state.
     }
     durable::setFaultInjector({});
     if (failed.empty()) {

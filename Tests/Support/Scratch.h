@@ -10,7 +10,7 @@
 
 #include "Kit/Core/LXLogger.h"
 
-// A folder for one test, gone afterwards.
+// A temporary folder for one test.
 class Scratch {
  public:
   Scratch();
@@ -27,10 +27,10 @@ class Scratch {
 
 void putFile(const std::filesystem::path& path, std::string_view bytes);
 std::string contentsOf(const std::filesystem::path& path);
-// The names of what the folder holds, hidden files too, in byte order.
+// The names of the folder's entries, including hidden ones, in byte order.
 std::vector<std::string> namesIn(const std::filesystem::path& folder);
 
-// Every line that is logged while this lives.
+// Collects all log lines while it exists.
 class LogLines {
  public:
   LogLines();
@@ -45,21 +45,21 @@ class LogLines {
   std::vector<std::string> m_lines;
 };
 
-// Runs a command of property_lists.py on a file: "write-xml" and "write-binary" make the file,
-// "check" tells whether it holds the same. See there for the others.
+// Runs a command of property_lists.py on a file: "write-xml" and "write-binary" create it, "check"
+// compares its content. The script describes the other commands.
 bool python(const std::string& command, const std::filesystem::path& file);
 
-// What a failing disk does to a job: the job runs again and again, with its first step failing,
-// then its second one, and so on until none is left to fail.
+// Runs a job again and again on a failing disk: first its first step fails, then its second one,
+// and so on until no step is left.
 struct FailingDisk {
-  int error = 0;             // the errno of the failing step, 0 for one that never returns
-  bool staysBroken = false;  // every later step fails as well
+  int error = 0;             // the errno of the failing step; 0 for a step that never returns
+  bool staysBroken = false;  // every later step fails, too
   bool canExchange = true;   // whether the file system can exchange two folders in one step
 
-  // What a step that never returns ends in.
+  // Thrown by a step that never returns.
   struct PowerCut {};
 
-  // `prepare` comes before each run of `job`, `check` after it. Answers the number of steps.
+  // Calls `prepare` before each run of `job` and `check` after it. Returns the number of steps.
   int failEachStep(const std::function<void()>& prepare, const std::function<void()>& job,
                    const std::function<void(const std::string& step)>& check) const;
 };
