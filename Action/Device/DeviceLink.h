@@ -42,7 +42,7 @@ bool checkListenDev();
 [[nodiscard]] std::error_code GetCommand2(std::span<std::uint8_t> buffer);
 [[nodiscard]] std::error_code SetCommand2(std::span<std::uint8_t> buffer);
 
-// Sends at most 8 bytes as a command report, padded with 0, and pauses. `step` is the step that a
+// Sends a command report of up to 8 bytes, padded with 0, and pauses. `step` is the step that a
 // failure names.
 Outcome sendCommand(std::span<const std::uint8_t> bytes, SlotStep step = SlotStep::WriteSetting);
 // The mouse needs a pause of 30 ms after every report.
@@ -51,7 +51,7 @@ void pauseAfterReport();
 // Makes the mouse use what was written.
 Outcome refreshDeviceData();
 Outcome resetDev();
-// Resets the mouse on its active slot. Does nothing without a mouse.
+// Resets the mouse and selects its active slot again. Fails without a mouse.
 Outcome resetDevPro();
 
 // Announces the long read or the long write of that slot.

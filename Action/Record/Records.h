@@ -97,7 +97,7 @@ static_assert(std::is_trivially_copyable_v<_Nerin_CONFIG>);
 // Whether two profiles hold the same bytes.
 bool isSameRecord(const _Nerin_PROFILE& a, const _Nerin_PROFILE& b);
 
-// The length in bytes up to the first NUL, at most 255 even without a NUL.
+// The length in bytes up to the first NUL; the maximum is 255, even without a NUL.
 std::size_t getlen(const char (&field)[textSize]);
 
 // The text of the field; getlen gives its length.

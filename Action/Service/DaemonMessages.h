@@ -29,7 +29,7 @@ void sendModeChangeToDaemon(std::int32_t mode);
 void sendDPiChangeToDaemon(std::int32_t level, std::int32_t x, std::int32_t y);
 void sendRateChangeToDaemon(std::int32_t rate);
 void sendRelaunchDaemon();
-// Whether the DPI settings on the mouse are only being tried.
+// Says whether the DPI settings on the mouse are only a trial.
 void setIsDpiTem(bool isDpiTem);
 
 // For the service: each call reads the preference file again.

@@ -32,7 +32,7 @@ class TooltipManager {
   // The text of a key, or of a view's control; no value when no language has it.
   std::optional<std::string> getTooltip(const std::string& key);
   std::optional<std::string> getTooltip(std::int32_t viewId, const std::string& btnTag);
-  // The tag of the control that a language lists under that key for that view.
+  // The tag of the control with that key in that view. `text` is ignored.
   static std::optional<std::string> getBtnIdBy(const LanData& language, const std::string& name,
                                                const std::string& text, std::int32_t vid);
 
