@@ -176,8 +176,8 @@ void DpiLevelsView::fillLevelViewData() {
 }
 
 void DpiLevelsView::onLevelChange(LevelView& level) {
-  // Typing in another level had made that one active first, so commit it now. The user may still be
-  // typing in this level.
+  // Committing another level makes that one active, so do it first. The user may still be typing in
+  // this level.
   commitLevels(&level);
   for (LevelView* one : shownLevels()) {
     one->setIsActive(false);

@@ -24,7 +24,7 @@ class DpiLevelsView : public ChildView,
   void fillSettingData() override;
   // Marks a level, 0..4, of the visible set.
   void setSelectedDpi(std::uint32_t level);
-  // Sets the number of levels in use. Other numbers than 1..5 do not change the screen.
+  // Sets the number of levels in use. Numbers outside 1..5 do not change the screen.
   void setCurrLevlePro(std::uint32_t count, bool isXY);
   // Checks the box if one of the first `count` levels has two values.
   void fillXYChk(std::uint32_t count);
