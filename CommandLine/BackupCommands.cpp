@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// What one slot of the mouse holds, and the files it is kept in.
+// The content of one slot of the mouse, and its files.
 struct SlotBackup {
   ProfileValue profile;
   std::map<int, std::shared_ptr<MacroInfo>> macros;  // by button index
@@ -41,8 +41,8 @@ bool playsMacro(const _BTN_INFO& button) {
   return button.FuncTableId == NerinAction::FunctionMacro && button.btnType == ButtonTypeMacro;
 }
 
-// Unlike reading a slot into the edit, a backup keeps mouse buttons: their codes are the ones that
-// macros of the library have, too.
+// A backup keeps mouse buttons, unlike reading a slot for editing. They get the codes that macros
+// of the library use.
 std::shared_ptr<MacroInfo> macroOf(const NerinAction::MacroStream& stream) {
   auto macro = std::make_shared<MacroInfo>();
   macro->setNameStr(stream.name.value_or(NerinAction::generatedMacroName));
@@ -70,7 +70,7 @@ Outcome readMacro(int slot, int index, _BTN_INFO& button, SlotBackup& backup,
     notes.push_back(place(slot, index) + ": the mouse holds no macro for it");
     return outcome;
   }
-  // The parameters of the image stay where they say the same, so that they come back to the byte.
+  // Keep equivalent parameters of the image, so that a restore writes the same bytes.
   std::uint8_t type = 0;
   std::uint8_t count = 0;
   NerinAction::getMacroRepeatType(type, count, button);
@@ -121,7 +121,7 @@ std::vector<durable::FolderEntry> filesOf(int slot, SlotBackup& backup) {
   return files;
 }
 
-// Writes all files into the folder, or none.
+// Writes all files to the folder, or none.
 void writeFiles(const fs::path& folder, const std::vector<durable::FolderEntry>& files) {
   std::vector<fs::path> written;
   for (const auto& file : files) {
@@ -186,7 +186,7 @@ std::shared_ptr<MacroInfo> loadMacro(const fs::path& file) {
   return macro;
 }
 
-// The backup of a slot; nothing when the folder has none of it.
+// The backup of a slot; null when the folder has none.
 std::unique_ptr<SlotBackup> loadSlotBackup(const fs::path& folder, int slot) {
   const fs::path file = folder / profileFile(slot);
   std::error_code error;
@@ -206,7 +206,7 @@ std::unique_ptr<SlotBackup> loadSlotBackup(const fs::path& folder, int slot) {
   return backup;
 }
 
-// The macros join the catalogue for this run only, hidden, so that the slot's buttons can name
+// Adds the macros to the catalogue as hidden for this run, so that the slot's buttons can refer to
 // them.
 Outcome writeSlotBackup(int slot, const SlotBackup& backup) {
   _Nerin_PROFILE record = backup.profile.profileData();
@@ -245,7 +245,7 @@ void restore(Session& session, const std::string& folder) {
   if (!fs::is_directory(folder, error)) {
     throw CommandError(ExitCode::Failed, "no such folder: " + printable(folder));
   }
-  // Everything is read before anything is written.
+  // Read everything before writing anything.
   std::map<int, std::unique_ptr<SlotBackup>> slots;
   std::size_t macros = 0;
   for (int slot = 0; slot < ProfieController::slotCount; ++slot) {

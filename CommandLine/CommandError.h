@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-// How the program ends.
+// The exit codes of the program.
 enum class ExitCode { Done = 0, Failed = 1, Usage = 2, NoMouse = 3, NotFound = 4 };
 
 // Ends a command with one line for the user.

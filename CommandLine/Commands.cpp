@@ -20,7 +20,7 @@ int slotOf(int number) {
 }
 
 ProfieController::Profile profileNamed(const ProfieController& library, const std::string& name) {
-  // Files can bring profiles whose name is no text.
+  // A profile from a file may have no valid name.
   const auto& profiles = library.profileArr();
   const auto found = std::find_if(profiles.begin(), profiles.end(), [&](const auto& profile) {
     return profile->name().value_or("") == name;

@@ -7,10 +7,10 @@
 #include "CommandLine/Grammar.h"
 #include "CommandLine/Session.h"
 
-// The command that the user chose; run after the whole line was read.
+// The command that the user chose. It runs after the whole line was read.
 using Command = std::function<void(Session&)>;
 
-// Each adds a group of commands to the program. The chosen one ends up in `chosen`.
+// Each adds a group of commands to the program and stores the user's choice in `chosen`.
 void addSlotCommands(GrammarCommand program, Command& chosen);
 void addProfileCommands(GrammarCommand program, Command& chosen);
 void addShowCommand(GrammarCommand program, Command& chosen);
@@ -18,7 +18,7 @@ void addSettingCommands(GrammarCommand program, Command& chosen);
 void addMacroCommands(GrammarCommand program, Command& chosen);
 void addBackupCommands(GrammarCommand program, Command& chosen);
 
-// Adds a command with one word, or two, behind it.
+// Adds a command with one or two arguments.
 void addWithWord(GrammarCommand group, Command& chosen, const std::string& name,
                  const std::string& description, const std::string& example,
                  const std::string& word, void (*action)(Session&, const std::string&));
@@ -27,20 +27,20 @@ void addWithWords(GrammarCommand group, Command& chosen, const std::string& name
                   const std::string& first, const std::string& second,
                   void (*action)(Session&, const std::string&, const std::string&));
 
-// The slot 0..9 for a number as on the tabs, 1..10. Throws CommandError.
+// Converts a slot number, 1..10 as on the tabs, to 0..9. Throws CommandError.
 int slotOf(int number);
-// The library's profile of that name, for an empty name the first one without any. Throws
+// The library's profile of that name; an empty name finds the first profile without a name. Throws
 // CommandError when there is none.
 ProfieController::Profile profileNamed(const ProfieController& library, const std::string& name);
-// Throws CommandError when the error is one.
+// Throws CommandError if there is an error.
 void require(const std::error_code& error, const std::string& what);
-// Throws CommandError unless a profile may be called that: 1 to 65 printable ASCII characters
-// without "/" and ":", none of the factory names, and no name of another profile than `profile`.
+// Throws CommandError unless the profile may have the name: 1 to 65 printable ASCII characters
+// without "/" and ":", not a factory name, and not the name of another profile.
 void requireProfileName(const ProfieController& library, const std::string& name,
                         const ProfieController::Profile& profile);
 // Throws CommandError unless the file can be read.
 void requireReadableFile(const std::string& path);
-// The profile in a file. Throws CommandError when there is no file, or none as long as a profile.
+// The profile in a file. Throws CommandError if the file is missing or too short.
 ProfieController::Profile profileInFile(const std::string& path);
-// The mouse's active slot, 0..9. Throws CommandError when the mouse names another.
+// The mouse's active slot, 0..9. Throws CommandError if the mouse reports any other slot.
 int activeSlotOf(Session& session);

@@ -8,7 +8,7 @@
 
 namespace {
 
-// The word that stands where a command was expected; empty when there is none.
+// The word in place of a command; empty when there is none.
 std::string unknownCommand(const CLI::App& program) {
   const CLI::App* group = &program;
   while (!group->get_subcommands().empty()) {

@@ -8,20 +8,20 @@
 
 #include "CommandLine/CommandError.h"
 
-// What may stand on the command line. The library that reads it is expensive to compile, so only
-// Grammar.cpp knows it.
+// The grammar of the command line. Only Grammar.cpp includes the parser library, because it is slow
+// to compile.
 namespace CLI {
 class App;
 class Option;
 }  // namespace CLI
 
-// An option, or a word that stands alone.
+// An option or an argument.
 class GrammarOption {
  public:
   explicit GrammarOption(CLI::Option* option) : m_option(option) {}
 
   GrammarOption& required();
-  // What the help calls its value.
+  // The name of its value in the help.
   GrammarOption& typeName(const std::string& name);
   GrammarOption& oneOf(const std::vector<std::string>& values);
 
@@ -34,18 +34,18 @@ class GrammarCommand {
  public:
   explicit GrammarCommand(CLI::App* command) : m_command(command) {}
 
-  // A command of this group with its example, which its help shows.
+  // Adds a command with an example for its help.
   GrammarCommand addCommand(const std::string& name, const std::string& description,
                             const std::string& example);
-  // Makes this a group: one of its commands has to follow.
+  // Makes this a group: the user must give one of its commands.
   void requireCommand();
-  // The value is filled when the line is read. There is one for int, std::string, both of them in a
-  // std::optional, and std::vector<std::string>.
+  // Parsing fills the value. Supports int, std::string, std::optional of both, and
+  // std::vector<std::string>.
   template <typename Value>
   GrammarOption addOption(const std::string& name, Value& value,
                           const std::string& description = "");
   void addFlag(const std::string& name, bool& value, const std::string& description);
-  // Called when the line has this command, and was read.
+  // Called after parsing a line with this command.
   void onGiven(std::function<void()> action);
 
  protected:
@@ -60,8 +60,8 @@ class Grammar : public GrammarCommand {
   Grammar& operator=(const Grammar&) = delete;
 
   void addVersion(const std::string& version);
-  // Reads the line. Answers how the program ends when that was all, after help or a word about a
-  // wrong line. Throws CommandError when there is no such command.
+  // Parses the line. Returns an exit code if nothing is left to do, after help or a usage error.
+  // Throws CommandError for an unknown command.
   std::optional<ExitCode> parse(int argc, const char* const* argv);
 
  private:

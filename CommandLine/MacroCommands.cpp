@@ -71,7 +71,7 @@ void import(Session& session, const std::string& file) {
   if (NerinAction::macroStore->macroNode->children().size() >= limits::macros) {
     throw CommandError(ExitCode::Failed, "Maximum number of macros reached");
   }
-  // A script goes on with the macro by its id, and a hidden one would be lost at once.
+  // Scripts refer to the macro by its id. A hidden macro would not be saved.
   macro->setNameStr(name);
   macro->setMacroId(NerinAction::getNewMacorId());
   macro->setIsNoDisplay(false);

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Characters as a terminal counts them, near enough: one for each lead byte.
+// The width in a terminal, approximately: one column per character.
 std::size_t widthOf(const std::string& cell) {
   return static_cast<std::size_t>(std::count_if(cell.begin(), cell.end(), [](char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
@@ -31,7 +31,7 @@ std::string line(const std::vector<std::string>& row, const std::vector<std::siz
 
 void Output::print(const std::vector<std::string>& lines, const Json& document) const {
   if (m_isJson) {
-    // Nothing but ASCII, since control characters have forms beyond it.
+    // Only ASCII, because there are control characters beyond it.
     std::cout << document.dump(2, ' ', true, Json::error_handler_t::replace) << '\n';
   } else {
     for (const std::string& text : lines) {
@@ -51,7 +51,7 @@ std::string printable(std::string_view text) {
     const bool isShown = code >= 0x20U && code != 0x7FU && (isText || code < 0x80U);
     result += isShown ? byte : '?';
   }
-  // The control characters of Unicode's second page steer a terminal, too.
+  // The C1 control characters (C2 80 to C2 9F) also control a terminal.
   for (std::size_t at = result.find('\xC2'); at != std::string::npos;
        at = result.find('\xC2', at)) {
     if (at + 1 < result.size() && static_cast<unsigned char>(result[at + 1]) < 0xA0U) {

@@ -8,22 +8,22 @@
 
 using Json = nlohmann::ordered_json;
 
-// What a command answers: the same facts as lines for a person and as JSON for a script.
+// The answer of a command, as lines for a person or as JSON for a script.
 class Output {
  public:
   void setJson(bool isJson) { m_isJson = isJson; }
   bool isJson() const { return m_isJson; }
 
-  // Prints the lines, or the document. To be called once by a command.
+  // Prints the lines or the document. Call once per command.
   void print(const std::vector<std::string>& lines, const Json& document) const;
 
  private:
   bool m_isJson = false;
 };
 
-// The text with control characters and broken UTF-8 replaced: names come from files and from the
-// mouse, and must not steer the terminal.
+// Replaces control characters and broken UTF-8: names come from files and from the mouse and must
+// not control the terminal.
 std::string printable(std::string_view text);
 
-// Lines whose cells stand under each other.
+// Lines with aligned cells.
 std::vector<std::string> table(const std::vector<std::vector<std::string>>& rows);

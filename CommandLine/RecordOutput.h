@@ -6,9 +6,9 @@
 #include "Action/Edit/Descriptions.h"
 #include "CommandLine/Output.h"
 
-// What a record says, as lines for a person and as JSON for a script.
+// Prints a record, as lines for a person or as JSON for a script.
 
-// Each fact as a line, its parts under each other.
+// One line per fact, with aligned parts.
 std::vector<std::string> linesOf(const std::vector<descriptions::Fact>& facts);
 
 Json asJson(const _Nerin_PROFILE& profile, descriptions::RecordSource source);

@@ -21,7 +21,7 @@
 
 namespace {
 
-// Long enough for another command to finish, short enough for a person.
+// Long enough for another command to finish, short enough for the user to wait.
 constexpr std::chrono::seconds lockLimit(5);
 
 bool isWrite(const LXDeviceRequest& request) {
@@ -60,7 +60,7 @@ std::shared_ptr<LXDeviceRequester> virtualMouse(const SessionOptions& options) {
 }  // namespace
 
 Session::~Session() {
-  // The platform refers to this session, and the bus must be gone before Qt's own globals are.
+  // The platform refers to this session, and the bus must close before Qt destroys its globals.
   NerinAction::sysDeviceReq->reset();
   LXPlatform::install({});
 }
@@ -77,7 +77,7 @@ void Session::begin(const SessionOptions& options) {
     m_usbMouse = std::make_shared<HidDeviceRequester>();
     requester = m_usbMouse;
   }
-  // The memory of the virtual mouse is there by now, so that the trace cannot take its place.
+  // Now the file of the virtual mouse exists, so the trace cannot overwrite it.
   if (options.traceFile) {
     openTrace(options);
   }
@@ -136,7 +136,7 @@ ProfieController& Session::openLibrary() {
   NerinAction::initMenuList();
   NerinAction::refreshMenuList();
   ProfieController& library = ProfieController::getShareProCon();
-  // What is not seen would be lost when the library is saved.
+  // Saving the library would delete files that cannot be listed.
   const std::filesystem::directory_iterator files(library.sysProPath(), error);
   if (error) {
     throw CommandError(ExitCode::Failed, "the library " + printable(library.sysProPath().string()) +

@@ -19,34 +19,33 @@ struct SessionOptions {
   std::optional<std::string> traceFile;
 };
 
-// One run of the program: the mouse it talks to, the library it works on, and what happened on the
-// way.
+// One run of the program: its mouse, its library and its record of failures.
 class Session {
  public:
   Session() = default;
-  // Waits until the last message to the service is on its way.
+  // Waits until the last message to the service is sent.
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
   Output output;
 
-  // Installs the platform, with the mouse that the options name. Throws CommandError.
+  // Installs the platform with the mouse from the options. Throws CommandError.
   void begin(const SessionOptions& options);
 
-  // Loads the catalogues and the library, and keeps other programs out of them until the end.
-  // Throws CommandError when another one holds them, or when the library cannot be read.
+  // Loads the catalogues and the library and locks them until the end of the run. Throws
+  // CommandError if another program holds the lock or the library cannot be read.
   ProfieController& openLibrary();
-  // The same for what would go wrong without the macros: throws CommandError when their file is
+  // openLibrary for commands that need the macros: throws CommandError if the macro file is
   // damaged.
   ProfieController& openLibraryWithMacros();
-  // Waits for nothing: throws CommandError with what was looked for when the mouse is not there.
+  // Does not wait: throws CommandError if the mouse is not there.
   void openMouse();
-  // Throws CommandError, with what it means for the user, when the operation failed.
+  // Throws CommandError with a message for the user if the operation failed.
   void require(const Outcome& outcome);
-  // To be called when the command is done. Throws CommandError when the trace is not whole.
+  // Call after the command. Throws CommandError if the trace is incomplete.
   void end();
-  // Says on a terminal what long report is being written; `macros` of them are macros.
+  // Prints each long report to a terminal; `macros` is the number of macros to write.
   void showProgress(std::size_t macros);
 
   bool isVirtual() const { return m_isVirtual; }

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int hexadecimal = 16;
 
-// A setting of the whole command line, "3=1600x800".
+// A setting from the command line, "3=1600x800".
 struct Assignment {
   std::string_view left;
   std::string_view right;
@@ -61,8 +61,8 @@ _LightColorInfo colorOf(std::string_view text) {
   return {rgb >> 16U, rgb >> 8U & 0xFFU, rgb & 0xFFU};
 }
 
-// Takes the active slot's settings as the working copy, so that a live command changes only what
-// it was asked to. Macros are left alone.
+// Reads the active slot's settings into the working copy, so that a live command changes only what
+// the user asked for. Does not read macros.
 void takeActiveProfile(Session& session) {
   session.openMouse();
   const auto slot = static_cast<std::uint8_t>(activeSlotOf(session));
@@ -73,7 +73,7 @@ void takeActiveProfile(Session& session) {
                                                     NerinAction::singleFunctionIdOf));
 }
 
-// A live command has no use without its last report, so that any failure ends it.
+// A live command takes effect with its last report, so any failure ends it.
 void report(Session& session, const Outcome& outcome, const std::string& line,
             const Json& document) {
   session.require(outcome);
@@ -114,7 +114,7 @@ void requireLevel(const std::optional<int>& level) {
   }
 }
 
-// A level that was not in use has no values in the mouse.
+// The mouse has no values for a level that was not in use.
 void requireValuesOfLevels() {
   const _Nerin_PROFILE& profile = editState->currSetProfile();
   const std::size_t used = std::min<std::size_t>(profile.dpiLevel, levelCount);

@@ -80,7 +80,7 @@ std::size_t macrosOf(const _Nerin_PROFILE& profile) {
       }));
 }
 
-// What of the profile the mouse does not take.
+// The parts of the profile that the mouse cannot store.
 std::vector<std::string> lossesOf(const std::string& name, const _Nerin_PROFILE& profile) {
   std::vector<std::string> losses;
   if (!utf8::isAscii(name)) {

@@ -18,8 +18,7 @@ constexpr const char* exitCodes =
     "Exit codes: 0 done, 1 failed, 2 usage, 3 no mouse, 4 no such profile, macro or slot.\n"
     "Slots are 1 to 10, as on the tabs.";
 
-// A file that is opened while a standard stream is closed would take its place, and get what is
-// written to it.
+// A file that is opened while a standard stream is closed would get its descriptor and its output.
 void occupyStandardStreams() {
   int descriptor = 0;
   do {
@@ -30,7 +29,7 @@ void occupyStandardStreams() {
   }
 }
 
-// The lines of a message are the program's own; what came from elsewhere has none.
+// Only the program's own text has line breaks; printable() removes all others.
 void complain(const std::string& message) {
   std::istringstream lines("nerinctl: " + message);
   for (std::string line; std::getline(lines, line);) {

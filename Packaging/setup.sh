@@ -1,4 +1,4 @@
-# Sourced by run and test: the Debian 12 packages that they need, and the build.
+# Sourced by run and test: installs the Debian 12 packages and builds.
 
 build_packages=(
   cmake fonts-inter g++ librsvg2-bin ninja-build pkg-config python3
@@ -15,7 +15,7 @@ tour_packages=(
 bench_packages=(libbenchmark-dev)
 fuzz_packages=(clang libclang-rt-14-dev)
 
-# install_packages KIND...: installs the missing packages of the named kinds, and says so.
+# install_packages KIND...: installs the missing packages of these kinds.
 install_packages() {
   local missing=() kind package
   for kind in "$@"; do

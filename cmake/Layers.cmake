@@ -1,9 +1,9 @@
 add_library(NerinWarnings INTERFACE)
-# The log names source files by their path inside the tree, and no folder of the build machine.
+# The log shows source paths relative to the tree, without folders of the build machine.
 add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
 target_compile_options(NerinWarnings INTERFACE -Wall -Wextra -Wconversion -Wshadow)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  # GCC 12 sees overlaps in its own std::string at -O2 that are not there.
+  # GCC 12 reports false overlaps in its own std::string at -O2.
   target_compile_options(NerinWarnings INTERFACE -Wno-restrict)
 endif()
 if(NERIN_WERROR)
@@ -15,21 +15,20 @@ if(NERIN_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 if(NERIN_FUZZERS)
-  # The layers tell the fuzzer which of their lines an input reaches.
+  # The instrumentation shows the fuzzer which lines an input reaches.
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
-# nerin_layer(NAME SOURCES...) makes one layer of the house: a static library whose headers are
-# included by their path from the top of the tree, built with the warnings that every layer keeps.
+# nerin_layer(NAME SOURCES...) adds a layer: a static library with the warnings of all layers, whose
+# headers are included by their path from the top of the tree.
 function(nerin_layer name)
   add_library(${name} STATIC ${ARGN})
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE NerinWarnings)
 endfunction()
 
-# Most of what a small file costs is in the headers of others, so they are precompiled: once for the
-# layers without Qt, and once for those with its widgets. Each file still includes what it needs, as
-# it must compile without them, too.
+# Other headers take most of the compile time of a small file, so they are precompiled: once for the
+# layers without Qt, once for those with widgets. Each file must also compile without them.
 function(nerin_headers name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LINK")
   set(source "${CMAKE_BINARY_DIR}/generated/${name}.cpp")
@@ -48,10 +47,9 @@ nerin_headers(WidgetHeaders
   <QScreen> <QTimer> <QWidget>
   LINK Qt6::Widgets)
 
-# nerin_test(NAME SOURCES... [ALONE SOURCES...] [OWN_PROCESS SUITES...]) makes one GoogleTest
-# program and registers its suites, each as one test of ctest. A suite that OWN_PROCESS names (* is
-# all of them) is registered test by test: what such a suite leaves behind in its process, another
-# test would meet.
+# nerin_test(NAME SOURCES... [ALONE SOURCES...] [OWN_PROCESS SUITES...]) adds a GoogleTest program
+# and registers each suite as one ctest test. The suites in OWN_PROCESS (* for all) are registered
+# test by test, because their tests leave state behind in the process.
 #
 # Reading the headers, and the templates made from them, is most of a test's compile time, so that
 # the files of a folder are compiled at once (NERIN_UNITY_TESTS). A file that cannot stand behind
@@ -79,7 +77,7 @@ function(nerin_test name)
   nerin_discover_suites(${name} ${arg_OWN_PROCESS})
 endfunction()
 
-# The suites are those that the program names when ctest starts.
+# ctest asks the program for its suites when it starts.
 function(nerin_discover_suites name)
   set(script "${CMAKE_CURRENT_BINARY_DIR}/${name}-suites.cmake")
   file(GENERATE OUTPUT "${script}" CONTENT "\

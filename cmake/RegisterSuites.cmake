@@ -1,9 +1,9 @@
-# Read by ctest, with: script, the file that reads this; program, a GoogleTest program; own_process, the suites whose tests get a
-# process each (* for all); tests, the file that keeps what was found until the program changes.
+# Read by ctest. script: the file that includes this; program: a GoogleTest program; own_process:
+# the suites to run test by test (* for all); tests: the cached result.
 cmake_minimum_required(VERSION 3.25)
 
 if(NOT EXISTS "${program}")
-  # As CMake's own discovery has it: a test that fails says that the program is missing.
+  # Like CMake's own discovery: a failing test reports the missing program.
   add_test("${program}_NOT_BUILT" "${program}")
   return()
 endif()
@@ -12,7 +12,7 @@ if("${program}" IS_NEWER_THAN "${tests}" OR "${CMAKE_CURRENT_LIST_FILE}" IS_NEWE
    OR "${script}" IS_NEWER_THAN "${tests}")
   execute_process(COMMAND "${program}" --gtest_list_tests OUTPUT_VARIABLE listing
                   ERROR_QUIET TIMEOUT 60 COMMAND_ERROR_IS_FATAL ANY)
-  # Behind the # is the value of a parameter, which may have characters that are CMake's own.
+  # The parameter value after the # may have characters with a meaning in CMake.
   string(REGEX REPLACE "[ ]*#[^\n]*" "" listing "${listing}")
   string(REGEX MATCHALL "[^\n]+" lines "${listing}")
   set(entries "")

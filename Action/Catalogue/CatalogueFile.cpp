@@ -10,11 +10,11 @@
 
 namespace {
 
-// Keeps all that a person wrote, the declaration included, and leaves attribute values alone.
+// Keeps the declaration and all other content, and leaves attribute values alone.
 constexpr unsigned parseOptions =
     (pugi::parse_full | pugi::parse_ws_pcdata) & ~pugi::parse_wconv_attribute;
 
-// The reader knows no entities of a document's own and would write them back as plain text.
+// pugixml does not know a document's own entities and would save them as plain text.
 bool hasEntities(const pugi::xml_document& document) {
   for (const pugi::xml_node& node : document.children()) {
     if (node.type() == pugi::node_doctype &&
@@ -41,7 +41,7 @@ bool CatalogueFile::load() {
   const auto result = m_document.load_buffer(bytes->data(), bytes->size(), parseOptions);
   m_encoding = result.encoding;
   if (m_encoding == pugi::encoding_latin1) {
-    // A macro may be called by any name, and this encoding has few.
+    // A macro can have any name, and Latin-1 lacks most characters.
     m_encoding = pugi::encoding_utf8;
     m_document.first_child().attribute("encoding").set_value("UTF-8");
   }
@@ -63,7 +63,7 @@ bool CatalogueFile::save() const {
   m_document.save(text, "  ", pugi::format_indent | (isUtf8 ? 0U : pugi::format_write_bom),
                   m_encoding);
   const std::string bytes = text.str();
-  // What could not be read again is not written.
+  // A file over the limit could not be loaded again.
   const auto error = bytes.size() > durable::maximumFileSize
                          ? std::make_error_code(std::errc::file_too_large)
                          : durable::writeFile(cataloguePath(), bytes);

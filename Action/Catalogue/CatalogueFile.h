@@ -2,17 +2,17 @@
 
 #include <pugixml.hpp>
 
-// "MenuInfo.xml" of the support folder as a document: loaded, changed in one section, written back.
+// "MenuInfo.xml" of the support folder as a document: load it, change one section, save it.
 class CatalogueFile {
  public:
-  // False when there is no file or it is no XML; the document is then empty.
+  // False when the file is missing or is not XML; the document is then empty.
   [[nodiscard]] bool load();
-  // Writes the document in the place of the file, in the encoding it was read in. Comments, unknown
-  // attributes and other sections go out as they came in. False, logged, when it cannot be written,
-  // or defines entities of its own, which would not survive.
+  // Replaces the file and keeps its encoding, comments, unknown attributes and other sections.
+  // False, and logged, when the file cannot be written, or when the document defines entities,
+  // which saving would lose.
   [[nodiscard]] bool save() const;
 
-  // The first section of that name below the root, or a null node.
+  // The first section of that name below the root; a null node when there is none.
   pugi::xml_node section(const char* name) const;
 
  private:

@@ -85,7 +85,7 @@ std::string launchCaption(const _BTN_INFO& btnInfo, int index) {
   if (std::string name = programName(std::string(textOf(btnInfo.app_path))); !name.empty()) {
     return name;
   }
-  // What the mouse keeps has no room for a path.
+  // The mouse cannot store a path, so a button that was read from it has none.
   const ProfieController& library = ProfieController::getShareProCon();
   const auto path = library.getLaunchPath(library.currFWProfileIndex(), index);
   if (std::string name = programName(path.value_or("")); !name.empty()) {

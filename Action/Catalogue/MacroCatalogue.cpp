@@ -22,7 +22,7 @@ std::uint8_t deviceCodeOf(std::int32_t macKey) {
   return static_cast<std::uint8_t>(NerinAction::GetFWKeyCode(static_cast<std::uint32_t>(macKey)));
 }
 
-// A combination is pressed key by key and let go in the opposite order.
+// The keys of a combination are pressed in order and released in reverse.
 void appendCombination(std::vector<NerinAction::MacroStreamEvent>& events,
                        const MacroKeyInfo& event) {
   const auto entry = NerinAction::getMacroMenuByFunid(event.keyCode());
@@ -104,7 +104,7 @@ std::int32_t NerinAction::getNewMacorId() {
   if (largest < std::numeric_limits<std::int32_t>::max()) {
     return largest + 1;
   }
-  // Only a damaged file has such an id; a free one is found below it.
+  // Only a damaged file has the maximum id. Then the first free id serves.
   std::int32_t id = 1;
   while (getMacroById(id)) {
     ++id;

@@ -17,15 +17,15 @@ namespace pugi {
 class xml_node;
 }
 
-// The user's macros: kept in memory for the run, stored in a section of "MenuInfo.xml".
+// The user's macros: kept in memory during the run and stored in a section of "MenuInfo.xml".
 namespace NerinAction {
 
 struct MacroStore {
-  // Every macro, hidden ones too, in file order and then in order of creation.
+  // All macros, including hidden ones: first in file order, then in order of creation.
   std::vector<std::shared_ptr<MacroInfo>> macroListArrs;
-  // The root of the macro menu: one child for each shown macro. Null until refreshMenuList.
+  // The root of the macro menu: one child per macro that is shown. Null until refreshMenuList.
   std::shared_ptr<LXTreeNode> macroNode;
-  // Called by refreshMenuList with the rebuilt menu, for the pop-up list that shows it.
+  // refreshMenuList calls this with the new menu, so that the open pop-up list can show it.
   std::function<void(const std::shared_ptr<LXTreeNode>&)> macroMenuRebuilt;
 };
 inline ProcessWide<MacroStore> macroStore;
@@ -33,34 +33,33 @@ inline ProcessWide<MacroStore> macroStore;
 void initMacroList(const pugi::xml_node& macroList);
 void addMacroInfoByEle(const pugi::xml_node& item);
 
-// The first macro with that id, or that exact name; null for none.
+// The first macro with that id, or with that exact name; otherwise null.
 std::shared_ptr<MacroInfo> getMacroById(std::int32_t id);
 std::shared_ptr<MacroInfo> getMacroByName(const std::string& name);
 std::optional<std::string> getMacroNameById(std::int32_t id);
-// The largest id plus 1, hidden macros included; 1 for an empty catalogue.
+// The maximum id plus 1, counting hidden macros; 1 for an empty catalogue.
 std::int32_t getNewMacorId();
-// Whether no shown macro has that name.
+// Whether the name is free. Hidden macros do not count.
 bool checkMacroName(const std::string& name);
 std::string getNewMacroName();
-// An empty macro of that name, in the catalogue; null when the menu shows 100. The name is not
-// checked and the menu not rebuilt.
+// Adds an empty macro; null when the menu already shows 100. Does not check the name or rebuild the
+// menu.
 std::shared_ptr<MacroInfo> addMacorByName(const std::string& name);
 
 void SaveMacroInfoToEle(pugi::xml_node item, const MacroInfo& selData);
-// Appends an element for the macro, named "Item" unless another name is given.
+// Appends an element for the macro; its name is "Item" by default.
 pugi::xml_node addElementByNode(const MacroInfo& macro, pugi::xml_node parNode,
                                 const std::string& itemName = {});
-// Writes the shown macros back into their section; the rest of the file stays. False when nothing
-// was written: no file, no section, or a failure, which is logged.
+// Writes the macros that are not hidden to their section and keeps the rest of the file. False when
+// the file or the section is missing, or when writing fails, which is logged.
 [[nodiscard]] bool saveMenuList();
-// Rebuilds the macro menu.
 void refreshMenuList();
 
-// The macro as the mouse plays it from that button: combinations of the macro-insert menu become
-// their keys, and the button says how it repeats.
+// The macro as the mouse plays it for that button. Combinations become their keys; the button sets
+// how the macro repeats.
 MacroStream streamOf(const MacroInfo& macro, const _BTN_INFO& btnInfo);
-// The events of a macro that was read. Mouse buttons have no key code of their own: they get 0,
-// and only the event's kind tells that it is a mouse button.
+// The events of a macro that was read. Mouse buttons get key code 0: only the event's kind shows
+// that it is a mouse button.
 MacroInfo::Events eventsOf(const MacroStream& stream);
 
 }  // namespace NerinAction

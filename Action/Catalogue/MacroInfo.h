@@ -9,8 +9,8 @@
 #include "Action/Catalogue/MacroKeyInfo.h"
 #include "Kit/Core/LXCoding.h"
 
-// A named sequence of input events. Shared: the catalogue owns it, menus and an open editor refer
-// to the same object, so that an edit shows everywhere at once.
+// A named sequence of input events. The catalogue, the menus and an open editor share the object,
+// so that an edit shows everywhere at once.
 class MacroInfo final : public LXCoding {
  public:
   using Events = std::vector<std::shared_ptr<MacroKeyInfo>>;
@@ -22,16 +22,16 @@ class MacroInfo final : public LXCoding {
   void setKeyInfoArr(Events keyInfoArr) { m_keyInfoArr = std::move(keyInfoArr); }
   const std::optional<std::string>& nameStr() const { return m_nameStr; }
   void setNameStr(std::optional<std::string> nameStr) { m_nameStr = std::move(nameStr); }
-  // Unique in the catalogue, from 1; 0 for a macro that came from a file of its own.
+  // Unique in the catalogue, from 1; 0 for a macro from an exchange file.
   std::int32_t macroId() const { return m_macroId; }
   void setMacroId(std::int32_t macroId) { m_macroId = macroId; }
-  // A hidden macro serves the run; it is neither shown nor saved.
+  // A hidden macro lasts for one run: it is neither shown nor saved.
   bool isNoDisplay() const { return m_isNoDisplay; }
   void setIsNoDisplay(bool isNoDisplay) { m_isNoDisplay = isNoDisplay; }
 
-  // The bytes that the events take in the mouse: one for each, three more for each delay.
+  // The bytes that the events take in the mouse: one per event, three more per delay.
   std::int32_t getMacroCount() const;
-  // The same for one function event: a press and a release for each key of its combination.
+  // The bytes of one function event: a press and a release for each key of its combination.
   static std::int32_t getComMacroCount(const MacroKeyInfo& event);
 
   std::string_view className() const override { return "MacroInfo"; }

@@ -4,10 +4,9 @@
 
 #include "Kit/Core/LXCoding.h"
 
-// One event of a macro.
 class MacroKeyInfo final : public LXCoding {
  public:
-  // The kinds of events (keyFlag), and what keyCode means for each.
+  // The kinds of events (keyFlag). The comments say what keyCode means for each.
   enum Flag : std::int32_t {
     KeyPress = 0,  // a Mac virtual key code
     KeyRelease = 1,
@@ -24,7 +23,7 @@ class MacroKeyInfo final : public LXCoding {
   void setKeyCode(std::int32_t keyCode) { m_keyCode = keyCode; }
   std::int32_t keyFlag() const { return m_keyFlag; }
   void setKeyFlag(std::int32_t keyFlag) { m_keyFlag = keyFlag; }
-  // The pause after this event in milliseconds; 0 or less is none.
+  // The pause after this event in milliseconds; 0 or less means no pause.
   std::int32_t delay() const { return m_delay; }
   void setDelay(std::int32_t delay) { m_delay = delay; }
 

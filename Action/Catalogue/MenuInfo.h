@@ -13,16 +13,16 @@
 class MenuInfo final : public LXMenuData, public LXCoding {
  public:
   MenuInfo() = default;
-  // The entry that stands for a macro in the macro menu.
+  // The entry of a macro in the macro menu.
   static std::shared_ptr<MenuInfo> initWithMacroData(std::shared_ptr<MacroInfo> macro);
 
-  // Id of the function within its menu.
+  // The id of the function within its menu.
   std::int32_t functionID() const { return m_functionID; }
   void setFunctionID(std::int32_t functionID) { m_functionID = functionID; }
   // The firmware's function code.
   std::int32_t functionTableID() const { return m_functionTableID; }
   void setFunctionTableID(std::int32_t id) { m_functionTableID = id; }
-  // A line is drawn after the entry.
+  // A line follows the entry.
   bool needSepretor() const { return m_needSepretor; }
   void setNeedSepretor(bool needSepretor) { m_needSepretor = needSepretor; }
   std::int32_t typeTag() const { return m_typeTag; }
@@ -37,10 +37,10 @@ class MenuInfo final : public LXMenuData, public LXCoding {
   void setKeyBit4(std::int32_t bit) { m_keyBits[3] = bit; }
   bool saveTag() const { return m_saveTag; }
   void setSaveTag(bool saveTag) { m_saveTag = saveTag; }
-  // Key of the entry's title in the text catalogue; empty for none.
+  // The key of the entry's title in the text catalogue; empty when it has none.
   const std::string& toolTipTag() const { return m_toolTipTag; }
   void setToolTipTag(std::string tag) { m_toolTipTag = std::move(tag); }
-  // Never null: an entry that is no macro's has an empty one.
+  // Never null: an entry of another menu has an empty macro.
   const std::shared_ptr<MacroInfo>& macroInfo() const { return m_macroInfo; }
   void setMacroInfo(std::shared_ptr<MacroInfo> macro) {
     if (macro) {
@@ -48,7 +48,7 @@ class MenuInfo final : public LXMenuData, public LXCoding {
     }
   }
 
-  // The Mac key codes of the combination: the key bits up to the first one that is unused (255).
+  // The Mac key codes of the combination: the key bits before the first unused one (255).
   std::vector<std::int32_t> usedKeys() const;
 
   std::string_view className() const override { return "MenuInfo"; }

@@ -30,7 +30,7 @@ std::error_code transfer(std::uint8_t requestType, std::uint8_t request, std::ui
     return {};
   }
   if (isSent) {
-    // An answer that is too short is no answer.
+    // Never use part of an answer.
     return std::make_error_code(std::errc::message_size);
   }
   return setup.error ? setup.error : std::make_error_code(std::errc::io_error);
@@ -119,7 +119,7 @@ Outcome NerinAction::setReadyPro2(std::uint8_t pro, std::uint8_t com, SlotStep s
 }
 
 Outcome NerinAction::setAdrrData(std::uint8_t value, std::uint16_t addr, SlotStep step) {
-  // The value stands between the two halves of the address here, unlike in the read.
+  // Here the value stands between the two bytes of the address, unlike in the read.
   return sendCommand(std::array<std::uint8_t, 4>{0xDE, static_cast<std::uint8_t>(addr), value,
                                                  static_cast<std::uint8_t>(addr >> 8U)},
                      step);

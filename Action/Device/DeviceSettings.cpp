@@ -13,7 +13,7 @@ constexpr std::uint8_t imageBank = 0;
 constexpr std::uint8_t levelBank = 1;
 constexpr std::uint8_t liftSelector = 46;
 
-// Where the LED zones of slot 0 lie in device memory.
+// The address of slot 0's LED zones in device memory.
 constexpr std::uint32_t zonesAddress = 294;
 
 constexpr std::uint8_t byteOf(std::uint32_t word) {
@@ -103,7 +103,7 @@ Outcome NerinAction::setColorToDevice2() {
 }
 
 Outcome NerinAction::setModelToDevice() {
-  // Zone 2 has a mode of its own in normal operation.
+  // In normal mode, zone 2 has its own mode.
   constexpr std::array<std::uint8_t, zoneCount> normal{1, 1, 2, 1};
   constexpr std::array<std::uint8_t, zoneCount> battle{3, 3, 3, 3};
   const auto& modes = editState->currSetProfile().modeType != 0 ? battle : normal;

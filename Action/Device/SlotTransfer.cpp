@@ -26,8 +26,8 @@ bool isButton(int btnIndex) {
   return btnIndex >= 0 && btnIndex < static_cast<int>(buttonCount);
 }
 
-// The macro that takes what was read: the one of that name, emptied, or a new one. Null when the
-// catalogue is full.
+// The macro to read into: the macro of that name, emptied, or a new one. Null when the catalogue is
+// full.
 std::shared_ptr<MacroInfo> macroFor(const std::string& name) {
   if (auto known = NerinAction::getMacroByName(name)) {
     known->keyInfoArr().clear();
@@ -40,7 +40,7 @@ std::shared_ptr<MacroInfo> macroFor(const std::string& name) {
   return created;
 }
 
-// The macros of the slot's buttons, and the buttons whose macro the catalogue does not have.
+// Writes the macros of the buttons. Returns the buttons whose macro is not in the catalogue.
 NerinAction::ReadResult<NerinAction::ButtonSet> writeMacros(std::uint8_t slot,
                                                             const NerinAction::ButtonSet& buttons) {
   NerinAction::ReadResult<NerinAction::ButtonSet> written;
@@ -217,8 +217,7 @@ Outcome NerinAction::setBtnInfoToDevicePro(int btnIndex, const _BTN_INFO& btnInf
     const auto macro = setFWMacroData(static_cast<std::uint8_t>(slot), btnIndex);
     outcome += macro.outcome;
     if (!macro.value) {
-      // Two more parameters stay in the command; the mouse does not look at those of a disabled
-      // button.
+      // The command keeps two more parameters. The mouse ignores them for a disabled button.
       command[3] = static_cast<std::uint8_t>(FunctionDisabled);
       command[4] = 0;
       command[5] = 0;

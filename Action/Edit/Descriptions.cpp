@@ -12,7 +12,7 @@
 
 namespace {
 
-// The buttons in the order of their index.
+// In the order of the button index.
 constexpr const char* buttonNames[buttonCount] = {
     "left click",     "right click",  "wheel click",     "side rear",
     "side front",     "middle front", "middle rear",     "right edge 1",

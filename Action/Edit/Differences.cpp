@@ -37,7 +37,7 @@ std::vector<Difference> differencesBetween(const _Nerin_PROFILE& before,
                                            const _Nerin_PROFILE& after) {
   const auto old = descriptions::describe(before, descriptions::RecordSource::Mouse);
   const auto now = descriptions::describe(after, descriptions::RecordSource::Mouse);
-  // Both lists have the same places but for the levels; the longer one has all.
+  // The lists differ only in the number of levels, so the longer list has every place.
   const auto& places = old.size() > now.size() ? old : now;
   std::vector<Difference> differences;
   for (const Fact& place : places) {

@@ -5,24 +5,23 @@
 
 #include "Action/Record/Records.h"
 
-// What would Apply change? One place of a profile that is not as it was, in the words of
-// Descriptions: what it is, what holds now and what would hold. A level that is not in use has no
-// value, which is an empty text.
+// One change that Apply would make, in the words of Descriptions: the place, the value now and the
+// new value. The value of an unused level is an empty text.
 struct Difference {
   std::string about;
   std::string before;
   std::string after;
 };
 
-// The places in which the profiles differ, in the order in which they are described. Two buttons
-// that read the same and are stored differently are a difference, too.
+// The differences between the profiles, in the order of the descriptions. Two buttons that read the
+// same but are stored differently count as a difference.
 std::vector<Difference> differencesBetween(const _Nerin_PROFILE& before,
                                            const _Nerin_PROFILE& after);
 
 namespace NerinAction {
 
-// The same between the slot as it was read and the edited profile. Nothing while it is not known
-// what the slot holds.
+// The differences between the slot as it was read and the edited profile. Empty while the content
+// of the slot is not known.
 std::vector<Difference> pendingDifferences();
 
 }  // namespace NerinAction

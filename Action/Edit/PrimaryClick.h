@@ -2,13 +2,13 @@
 
 #include "Action/Record/Records.h"
 
-// The primary click: without a button that gives it, the desktop can hardly be used.
+// Without a button for the primary click, the desktop is almost unusable.
 namespace NerinAction {
 
 bool isPrimaryClick(const _BTN_INFO& button);
 int primaryClicksOf(const _Nerin_PROFILE& profile);
-// Whether the button (0..15) can get another function and a primary click remains. False for an
-// index that no button has.
+// Whether a primary click remains when the button (0..15) gets another function. False for any
+// other index.
 bool canReassignButton(const _Nerin_PROFILE& profile, int index);
 
 }  // namespace NerinAction

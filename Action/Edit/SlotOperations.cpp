@@ -14,7 +14,7 @@ ProfieController& library() {
   return ProfieController::getShareProCon();
 }
 
-// The mouse has four bits for its active slot and can name slots that it does not have.
+// The mouse stores its active slot in four bits, so it can name slots that do not exist.
 bool isSlot(int slot) {
   return slot >= 0 && slot < limits::slotCount;
 }
@@ -23,8 +23,8 @@ Outcome noSuchSlot(SlotStep step) {
   return {step, std::make_error_code(std::errc::invalid_argument)};
 }
 
-// The slot's profile must have a name that no other profile has: two profiles of one name would
-// share a file, and one of them would be lost.
+// Gives the slot's profile a unique name. Two profiles of one name would share a file, and one
+// would be lost.
 void settleName() {
   const auto& name = library().currFWProfileName();
   if (!name || name->empty()) {
@@ -39,7 +39,7 @@ Outcome saveSlotToLibrary() {
   return {SlotStep::SaveLibrary, library().saveCurrFWProfileToList()};
 }
 
-// The part that Apply and Reset share.
+// The steps that Apply and Reset share.
 Outcome commit() {
   Outcome outcome = NerinAction::writeSlot(library().currFWProfileIndex());
   outcome += saveSlotToLibrary();
@@ -57,7 +57,7 @@ NerinAction::ReadResult<bool> NerinAction::loadSlot(int slot) {
   const auto read = readSlot(slot);
   if (read.value) {
     editState->load(editState->currFWProfile());
-    // A profile that the slot is not linked to must not stay selected.
+    // Only a profile that is linked to the slot may stay selected.
     library().setCurrProfile(library().getProfileByFWProIndex(slot));
     library().saveSelProfileToData();
   } else {

@@ -8,7 +8,7 @@ namespace preferencekeys {
 inline constexpr const char* osd = "OSDTag";
 inline constexpr const char* linkApp = "LinkApp";
 
-// Counted 1..10 for the link record of a slot, and from 0 inside "LinkApp".
+// The number is 1..10 for the link record of a slot and starts at 0 inside "LinkApp".
 inline std::string profile(int number) {
   return "Profile_" + std::to_string(number);
 }

@@ -27,7 +27,7 @@ bool hasProfileExtension(const fs::path& path) {
          std::string(".") + ProfileFileNames::extension;
 }
 
-// In byte order. `error` tells why a list may be incomplete; a missing folder is an empty one.
+// Sorted by byte order. An `error` means the list may be incomplete. A missing folder is empty.
 std::vector<fs::path> profileFilesIn(const fs::path& folder, std::error_code& error) {
   std::vector<fs::path> files;
   for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
@@ -59,7 +59,7 @@ void ProfieController::releaseShareProCon() {
 
 ProfieController::ProfieController()
     : m_sysProPath(fs::path(NerinAction::getSysPath()) / libraryFolder) {
-  // Before the folder is made, since an interrupted save may have left none of that name.
+  // Recover before making the folder: an interrupted save may have left it missing.
   durable::recoverFolder(m_sysProPath);
   if (!LXAction::creatDirectoryPro(m_sysProPath)) {
     LXLogger::error("the folder cannot be made: " + m_sysProPath.string());
@@ -89,7 +89,7 @@ void ProfieController::refreshProfile() {
     LXLogger::error("the library cannot be read: " + m_loadError.message());
   }
   sortProfile();
-  // The records are stored under 1 to 10 and read under 0 to 9: slot 0 never has one.
+  // The records are stored under 1 to 10 but read under 0 to 9, so slot 0 never has one.
   for (int slot = 0; slot < slotCount; ++slot) {
     m_fwProfileID[static_cast<std::size_t>(slot)] =
         static_cast<std::uint64_t>(getFWProfileIdByIndex(slot));
@@ -126,7 +126,7 @@ std::uint64_t ProfieController::getNewProfileId() const {
   if (largest + 1 != notLinked) {
     return largest + 1;
   }
-  // Only a damaged file has such an id; a free one is found below it.
+  // Only a damaged file has the maximum id. Then the first free id serves.
   std::uint64_t id = 1;
   while (!checkProfileId(id, nullptr)) {
     ++id;
@@ -137,7 +137,7 @@ std::uint64_t ProfieController::getNewProfileId() const {
 std::string ProfieController::freeName(const std::string& stem) const {
   for (int n = 1;; ++n) {
     const std::string suffix = "_" + std::to_string(n);
-    // As much of the stem as a profile's file has room for.
+    // Leave room for the suffix in the name field of the file.
     std::string name(utf8::prefixOfBytes(stem, textSize - 1 - suffix.size()));
     name += suffix;
     if (checkProfileName(name, nullptr)) {
@@ -205,7 +205,7 @@ std::error_code ProfieController::saveToPath(const fs::path& folder) {
 
 std::error_code ProfieController::saveToSys() {
   if (m_loadError) {
-    // What could not be listed would be lost.
+    // Saving would delete the files that could not be listed.
     LXLogger::error("the library is not saved, since it was not read: " + m_loadError.message());
     return m_loadError;
   }

@@ -12,47 +12,47 @@
 #include "Action/Library/ProfileValue.h"
 #include "Action/Record/Limits.h"
 
-// The library of profiles on disk, the selection in it, the factory profiles, and what ties the
-// mouse's ten slots to the library. Lookups are linear and answer the first match.
+// The library of profiles on disk, its selection, the factory profiles, and the links between the
+// library and the mouse's ten slots. Lookups return the first match.
 class ProfieController {
  public:
   using Profile = std::shared_ptr<ProfileValue>;
   using Profiles = std::vector<Profile>;
 
   static constexpr int slotCount = limits::slotCount;
-  // The id of a slot that is linked to no profile.
+  // The id for a slot without a linked profile.
   static constexpr std::uint64_t notLinked = ~std::uint64_t{0};
-  // The position of a profile that is not in the list.
+  // The index for a profile that is not in the list.
   static constexpr std::size_t notFound = ~std::size_t{0};
 
-  // The one library of the process, made at the first call.
+  // Creates the library of the process at the first call.
   static ProfieController& getShareProCon();
-  // Forgets it, so that the next call loads anew.
+  // Destroys the library; the next call of getShareProCon loads it again.
   static void releaseShareProCon();
 
-  // Makes the folder when it is missing, loads the factory profiles and the library.
+  // Creates the folder if it is missing, then loads the factory profiles and the library.
   ProfieController();
   ProfieController(const ProfieController&) = delete;
   ProfieController& operator=(const ProfieController&) = delete;
 
   // --- Loading -----------------------------------------------------------------------------
 
-  // Reloads the library from its folder, in byte order of the file names. Of two files with one
-  // name the first counts; an id that is taken gives way to a new one. Clears the selection.
+  // Reloads the library from its folder, in byte order of the file names, and clears the selection.
+  // If two files have the same name, the first counts; if the same id, the second gets a new one.
   void refreshProfile();
   void sortProfile();
 
   // --- Adding and naming -------------------------------------------------------------------
 
   Profile addProfile();
-  // A new profile with a fresh id and the record of `pro`, of the slot's factory profile without
-  // one, or an all-zero one without that. The name is not checked.
+  // A new profile with a new id. Its record comes from `pro`, otherwise from the slot's factory
+  // profile, otherwise it is all zero. The name is not checked.
   Profile addProfileByName(const std::optional<std::string>& name, const Profile& pro);
   std::uint64_t getNewProfileId() const;
   std::string getNewProfileName() const;
   // The profile's name with the first free number, for a copy.
   std::string getNewProfileNameByData(const ProfileValue& profile) const;
-  // Whether no profile but `pro` has exactly that name, or that id.
+  // Whether no profile other than `pro` has exactly that name, or that id.
   bool checkProfileName(const std::optional<std::string>& name, const Profile& pro) const;
   bool checkProfileId(std::uint64_t id, const Profile& pro) const;
 
@@ -60,19 +60,19 @@ class ProfieController {
 
   enum AddResult { Added = 0, NoFile = 1, NameTaken = 2 };
   [[nodiscard]] AddResult addByPath(const std::filesystem::path& path);
-  // With `isCreate` a profile whose name is taken is renamed and added.
+  // With `isCreate`, a profile whose name is taken gets a new name and is added.
   [[nodiscard]] AddResult addByPath(const std::filesystem::path& path, bool isCreate);
-  // Writes every profile into the folder, each under a file name made from its name.
+  // Writes each profile to the folder, under a file name made from its name.
   [[nodiscard]] std::error_code saveToPath(const std::filesystem::path& folder);
-  // Makes the library's folder hold exactly the list: in one step, so that a crash or a full disk
-  // leaves the old library or the new one. A failure is logged.
+  // Makes the library's folder match the list, in one step: a crash or a full disk leaves either
+  // the old library or the new one. A failure is logged.
   [[nodiscard]] std::error_code saveToSys();
-  // Empties the library's folder. Refuses a folder that is not the library's.
+  // Empties the library's folder. Refuses any other folder.
   void clearAllProfile();
-  // Takes selProfile into the selected profile and writes that one; nothing without a selection.
+  // Copies selProfile into the selected profile and writes it. Does nothing without a selection.
   [[nodiscard]] std::error_code saveSeltoPath(const std::filesystem::path& folder);
   [[nodiscard]] std::error_code saveSelProfile();
-  // Copies between selProfile and the selected profile's record; nothing without a selection.
+  // Copy between selProfile and the selected profile's record. Do nothing without a selection.
   void saveSelProfileToData();
   void refreshSelProfileFromData();
 
@@ -88,7 +88,7 @@ class ProfieController {
 
   // --- Deleting ----------------------------------------------------------------------------
 
-  // The file goes with the next saveToSys.
+  // The next saveToSys deletes the file.
   void delProfile(const Profile& profile);
   void delProByName(const std::optional<std::string>& name);
 
@@ -104,14 +104,14 @@ class ProfieController {
 
   // --- Slots -------------------------------------------------------------------------------
 
-  // Slots 0..9; another is passed over.
+  // Slots 0..9; any other is ignored.
   void setCurrFWProfileIndex(int index);
   int currFWProfileIndex() const { return m_currFWProfileIndex; }
-  // -1 for a slot that is linked to nothing.
+  // The id is -1 for a slot without a link.
   void setFwProfileId(std::int32_t id, int byIndex);
   Profile getProfileByFWProIndex(int index) const;
   void refreshFWCurrName();
-  // Stores the current slot's profile in the library: a new one for a slot without a link.
+  // Saves the current slot's profile in the library; a slot without a link gets a new profile.
   [[nodiscard]] std::error_code saveCurrFWProfileToList();
   // Has no effect: the mouse's slot is written elsewhere.
   void setFWProfileByIndex(int index);
@@ -120,17 +120,17 @@ class ProfieController {
 
   // --- Factory profiles --------------------------------------------------------------------
 
-  // The current slot's, or the first one when there is no such slot; null when its file is missing.
+  // The current slot's profile, or the first without such a slot; null when its file is missing.
   Profile defaultProfile() const;
-  // A button (0..15) of the current slot's factory profile; all zero without one.
+  // A button (0..15) of the current slot's factory profile; all zero without a factory profile.
   _BTN_INFO getDefBtnInfoByIndex(int index) const;
 
   // --- Preferences -------------------------------------------------------------------------
 
-  // The setters answer false when the preferences could not be written, which is logged.
+  // The setters return false when the preferences cannot be written, which is logged.
 
-  // The link record of slot k - 1 under the number k (1..10): a boolean, and only advice, since the
-  // mouse itself says which profile a slot holds.
+  // The link record of slot k - 1, under the number k (1..10). It is a boolean and only a hint,
+  // since the mouse itself knows which profile a slot holds.
   [[nodiscard]] bool saveFWProfileIdByIndex(int k);
   std::int64_t getFWProfileIdByIndex(int k) const;
   [[nodiscard]] bool setLaunchPath(const std::string& path, int pIndex, int bIndex);
@@ -139,7 +139,7 @@ class ProfieController {
                                     bool isActive);
   std::optional<std::string> getLinkAppPath(int pIndex, bool& isActive) const;
   [[nodiscard]] bool setIsOSD(bool isOSD);
-  // The on-screen display is on unless it was switched off; asking stores that.
+  // The on-screen display is on by default; the first call stores the default.
   bool isOSD();
 
   // --- Plain properties --------------------------------------------------------------------
@@ -165,7 +165,7 @@ class ProfieController {
   std::ptrdiff_t positionOf(const Profile& profile) const;
 
   Profiles m_profileArr;
-  // Why the list may lack profiles that are on disk; then it is not written over them.
+  // Why the list may be incomplete. The library on disk is then not overwritten.
   std::error_code m_loadError;
   Profile m_currProfile;
   Profile m_currDefProfile;

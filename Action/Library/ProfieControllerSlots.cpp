@@ -1,4 +1,4 @@
-// What ties the mouse's slots to the library, and the preferences kept for them.
+// The links between the mouse's slots and the library, and the preferences of the slots.
 
 #include "Action/Library/PreferenceKeys.h"
 #include "Action/Library/ProfieController.h"
@@ -58,10 +58,10 @@ std::error_code ProfieController::saveCurrFWProfileToList() {
     m_currProfile->setName(m_currFWProfileName);
   }
   if (!saveFWProfileIdByIndex(m_currFWProfileIndex)) {
-    // Only advice: the mouse itself says which profile a slot holds.
+    // Not an error: the mouse itself knows which profile a slot holds.
     LXLogger::warning("the slot's link could not be stored in the preferences");
   }
-  // Not by itself first: between two writes a kill would find neither the old library nor the new.
+  // saveToSys also writes the selected profile. A kill between two writes would lose the library.
   saveSelProfileToData();
   return saveToSys();
 }
@@ -114,7 +114,7 @@ bool ProfieController::setLinkAppPath(const std::optional<std::string>& path, in
                                       bool isActive) {
   bool isStoredActive = false;
   if (getLinkAppPath(pIndex, isStoredActive) == path.value_or("") && isStoredActive == isActive) {
-    // What is stored needs no room on a full disk.
+    // Skip the write, which would fail on a full disk.
     return true;
   }
   return preferences().setValues(preferencekeys::linkApp,

@@ -13,7 +13,7 @@ bool isRefused(char byte) {
   return byte == '/' || byte == ':' || code < 0x20U || code == 0x7FU;
 }
 
-// A stem that is one path component whatever the name was.
+// Turns any name into a stem that is a single path component.
 std::string safeStem(const std::string& name) {
   if (name.empty() || name == "." || name == "..") {
     return "_" + name;

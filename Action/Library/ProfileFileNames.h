@@ -4,14 +4,14 @@
 #include <set>
 #include <string>
 
-// Gives each profile of a folder a file name of its own, made from its name. Most names are file
-// names as they stand; what a file system would refuse, or read as a path, is mapped.
+// Gives each profile of a folder a unique file name, made from its name. Maps only what a file
+// system would refuse or read as a path.
 class ProfileFileNames {
  public:
   static constexpr const char* extension = "pro";
 
-  // The next profile's file name, distinct from all that were given before. Names must be asked for
-  // in the same order to be the same again.
+  // The next profile's file name, different from all before it. The same names in the same order
+  // give the same file names.
   std::string next(const std::optional<std::string>& profileName);
 
  private:

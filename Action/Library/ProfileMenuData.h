@@ -8,7 +8,7 @@
 #include "Action/Library/ProfileValue.h"
 #include "Kit/Core/LXMenuData.h"
 
-// One library profile in the pop-up menu of profiles.
+// A library profile in the pop-up menu of profiles.
 class ProfileMenuData final : public LXMenuData {
  public:
   static std::shared_ptr<ProfileMenuData> initWithProfileValue(

@@ -5,10 +5,10 @@
 // Rules for the names that users give to profiles.
 namespace profilenames {
 
-// Whether the mouse can keep the name and a folder can have a file of that name: 1 to 65 printable
-// ASCII characters without "/" and ":".
+// Whether the mouse and a file name can hold the name: 1 to 65 printable ASCII characters without
+// "/" and ":".
 bool isStorable(const std::string& name);
-// Whether it is, in any letter case, the name of one of the ten factory profiles.
+// Whether one of the ten factory profiles has the name, in any letter case.
 bool isFactoryName(const std::string& name);
 
 }  // namespace profilenames

@@ -26,7 +26,7 @@ std::shared_ptr<ProfileValue> ProfileValue::initWithPath(const fs::path& path) {
   auto profile = std::make_shared<ProfileValue>();
   profile->m_pathName = path.filename().string();
   std::ifstream file;
-  // A pipe would be waited for, for ever.
+  // Opening a pipe would block.
   if (fs::is_regular_file(path, error)) {
     file.open(path, std::ios::binary);
   }

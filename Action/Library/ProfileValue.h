@@ -9,30 +9,29 @@
 
 #include "Action/Record/Records.h"
 
-// One profile of the library in memory, and the reader and writer of its file: the raw image of a
-// _Nerin_CONFIG, 5264 bytes, little-endian.
+// A profile of the library in memory. Reads and writes its file: the raw image of a _Nerin_CONFIG,
+// 5264 bytes, little-endian.
 class ProfileValue {
  public:
   // An all-zero profile without a name.
   ProfileValue() = default;
-  // Loads a file; null only when there is none at the path. A file that cannot be read or is too
-  // short is zero where it gives nothing; what it has beyond its 5264 bytes is passed over.
+  // Loads a file; null only when there is no file. Bytes that cannot be read are zero; bytes after
+  // the 5264th are ignored.
   static std::shared_ptr<ProfileValue> initWithPath(const std::filesystem::path& path);
-  // Writes the file, whole or not at all. A failure is logged.
+  // Writes the whole file or nothing. A failure is logged.
   [[nodiscard]] std::error_code saveToPath(const std::filesystem::path& path);
   // The bytes that saveToPath writes.
   ConfigBytes fileBytes();
 
   std::uint64_t profileId() const { return m_profileId; }
   void setProfileId(std::uint64_t profileId) { m_profileId = profileId; }
-  // UTF-8, cut to the 255 bytes that a file has room for; nothing for a field that held no valid
-  // text.
+  // UTF-8, cut to the 255 bytes that fit in the file; no value when the file's text is not valid.
   const std::optional<std::string>& name() const { return m_name; }
   void setName(std::optional<std::string> name);
-  // The file name that the profile was loaded from; nothing for one made in memory.
+  // The file that the profile was loaded from; no value for a profile made in memory.
   const std::optional<std::string>& pathName() const { return m_pathName; }
   void setPathName(std::optional<std::string> pathName) { m_pathName = std::move(pathName); }
-  // The linked program. Clearing it does not clear the file's field: isActiveApp tells.
+  // The linked program. Clearing it does not clear the file's field: check isActiveApp.
   const std::optional<std::string>& activeAppPath() const { return m_activeAppPath; }
   void setActiveAppPath(std::optional<std::string> path) { m_activeAppPath = std::move(path); }
   bool isDefault() const { return m_isDefault; }
@@ -44,7 +43,7 @@ class ProfileValue {
   const _Nerin_CONFIG& configPro() const { return m_configPro; }
   void setConfigPro(const _Nerin_CONFIG& configPro) { m_configPro = configPro; }
 
-  // Changes the report rate of the record and nothing else.
+  // Changes only the report rate of the record.
   void setProRate(std::uint32_t poRate) { m_profileData.poRate = poRate; }
 
  private:
@@ -57,6 +56,6 @@ class ProfileValue {
   bool m_isDefault = false;
   bool m_isActiveApp = false;
   _Nerin_PROFILE m_profileData{};
-  // The file's image as last read, so that bytes without a field of ours survive.
+  // The file's image as it was read, to keep bytes that no field here covers.
   _Nerin_CONFIG m_configPro{};
 };

@@ -5,15 +5,15 @@
 
 #include "Kit/Core/ProcessWide.h"
 
-// The folder that holds the library and the catalogues; empty until getSysPath.
+// The folder of the library and the catalogues; empty until getSysPath.
 inline ProcessWide<std::string> sysPath;
 
 namespace NerinAction {
 
-// The support folder, made when it is missing. It is found out once; sysPath then holds it.
+// Creates the support folder if it is missing and stores it in sysPath.
 const std::string& getSysPath();
 
-// The file that the background service reads as well.
+// The background service reads this file, too.
 std::filesystem::path preferenceFilePath();
 
 }  // namespace NerinAction

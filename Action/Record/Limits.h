@@ -3,8 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// The bounds of what the mouse keeps and of what the program lets a user make. Each number stands
-// here once; views, files and reports take it from here.
+// The limits of the mouse and of the program. Each number is defined only here.
 namespace limits {
 
 inline constexpr int slotCount = 10;
@@ -16,13 +15,13 @@ inline constexpr std::uint32_t maximumSensitivity = 164;
 inline constexpr std::uint32_t minimumDpi = minimumSensitivity * dpiStep;
 inline constexpr std::uint32_t maximumDpi = maximumSensitivity * dpiStep;
 
-// The mouse has five bits for the lift-off height.
+// The mouse stores the lift-off height in five bits.
 inline constexpr std::uint32_t maximumLift = 31;
 
-// The characters of a profile's name that the mouse keeps.
+// The mouse keeps this many characters of a profile's name.
 inline constexpr std::size_t nameCharacters = 65;
 
-// What one macro of the mouse holds, and what the editor lets a user record.
+// macroBytes is the mouse's limit for one macro; the other two are the program's.
 inline constexpr std::uint32_t macroBytes = 2000;
 inline constexpr std::size_t macroEvents = 40;
 inline constexpr std::size_t macros = 100;

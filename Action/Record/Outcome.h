@@ -5,7 +5,7 @@
 #include <optional>
 #include <system_error>
 
-// The steps of an operation on a slot, as far as they may fail.
+// The steps that can fail in an operation on a slot.
 enum class SlotStep : std::uint8_t {
   ReadActiveSlot,
   ReadName,
@@ -30,11 +30,10 @@ struct Failure {
   bool operator==(const Failure&) const = default;
 };
 
-// What became of an operation: done, or the first step that failed. Later steps may have run and
+// The result of an operation: done, or the first step that failed. Later steps may have run, and
 // may have failed, too.
 class [[nodiscard]] Outcome {
  public:
-  // Done.
   Outcome() = default;
   Outcome(SlotStep step, std::error_code error) {
     if (error) {
@@ -42,7 +41,7 @@ class [[nodiscard]] Outcome {
     }
   }
 
-  // For a step that tells only whether it was done.
+  // For a step that reports only success or failure.
   static Outcome of(SlotStep step, bool isDone) {
     return {step, isDone ? std::error_code() : std::make_error_code(std::errc::io_error)};
   }
@@ -50,7 +49,7 @@ class [[nodiscard]] Outcome {
   bool isDone() const { return !m_failure; }
   const std::optional<Failure>& failure() const { return m_failure; }
 
-  // Adds what became of the next step. The first failure stays.
+  // Adds the result of the next step. Keeps the first failure.
   Outcome& operator+=(const Outcome& next) {
     if (isDone()) {
       m_failure = next.m_failure;

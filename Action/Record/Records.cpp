@@ -35,7 +35,7 @@ void toLittleEndian(Number& number) {
   }
 }
 
-// Turns the numbers of a record from the host's order into the file's, and back.
+// Converts the numbers of a record between the host's byte order and the file's.
 void swapNumbers(_Nerin_CONFIG& config) {
   toLittleEndian(config.profileId);
   const auto swapWord = [](std::uint32_t& word) { toLittleEndian(word); };

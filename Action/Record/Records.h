@@ -7,11 +7,11 @@
 #include <string_view>
 #include <type_traits>
 
-// The flat records of one profile, as they lie in a profile file and travel by value between the
-// library, the views and the device layer. All numbers are unsigned 32-bit words; the texts are
-// UTF-8, NUL-terminated inside their array. They own no memory.
+// The records of one profile, exactly as a profile file holds them. The library, the views and the
+// device layer pass them by value. All numbers are unsigned 32-bit words; the texts are UTF-8 and
+// NUL-terminated inside their array.
 
-// The names are the record format's own, underscore and all.
+// The record format defines these names, including the underscore.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 
 inline constexpr std::size_t buttonCount = 16;
@@ -20,7 +20,6 @@ inline constexpr std::size_t levelCount = 5;
 inline constexpr std::size_t textSize = 256;
 inline constexpr std::size_t wordSize = 4;
 
-// What one button does.
 struct _BTN_INFO {
   std::uint32_t FuncID;       // id of the function in its menu; 1..5 for DPI functions
   std::uint32_t FuncTableId;  // firmware function code, the first byte of the device's entry
@@ -41,7 +40,7 @@ struct _LightColorInfo {
 struct _Nerin_PROFILE {
   _BTN_INFO btnInfo[buttonCount];
   std::uint32_t modeType;                 // LED mode: 1 "Battle", 0 normal
-  std::uint32_t islightOnArr[zoneCount];  // 0 off, 1 on; kept in the record, never sent
+  std::uint32_t islightOnArr[zoneCount];  // 0 off, 1 on; never sent to the mouse
   _LightColorInfo lightColorArr[zoneCount];
   std::uint32_t dpiLevel;              // levels in use, 1..5
   std::uint32_t currSelectDPI;         // the active one, 0..dpiLevel - 1
@@ -63,7 +62,7 @@ struct _Nerin_CONFIG {
 
 // NOLINTEND(bugprone-reserved-identifier)
 
-// The values of _BTN_INFO::btnType. Anything else may come from a file.
+// The values of _BTN_INFO::btnType. A file may hold other values.
 enum ButtonType : std::uint32_t {
   ButtonTypePlain = 1,
   ButtonTypeMacro = 2,
@@ -98,18 +97,18 @@ static_assert(std::is_trivially_copyable_v<_Nerin_CONFIG>);
 // Whether two profiles hold the same bytes.
 bool isSameRecord(const _Nerin_PROFILE& a, const _Nerin_PROFILE& b);
 
-// Length in bytes of a char field up to its first NUL, at most 255 even without one.
+// The length in bytes up to the first NUL; the maximum is 255, even without a NUL.
 std::size_t getlen(const char (&field)[textSize]);
 
-// The text of a char field, cut as getlen cuts it.
+// The text of the field; getlen gives its length.
 std::string_view textOf(const char (&field)[textSize]);
 
-// Copies a text and its NUL into a char field. A longer text is cut at a character boundary so
-// that text and NUL fit. Bytes behind the NUL stay as they were.
+// Copies a text and its NUL into the field. Cuts a longer text at a character boundary so that both
+// fit. Leaves the bytes after the NUL unchanged.
 void setText(char (&field)[textSize], std::string_view text);
 
-// The bytes of a profile file: the record with all numbers little-endian, whatever the host.
+// The bytes of a profile file: the record with all numbers little-endian on any host.
 using ConfigBytes = std::array<char, sizeof(_Nerin_CONFIG)>;
 ConfigBytes bytesOf(const _Nerin_CONFIG& config);
-// Takes the record from a file's first bytes; what a shorter file lacks is zero.
+// Reads the record from a file's first bytes; missing bytes are zero.
 _Nerin_CONFIG configOf(std::span<const char> bytes);

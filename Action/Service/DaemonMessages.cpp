@@ -7,7 +7,7 @@
 
 namespace {
 
-// What changed, the first value of a setting message.
+// The setting that changed: the first value of a setting message.
 enum Setting : std::int32_t {
   SettingProfile = 1,
   SettingMode = 2,

@@ -6,11 +6,10 @@
 #include <variant>
 #include <vector>
 
-// What the background service is told, and what it reads from the shared preference file. Messages
-// are posted and nothing is awaited.
+// Messages to the background service, and what it reads from the shared preference file. Messages
+// are sent without waiting for an answer.
 namespace NerinAction {
 
-// Message codes.
 enum DaemonMessage : std::int32_t {
   MessageProfileApplied = 101,
   MessageOsdChanged = 110,
@@ -22,7 +21,7 @@ enum DaemonMessage : std::int32_t {
 using DaemonValue = std::variant<bool, std::int32_t>;
 
 void sendMessageToDaemon(std::int32_t code);
-// With values, numbered from 1; no values are still an (empty) dictionary.
+// Numbers the values from 1. Without values, the message carries an empty dictionary.
 void sendMessageToDaemon(std::int32_t code, const std::vector<DaemonValue>& valueArrs);
 
 void sendProfileChangeToDaemon(std::int32_t slot);
@@ -30,13 +29,13 @@ void sendModeChangeToDaemon(std::int32_t mode);
 void sendDPiChangeToDaemon(std::int32_t level, std::int32_t x, std::int32_t y);
 void sendRateChangeToDaemon(std::int32_t rate);
 void sendRelaunchDaemon();
-// The DPI settings on the mouse are being tried out, or are kept or abandoned.
+// Says whether the DPI settings on the mouse are only a trial.
 void setIsDpiTem(bool isDpiTem);
 
-// The service's side: each reads the preference file afresh.
+// For the service: each call reads the preference file again.
 bool daemonGetOsd();
 std::optional<std::string> daemonGetLaunchPath(int slot, int bIndex);
-// Nothing when the slot has no link in force.
+// No value when the slot has no active link.
 std::optional<std::string> daemonGetLinkAppPath(int slot);
 
 }  // namespace NerinAction

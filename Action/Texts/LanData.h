@@ -6,8 +6,7 @@
 
 #include "Action/Texts/TooltipData.h"
 
-// One language.
 struct LanData {
-  std::optional<std::string> name;  // as "Tooltip.xml" calls it: "US", "German"
+  std::optional<std::string> name;  // the name in "Tooltip.xml": "US", "German"
   std::vector<TooltipData> tooltips;
 };

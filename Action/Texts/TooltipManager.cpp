@@ -30,7 +30,7 @@ constexpr LanguageName languageNames[] = {
 
 ProcessWide<std::unique_ptr<TooltipManager>> sharedManager;
 
-// Tips are shown without a closing period.
+// Tooltips are shown without a closing period.
 std::optional<std::string> withoutPeriod(std::optional<std::string> text) {
   if (text && text->ends_with('.')) {
     text->pop_back();

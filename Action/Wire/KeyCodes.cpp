@@ -13,8 +13,8 @@ struct UsageAndKey {
   std::uint32_t macKey;
 };
 
-// HID keyboard usages and Mac virtual key codes, searched from the front in both directions. The
-// firmware and the profiles in use agree on this table, doublets and all.
+// HID keyboard usages and Mac virtual key codes. Both directions use the first match. The firmware
+// and existing profiles rely on this table, including its duplicates.
 constexpr UsageAndKey UsageID_MacVk[] = {
     {0x04, 0},   {0x05, 11},  {0x06, 8},   {0x07, 2},   {0x08, 14},  {0x09, 3},   {0x0A, 5},
     {0x0B, 4},   {0x0C, 34},  {0x0D, 38},  {0x0E, 40},  {0x0F, 37},  {0x10, 46},  {0x11, 45},
@@ -38,7 +38,7 @@ struct ModifierCode {
   std::uint32_t code;
 };
 
-// Inside macros modifier keys travel under codes of their own.
+// Inside macros, modifier keys have their own codes.
 constexpr ModifierCode macroModifiers[] = {
     {59, 112}, {56, 113}, {58, 114}, {55, 115}, {60, 117}, {61, 118}, {62, 119},
 };
@@ -46,8 +46,8 @@ constexpr ModifierCode macroModifiers[] = {
 constexpr std::size_t codeCount = 256;
 using CodeTable = std::array<std::uint8_t, codeCount>;
 
-// A macro of a thousand events looks up a thousand codes, so the searches are done beforehand. A
-// table is filled from the back, so that what a search would find first is written last.
+// A macro looks up a code for each event, so the tables are computed at compile time. They are
+// filled from the back so that the first match is written last and wins.
 template <typename Rows, typename Member>
 constexpr void fillFromTheBack(CodeTable& table, const Rows& rows, Member from, Member to) {
   for (auto row = std::rbegin(rows); row != std::rend(rows); ++row) {
@@ -55,7 +55,7 @@ constexpr void fillFromTheBack(CodeTable& table, const Rows& rows, Member from, 
   }
 }
 
-// The modifiers come last, because they are looked for before the keys. 0 stands for neither.
+// Modifiers take precedence over keys, so they are written last. 0 means no code.
 constexpr CodeTable deviceCodeOfKey = [] {
   CodeTable codes{};
   fillFromTheBack(codes, UsageID_MacVk, &UsageAndKey::macKey, &UsageAndKey::usage);
@@ -70,7 +70,7 @@ constexpr CodeTable keyOfDeviceCode = [] {
   return keys;
 }();
 
-// The modifier bits of a key entry are the mouse's own, not the HID order.
+// The mouse uses its own order of modifier bits, not the HID order.
 constexpr ModifierCode modifierBits[] = {
     {55, 0x01}, {56, 0x02}, {58, 0x04}, {59, 0x08}, {54, 0x10}, {60, 0x20}, {61, 0x40}, {62, 0x80},
 };
@@ -90,7 +90,7 @@ void setSpecial(_BTN_INFO& button, std::uint32_t key, std::uint32_t functionId) 
   button.MacroID = 1;
 }
 
-// A key entry names a modifier or a key, never both: with a modifier the usage is dropped.
+// A key entry holds either a modifier or a key, so a modifier drops the usage.
 void setKey(_BTN_INFO& button) {
   const std::uint32_t modifiers = button.KeyBit[0];
   const std::uint32_t usage = button.KeyBit[1];
@@ -213,7 +213,7 @@ void NerinAction::getMacroRepeatType(std::uint8_t& type, std::uint8_t& count,
       break;
     case 2:
       type = 4;
-      // The mouse counts the repetitions after the first run.
+      // The mouse counts the repetitions, without the first run.
       count = static_cast<std::uint8_t>(times >= 1 && times < endless ? times - 1 : times);
       break;
     case 3:

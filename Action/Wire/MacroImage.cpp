@@ -27,7 +27,7 @@ constexpr std::uint8_t delayRecord = 1;
 constexpr std::uint32_t delayRecordSize = 3;
 constexpr std::uint8_t releaseFlag = 128;
 
-// Appends to the event stream of a report until something no longer fits.
+// Appends to the event stream of a report until an item no longer fits.
 class StreamWriter {
  public:
   explicit StreamWriter(NerinAction::MacroReport& report) : m_report(report) {}
@@ -72,7 +72,7 @@ void writeName(const std::string& name, NerinAction::MacroReport& report) {
     return;
   }
   report[atNameLength] = static_cast<std::uint8_t>(std::min(2 * name.size(), maximumNameBytes));
-  // A longer name runs on behind its field; the stream is written over it afterwards.
+  // A name that is too long overflows its field; the stream then overwrites the rest.
   for (std::size_t i = 0; i < name.size() && atName + 2 * i < report.size(); ++i) {
     report[atName + 2 * i] = static_cast<std::uint8_t>(name[i]);
   }
@@ -125,7 +125,7 @@ NerinAction::MacroReport NerinAction::encodeMacroReport(std::uint8_t macroSlot,
   report[atRepeatCount] = macro.repeatCount;
   report[6] = 1;
   const std::uint32_t count = bytesOf(macro.events);
-  // Only the low byte is bounded; the mouse gets the high byte as it is.
+  // Only the low byte is limited; the high byte is sent unchanged.
   report[atCount] = static_cast<std::uint8_t>(std::min(count, limits::macroBytes));
   report[atCount + 1] = static_cast<std::uint8_t>(count >> 8U);
   writeName(macro.name.value_or(""), report);

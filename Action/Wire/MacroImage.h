@@ -8,40 +8,40 @@
 
 #include "Action/Wire/ReportLayout.h"
 
-// The macros that the mouse plays by itself: one macro slot for each button position of each slot.
+// The mouse stores one macro for each button position of each slot.
 namespace NerinAction {
 
 using MacroReport = std::array<std::uint8_t, reportlayout::macroSize>;
 
-// Names that the program makes for macros that the mouse keeps without one begin with this. They
-// are never written to the mouse.
+// The prefix of the names that the program gives to unnamed macros. These names are never written
+// to the mouse.
 inline constexpr const char* generatedMacroName = "dmr_fw_macro_tag";
 
-// Where the macro of a button (0..15) of a slot lies in the mouse, 0..189 for slots 0..9.
+// The mouse's macro slot for a button (0..15) of a slot: 0..189 for slots 0..9.
 std::uint8_t macroSlotOf(std::uint8_t slot, int btnIndex);
 
-// One event of a macro as the mouse keeps it.
+// One event of a macro, in the mouse's codes.
 struct MacroStreamEvent {
   std::uint8_t code = 0;  // a device key code, or 120..126 for mouse buttons
   bool isRelease = false;
-  // After it, in milliseconds: 0..65535 as read, the low 16 bits are written. 0 or less is none.
+  // Milliseconds after the event: 0..65535 as read, low 16 bits as written. 0 or less is none.
   std::int32_t delay = 0;
 
   bool isMouseButton() const { return code >= 120 && code <= 126; }
 };
 
-// What a macro slot of the mouse holds.
+// The content of a macro slot of the mouse.
 struct MacroStream {
   std::uint8_t repeatType = 0;
   std::uint8_t repeatCount = 0;
-  // As read, nothing when it is empty or no ASCII text. Only ASCII is written.
+  // When read, no value if the name is empty or not ASCII. Only ASCII is written.
   std::optional<std::string> name;
   std::vector<MacroStreamEvent> events;
 };
 
-// The report that writes a macro, checksum included. Events that no longer fit are left out.
+// The report that writes a macro, including its checksum. Omits events that no longer fit.
 MacroReport encodeMacroReport(std::uint8_t macroSlot, const MacroStream& macro);
-// Takes apart what the mouse answered; nothing when the macro slot holds no macro.
+// Decodes the mouse's answer; no value when the macro slot is empty.
 std::optional<MacroStream> decodeMacroReport(const MacroReport& report);
 
 }  // namespace NerinAction

@@ -11,7 +11,7 @@ constexpr std::size_t checksumEnd = 153;
 constexpr std::uint8_t normalZone = 1;
 constexpr std::uint8_t battleZone = 3;
 
-// Positions of the image that belong to no button; the mouse expects these codes there.
+// Positions that belong to no button; the mouse expects these codes there.
 struct FixedEntry {
   std::size_t position;
   std::uint8_t code;

@@ -29,7 +29,7 @@ std::optional<NerinAction::NameReport> NerinAction::encodeNameReport(std::uint8_
 }
 
 std::optional<std::string> NerinAction::decodeNameReport(const NameReport& bytes) {
-  // A name may use all 65 characters, and then no NUL ends it.
+  // A name of 65 characters has no NUL at its end.
   const auto* begin = bytes.data() + atText;
   const auto* end = std::find(begin, begin + limits::nameCharacters, 0);
   std::string name(begin, end);

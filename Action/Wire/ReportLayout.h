@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <span>
 
-// The long reports that the mouse exchanges, and where their bytes lie.
+// The long reports of the mouse and the positions of their bytes.
 namespace reportlayout {
 
-// The report ids, the first byte of each long report.
+// The report ids: the first byte of each long report.
 inline constexpr std::uint8_t macro = 4;
 inline constexpr std::uint8_t image = 5;
 inline constexpr std::uint8_t name = 6;
@@ -16,14 +16,14 @@ inline constexpr std::size_t macroSize = 2053;
 inline constexpr std::size_t imageSize = 154;
 inline constexpr std::size_t nameSize = 70;
 
-// What the headers of all three share: the id, 0, the slot and the checksum of what follows.
+// The common header: the id, 0, the slot, and the checksum of the bytes that follow.
 inline constexpr std::size_t atSlot = 2;
 inline constexpr std::size_t atChecksum = 3;
 inline constexpr std::size_t headerSize = 4;
 
 }  // namespace reportlayout
 
-// Where the settings of a profile lie in its image.
+// The positions of a profile's settings in its image.
 namespace imagelayout {
 
 inline constexpr std::size_t atRate = 4;
@@ -43,7 +43,7 @@ inline constexpr std::uint8_t liftFlag = 0x20;
 
 namespace NerinAction {
 
-// What makes the sum of the bytes and itself 0 in 8 bits.
+// The value that makes the 8-bit sum of the bytes and itself 0.
 std::uint8_t GetChecksum(std::span<const std::uint8_t> bytes);
 
 }  // namespace NerinAction

@@ -4,7 +4,7 @@
 #include "Tests/CommandLine/TestHome.h"
 #include "Tests/Support/PrivateBus.h"
 
-// Applying a profile to a slot: the transfers of the main window's Apply and nothing else.
+// Applying a profile to a slot makes exactly the transfers of the main window's Apply.
 
 namespace {
 
@@ -43,7 +43,7 @@ TEST_F(NerinctlApply, SendsExactlyWhatTheMainWindowSends) {
   EXPECT_EQ(mouse.slotName(2), "Office");
   const std::string name = "SET 0306 1 " + hex(mouse.nameReport(2));
   const std::string image = "SET 0305 1 " + hex(mouse.imageReport(2));
-  // Two slots of 19 macros lie before this one's; the wheel's buttons are its last two.
+  // Two slots of 19 macros come first; the wheel's buttons are the last two of this slot.
   EXPECT_THAT(
       trace,
       ElementsAre(name, pause, refreshCommand, pause, "SET 0300 0 c40b290100000000", pause,
@@ -62,7 +62,7 @@ TEST_F(NerinctlApply, WritesTheMacroAsTheMousePlaysIt) {
   EXPECT_EQ(once.substr(104, 22),
             "1501320095780114"
             "00f800");
-  // Repeated four times after the first.
+  // Repeated four times after the first run.
   EXPECT_EQ(hex(mouse.macroReport(18)).substr(8, 4), "0404");
 }
 

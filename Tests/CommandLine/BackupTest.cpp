@@ -10,7 +10,7 @@
 #include "Tests/CommandLine/TestHome.h"
 #include "Tests/Support/PrivateBus.h"
 
-// Keeping the whole mouse as files, and bringing it back.
+// Backing up the whole mouse to files, and restoring it.
 
 namespace {
 
@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 using testing::ElementsAre;
 
-// Everything that the mouse holds for its slots.
+// The complete content of the mouse's slots.
 Lines reportsOf(const fs::path& mouseFile) {
   const VirtualMouse mouse(mouseFile);
   Lines reports;
@@ -32,7 +32,7 @@ Lines reportsOf(const fs::path& mouseFile) {
   return reports;
 }
 
-// Keys, all mouse buttons that the mouse knows, delays of every size.
+// Keys, all mouse buttons that the mouse knows, short and long delays.
 MacroInfo busyMacro(const std::string& name, int seed) {
   MacroInfo macro;
   macro.setNameStr(name);
@@ -50,7 +50,7 @@ MacroInfo busyMacro(const std::string& name, int seed) {
   return macro;
 }
 
-// Fills a slot by the same reports that any host sends.
+// Fills a slot with the reports that any host sends.
 void fillSlot(VirtualMouse& mouse, int slot, const std::string& name, const ProfileValue& profile,
               const std::map<int, MacroInfo>& macros) {
   const _Nerin_PROFILE& record = profile.profileData();
@@ -71,7 +71,7 @@ void fillSlot(VirtualMouse& mouse, int slot, const std::string& name, const Prof
   ASSERT_THAT(mouse.faults(), testing::IsEmpty());
 }
 
-// Ten slots that differ in everything, twelve macros, some of them without a name.
+// Ten slots with no common values and twelve macros, some without a name.
 void fillMouse(const fs::path& file) {
   VirtualMouse mouse(file);
   for (int slot = 0; slot < VirtualMouse::slotCount; ++slot) {
@@ -93,7 +93,7 @@ void fillMouse(const fs::path& file) {
     }
     if (slot % 3 == 0) {
       setMacro(profile, word, 1, 2, 1 + 7 * word);
-      // This is how a macro is called that has no name in the mouse.
+      // The program gives this name to a macro that has none in the mouse.
       macros[slot] = busyMacro(NerinAction::generatedMacroName, 65535 - slot);
     }
     if (slot == 5) {
@@ -120,7 +120,7 @@ TEST(NerinctlBackup, BringsTenSlotsWithTheirMacrosBackByteForByte) {
   EXPECT_EQ(user.json({"restore", "kept"}),
             json({{"folder", "kept"}, {"slots", 10}, {"macros", 12}, {"notes", json::array()}}));
   EXPECT_EQ(reportsOf(user.mouseFile), before);
-  // The user's own library has no part in it.
+  // The backup does not touch the user's library.
   EXPECT_TRUE(user.json({"profiles", "list"}).empty());
   EXPECT_TRUE(user.json({"macros", "list"}).empty());
 }
@@ -153,7 +153,7 @@ TEST(NerinctlBackup, RefusesAFolderThatIsNotEmpty) {
   EXPECT_EQ(readFile(user.files / "file"), "to keep");
 }
 
-// A backup of one slot with one macro, quick to bring back.
+// A backup of one slot with one macro, which is quick to restore.
 class NerinctlRestore : public testing::Test {
  protected:
   void SetUp() override {

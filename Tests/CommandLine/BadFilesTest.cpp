@@ -4,7 +4,7 @@
 
 #include "Tests/CommandLine/TestHome.h"
 
-// Files that are not what they should be.
+// Files with wrong content.
 
 namespace {
 
@@ -82,7 +82,7 @@ TEST(NerinctlFiles, FullOfNoiseAreImportedWithoutHarm) {
 
 TEST(NerinctlNames, OfFilesAndMiceDoNotSteerTheTerminal) {
   const TestHome user;
-  // An escape sequence, a bell, a backspace, and an escape from the second page of Unicode.
+  // An escape sequence, a bell, a backspace, and a C1 escape (C2 9B).
   const std::string evil =
       "\x1B[2Jevil\x07\x08\x7F\xC2\x9B"
       "31m";
@@ -225,7 +225,7 @@ TEST_F(NerinctlDamagedFiles, MenuInfoCostsNoMacroOfTheMouse) {
     EXPECT_EQ(user.library(), before);
     EXPECT_EQ(user.mouseMemory(), memory);
   }
-  // Moved away, it is made anew.
+  // Without the damaged file, the program creates a new one.
   fs::remove(file);
   EXPECT_EQ(user.json({"macros", "list"}), json::array());
 }

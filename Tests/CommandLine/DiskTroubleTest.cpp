@@ -6,8 +6,8 @@
 #include "Tests/CommandLine/SmallDisk.h"
 #include "Tests/CommandLine/TestHome.h"
 
-// Disks that are full or may not be written to. Whatever is asked for, the user keeps what was
-// there, and hears about it in one line.
+// Full and write-protected disks. Every command keeps the user's data and reports the failure in
+// one line.
 
 namespace {
 
@@ -18,7 +18,7 @@ using testing::IsEmpty;
 constexpr const char* fileToImport = "import.pro";
 constexpr const char* macroToImport = "Fire.mac";
 
-// A library that every command finds something in.
+// A library with data for every command.
 void fillLibrary(const TestHome& user) {
   user.addMacro("Reload", clickMacro("Reload"));
   user.addProfile(profileNamed("Office"));
@@ -28,7 +28,7 @@ void fillLibrary(const TestHome& user) {
   writeFile(user.files / macroToImport, keyedarchive::archive(clickMacro("Fire")));
 }
 
-// Runs every command that writes new bytes into the home folder; `settings` make the trouble.
+// Runs every command that writes new bytes to the home folder; `settings` cause the failure.
 void expectEveryWriteToFailAndLoseNothing(const TestHome& user, const RunSettings& settings) {
   const auto before = user.library();
   const std::string target = (user.home / "new").string();
@@ -65,7 +65,7 @@ void expectReadingToWork(const TestHome& user, const RunSettings& settings) {
   }
 }
 
-// While it exists nothing in the folder can be changed.
+// While it exists, nothing in the folder can change.
 class WriteProtection {
  public:
   explicit WriteProtection(fs::path folder) : m_folder(std::move(folder)) {
@@ -137,7 +137,7 @@ TEST(NerinctlFileThatMayNotBeRead, IsNamed) {
   }
 }
 
-// Where no byte can be written any more, but names can still be made and removed.
+// No byte can be written, but files can still be created and removed.
 TEST(NerinctlFullDisk, LosesNothing) {
   const TestHome user;
   fillLibrary(user);
@@ -147,7 +147,7 @@ TEST(NerinctlFullDisk, LosesNothing) {
   expectEveryWriteToFailAndLoseNothing(user, settings);
 }
 
-// What is in the library already needs no room there.
+// Writing the same library again needs no room.
 TEST(NerinctlFullDisk, LetsAStoredProfileBeAppliedAgain) {
   const TestHome user;
   fillLibrary(user);
@@ -158,7 +158,7 @@ TEST(NerinctlFullDisk, LetsAStoredProfileBeAppliedAgain) {
   EXPECT_EQ(user.library(), before);
 }
 
-// The profiles that stay are taken over as they are, so that room can be made.
+// The remaining profiles are not written again, so the user can make room.
 TEST(NerinctlFullDisk, LetsAProfileBeDeleted) {
   const TestHome user;
   fillLibrary(user);
@@ -188,7 +188,7 @@ TEST(NerinctlFullDisk, StopsANewUserInOneLine) {
   expectComplaint(user.run({"macros", "list"}, settings), 1, "could not be made");
   expectComplaint(user.runWithMouse({"status"}, settings), 1, "cannot make the memory file");
   EXPECT_FALSE(fs::exists(user.mouseFile));
-  // With room again all is well.
+  // With enough room, everything works again.
   user.prepare({"profiles", "add", "Office"});
   EXPECT_EQ(user.json({"macros", "list"}).size(), 0U);
 }
@@ -204,7 +204,7 @@ TEST(NerinctlFullDisk, LeavesTheMouseAsItWas) {
   EXPECT_EQ(user.mouseMemory(), before);
 }
 
-// Takes all the room that is left.
+// Fills the rest of the disk.
 void fillUp(const fs::path& file) {
   std::ofstream filler(file, std::ios::binary);
   filler << std::unitbuf;

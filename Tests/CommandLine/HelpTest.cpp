@@ -3,7 +3,7 @@
 
 #include "Tests/CommandLine/TestHome.h"
 
-// What the program says about itself, and to a command line that it does not understand.
+// The help, and the answers to a wrong command line.
 
 namespace {
 

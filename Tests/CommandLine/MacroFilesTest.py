@@ -1,5 +1,5 @@
-"""Macro files that another program wrote are read, and ours can be read by it: they are archives as
-Cocoa makes them, here by Python's own library of property lists.
+"""Exchanges macro files between nerinctl and another program: Cocoa archives, which this test writes
+and reads with Python's own library of property lists.
 
 usage: MacroFilesTest.py NERINCTL
 """
@@ -22,7 +22,7 @@ NERINCTL = None
 
 MOST_NUMBER, LEAST_NUMBER = 2**31 - 1, -(2**31)
 
-# As code, flag and delay of each command.
+# Code, flag and delay of each command.
 COMMANDS = [(0, 0, 120), (0, 1, 0), (56, 0, 65535), (56, 1, 1), (120, 3, 20), (120, 4, 0),
             (MOST_NUMBER, 2, LEAST_NUMBER)]
 
@@ -32,7 +32,7 @@ def described(name, *bases):
 
 
 def archive(name, commands, loopTime=3, isNoDisplay=False, list_class=("NSMutableArray", "NSArray")):
-    """In the order in which Cocoa meets the objects: each class stands behind its first object."""
+    """Lists the objects in Cocoa's order: each class follows its first object."""
     objects = ["$null"]
 
     def add(value):
@@ -60,7 +60,7 @@ def archive(name, commands, loopTime=3, isNoDisplay=False, list_class=("NSMutabl
 
 
 class Reader:
-    """Follows the references of an archive and asks of each object what it says to be."""
+    """Follows the references of an archive and checks the class of each object."""
 
     def __init__(self, held):
         assert held["$archiver"] == "NSKeyedArchiver" and held["$version"] == 100000, held

@@ -3,7 +3,7 @@
 
 #include "Tests/CommandLine/TestHome.h"
 
-// The macros from the command line.
+// Macros on the command line.
 
 namespace {
 
@@ -69,7 +69,7 @@ TEST(NerinctlMacros, LeaveTheRestOfTheirFileToTheLetter) {
   user.addMacro("Reload", clickMacro("Reload"));
   const std::string with = readFile(file);
   EXPECT_THAT(with, HasSubstr("Reload"));
-  // Everything behind the section of the macros.
+  // Everything after the section of the macros.
   const auto rest = [](const std::string& text) {
     return text.substr(text.find("<KeyAssignMenu"));
   };

@@ -5,7 +5,7 @@
 
 #include "Tests/CommandLine/TestHome.h"
 
-// The library from the command line.
+// The library on the command line.
 
 namespace {
 

@@ -17,7 +17,7 @@ namespace {
 
 constexpr unsigned secondsPerRun = 60;
 
-// Both ends of a pipe or a terminal: the program writes into one, the test reads the other.
+// Both ends of a pipe or a terminal: the program writes to one, the test reads the other.
 struct Channel {
   int reading = -1;
   int writing = -1;
@@ -59,7 +59,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   return pointers;
 }
 
-// Root passes over permissions by these capabilities; other users have none to lose.
+// These capabilities let root ignore permissions; other users do not have them.
 void loseRootsPrivileges() {
   if (geteuid() == 0) {
     for (const unsigned long capability : {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH, CAP_FOWNER}) {
@@ -71,7 +71,7 @@ void loseRootsPrivileges() {
 void limitFiles(std::uint64_t bytes) {
   const rlimit limit{bytes, bytes};
   setrlimit(RLIMIT_FSIZE, &limit);
-  // A write beyond the limit is to fail, not to end the program.
+  // A write beyond the limit must fail instead of ending the program.
   signal(SIGXFSZ, SIG_IGN);
 }
 
@@ -98,7 +98,7 @@ void limitFiles(std::uint64_t bytes) {
   _exit(127);
 }
 
-// False at the end.
+// Returns false at the end.
 bool readSome(int descriptor, std::string& text) {
   std::array<char, 4096> buffer{};
   const ssize_t count = read(descriptor, buffer.data(), buffer.size());
@@ -109,7 +109,7 @@ bool readSome(int descriptor, std::string& text) {
   return true;
 }
 
-// Reads both until the program has closed them, so that it never waits for its reader.
+// Reads both in parallel, so that the program never waits for its reader.
 void readAll(const Channel& output, const Channel& errors, RunResult& result) {
   std::array<pollfd, 2> entries{pollfd{output.reading, POLLIN, 0},
                                 pollfd{errors.reading, POLLIN, 0}};
@@ -137,7 +137,7 @@ RunResult runProgram(const std::vector<std::string>& arguments, const RunSetting
     throw std::runtime_error("no process");
   }
   if (program == 0) {
-    // An alarm outlives the change of program.
+    // An alarm survives execve.
     alarm(secondsPerRun);
     becomeProgram(settings, output, errors, words, environment);
   }

@@ -3,7 +3,7 @@
 
 #include "Tests/CommandLine/TestHome.h"
 
-// Mice that misbehave: the right code, one clear line, and nothing of the user's lost.
+// Bad mice: the right exit code, one clear line, and no loss of the user's data.
 
 namespace {
 
@@ -69,7 +69,7 @@ TEST_F(NerinctlScenario, UnpluggedDuringApplyLeavesTheLibraryWhole) {
       }
     }
   }
-  // It takes six.
+  // The command needs six transfers.
   EXPECT_EQ(run("unplugged-after=6", {"apply", "Office", "--slot", "4"}).exitCode, 0);
 }
 
@@ -122,7 +122,7 @@ TEST_F(NerinctlScenario, GarbageIsShownAndKeptButNotBelieved) {
   EXPECT_EQ(read.exitCode, 0);
   EXPECT_EQ(json::parse(read.output)["levels"].size(), 5U);
   EXPECT_EQ(run("garbage", {"backup", "kept"}).exitCode, 0);
-  // No command works on the slot that is active, when there is none of that number.
+  // Commands for the active slot fail if the mouse reports a number that it does not have.
   for (const Words& command : std::vector<Words>{
            {"status"}, {"dpi", "--levels", "2"}, {"lift", "3"}, {"leds", "--all", "ffffff"}}) {
     expectComplaint(run("garbage", command), 1, "a slot that it does not have");

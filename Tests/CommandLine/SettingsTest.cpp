@@ -3,7 +3,7 @@
 
 #include "Tests/CommandLine/TestHome.h"
 
-// The settings that change at once: what is sent, and what the active slot holds afterwards.
+// Settings that change at once: the commands, and the content of the active slot afterwards.
 
 namespace {
 
@@ -11,7 +11,7 @@ using nlohmann::json;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 
-// Setting commands, each with its pause.
+// Setting commands, each followed by its pause.
 Lines paused(const Lines& commands) {
   Lines lines;
   for (const std::string& command : commands) {
@@ -21,9 +21,9 @@ Lines paused(const Lines& commands) {
   return lines;
 }
 
-// What is sent after the active slot was read.
+// The commands after the active slot was read.
 Lines sentAfterReading(const Lines& trace) {
-  // The slot's number in three lines and a pause less, its image in four.
+  // Three lines and one pause fewer for the slot's number, four lines for its image.
   constexpr std::ptrdiff_t reading = 3 + 4;
   return trace.size() < static_cast<std::size_t>(reading)
              ? Lines{}
@@ -34,12 +34,12 @@ std::string image(const TestHome& user, int slot = 0) {
   return hex(VirtualMouse(user.mouseFile).imageReport(slot));
 }
 
-// Bytes of an image, counted as in the report.
+// Bytes of an image, with the positions of the report.
 std::string bytesOf(const std::string& image, std::size_t first, std::size_t count) {
   return image.substr(2 * first, 2 * count);
 }
 
-// The image but for its checksum and the bytes that a setting may change.
+// The image without its checksum and the bytes that a setting may change.
 std::string without(std::string image, std::size_t first, std::size_t count) {
   image.replace(2 * first, 2 * count, 2 * count, '.');
   return image.replace(6, 2, "..");
@@ -83,7 +83,7 @@ TEST(NerinctlSettings, SetTheDpiLevels) {
   const std::string before = (user.prepare({"switch", "2"}), image(user, 1));
   const Lines trace = user.trace(
       {"dpi", "--levels", "3", "--set", "1=100", "--set", "3=8200x150", "--active", "2"});
-  // Levels that are no longer in use keep their values: x, then y of each.
+  // Unused levels keep their values: x, then y of each.
   EXPECT_THAT(sentAfterReading(trace),
               ElementsAreArray(paused({"c40f000402000000", "c40f000302000000", "c40f000910000000",
                                        "c40f000810000000", "c40f000ea4000000", "c40f000d03000000",
@@ -96,7 +96,7 @@ TEST(NerinctlSettings, SetTheDpiLevels) {
       json::array({{{"x", 100}, {"y", 100}}, {{"x", 800}, {"y", 800}}, {{"x", 8200}, {"y", 150}}}));
   EXPECT_EQ(slot["activeLevel"], 2);
   EXPECT_EQ(bytesOf(image(user, 1), 6, 3), "310202");
-  // The colors of the levels are none of the settings.
+  // The settings do not include the colors of the levels.
   EXPECT_EQ(without(image(user, 1), 6, 23), without(before, 6, 23));
 }
 

@@ -4,7 +4,7 @@
 #include "Tests/CommandLine/TestHome.h"
 #include "Tests/Support/PrivateBus.h"
 
-// The ten slots of the mouse, counted as on the tabs.
+// The ten slots of the mouse, with the numbers of the tabs.
 
 namespace {
 

@@ -19,7 +19,7 @@ bool writeText(const char* path, const std::string& text) {
   return static_cast<bool>(file);
 }
 
-// Whoever is not root becomes it, in a view of the system of their own.
+// A user namespace makes any user root inside it.
 bool becomeRootOfOwnView() {
   const std::string user = std::to_string(geteuid());
   const std::string group = std::to_string(getegid());
@@ -38,7 +38,7 @@ bool mountSmallDisk(const std::filesystem::path& folder, std::size_t bytes) {
          mount("tmpfs", folder.c_str(), "tmpfs", 0, options.c_str()) == 0;
 }
 
-// The exit code of the function in a process of its own.
+// Runs the function in a child process and returns its exit code.
 int inChild(const std::function<int()>& function) {
   std::fflush(nullptr);
   const pid_t child = fork();

@@ -4,10 +4,10 @@
 #include <filesystem>
 #include <functional>
 
-// Whether this machine lets a test mount a file system that nobody else sees.
+// Whether a test may mount a private file system on this machine.
 bool canMountSmallDisk();
 
-// Runs the body in a process of its own where the folder is the root of a file system of that many
-// bytes, and hands its failures on. The folder is as before afterwards.
+// Runs the body in a child process, with a file system of that many bytes mounted on the folder,
+// and forwards its failures. Does not change the folder itself.
 void onSmallDisk(const std::filesystem::path& folder, std::size_t bytes,
                  const std::function<void()>& body);

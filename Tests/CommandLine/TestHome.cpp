@@ -79,7 +79,7 @@ Lines TestHome::trace(const Words& arguments) const {
 std::map<std::string, std::string> TestHome::library() const {
   std::map<std::string, std::string> contents;
   for (const auto& entry : fs::recursive_directory_iterator(home)) {
-    // The lock that keeps two programs apart is no property of the user.
+    // The lock file is not the user's data.
     if (entry.is_regular_file() && entry.path().filename() != ".lock") {
       contents[entry.path().string()] = readFile(entry.path());
     }

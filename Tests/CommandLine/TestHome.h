@@ -18,7 +18,7 @@
 using Words = std::vector<std::string>;
 using Lines = std::vector<std::string>;
 
-// A user of the program: a home folder, a virtual mouse, and the ways to run the program there.
+// A user of the program: a home folder, a virtual mouse, and functions to run the program there.
 class TestHome {
   Scratch m_folder;
 
@@ -27,52 +27,51 @@ class TestHome {
 
   std::filesystem::path home;
   std::filesystem::path mouseFile;
-  // Where the tests put files that belong to nobody.
+  // For files outside the library.
   std::filesystem::path files;
 
-  // Without a mouse; with the virtual one.
+  // Run the program without a mouse, and with the virtual mouse.
   RunResult run(const Words& arguments) const;
   RunResult runWithMouse(const Words& arguments) const;
-  // The same under other conditions; `settings.home` may stay empty.
+  // Run the program with other settings; `settings.home` may stay empty.
   RunResult run(const Words& arguments, RunSettings settings) const;
   RunResult runWithMouse(const Words& arguments, const RunSettings& settings) const;
-  // For commands that must succeed: what they answer in JSON, as lines, and what they send.
+  // For commands that must succeed. Return the JSON answer, the lines, and the sent reports.
   nlohmann::json json(const Words& arguments) const;
   Lines lines(const Words& arguments) const;
   Lines trace(const Words& arguments) const;
   void prepare(const Words& arguments) const;
 
-  // What belongs to the user: every file of the library and its surroundings, by path, and the
-  // memory of the mouse.
+  // The user's data: every file of the home folder, by path, and the memory of the mouse.
   std::map<std::string, std::string> library() const;
   std::string mouseMemory() const;
   std::filesystem::path supportFolder() const;
   std::filesystem::path profileFolder() const { return supportFolder() / "Profiles"; }
   std::filesystem::path preferences() const;
 
-  // Adds a profile or macro to the library by importing a file.
+  // Import a profile or macro into the library.
   void addProfile(ProfileValue profile) const;
   void addMacro(const std::string& name, const MacroInfo& macro) const;
 };
 
-// Expects that the program failed with one line for the user and nothing else.
+// Expects a failure with one line for the user and no other output.
 void expectComplaint(const RunResult& result, int exitCode, const std::string& part = {});
-// Expects that no byte of the text can steer a terminal.
+// Expects that no byte of the text can control a terminal.
 void expectHarmless(const std::string& text);
 
-// The first factory profile under another name.
+// The first factory profile with another name.
 ProfileValue profileNamed(const std::string& name);
-// Makes a button play a macro: mode 1 once, 2 `count` times, 3 while pressed, 4 until stopped.
+// Assigns a macro to a button: mode 1 once, 2 `count` times, 3 while pressed, 4 until stopped.
 void setMacro(ProfileValue& profile, std::size_t button, std::uint32_t macroId, std::uint32_t mode,
               std::uint32_t count = 0);
-// A key, a delay and a click of the left mouse button, 10 bytes in the mouse.
+// A key, a delay and a left click: 10 bytes in the mouse.
 MacroInfo clickMacro(const std::string& name);
 
 std::string readFile(const std::filesystem::path& path);
 void writeFile(const std::filesystem::path& path, const std::string& bytes);
 Lines linesOf(const std::string& text);
 
-// The bytes as a trace shows them.
+// The bytes in the form of a trace.
 template <typename Bytes>
 std::string hex(const Bytes& bytes) {
   constexpr const char* digits = "0123456789abcdef";

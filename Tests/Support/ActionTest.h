@@ -22,10 +22,10 @@
 
 using Bytes = std::vector<std::uint8_t>;
 
-// Lower-case hex digits, two for each byte, and back.
+// Converts bytes to lower-case hex digits, two per byte, and back.
 std::string hexOf(std::span<const std::uint8_t> bytes);
 Bytes bytesOfHex(std::string_view hex);
-// The checksum of a long report over its bytes from 4 to the last but one.
+// The checksum of a long report, from byte 4 to the last but one.
 std::uint8_t checksumOf(std::span<const std::uint8_t> report);
 
 // Keeps what was posted.
@@ -50,18 +50,18 @@ class RecordingNotificationCenter final : public LXNotificationCenter {
   std::vector<Post> m_posts;
 };
 
-// A home of its own, a mouse as delivered, and a program that was just started, for each test.
-// Time does not pass: pauses are written into the trace instead.
+// Each test has its own home, a factory-new mouse and a freshly started program. Time does not
+// pass: the trace records the pauses.
 class ActionTest : public testing::Test {
  protected:
   ActionTest();
-  // With a mouse that something else than the requester of the virtual mouse reaches.
+  // For a mouse behind another requester.
   ActionTest(std::shared_ptr<VirtualMouse> mouse, std::shared_ptr<LXDeviceRequester> requester);
   ~ActionTest() override;
 
-  // As if the program ended and began again, with nothing loaded.
+  // Destroys the program's state, as at its end.
   static void endProgram();
-  // Loads the catalogues and finds the mouse, as the program does at its start.
+  // Loads the catalogues and finds the mouse, as at the program's start.
   static void beginProgram();
 
   void setPreferredLanguage(std::optional<std::string> language);
@@ -74,21 +74,21 @@ class ActionTest : public testing::Test {
   const std::filesystem::path& home() const { return m_home.folder(); }
   std::filesystem::path supportFolder() const;
   std::filesystem::path libraryFolder() const { return supportFolder() / "Profiles"; }
-  // What lies in the support folder, but for the lock of the library.
+  // The content of the support folder without the lock of the library.
   std::vector<std::string> supportNames() const;
   std::filesystem::path preferenceFile() const;
 
-  // What went to the requester and how long the program paused, in order: "SET 0300 0 c40c…",
-  // "GET 0305 1 05…", "SLEEP 30" (milliseconds). Transfers that fail are followed by " failed".
+  // The transfers and pauses, in order: "SET 0300 0 c40c…", "GET 0305 1 05…", "SLEEP 30"
+  // (milliseconds). " failed" follows a failed transfer.
   const std::vector<std::string>& trace() const { return m_trace; }
   void clearTrace() { m_trace.clear(); }
-  // The same without the pauses and without the reads.
+  // The writes of the trace.
   std::vector<std::string> sent() const;
 
-  // Called at every pause, while the program waits.
+  // Called at every pause.
   void setOnPause(std::function<void()> onPause) { m_onPause = std::move(onPause); }
 
-  // Adds a macro to the catalogue, each event given as key code, kind and delay.
+  // Adds a macro to the catalogue. Each event is key code, kind and delay.
   using Events = std::vector<std::vector<int>>;
   static std::shared_ptr<MacroInfo> addMacro(int id, const std::string& name,
                                              const Events& events = {});
@@ -98,11 +98,11 @@ class ActionTest : public testing::Test {
                                std::uint32_t count = 0);
   static _BTN_INFO button(std::uint32_t code, std::vector<std::uint32_t> keyBits = {},
                           std::uint32_t type = ButtonTypeSingle);
-  // Puts a report into the mouse as another host would: its checksum is right.
+  // Writes a report with a correct checksum into the mouse, like another host.
   void putMacro(int macroSlot, Bytes report);
   void putImage(int slot, Bytes report);
 
-  // A profile file with that identity; the record's report rate tells files apart.
+  // The bytes of a profile file. Tests tell files apart by the record's report rate.
   static std::string profileBytes(std::uint64_t id, const std::string& name,
                                   std::uint32_t poRate = 0, bool isDefault = false);
   void putProfile(const std::string& fileName, std::uint64_t id, const std::string& name,

@@ -7,8 +7,8 @@
 
 #include <sys/types.h>
 
-// A program that a test started, with its standard output and error read by the test. It does not
-// outlive the test.
+// A program that a test starts and whose output and errors it reads. Killed at the end of the test
+// at the latest.
 class ChildProcess {
  public:
   explicit ChildProcess(const std::vector<std::string>& command);
@@ -17,9 +17,9 @@ class ChildProcess {
   ChildProcess& operator=(const ChildProcess&) = delete;
 
   void send(int signal) const;
-  // What it wrote since the last read; empty after `limit`, or when it will write no more.
+  // The output since the last read; empty after `limit`, or at the end of the output.
   std::string read(std::chrono::milliseconds limit);
-  // Its exit code, nothing when it is still running after `limit` or died by a signal.
+  // The exit code; no value if it is still running after `limit` or a signal ended it.
   std::optional<int> exitCode(std::chrono::milliseconds limit);
 
  private:

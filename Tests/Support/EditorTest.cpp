@@ -9,7 +9,7 @@
 
 EditorTest::EditorTest() {
   beginProgram();
-  // The factory profile of a slot comes with the slot.
+  // Selecting the slot also selects its factory profile.
   library().setCurrFWProfileIndex(0);
   clearTrace();
 }

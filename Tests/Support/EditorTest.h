@@ -20,8 +20,8 @@ class LXNumberTextField;
 class LXProgressBar;
 class LXTextField;
 
-// A child view in a window of its own over a virtual mouse, without the main window. The window
-// closes when the view ends, and any other end of the window reaches the view.
+// A child view in its own window with a virtual mouse, without the main window. The end of the view
+// closes the window, and closing the window ends the view.
 class EditorTest : public ViewTest, private LXWindowDelegate {
  protected:
   EditorTest();
@@ -29,7 +29,7 @@ class EditorTest : public ViewTest, private LXWindowDelegate {
 
   using ActionTest::button;
 
-  // Puts a constructed view into a window, and shows that.
+  // Puts a constructed view into a window and shows the window.
   void place(ChildView* content);
   void show();
   void show(ChildView* content) {
@@ -53,19 +53,19 @@ class EditorTest : public ViewTest, private LXWindowDelegate {
     return *found;
   }
   LXButton& control(const char* name) { return part<LXButton>(name); }
-  // With the pointer.
+  // Clicks with the pointer.
   void press(const char* name) { clickThroughWindow(control(name)); }
   static std::string textOf(const LXTextField& field);
-  // With the keys, in place of what the field says; not committed.
+  // Replaces the field's text with typed keys, without a commit.
   static void type(LXNumberTextField& field, const char* text);
   static void hitKey(QWidget& widget, int key);
-  // Opens the list of a button and chooses an entry of it with the pointer.
+  // Opens the list of a button and chooses an entry with the pointer.
   void chooseIn(const char* button, const std::string& title) { chooseIn(control(button), title); }
   static void chooseIn(LXButton& button, const std::string& title);
   static void choose(LXMenulist& list, const std::string& title);
   static std::vector<std::string> titlesOf(const LXMenulist& list);
 
-  // The next window with such a view is handed over once it is up, from within its loop.
+  // Calls `act` with the next window that has such a view, from within its loop.
   template <typename View>
   void onModal(std::function<void(LXNoTitleWindow&, View&)> act) {
     auto* timer = new QTimer(&m_scope);
@@ -85,15 +85,15 @@ class EditorTest : public ViewTest, private LXWindowDelegate {
     });
     timer->start(5);
   }
-  // How many were.
+  // The number of such windows so far.
   int modals() const { return m_modals; }
-  // Whether it comes true while the program runs on, for some seconds at most.
+  // Whether it becomes true within a few seconds while the program runs.
   static bool waitFor(const std::function<bool()>& isSo);
 
-  // What sends the DPI and lift settings of a record, and the report rate of an index.
+  // The commands for the DPI and lift settings of a record, and for a report rate.
   static std::vector<std::string> settingCommands(const _Nerin_PROFILE& profile);
   static std::string rateCommand(std::uint32_t poRate);
-  // "122 true" and "122 false" for the messages about a trial; others by their code alone.
+  // The messages: "122 true" and "122 false" for a DPI trial, otherwise only the code.
   std::vector<std::string> told() const;
 
  private:
@@ -105,20 +105,20 @@ class EditorTest : public ViewTest, private LXWindowDelegate {
   int m_modals = 0;
 };
 
-// The key assignment of one button.
+// The key assignment of a button.
 class AssignTest : public EditorTest {
  protected:
-  // Stores the assignment in the edited profile and opens the panel on it.
+  // Stores the assignment in the edited profile and opens the panel for it.
   KeyAssignView& openPanel(int btnIndex, const _BTN_INFO& stored);
   KeyAssignView& panel() { return *m_panel; }
   int btnIndex() const { return m_panel->btnIndex(); }
   const _BTN_INFO& stored() const { return editState->selProfile().btnInfo[m_panel->btnIndex()]; }
   // By its title in the list of kinds.
   void chooseType(const char* title) { chooseIn("comSelBtn", title); }
-  // The parts that show.
+  // The visible parts.
   std::vector<std::string> shownParts();
 
-  // What sets a button of the mouse at once: its entry is five bytes in hex.
+  // The command that sets a button of the mouse at once. `entry` is five bytes in hex.
   static std::string buttonCommand(int btnIndex, const std::string& entry);
   static bool isSame(const _BTN_INFO& one, const _BTN_INFO& other);
 

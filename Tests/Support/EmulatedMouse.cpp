@@ -27,8 +27,8 @@ namespace {
 constexpr const char* bus = "/devices/pci0000:00/0000:00:14.0/usb1/";
 constexpr const char* plugKey = "plug";
 
-// Pointer and media keys share interface 0, so that hidapi lists it twice; the feature report of
-// eight bytes has no number.
+// Pointer and media keys share interface 0, so hidapi lists it twice. The eight-byte feature report
+// has no number.
 constexpr const char* pointerDescriptor =
     "05010902A1010901A100050919012905150025017501950581029503810105010930093109381581257F"
     "750895038106C006A0FF0901150026FF0075089508B102C0"
@@ -58,8 +58,7 @@ void throwOn(GError* error) {
   }
 }
 
-// Root opens every file whatever its mode; without this privilege it meets the same refusal as
-// the user.
+// Root ignores permissions; without this privilege, it is refused like the user.
 void dropFilePrivilege() {
   __user_cap_header_struct header{.version = _LINUX_CAPABILITY_VERSION_3, .pid = 0};
   std::array<__user_cap_data_struct, 2> data{};
@@ -72,7 +71,7 @@ void dropFilePrivilege() {
   }
 }
 
-// Hides the monitors' sockets from umockdev, which announces every device that it adds.
+// Hides the monitors' sockets from umockdev, which announces every new device.
 class Silence {
  public:
   Silence(const std::filesystem::path& root, bool isSilent) {
@@ -127,7 +126,7 @@ struct EmulatedMouse::State {
     umockdev_testbed_uevent(testbed, sysPath.c_str(), action);
   }
 
-  // The node is gone before anyone is told.
+  // The node disappears before the announcement.
   void loseNode(const std::string& node, const PluggedNode& plugged) {
     if (std::filesystem::remove(fileOf(node))) {
       announce(plugged.sysPaths.front(), "remove");
@@ -138,7 +137,7 @@ struct EmulatedMouse::State {
   long answer(UMockdevIoctlClient* client, int& error);
   long transfer(int interfaceNumber, bool isSet, std::span<std::uint8_t> buffer, int& error);
 
-  // umockdev calls back from a thread of its own.
+  // umockdev calls this on its own thread.
   static void connected(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer state);
   static gboolean handle(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer state);
 
@@ -149,7 +148,7 @@ struct EmulatedMouse::State {
   std::set<std::string> ports;
   std::map<std::string, UMockdevIoctlBase*> handlers;
 
-  mutable std::mutex mutex;  // guards what follows, and the mouse during a transfer
+  mutable std::mutex mutex;  // guards the members below, and the mouse during a transfer
   std::map<std::string, PluggedNode> nodes;
   int plugs = 0;
   int opens = 0;
@@ -177,7 +176,7 @@ gboolean EmulatedMouse::State::handle(UMockdevIoctlBase*, UMockdevIoctlClient* c
 long EmulatedMouse::State::answer(UMockdevIoctlClient* client, int& error) {
   const std::lock_guard lock(mutex);
   const auto node = nodes.find(umockdev_ioctl_client_get_devnode(client));
-  // A node that was opened before the last replug stays dead, even under the same name.
+  // A node that was opened before the last replug stays dead, even if the name is the same.
   const int plug = GPOINTER_TO_INT(g_object_get_data(G_OBJECT(client), plugKey));
   if (node == nodes.end() || node->second.plug != plug) {
     error = ENODEV;
@@ -211,8 +210,8 @@ long EmulatedMouse::State::answer(UMockdevIoctlClient* client, int& error) {
   return result;
 }
 
-// Does with the buffer what the kernel's USB driver does: the number 0 in front is for the kernel
-// alone, any other one is part of the report.
+// Handles the buffer like the kernel's USB driver: a leading 0 is only for the kernel; any other
+// number is part of the report.
 long EmulatedMouse::State::transfer(int interfaceNumber, bool isSet, std::span<std::uint8_t> buffer,
                                     int& error) {
   if (transferError != 0) {
@@ -245,7 +244,7 @@ long EmulatedMouse::State::transfer(int interfaceNumber, bool isSet, std::span<s
   return static_cast<long>(bytes + skipped);
 }
 
-// Once for each name of a node, because umockdev drops open nodes when a handler is taken away.
+// Once per node name, because umockdev drops open nodes when a handler is removed.
 void EmulatedMouse::State::listen(const std::string& node) {
   if (handlers.contains(node)) {
     return;
@@ -294,7 +293,7 @@ void EmulatedMouse::plugInterface(const EmulatedInterface& interface) {
   m_state->listen(node);
   std::unique_lock lock(m_state->mutex);
   PluggedNode plugged{.interface = interface, .sysPaths = {}, .plug = ++m_state->plugs};
-  // The kernel counts every HID device that it ever saw.
+  // The kernel counts every HID device it has ever seen.
   const std::string hidName =
       "0003:" + vid + ":" + pid + "." + upperHex(static_cast<unsigned>(plugged.plug), 4);
   const std::string hidDevice = usbInterface + "/" + hidName;
@@ -306,8 +305,8 @@ void EmulatedMouse::plugInterface(const EmulatedInterface& interface) {
   }
   lock.unlock();
 
-  // umockdev makes a terminal of a node that it knows about; a file of our own has no such side
-  // effects, and it is there before anyone is told.
+  // umockdev would create a terminal for a node it knows. Our own file has no such side effects and
+  // exists before the announcement.
   std::string devices;
   if (m_state->ports.insert(interface.port).second) {
     devices += "P: " + usbDevice +
@@ -320,7 +319,7 @@ void EmulatedMouse::plugInterface(const EmulatedInterface& interface) {
   devices += "P: " + hidDevice + "\nE: SUBSYSTEM=hid\nE: HID_ID=0003:0000" + vid + ":0000" + pid +
              "\nE: HID_NAME=Gaming Mouse\nE: HID_UNIQ=\nH: report_descriptor=" +
              (interface.number == 0 ? pointerDescriptor : longReportDescriptor) + "\n\n";
-  // hidapi finds the report descriptor through the link.
+  // hidapi finds the report descriptor through this link.
   devices += "P: " + rawDevice + "\nE: SUBSYSTEM=hidraw\nE: DEVNAME=" + node +
              "\nL: device=../../../" + hidName + "\n\n";
   std::ofstream(m_state->fileOf(node)).flush();

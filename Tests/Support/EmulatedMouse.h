@@ -7,7 +7,7 @@
 
 #include "VirtualMouse/VirtualMouse.h"
 
-// One HID interface of a device on the emulated USB, and the number of its hidraw node.
+// An HID interface of the emulated device and the number of its hidraw node.
 struct EmulatedInterface {
   int number = 0;
   int node = 0;
@@ -16,13 +16,13 @@ struct EmulatedInterface {
   std::uint16_t pid = 0x1001;
 };
 
-// A mouse that hidapi and libudev take for a real one: two hidraw nodes in a umockdev testbed,
-// behind which a VirtualMouse answers as the kernel would pass it on. A program that uses it links
-// the library of this name and runs one test per process, because a process has one testbed.
+// A mouse that looks real to hidapi and libudev: two hidraw nodes in a umockdev testbed, with a
+// VirtualMouse that answers. Programs must link this library and run one test per process, because
+// a process can have only one testbed.
 class EmulatedMouse {
  public:
-  // The testbed begins without a mouse. The destructor takes it away; whatever has nodes open must
-  // be gone by then.
+  // Starts without a plugged mouse. All open nodes must be closed before the destructor, which
+  // removes the testbed.
   explicit EmulatedMouse(std::shared_ptr<VirtualMouse> mouse = std::make_shared<VirtualMouse>());
   ~EmulatedMouse();
   EmulatedMouse(const EmulatedMouse&) = delete;
@@ -33,27 +33,27 @@ class EmulatedMouse {
   // Interface 0 gets the node /dev/hidraw<firstNode>, interface 1 the next one.
   void plug(int firstNode = 3);
   void plugInterface(const EmulatedInterface& interface);
-  // Takes away whatever is plugged in. Nodes that are open answer as those of a lost device.
+  // Removes the device. Open nodes behave like those of a lost device.
   void unplug();
 
-  // The first moment of an unplug: the nodes are gone and everyone is told, but the rest is still
-  // in sysfs. The second moment is unplug().
+  // The first half of an unplug: removes the nodes and announces it, but leaves sysfs. unplug() is
+  // the second half.
   void loseNodes();
 
-  // An existing file that stands for the socket of a running udevd.
+  // A file in place of the socket of a running udevd.
   std::filesystem::path udevControl() const;
-  // As without udevd: from now on nobody is told of arrivals and removals.
+  // Stops the announcements, as without udevd.
   void setIsSilent(bool isSilent);
-  // Tells that the nodes changed, as `udevadm trigger` does.
+  // Announces a change of the nodes, like `udevadm trigger`.
   void announceChange();
 
-  // From now on this user may or may not open the nodes that are plugged in. The calling thread
-  // loses the privilege of passing over the rights of files.
+  // Allows or forbids this user to open the current nodes. The calling thread loses the privilege
+  // to ignore permissions.
   void setIsAccessAllowed(bool isAccessAllowed);
 
-  // From now on every transfer fails with this errno; 0 ends it.
+  // Makes every transfer fail with this errno; 0 ends that.
   void setTransferError(int error);
-  // How often a node has been opened so far.
+  // How often nodes were opened.
   int openCount() const;
 
  private:

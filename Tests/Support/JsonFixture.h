@@ -4,8 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
-// A file of the test fixtures, parsed. It is read once.
+// A parsed file of the test fixtures, read once.
 const nlohmann::json& jsonFixture(const std::string& name);
 
-// One table of "protocol-tables.json".
+// A table of "protocol-tables.json".
 const nlohmann::json& protocolTable(const std::string& name);

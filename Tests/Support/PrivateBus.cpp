@@ -12,7 +12,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-// Reads the little-endian wire form.
+// Decodes little-endian D-Bus data.
 class Reader {
  public:
   explicit Reader(std::string bytes) : m_bytes(std::move(bytes)) {}
@@ -77,8 +77,7 @@ std::string bodyInWords(Reader& reader, const std::string& signature) {
   return words + "}";
 }
 
-// The whole message at the front of `bytes`, which it is taken from; nothing while it is
-// incomplete.
+// Removes the first complete message from `bytes`; no value if it is incomplete.
 std::optional<BusMessage> takeMessage(std::string& bytes) {
   constexpr std::size_t fixedSize = 16;
   if (bytes.size() < fixedSize) {
@@ -130,7 +129,7 @@ PrivateBus::PrivateBus() {
   setenv("DBUS_SESSION_BUS_ADDRESS", address.substr(0, address.find('\n')).c_str(), 1);
 
   m_listener = std::make_unique<ChildProcess>(std::vector<std::string>{"dbus-monitor", "--binary"});
-  // Its own name is taken away when it has become the one that hears everything.
+  // The bus releases the listener's name when it becomes a monitor.
   const auto end = steady_clock::now() + std::chrono::seconds(20);
   for (auto message = next(end); !message || message->member != "NameLost"; message = next(end)) {
     if (!message) {

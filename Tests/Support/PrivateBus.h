@@ -14,11 +14,11 @@ struct BusMessage {
   std::string interface;
   std::string member;
   std::string signature;
-  std::string body;  // in words: "s:111 {value1=i:2 value2=b:1}"
+  std::string body;  // as text: "s:111 {value1=i:2 value2=b:1}"
 };
 
-// A session bus that only this test knows, announced in the environment, and an independent
-// listener on it that sees every message.
+// A private session bus, set in the environment, with an independent listener that sees every
+// message.
 class PrivateBus {
  public:
   PrivateBus();
@@ -26,10 +26,10 @@ class PrivateBus {
   PrivateBus(const PrivateBus&) = delete;
   PrivateBus& operator=(const PrivateBus&) = delete;
 
-  // The next signal of our interface that somebody sent; nothing after `limit`.
+  // The next signal of our interface; no value after `limit`.
   std::optional<BusMessage> nextNotification(
       std::chrono::milliseconds limit = std::chrono::seconds(20));
-  // Sends a signal from another process; the arguments are in GVariant text.
+  // Sends a signal from another process, with arguments in GVariant text.
   static void broadcast(const std::string& path, const std::string& interfaceAndMember,
                         const std::vector<std::string>& arguments);
 

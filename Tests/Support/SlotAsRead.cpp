@@ -98,7 +98,7 @@ void readSpecial(_BTN_INFO& info) {
   info.MacroID = 1;
 }
 
-// Mode and count as the macro report carries them.
+// Converts mode and count as the macro report does.
 void readRepeat(_BTN_INFO& info) {
   const std::uint32_t mode = info.KeyBit[0];
   const std::uint32_t times = info.KeyBit[1];
@@ -213,7 +213,7 @@ MacroEvents eventsAsRead(const MacroInfo& macro) {
     }
     const std::uint32_t code =
         NerinAction::GetFWKeyCode(static_cast<std::uint32_t>(event->keyCode()));
-    // The release of a key without a code is the byte 128, which is a press.
+    // A release without a key code is the byte 128, which reads as a press.
     events.push_back({static_cast<int>(NerinAction::GetKeyCodeByFW(code)),
                       isRelease && code != 0 ? 1 : 0, delay});
   }

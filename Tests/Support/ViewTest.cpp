@@ -13,7 +13,7 @@
 #include "View/Windows/Termination.h"
 
 ViewTest::ViewTest() {
-  // A loop that another test ended would end every loop of this one.
+  // Without this, an earlier quit() would end every loop of this test.
   QTimer::singleShot(0, qApp, &QCoreApplication::quit);
   QApplication::exec();
   installSeams();
@@ -178,7 +178,7 @@ int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   testing::InitGoogleTest(&argc, argv);
   const QApplication application(argc, argv);
-  // The tests open and close windows; none of them is the last one of a program.
+  // Closing a window of one test must not end the program.
   QApplication::setQuitOnLastWindowClosed(false);
   buttonaccessibility::install();
   return RUN_ALL_TESTS();

@@ -18,19 +18,19 @@ class LXMenulist;
 class LXTextField;
 class PopDialogView;
 
-// The main window over a virtual mouse. Messages and file panels are answered at once, and kept.
+// The main window with a virtual mouse. Answers messages and file panels at once and records them.
 class ViewTest : public ActionTest {
  protected:
   ViewTest();
   ~ViewTest() override;
 
-  // As if the program ended. Messages and file panels are answered as before.
+  // Ends the program. Messages and file panels are still answered.
   void endProgram();
   // Starts the program with its window.
   void start();
-  // Ends the program, as far as it is not ended, and starts it again on the same home and mouse.
+  // Ends the program if necessary and starts it again with the same home and mouse.
   void startAgain();
-  // Lets what was queued happen.
+  // Processes all queued events.
   static void process();
 
   MainView& view() { return *m_view; }
@@ -47,7 +47,7 @@ class ViewTest : public ActionTest {
   QAction& menuItem(const char* name);
   // The open list of profiles, or null.
   static LXMenulist* openList();
-  // As the service tells it.
+  // Sends a report as the service does.
   void report(std::int32_t type, std::int32_t value = 0);
   // The objects of the messages to the service.
   std::vector<std::string> messages() const;
@@ -55,9 +55,9 @@ class ViewTest : public ActionTest {
   // An open child window, or null.
   LXNoTitleWindow* child();
 
-  // Clicks where a person would: through the window system, which knows what a window blocks.
+  // Clicks like a user: through the window system, which knows the blocked windows.
   static void clickThroughWindow(QWidget& widget, Qt::MouseButton button = Qt::LeftButton);
-  // From here on messages are shown. The next one is handed over once it is up.
+  // From now on, messages are shown. Calls `act` with the next one.
   static void onDialog(std::function<void(LXNoTitleWindow&, PopDialogView&)> act);
 
   bool m_answer = true;

@@ -157,7 +157,7 @@ void WireVectorTest::expectReadBack(const WireVector& vector) {
   EXPECT_TRUE(NerinAction::loadSlot(vector.slot).value);
   EXPECT_EQ(differenceOf(editState->selProfile(), expected), "");
   EXPECT_EQ(library().currFWProfileName(), vector.name.substr(0, 65));
-  // A macro on two buttons, or under two names that the mouse cuts to one, is what was read last.
+  // If two buttons share a macro, or the mouse cuts two names to one, the last read wins.
   for (const auto& [button, events] : macros) {
     const std::uint32_t id = editState->selProfile().btnInfo[button].MacroID;
     const bool isReadLast = std::none_of(macros.begin(), macros.end(), [&](const auto& other) {

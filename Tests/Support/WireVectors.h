@@ -5,7 +5,7 @@
 
 #include "Tests/Support/ActionTest.h"
 
-// Whole profiles and macros with the bytes that they are on the wire.
+// Whole profiles and macros with their bytes on the wire.
 struct WireVector {
   struct MacroReport {
     int button;
@@ -24,10 +24,10 @@ struct WireVector {
 inline constexpr std::size_t wireVectorCount = 8;
 inline constexpr std::size_t factoryProfileCount = 10;
 const std::vector<WireVector>& wireVectors();
-// The images of the ten factory profiles, each in its own slot.
+// The images of the ten factory profiles, each for its own slot.
 const std::vector<std::string>& factoryImages();
 
-// The checks that hold whatever the requester is: in the process, and through hidapi.
+// Checks for any requester: in the process and through hidapi.
 class WireVectorTest : public ActionTest {
  protected:
   WireVectorTest() { takeMacros(); }
@@ -36,17 +36,17 @@ class WireVectorTest : public ActionTest {
     takeMacros();
   }
 
-  // The profile goes to the mouse byte for byte.
+  // Expects that the mouse gets the exact bytes of the profile.
   void expectWritten(const WireVector& vector);
-  // It reads back as what the mouse can keep of it.
+  // Expects to read back what the mouse can store.
   void expectReadBack(const WireVector& vector);
-  // Its DPI and lift settings go to the mouse byte for byte.
+  // Expects that the mouse gets the exact bytes of the DPI and lift settings.
   void expectSettings(const WireVector& vector);
-  // The factory profile of the slot, from its file, goes out and comes back.
+  // Writes the slot's factory profile from its file and reads it back.
   void expectFactoryProfile(int slot);
 
  private:
-  // Begins the program with the macros that the vectors refer to.
+  // Starts the program with the macros of the vectors.
   static void takeMacros();
   _Nerin_PROFILE load(const WireVector& vector);
   void write(const WireVector& vector);

@@ -3,9 +3,9 @@
 #include "Action/Record/Records.h"
 #include "View/Screen/TavImageView.h"
 
-// A part of the key assignment that makes one kind of assignment. Keeps a copy of the assignment of
-// its own: fillSettingData shows it, saveData writes the choice into it. Fields that the kind does
-// not use keep their values.
+// The part of the key assignment for one kind of assignment. Has its own copy of the assignment:
+// fillSettingData shows the copy, saveData writes the user's choice to it. Fields that the kind
+// does not use keep their values.
 class KeyAssignSubView : public TavImageView {
   Q_OBJECT
 
@@ -17,7 +17,7 @@ class KeyAssignSubView : public TavImageView {
   // 0..15.
   void setBtnIndex(int btnIndex) { m_btnIndex = btnIndex; }
   int btnIndex() const { return m_btnIndex; }
-  // Hides what pops up.
+  // Hides the pop-up lists.
   virtual void closePopMenu() {}
 
  protected:

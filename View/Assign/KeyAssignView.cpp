@@ -39,7 +39,7 @@ void KeyAssignView::initControls() {
   m_buttonTxt = NerinAction::AddLabTextField(frameRect(frames::buttonTxt), *this);
   m_buttonTxt->setObjectName(QStringLiteral("buttonTxt"));
   m_buttonTxt->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-  // Its edge is that of what stands below.
+  // Aligns the text with the controls below.
   m_buttonTxt->setTextMargins(0, 0, -LXTextField::ownMargin, 0);
   m_buttonTxt->setTextColor(QColor::fromRgb(Artwork::Color::mist));
 
@@ -93,7 +93,7 @@ void KeyAssignView::fillSettingData() {
     view->setTmpBtnInfo(m_tmpBtnInfo);
     view->setBtnIndex(m_btnIndex);
   }
-  // Filled again, the same part is shown anew, too.
+  // Resets the panel so that it shows the same part again.
   m_keyAssignSetp->resetSetp();
   setCurrMenuData(NerinAction::getMenuInfoByFunId(static_cast<std::int32_t>(m_tmpBtnInfo.btnType),
                                                   NerinAction::functionMenus->keyAssignMenuNode));
@@ -166,7 +166,7 @@ void KeyAssignView::applyEdit() {
   failuremessage::tell(outcome);
 }
 
-// Nothing goes to the mouse here: the whole profile does when it is applied.
+// Sends nothing: the mouse gets the whole profile when the user applies it.
 void KeyAssignView::keepEdit() {
   saveData();
   editState->edit().btnInfo[m_btnIndex] = m_tmpBtnInfo;

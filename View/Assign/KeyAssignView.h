@@ -14,14 +14,14 @@ class LXTextField;
 class MenuInfo;
 class SubSingleKeyView;
 
-// Chooses what one button of the mouse does. Apply tries it on the mouse at once, Close keeps it in
-// the edited profile, Cancel puts the kept one back on the mouse.
+// Selects what a button of the mouse does. Apply tries it on the mouse, Close keeps it in the
+// edited profile, Cancel restores the button on the mouse.
 class KeyAssignView : public ChildView, public LXMenulistDelegate, public LXSetpPanelDelegate {
   Q_OBJECT
 
  public:
   enum Tag : int { TagType = 270, TagApply = 271, TagClose = 272, TagCancel = 273 };
-  // The kinds of assignment, by the ids of the catalogue's key-assign menu.
+  // The kinds of assignment, with the ids of the catalogue's key-assign menu.
   enum Type : std::int32_t {
     NoType = 0,
     Default = 1,
@@ -40,7 +40,7 @@ class KeyAssignView : public ChildView, public LXMenulistDelegate, public LXSetp
   int btnIndex() const { return m_btnIndex; }
   void setTmpBtnInfo(const _BTN_INFO& info) { m_tmpBtnInfo = info; }
   const _BTN_INFO& tmpBtnInfo() const { return m_tmpBtnInfo; }
-  // What the button is called, beside the title.
+  // The name of the button, shown beside the title.
   void setButtonName(const QString& name);
   std::int32_t currFunId() const { return m_currFunId; }
 
@@ -48,13 +48,13 @@ class KeyAssignView : public ChildView, public LXMenulistDelegate, public LXSetp
   void fillSettingData() override;
   void saveData() override;
   void buttonAction(LXButton& sender) override;
-  // Shows the part of a kind, 0-based; none for a kind that has none.
+  // Shows the part for a kind, 0-based; no part for any other number.
   void setCurrType(std::int32_t type);
-  // The kind of an entry of the menu; null for none.
+  // Selects the kind of a menu entry; null selects none.
   void setCurrMenuData(const std::shared_ptr<MenuInfo>& entry);
   void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) override;
   void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
-  // The mouse is gone: closes the window.
+  // The mouse was removed: closes the window.
   void devOutplusPro();
   LXMenulist* keyAssMenuList() const { return m_keyAssMenuList.get(); }
 

@@ -38,11 +38,11 @@ void SubLaunchProgramView::initControls() {
 void SubLaunchProgramView::showPath(const QString& path) {
   m_pathTxt->setText(path);
   m_pathTxt->setToolTip(path);
-  // Of a long path the end says more: there is the name of the program.
+  // Shows the end of a long path, which has the program's name.
   m_pathTxt->setCursorPosition(static_cast<int>(path.size()));
 }
 
-// Nothing is chosen yet, but what the button launches now is shown.
+// Shows the current program, which does not count as a choice.
 void SubLaunchProgramView::fillSettingData() {
   m_currLaunchPath.clear();
   const bool launches = tmpBtnInfo().FuncTableId == NerinAction::FunctionLaunch;
@@ -58,7 +58,7 @@ void SubLaunchProgramView::saveData() {
   info.btnType = ButtonTypeLaunch;
   info.FuncID = NerinAction::FunctionLaunch;
   info.FuncTableId = NerinAction::FunctionLaunch;
-  // A path that the record has no room for is cut there; the preference keeps the whole of it.
+  // A path that is too long for the record is cut. The preferences keep the whole path.
   setText(info.app_path, m_currLaunchPath);
   ProfieController& library = ProfieController::getShareProCon();
   failuremessage::tell(Outcome::of(

@@ -6,7 +6,7 @@
 
 class LXTextField;
 
-// Assigns a program that the button launches.
+// Assigns a program to launch.
 class SubLaunchProgramView : public KeyAssignSubView {
   Q_OBJECT
 
@@ -18,7 +18,7 @@ class SubLaunchProgramView : public KeyAssignSubView {
   void fillSettingData() override;
   void saveData() override;
   void buttonAction(LXButton& sender) override;
-  // What was chosen since the view was filled; empty for nothing.
+  // The choice since the view was filled; empty when there is none.
   const std::string& currLaunchPath() const { return m_currLaunchPath; }
 
  protected:

@@ -18,7 +18,7 @@ using frames = Artwork::SubSensitivityView;
 
 constexpr std::int32_t setsDpi = 0;
 constexpr std::int32_t showsDpi = 3;
-// What the slider offers; a stored value outside begins at the plain one.
+// The range of the slider. A stored value outside it becomes plainValue.
 constexpr std::uint32_t minimumStored = limits::minimumSensitivity;
 constexpr std::uint32_t maximumStored = limits::maximumSensitivity - 1;
 constexpr std::uint32_t plainValue = 64;
@@ -55,7 +55,7 @@ void SubSensitivityView::setSelMenu(std::shared_ptr<MenuInfo> entry) {
   const bool hasLevels = m_function && kind != setsDpi && kind != showsDpi;
   m_subView->setVisible(hasValues);
   m_levelSettingBtn->setVisible(hasLevels);
-  // The picture of the plain one has no button under it.
+  // The plain picture has no drawing of the buttons.
   setImageByName(hasLevels || hasValues ? QStringLiteral("SubSensitivityView_Normal.png")
                                         : QStringLiteral("SubSensitivityViewPlain_Normal.png"));
 }
@@ -70,7 +70,7 @@ void SubSensitivityView::fillSettingData() {
     }
   }
   m_subView->setIsXY(info.KeyBit[0] != info.KeyBit[1]);
-  // The editor begins at the same value every time, whatever is stored.
+  // The editor always starts at the same value, whatever is stored.
   m_subView->setIsXY(false);
   m_subView->setXValue(plainValue);
   m_subView->setYValue(plainValue);
@@ -79,7 +79,7 @@ void SubSensitivityView::fillSettingData() {
 void SubSensitivityView::saveData() {
   _BTN_INFO& info = editedBtnInfo();
   info.btnType = ButtonTypeSensitivity;
-  // Without a function nothing was chosen: the values of another kind of button stay its own.
+  // Without a function, the user chose nothing, so the button keeps its values.
   if (m_function) {
     info.FuncID = static_cast<std::uint32_t>(m_function->functionID());
     info.FuncTableId = static_cast<std::uint32_t>(m_function->functionTableID());

@@ -8,8 +8,8 @@
 class MenuInfo;
 class SubSensitivityViewSub;
 
-// Assigns a DPI function. One sets a value, which is edited here; the others go through the levels,
-// which have a window of their own.
+// Assigns a DPI function. One function sets a value, which is edited here; the others use the
+// levels, which have their own window.
 class SubSensitivityView : public KeyAssignSubView, public LXMenulistDelegate {
   Q_OBJECT
 
@@ -23,7 +23,7 @@ class SubSensitivityView : public KeyAssignSubView, public LXMenulistDelegate {
   void closePopMenu() override;
   void buttonAction(LXButton& sender) override;
   void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) override;
-  // Shows the entry, or none.
+  // Selects the entry; null selects none.
   void setSelMenu(std::shared_ptr<MenuInfo> entry);
   LXMenulist* senMenuList() const { return m_senMenuList.get(); }
 

@@ -7,7 +7,7 @@
 class DpiSliderView;
 class LXImageView;
 
-// A DPI value: one for both axes, or, with the box checked, one for each. In the mouse's unit.
+// A DPI value for both axes or, with the box checked, one per axis. In the mouse's unit.
 class SubSensitivityViewSub : public TavImageView {
   Q_OBJECT
 

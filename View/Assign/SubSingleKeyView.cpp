@@ -46,7 +46,7 @@ void SubSingleKeyView::initControls() {
   NerinAction::initTooltip(*m_mouseFunChk, QStringLiteral("mouseFunChk"), "Assign mouse function");
   m_selBtn = NerinAction::addListButton(frameRect(frames::selBtn), *this, TagFunction,
                                         QStringLiteral("selBtn"), "Mouse function");
-  // Who chooses the keyboard again wants to press another key.
+  // Choosing the keyboard again starts a new capture.
   const auto captureAgain = [this](LXButton&) {
     if (choice() == KeyboardKey) {
       setFocus(Qt::OtherFocusReason);
@@ -171,7 +171,7 @@ void SubSingleKeyView::setSelKeyCode(std::int32_t keyCode) {
 void SubSingleKeyView::take(const QKeyEvent& event) {
   const auto key = m_keys.take(event);
   if (m_isLeaving) {
-    // Only now: a window that got the repeated presses of Esc would close.
+    // Wait for the release: repeated presses of Esc would close the window.
     if (key && key->kind == TrackedKey::Kind::KeyUp && key->keyCode == escapeKey) {
       m_keybordChk->setFocus(Qt::OtherFocusReason);
     }
@@ -180,15 +180,15 @@ void SubSingleKeyView::take(const QKeyEvent& event) {
   if (!key || key->kind == TrackedKey::Kind::KeyUp || key->isRepeat) {
     return;
   }
-  // A modifier counts when it goes down, which is told by its flag: left and right share one, and
-  // that of Caps Lock is its lamp, as in a macro.
+  // Only pressing a modifier counts. Its flag shows the press; left and right share a flag. The
+  // flag of Caps Lock is its lamp, as in a macro.
   if (key->kind == TrackedKey::Kind::FlagsChanged &&
       (key->modifierFlags & keyModifierFlag(key->keyCode)) == 0) {
     return;
   }
   std::int32_t keyCode = key->keyCode;
   if (keyCode == escapeKey && m_wasEscape) {
-    // Who leaves with Esc keeps the key that was there before, if there was one.
+    // Leaving with Esc keeps the key from before, if there was one.
     keyCode = m_keyBeforeEscape != noKey ? m_keyBeforeEscape : escapeKey;
     m_isLeaving = true;
   } else if (keyCode == escapeKey) {
@@ -199,7 +199,7 @@ void SubSingleKeyView::take(const QKeyEvent& event) {
   m_newKeyEdt->setText(QString::fromStdString(LXKey::getStrByKeycode(keyCode)));
 }
 
-// Before Qt makes shortcuts and steps of the focus out of keys.
+// Takes keys before Qt uses them for shortcuts and for moving the focus.
 bool SubSingleKeyView::event(QEvent* event) {
   switch (event->type()) {
     case QEvent::ShortcutOverride:

@@ -11,9 +11,9 @@
 class LXTextField;
 class MenuInfo;
 
-// Assigns a mouse function from a list, or a key, which is captured: while the keyboard is chosen
-// and this view has the focus, every key belongs to the capture. Esc twice, or a click elsewhere,
-// ends that; after Esc the key stays that was there before, or Esc where there was none.
+// Assigns a mouse function from a list, or a captured key. While the keyboard is chosen and this
+// view has the focus, it captures every key. Esc twice, or a click elsewhere, ends the capture;
+// after Esc, the view keeps the previous key, or Esc if there was none.
 class SubSingleKeyView : public KeyAssignSubView,
                          public LXMenulistDelegate,
                          public LXSetpPanelDelegate {
@@ -32,7 +32,7 @@ class SubSingleKeyView : public KeyAssignSubView,
   void buttonAction(LXButton& sender) override;
   void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) override;
   void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
-  // Shows what the button does now.
+  // Shows the current assignment of the button.
   void showCurrentCaption();
 
   // The Mac virtual key code, or noKey.
@@ -65,7 +65,7 @@ class SubSingleKeyView : public KeyAssignSubView,
   KeyTracker m_keys;
   std::int32_t m_selKeyCode = noKey;
   bool m_wasEscape = false;
-  // Esc was pressed twice and is not let go yet.
+  // Esc was pressed twice and not yet released.
   bool m_isLeaving = false;
   std::int32_t m_keyBeforeEscape = noKey;
 };

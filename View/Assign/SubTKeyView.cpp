@@ -23,7 +23,7 @@ using frames = Artwork::SubTKeyView;
 constexpr std::uint32_t playOnce = 1;
 constexpr std::int32_t repeatByCount = 2;
 constexpr int repeatMenuWidth = 264;
-// The list closes first.
+// Gives the list time to close.
 constexpr int countDelayMilliseconds = 100;
 
 }  // namespace
@@ -130,7 +130,7 @@ void SubTKeyView::showLoopFrm() {
   view->makeTxtFirstRes();
   const int code = dialog->run();
   if (!dialog) {
-    return;  // Gone with the window under it, and with this view.
+    return;  // Destroyed together with its parent window and this view.
   }
   if (code == 1) {
     m_macroCount = static_cast<std::uint32_t>(view->repeatCount());

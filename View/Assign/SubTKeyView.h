@@ -7,7 +7,7 @@
 
 class MacroInfo;
 
-// Assigns a macro and how often it plays.
+// Assigns a macro and its repeat mode.
 class SubTKeyView : public KeyAssignSubView, public LXMenulistDelegate {
   Q_OBJECT
 
@@ -22,15 +22,15 @@ class SubTKeyView : public KeyAssignSubView, public LXMenulistDelegate {
   void closePopMenu() override;
   void buttonAction(LXButton& sender) override;
   void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) override;
-  // Asks for the count, and waits for the answer.
+  // Asks for the count and waits for the answer.
   void showLoopFrm();
 
-  // Null for none.
+  // Null when no macro is selected.
   const std::shared_ptr<MacroInfo>& selMacroInfo() const { return m_selMacroInfo; }
-  // The repeat mode by its code in the repeat menu, 0 for none.
+  // The code of the repeat mode in the repeat menu; 0 for none.
   std::uint32_t macroType() const { return m_macroType; }
   std::uint32_t macroCount() const { return m_macroCount; }
-  // The count is being asked for.
+  // The dialog for the count is open.
   bool isShowSubMode() const { return m_isShowSubMode; }
   LXMenulist* repeatList() const { return m_repeatList.get(); }
 

@@ -6,7 +6,7 @@
 
 class LXNumberTextField;
 
-// Asks how often a macro plays: 0..9999.
+// Asks for the repeat count of a macro: 0..9999.
 class TkeyRepeatView : public ChildView {
   Q_OBJECT
 
@@ -19,7 +19,7 @@ class TkeyRepeatView : public ChildView {
 
   void setRepeatCount(int repeatCount);
   int repeatCount() const { return m_repeatCount; }
-  // Gives the field the keyboard.
+  // Moves the focus to the field.
   void makeTxtFirstRes();
   void buttonAction(LXButton& sender) override;
 

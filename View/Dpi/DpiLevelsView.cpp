@@ -11,7 +11,7 @@ namespace {
 
 constexpr auto maximumLevels = static_cast<std::uint32_t>(levelCount);
 
-// What a stored value looks like on the screen: the mouse knows no others.
+// Only these values can be shown; the mouse knows no others.
 std::uint32_t limited(std::uint32_t value) {
   return std::clamp(value, limits::minimumSensitivity, limits::maximumSensitivity);
 }
@@ -95,7 +95,7 @@ void DpiLevelsView::fillSettingData() {
   }
   const std::uint32_t active =
       std::min(editState->currSetProfile().currSelectDPI, maximumLevels - 1);
-  // Filled again, the same level is a selection, too.
+  // Resets the panel so that it selects the same level again.
   m_bgViewSetp->resetSetp();
   m_bgViewSetp->selectindex(static_cast<int>(active) + 1);
   setSelectedDpi(active);
@@ -176,8 +176,8 @@ void DpiLevelsView::fillLevelViewData() {
 }
 
 void DpiLevelsView::onLevelChange(LevelView& level) {
-  // What was typed into another level makes that one active, which came first. In its own fields
-  // somebody may still be typing.
+  // Committing another level makes that one active, so do it first. The user may still be typing in
+  // this level.
   commitLevels(&level);
   for (LevelView* one : shownLevels()) {
     one->setIsActive(false);
@@ -189,7 +189,7 @@ void DpiLevelsView::onDpiChange(LevelView& level, int type) {
   const std::uint32_t typed = type == DpiX   ? level.dpiXValue()
                               : type == DpiY ? level.dpiYValue()
                                              : level.dpiValue();
-  // What is typed belongs to the level in which it is typed: that one becomes the active one.
+  // Typing in a level makes it the active one.
   if (static_cast<std::uint32_t>(level.levelIndex()) !=
       editState->currSetProfile().currSelectDPI + 1) {
     onLevelChange(level);
@@ -250,7 +250,7 @@ void DpiLevelsView::enableXYAction() {
     m_dpiSliderView->setShowType(DpiSliderView::ShowCommon);
     m_dpiSliderView->setDpiXValue(value);
     m_dpiSliderView->setDpiYValue(value);
-    // The slider of both axes was out of sight, and the level may have changed since.
+    // The hidden slider may still show another level.
     m_dpiSliderView->setDpiValue(value);
   }
   setSelectedDpi(active);

@@ -12,8 +12,8 @@
 #include "View/Windows/ChildView.h"
 
 // The editor of the DPI levels, which two windows share: five levels with one value each, five with
-// a value for each axis, a check box that chooses between them, and the slider of the active level.
-// Edits the working copy, currSetProfile; selProfile takes it over when the window is closed.
+// a value per axis, a check box to switch between them, and the slider of the active level. Edits
+// currSetProfile; closing the window copies it to selProfile.
 class DpiLevelsView : public ChildView,
                       public LXSetpPanelDelegate,
                       public DpiSliderDelegate,
@@ -22,28 +22,27 @@ class DpiLevelsView : public ChildView,
 
  public:
   void fillSettingData() override;
-  // Marks a level, 0..4, of the set that is shown.
+  // Marks a level, 0..4, of the visible set.
   void setSelectedDpi(std::uint32_t level);
-  // How many levels are in use, 1..5 or nothing changes on the screen.
+  // Sets the number of levels in use. Numbers outside 1..5 do not change the screen.
   void setCurrLevlePro(std::uint32_t count, bool isXY);
-  // Checks the box when one of the first `count` levels has two values.
+  // Checks the box if one of the first `count` levels has two values.
   void fillXYChk(std::uint32_t count);
-  // From a level, 0..4, to the slider; and from the slider into the level's record.
+  // Copy a level, 0..4, to the slider, and the slider to the level's record.
   void fillDPiData(std::uint32_t level);
   void saveDPiData(std::uint32_t level);
-  // All levels into the record.
+  // Copies all levels to the record.
   void saveDpiDataPro();
-  // From the slider to the active level.
+  // Copies the slider to the active level.
   void fillLevelViewData();
 
   void onLevelChange(LevelView& level) override;
   void onDpiChange(LevelView& level, int type) override;
   void OnChangeSliderValue(DpiSliderView& sender) override;
   void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
-  // A slider that is not one of the levels'.
+  // For sliders other than those of the levels.
   virtual void progessBarAction(LXProgressBar& sender) = 0;
 
-  // The number of levels in use.
   std::uint32_t currLevel() const { return m_currLevel; }
   bool isXY() const;
 
@@ -55,7 +54,7 @@ class DpiLevelsView : public ChildView,
     int enableXYTag;
   };
 
-  // Where the shared controls stand in the artwork of a screen.
+  // The frames of the shared controls in the artwork of a screen.
   template <typename Frames>
   static Places placesIn(int enableXYTag) {
     return {{frameRect(Frames::level1), frameRect(Frames::level2), frameRect(Frames::level3),
@@ -69,9 +68,8 @@ class DpiLevelsView : public ChildView,
 
   void initData() override;
   void initControls() override;
-  // What was typed and not committed counts, and the box toggles when it was the box.
+  // Commits typed values first, and switches the sets if the box was clicked.
   void buttonAction(LXButton& sender) override;
-  // The box was clicked.
   void enableXYAction();
 
  private:
@@ -79,7 +77,7 @@ class DpiLevelsView : public ChildView,
 
   Levels& shownLevels();
   Levels& hiddenLevels();
-  // What was typed and not committed; of all levels but one.
+  // Commits typed values in all levels except one.
   void commitLevels(const LevelView* except = nullptr);
   void setLevelsVisible(Levels& levels, std::size_t count);
 
@@ -87,7 +85,7 @@ class DpiLevelsView : public ChildView,
   Places m_places;
   Levels m_levelViewArrs{};
   Levels m_levelXYViewArrs{};
-  // What the keyboard moves through: they lie over the levels and let the pointer through.
+  // For the keyboard. They lie over the levels and ignore the pointer.
   std::array<LXButton*, levelCount> m_levelBtns{};
   LXSetpPanelObj* m_bgViewSetp = nullptr;
   DpiSliderView* m_dpiSliderView = nullptr;

@@ -16,7 +16,7 @@ using framesXY = Artwork::DpiSliderViewXY;
 
 constexpr QSize labelSize(32, 14);
 constexpr qreal labelType = 10.5;
-// A turn of the wheel, or a page key.
+// For the wheel and the page keys.
 constexpr int pageSteps = 4;
 
 }  // namespace

@@ -9,15 +9,15 @@ class DpiSliderView;
 class LXProgressBar;
 class QLabel;
 
-// Hears that the user moved a slider.
+// Gets the changes that the user makes with a slider.
 class DpiSliderDelegate {
  public:
   virtual ~DpiSliderDelegate() = default;
   virtual void OnChangeSliderValue(DpiSliderView& sender) = 0;
 };
 
-// Sliders for one DPI level: one for both axes, or one for each. Values are in the mouse's unit,
-// 2..164, each 50 DPI; the labels that follow the knobs say DPI.
+// Sliders for one DPI level: one for both axes, or one per axis. Values are in the mouse's unit,
+// 2..164, which is 50 DPI; the labels at the knobs show DPI.
 class DpiSliderView : public TavImageView {
   Q_OBJECT
 
@@ -27,10 +27,10 @@ class DpiSliderView : public TavImageView {
 
   explicit DpiSliderView(QWidget* parent = nullptr);
 
-  // Not owned; has to outlive the sliders.
+  // Not owned; must outlive the sliders.
   void setDelegate(DpiSliderDelegate* delegate) { m_delegate = delegate; }
 
-  // Setting a value moves its slider and tells nobody.
+  // Setting a value moves the slider without calling the delegate.
   void setDpiValue(std::uint32_t value);
   void setDpiXValue(std::uint32_t value);
   void setDpiYValue(std::uint32_t value);

@@ -44,8 +44,8 @@ void LevelSettingView::keepEdit() {
   editState->take(editState->currSetProfile());
 }
 
-// What is sent again are the settings of the working copy, so that the mouse keeps what was tried
-// until the profile is written the next time.
+// Sends the working copy again: the mouse keeps the tried settings until the next write of the
+// profile.
 void LevelSettingView::cancelEdit() {
   editState->currFWProfile() = editState->selProfile();
   failuremessage::tell(NerinAction::setSettingToDevice());

@@ -2,7 +2,7 @@
 
 #include "View/Dpi/DpiLevelsView.h"
 
-// The DPI levels alone, as the assignment of a DPI function opens them.
+// Only the DPI levels, for the assignment of a DPI function.
 class LevelSettingView : public DpiLevelsView {
   Q_OBJECT
 

@@ -128,7 +128,7 @@ void LevelView::activate() {
   setIsActive(true);
 }
 
-// A click into the field is one on its level.
+// A click in the field also selects its level.
 bool LevelView::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::MouseButtonRelease &&
       static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {

@@ -8,10 +8,10 @@
 class LevelView;
 class QLabel;
 
-// Hears what the user does with a level.
+// Gets the user's changes to a level.
 class LevelViewDelegate {
  public:
-  // What was typed: a value for both axes, or for one.
+  // The field that was edited: for both axes, or for one.
   enum DpiType : int { DpiCommon = 0, DpiX = 1, DpiY = 2 };
 
   virtual ~LevelViewDelegate() = default;
@@ -19,16 +19,16 @@ class LevelViewDelegate {
   virtual void onDpiChange(LevelView& level, int type) = 0;
 };
 
-// One DPI level: its number and a field for its value, or one for each axis. Values are in the
-// mouse's unit, 2..164; the fields show DPI, 50 to the unit.
+// A DPI level: its number and a field for its value, or one field per axis. Values are in the
+// mouse's unit, 2..164; the fields show DPI, 50 per unit.
 class LevelView : public TavImageView {
   Q_OBJECT
 
  public:
-  // `showType` as a DpiSliderView has it; `levelIndex` from 1.
+  // `showType` is one of DpiSliderView's; `levelIndex` starts at 1.
   LevelView(int showType, int levelIndex, QWidget* parent);
 
-  // Not owned; has to outlive the level.
+  // Not owned; must outlive the level.
   void setLevelDelegate(LevelViewDelegate* delegate) { m_levelDelegate = delegate; }
   int levelIndex() const { return m_levelIndex; }
   int showType() const { return m_showType; }
@@ -40,7 +40,7 @@ class LevelView : public TavImageView {
   std::uint32_t dpiYValue() const { return m_values[LevelViewDelegate::DpiY]; }
   void setIsActive(bool isActive);
   bool isActive() const { return m_isActive; }
-  // What was typed and not committed counts from now on.
+  // Commits a typed value.
   void commit();
 
   void onNumTextChange(LXNumberTextField& sender) override;
@@ -63,7 +63,7 @@ class LevelView : public TavImageView {
   int m_showType;
   int m_levelIndex;
   LevelViewDelegate* m_levelDelegate = nullptr;
-  // Both axes, X, Y; null where the level has no such field.
+  // Both axes, X, Y; null if the level has no such field.
   std::array<LXNumberTextField*, 3> m_edits{};
   std::array<std::uint32_t, 3> m_values{};
   QLabel* m_levelTxt = nullptr;

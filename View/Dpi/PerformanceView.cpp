@@ -74,7 +74,7 @@ void PerformanceView::refreshData() {
 void PerformanceView::fillSettingData() {
   DpiLevelsView::fillSettingData();
   m_levelSelBtn->setTitle(QString::number(currLevel()));
-  // Sets no record: a height that the slider does not reach stays until it is moved.
+  // Does not change the record: a height beyond the slider stays until the user moves it.
   m_liftPro->setValue(static_cast<int>(std::min(editState->currSetProfile().liftHeight,
                                                 static_cast<std::uint32_t>(maximumShownLift))));
   m_rateSetp->resetSetp();
@@ -133,8 +133,8 @@ void PerformanceView::keepEdit() {
   NerinAction::setIsDpiTem(false);
 }
 
-// The levels on the mouse stay as they were tried until the profile is written the next time: the
-// settings that are sent are those of the working copy. Only the rate goes back at once.
+// Sends the working copy again: the mouse keeps the tried levels until the next write of the
+// profile. Only the rate is restored at once.
 void PerformanceView::cancelEdit() {
   NerinAction::setIsDpiTem(false);
   editState->currFWProfile() = editState->selProfile();

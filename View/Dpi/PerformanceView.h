@@ -7,8 +7,8 @@
 #include "Kit/Widgets/LXMenulist.h"
 #include "View/Dpi/DpiLevelsView.h"
 
-// The window of the mouse's performance: the DPI levels and how many of them are in use, the report
-// rate, which is tried at once, and the lift-off height.
+// The performance window: the DPI levels and how many of them are in use, the report rate, which
+// goes to the mouse at once, and the lift-off height.
 class PerformanceView : public DpiLevelsView, public LXMenulistDelegate {
   Q_OBJECT
 
@@ -21,7 +21,7 @@ class PerformanceView : public DpiLevelsView, public LXMenulistDelegate {
     TagCancel = 258,
     TagLift = 259,
   };
-  // What the slider reaches; the record holds one more.
+  // The maximum of the slider. The record allows one more.
   static constexpr int maximumShownLift = static_cast<int>(limits::maximumLift) - 1;
 
   PerformanceView();

@@ -39,7 +39,7 @@ void drawKnob(QPainter& painter, const QPointF& center, bool hasFocus) {
   painter.drawEllipse(center, knobRadius, knobRadius);
 }
 
-// A color that can be clicked.
+// A color that the user can click.
 class Swatch : public QAbstractButton {
  public:
   explicit Swatch(QWidget* parent) : QAbstractButton(parent) {}
@@ -71,7 +71,7 @@ ProcessWide<std::vector<LightColor>> recentColors;
 
 }  // namespace
 
-// The six sectors of the hues, in each of which one component falls or rises.
+// In each of the six sectors of the hues, one component falls or rises.
 LightColor PickedColor::color() const {
   constexpr int sectors = 6;
   const double place = (hue - std::floor(hue)) * sectors;
@@ -288,7 +288,7 @@ void ColorPanel::showColor(const LightColor& color) {
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     m_numbers[i]->setValue(static_cast<int>(bytes[i]));
   }
-  // The picture has the "#".
+  // The picture contains the "#".
   m_hexTxt->setText(color.shown().name().mid(1).toUpper());
 }
 
@@ -304,7 +304,7 @@ void ColorPanel::onNumTextChange(LXNumberTextField& /*sender*/) {
   setSelColor(LightColor::ofBytes(part(0), part(1), part(2)));
 }
 
-// Six digits are a color; anything else goes back.
+// Six digits are a color; any other text is rejected.
 void ColorPanel::takeHex() {
   QString code = m_hexTxt->text();
   code.remove(u'#');

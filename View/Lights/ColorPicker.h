@@ -10,43 +10,43 @@
 class LXNumberTextField;
 class LXTextField;
 
-// The color being picked, as hue, saturation and brightness of 0..1: what two sliders and fields
-// share, so that a grey does not lose its hue nor a black its saturation.
+// The picked color: hue, saturation and brightness, 0..1. Stored in this form so that gray keeps
+// its hue and black its hue and saturation.
 struct PickedColor {
   double hue = 0;
   double saturation = 0;
   double brightness = 0;
 
   LightColor color() const;
-  // Keeps the hue of a grey, and hue and saturation of black.
+  // Keeps the hue of gray, and the hue and saturation of black.
   void setColor(const LightColor& color);
 };
 
-// Where the user picks with the pointer's left button or the arrow keys.
+// The user picks here with the left mouse button or the arrow keys.
 class PickView : public QWidget {
   Q_OBJECT
 
  public:
   explicit PickView(QWidget* parent);
 
-  // Shows a color and tells nobody.
+  // Shows a color without a signal.
   void show(const PickedColor& color);
 
  signals:
-  // By the user.
+  // The user picked a color.
   void picked();
 
  protected:
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
-  // The point may lie outside.
+  // The point may lie outside the view.
   virtual void pickAt(const QPointF& point) = 0;
   void tellPicked();
 
   PickedColor m_color;
 };
 
-// A field of all hues, left to right, in all saturations, bottom to top.
+// All hues, left to right, in all saturations, bottom to top.
 class HueSaturationView : public PickView {
   Q_OBJECT
 
@@ -83,7 +83,7 @@ class BrightnessView : public PickView {
   void pick(double brightness);
 };
 
-// A few colors that were used, the last one first. They last as long as the program.
+// The recently used colors, newest first. They are kept until the program ends.
 class RecentColorsView : public QWidget {
   Q_OBJECT
 
@@ -93,7 +93,7 @@ class RecentColorsView : public QWidget {
   explicit RecentColorsView(QWidget* parent);
 
   static void remember(const LightColor& color);
-  // Shows what is remembered now.
+  // Shows the current list.
   void refresh();
 
  signals:
@@ -103,7 +103,7 @@ class RecentColorsView : public QWidget {
   std::vector<QWidget*> m_swatches;
 };
 
-// The color in numbers: red, green and blue of 0..255, and the code of the three.
+// The color as numbers: red, green and blue, 0..255, and the hex code.
 class ColorPanel : public TavImageView {
   Q_OBJECT
 
@@ -115,16 +115,16 @@ class ColorPanel : public TavImageView {
     QRect hex;
   };
 
-  // Without a picture of its own: it lies on its parent's.
+  // Has no picture: it lies on its parent's picture.
   ColorPanel(const QSize& frame, const Places& places, QWidget* parent);
 
-  // Chooses a color, which is reported as a change.
+  // Selects a color and reports the change.
   void setSelColor(const LightColor& color);
   const LightColor& selColor() const { return m_selColor; }
-  // Shows a color and tells nobody.
+  // Shows a color without reporting a change.
   void showColor(const LightColor& color);
   void onNumTextChange(LXNumberTextField& sender) override;
-  // What was typed and not committed counts.
+  // Commits typed values.
   void commit();
 
  signals:

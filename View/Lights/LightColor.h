@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
-// A color with components 0..1. Doubles until it is stored: the rounding of anything coarser would
-// show in the profile.
+// A color with components 0..1. Doubles, because the rounding errors of floats would reach the
+// profile.
 struct LightColor {
   double red = 0;
   double green = 0;
@@ -24,7 +24,7 @@ struct LightColor {
                    static_cast<std::uint32_t>(color.green()),
                    static_cast<std::uint32_t>(color.blue()));
   }
-  // As it is stored: red, green and blue of 0..255.
+  // The stored form: red, green and blue, 0..255.
   std::array<std::uint32_t, 3> bytes() const {
     constexpr double scale = 254.99998474121094;
     const auto stored = [](double component) {
@@ -32,7 +32,7 @@ struct LightColor {
     };
     return {stored(red), stored(green), stored(blue)};
   }
-  // What is shown is what would be stored.
+  // Shows exactly the color that would be stored.
   QColor shown() const {
     const auto stored = bytes();
     return {static_cast<int>(stored[0]), static_cast<int>(stored[1]), static_cast<int>(stored[2])};

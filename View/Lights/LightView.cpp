@@ -19,7 +19,7 @@ using frames = Artwork::LightOptionView;
 constexpr int zones = static_cast<int>(zoneCount);
 constexpr int wellInset = 4;
 constexpr double wellRadius = 5;
-// Where the color bar's picture is looked up, from its bottom left.
+// Where to sample the color bar's picture, from the bottom left.
 constexpr int barColumn = 20;
 constexpr int barTop = 265;
 
@@ -195,7 +195,7 @@ void LightView::displayBAColor() {
   }
   const int index = m_currSelectedIndex - 1;
   setSwatches(m_historyColorDir[beforeKey(index)], m_historyColorDir[afterKey(index)]);
-  // The picker begins where the zone is.
+  // The picker starts with the zone's color.
   showPicked(getColorPro(editState->currSetProfile().lightColorArr[index]));
 }
 
@@ -214,7 +214,7 @@ void LightView::takePicked() {
   m_picked.hue = m_colorField->hue();
   m_picked.saturation = m_colorField->saturation();
   m_picked.brightness = m_brightness->brightness();
-  // Of black every hue is black: who picks a hue wants to see it.
+  // Any hue of black is black, so picking a hue sets full brightness.
   if (sender() == m_colorField && m_picked.brightness == 0) {
     m_picked.brightness = 1;
   }
@@ -227,7 +227,7 @@ void LightView::onChangeColorPro(const LightColor& color) {
   if (!m_isOverFill) {
     return;
   }
-  // The last zone keeps its history as it was filled.
+  // The last zone keeps its original history.
   if (m_currSelectedIndex > 0 && m_currSelectedIndex < zones) {
     m_historyColorDir[beforeKey(m_currSelectedIndex - 1)] = m_after;
     m_historyColorDir[afterKey(m_currSelectedIndex - 1)] = color;
@@ -250,7 +250,7 @@ void LightView::progessBarAction(LXProgressBar& sender) {
   const int fromBottom = barTop - sender.value();
   const qreal ratio = m_colorTagImage.devicePixelRatio();
   const QImage bar = m_colorTagImage.toImage();
-  // Pictures count from the top.
+  // Picture rows count from the top.
   const int row = static_cast<int>(bar.height() / ratio) - 1 - fromBottom;
   const QPoint point(static_cast<int>(barColumn * ratio), static_cast<int>(row * ratio));
   if (bar.rect().contains(point)) {
@@ -259,7 +259,7 @@ void LightView::progessBarAction(LXProgressBar& sender) {
 }
 
 void LightView::onSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& sender) {
-  // One zone is selected, in whichever panel, so that it can be selected again in the other.
+  // Reset the other panel, so that it can select the same zone again.
   (&sender == m_lightSetp ? m_lightTagSetp : m_lightSetp)->resetSetp();
   if (newIndex == m_currSelectedIndex) {
     return;
@@ -275,7 +275,7 @@ void LightView::setLineImage(int zone, bool showTag) {
     return;
   }
   const auto index = static_cast<std::size_t>(zone - 1);
-  // The line ends at a marker that is lit, too.
+  // Also lights the marker at the end of the line.
   showTag ? m_markerBtns[index]->setOverImagePro() : m_markerBtns[index]->setExitImagePro();
   m_lines[index]->setImage(
       showTag ? pictures::load(QStringLiteral("LightOptionView_Line%1.png").arg(zone)) : LXImage());
@@ -327,7 +327,7 @@ void LightView::applyEdit() {
   failuremessage::tell(outcome);
 }
 
-// Nothing goes to the mouse here: the whole profile does when it is applied.
+// Sends nothing: the mouse gets the whole profile when the user applies it.
 void LightView::keepEdit() {
   rememberColors();
   editState->edit() = editState->currSetProfile();
@@ -356,7 +356,7 @@ void LightView::drawColorBtn(QPainter& painter) const {
   }
 }
 
-// The lights of the mouse in their colors: each picture is the light alone, white on nothing.
+// Draws the lights in their colors. Each picture has only the light, in white on transparent.
 void LightView::drawLights(QPainter& painter) const {
   for (int i = 0; i < zones; ++i) {
     QPixmap light = m_lights[static_cast<std::size_t>(i)];

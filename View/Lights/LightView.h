@@ -17,8 +17,8 @@ class LXColorView;
 class LXImageView;
 class LXProgressBar;
 
-// The colors of the mouse's four zones. A change is seen here at once; Apply shows it on the
-// mouse, OK keeps it in the edited profile, Cancel gives the mouse the profile's colors again.
+// The colors of the mouse's four zones. A change shows here at once; Apply sends it to the mouse,
+// OK keeps it in the edited profile, Cancel restores the profile's colors on the mouse.
 class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonDelegate {
   Q_OBJECT
 
@@ -42,19 +42,19 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   // Shows or hides the line of a zone, 1..4.
   void setLineImage(int zone, bool showTag);
 
-  // The swatches of the selected zone.
+  // Shows the swatches of the selected zone.
   void displayBAColor();
   void displayBtnColor() { update(); }
   static LightColor getColorPro(const _LightColorInfo& color);
-  // Stores a color for a zone index, 0..3; other indices are passed over.
+  // Stores a color for a zone index, 0..3; any other index is ignored.
   static void setColorPro(int index, const LightColor& color);
-  // A color was chosen.
+  // Takes the chosen color.
   void onChangeColorPro(const LightColor& color);
   void OnColorChange(QObject* sender, const LightColor& color);
   void progessBarAction(LXProgressBar& sender);
   static void clearBtnImage(LXButton& button);
 
-  // 1..4, 0 for none.
+  // 1..4; 0 for no zone.
   int currSelectedIndex() const { return m_currSelectedIndex; }
   int currShowIndex() const { return m_currShowIndex; }
   bool isOverFill() const { return m_isOverFill; }

@@ -18,8 +18,7 @@ std::unique_ptr<LXMenulist>& shared() {
   return *sharedMenu;
 }
 
-// The entries are called as their macros are; the menu itself keeps the names that tell macros
-// apart.
+// Shows the macros' titles. The menu itself keeps the names, which are unique.
 void showTitles() {
   const auto& nodes = shared()->menuNode()->children();
   for (int row = 0; row < shared()->count(); ++row) {
@@ -51,7 +50,7 @@ void macromenulist::open(LXButton& button, LXMenulistDelegate* delegate) {
   NerinAction::showMenulistWithBtn(button, shared().get());
 }
 
-// It goes with its user: at the end of the program it would outlive the toolkit.
+// Released with its user, since it must not outlive the QApplication.
 void macromenulist::release(LXMenulistDelegate* delegate) {
   if (shared() && shared()->menuDelegate() == delegate) {
     NerinAction::macroStore->macroMenuRebuilt = {};

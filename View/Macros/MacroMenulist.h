@@ -7,18 +7,17 @@
 class LXButton;
 class MacroInfo;
 
-// The pop-up list of macros. There is one for the program: who opens it hears what is chosen.
+// The pop-up list of macros. The program has one; the view that opens it gets the choice.
 namespace macromenulist {
 
-// Opens the list, filled anew, where the button is.
+// Fills the list and opens it at the button.
 void open(LXButton& button, LXMenulistDelegate* delegate);
-// Hides the list if it is open for this delegate, which hears of nothing any more.
+// Hides the list if it is open for this delegate, which gets no more calls.
 void release(LXMenulistDelegate* delegate);
-// Null while nobody uses it.
+// Null while the list is not in use.
 LXMenulist* list();
 
-// What a macro is called on the screen; the name that a macro without one got when it was read from
-// the mouse is shown to nobody.
+// The macro's title on the screen. Hides the generated name of a macro that has none in the mouse.
 QString titleOf(const MacroInfo& macro);
 
 }  // namespace macromenulist

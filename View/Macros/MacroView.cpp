@@ -1,4 +1,4 @@
-// The macro editor's window: its controls, what they do, and which of them can be used.
+// The macro editor's window: its controls, their actions, and when they are enabled.
 
 #include "View/Macros/MacroView.h"
 
@@ -26,10 +26,9 @@ constexpr int longestDelay = 5000;
 constexpr int delayDigits = 4;
 constexpr qreal smallType = 10.5;
 constexpr int nameMargin = 12 - LXTextField::ownMargin;
-// The room that the mouse has for the events of a macro, in bytes.
 
-// A button that is disabled while it has the keyboard would pass it on to the next one, which is
-// another's business: the list of the commands takes it.
+// Disabling a focused button would move the focus to the next control. This moves it to the table
+// of commands.
 class KeyboardToTable {
  public:
   explicit KeyboardToTable(QWidget* table)
@@ -55,7 +54,7 @@ struct MacroView::Control {
   int tag;
   const char* tooltipKey;
   QRect frame;
-  // Others have the text for a screen reader only.
+  // Otherwise the text is only for screen readers.
   bool hasTooltip = true;
 };
 
@@ -134,7 +133,7 @@ void MacroView::initFields() {
   m_macroNameTxt->setAccessibleName(NerinAction::tooltipText("Macro name"));
   m_macroNameTxt->setTextColor(Qt::black);
   m_macroNameTxt->setTextMargins(nameMargin, 0, nameMargin, 0);
-  // While it is typed: the macro is called so at once, everywhere.
+  // Every typed character renames the macro everywhere.
   connect(m_macroNameTxt, &QLineEdit::textEdited, this, &MacroView::onMacroNameTextChange);
 
   m_recordStateTxt = NerinAction::AddLabTextField(frameRect(frames::recordStateTxt), *this);
@@ -170,7 +169,7 @@ void MacroView::initButtons() {
     button->setAccessibleName(NerinAction::tooltipText(control.tooltipKey));
     this->*control.member = button;
   }
-  // These come and go, so that they bring their pictures along.
+  // These buttons are not always visible, so they have their own pictures.
   struct Own {
     LXButton* button;
     const char* picture;
@@ -293,7 +292,7 @@ void MacroView::onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTre
 }
 
 void MacroView::buttonAction(LXButton& sender) {
-  // What was typed counts, however the button was pressed.
+  // Commit typed values first, however the button was pressed.
   m_defDelayTxt->commit();
   m_insertDefDelayTxt->commit();
   switch (sender.tag()) {
@@ -364,8 +363,7 @@ void MacroView::keepEdit() {
   applyEdit();
 }
 
-// The macros keep what was done to them: they are the catalogue's own, and only the file is not
-// written.
+// The catalogue's macros keep the edits; only the file is not written.
 void MacroView::cancelEdit() {
   endRecording();
 }

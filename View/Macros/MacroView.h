@@ -23,9 +23,9 @@ class MenuInfo;
 class QInputEvent;
 class UsageBar;
 
-// What the editor's delay fields show at first, in milliseconds, and the delay rule of the
-// recording that runs: 1 measures, 2 takes the field's value, anything else is none. They last as
-// long as the program.
+// The initial values of the editor's delay fields, in milliseconds, and the delay rule of the
+// current recording: 1 measures, 2 takes the field's value, anything else means no delay. They are
+// kept until the program ends.
 struct MacroDelays {
   std::int32_t delayTime = 50;
   std::int32_t defDelayTime = 50;
@@ -33,9 +33,9 @@ struct MacroDelays {
 };
 inline ProcessWide<MacroDelays> macroDelays;
 
-// The macro editor: the user's library of macros, and the commands of one of them, which are
-// recorded from the keyboard and the mouse. Works on the macros of the catalogue themselves; saving
-// writes the catalogue's file.
+// The macro editor: the user's library of macros, and the commands of one macro, recorded from the
+// keyboard and the mouse. Edits the catalogue's macros directly; saving writes the catalogue's
+// file.
 class MacroView : public ChildView,
                   public LXMenulistDelegate,
                   public LXSetpPanelDelegate,
@@ -72,7 +72,7 @@ class MacroView : public ChildView,
     TagInsertInt,
     TagInsertCancel,
   };
-  // The entries of the insert list: what is recorded or put in, and where from the selected
+  // The entries of the insert list: what to record or insert, and where, relative to the selected
   // command.
   enum InsertType : std::int32_t {
     InsertRecordBefore = 1,
@@ -80,7 +80,7 @@ class MacroView : public ChildView,
     InsertDelayBefore,
     InsertDelayAfter,
   };
-  // The choices of both delay groups.
+  // The choices in both groups of delay controls.
   enum DelayRule : int { DelayMeasured = 1, DelayFixed, DelayNone };
   static constexpr std::size_t maximumCommands = limits::macroEvents;
 
@@ -95,14 +95,14 @@ class MacroView : public ChildView,
   void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
   void onNumTextChange(LXNumberTextField& sender) override;
   void onMacroNameTextChange();
-  // The mouse is gone: closes the window.
+  // The mouse was removed: closes the window.
   void devOutplusPro();
 
   // --- The library -------------------------------------------------------------------------
 
   void setSelMacro(const std::shared_ptr<MenuInfo>& entry);
   void setSelMacroByNode(const std::shared_ptr<LXTreeNode>& node);
-  // The node of the macro menu that stands for the macro, or null.
+  // The macro's node in the macro menu, or null.
   static std::shared_ptr<LXTreeNode> getNodeByData(const MacroInfo* macro);
   void renamePro();
   void addMacroPro(const std::shared_ptr<MacroInfo>& macro);
@@ -133,7 +133,7 @@ class MacroView : public ChildView,
   void setRecState(bool isRecord, bool isInsert);
   void AddNewKey(std::uint32_t keyCode, std::uint32_t flag);
   void setConCaptureEvent(bool captures);
-  // Whether the event is on the Stop button that ends the recording.
+  // Whether the event is on the Stop button of this recording.
   bool checkMouseEvent(const QMouseEvent& event) const;
   void onMouseEvent(LXButton& button, QEvent& event, int type) override;
   void onMouseEvent(RigthMouseTBView& table, QMouseEvent& event, int type) override;
@@ -248,7 +248,7 @@ class MacroView : public ChildView,
   bool m_isInsertRecord = false;
   bool m_isAddDelay = false;
   bool m_isInfoShown = false;
-  // Milliseconds of the events' clock; none before the first event of a recording.
+  // The event clock in milliseconds; no value before the first event of a recording.
   std::optional<std::uint64_t> m_oldTime;
   std::uint64_t m_eventTime = 0;
   std::int32_t m_currDefDelayTim = 0;
@@ -256,8 +256,8 @@ class MacroView : public ChildView,
   int m_currDelayType = 1;
   int m_currInsertDelayType = 1;
   KeyTracker m_keys;
-  // What is held down since the recording began: Mac key codes, and buttons of the mouse by where
-  // they were pressed.
+  // The keys (Mac key codes) that were pressed during the recording and are still down, and the
+  // mouse buttons, by where they were pressed.
   std::set<std::uint16_t> m_pressedKeys;
   Qt::MouseButtons m_buttonsOnStop;
   Qt::MouseButtons m_buttonsElsewhere;

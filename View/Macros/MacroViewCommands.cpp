@@ -1,4 +1,4 @@
-// The commands of the macro that is edited: the selected one, moving, deleting, delays.
+// The commands of the edited macro: selecting, moving and deleting them, and their delays.
 
 #include <QPointer>
 #include <algorithm>
@@ -9,7 +9,7 @@
 #include "View/Macros/MacroView.h"
 #include "View/Windows/Termination.h"
 
-// The macro's own commands: an edit changes the macro.
+// Not a copy: an edit changes the macro.
 MacroInfo::Events* MacroView::keyArrs() const {
   return m_currMacroInfo ? &m_currMacroInfo->keyInfoArr() : nullptr;
 }
@@ -109,8 +109,8 @@ void MacroView::insertAdjustTim() {
   }
 }
 
-// A pause is kept with the command that it follows. So the one before the selected command is the
-// pause of the command above it.
+// A command stores the pause after it, so the pause before the selected command belongs to the
+// command above.
 void MacroView::insertDelayPro() {
   const std::int32_t selected = indexOf(m_selKeyInfo.get());
   if (selected < 0) {

@@ -1,5 +1,5 @@
-// The macros of the macro editor: which one is edited, and new, copied, deleted, renamed and
-// exchanged ones.
+// The editor's library: selecting, creating, copying, deleting, renaming, importing and exporting
+// macros.
 
 #include <QPointer>
 #include <algorithm>
@@ -42,7 +42,7 @@ void MacroView::setSelMacro(const std::shared_ptr<MenuInfo>& entry) {
   m_macroNameTxt->setText(name);
   m_selKeyInfo = nullptr;
   m_commands->setCommands(keyArrs());
-  // A macro with commands has one that is selected.
+  // Select the first command, if there is one.
   selectComByIndex(0);
   showUsage();
   setConEnableWithMacro();
@@ -64,8 +64,8 @@ void MacroView::onMacroNameTextChange() {
   renamePro();
 }
 
-// Every letter renames. The menu is made anew each time, so that the node is looked for again; the
-// field keeps its cursor.
+// Runs for every typed character. It rebuilds the menu, so the node must be found again. The field
+// keeps its cursor.
 void MacroView::renamePro() {
   if (!m_currMacroInfo) {
     return;
@@ -76,7 +76,7 @@ void MacroView::renamePro() {
   findNodeAgain();
 }
 
-// Whoever opens the list makes all of its nodes anew.
+// Opening the list rebuilds all its nodes.
 void MacroView::findNodeAgain() {
   m_selMacroNode = getNodeByData(m_currMacroInfo.get());
   m_currMacroData =

@@ -1,5 +1,4 @@
-// Recording: while it runs, every key and every button of the mouse in the window becomes a command
-// of the macro.
+// While a recording runs, every key and mouse button in the window becomes a command of the macro.
 
 #include <QAbstractButton>
 #include <QAbstractSlider>
@@ -31,8 +30,8 @@ std::uint32_t codeOf(Qt::MouseButton button) {
                                      : otherButton;
 }
 
-// Whether the clicks on it would be lost: fields and scroll bars keep them, and a button that
-// cannot be used swallows them.
+// Whether the widget would swallow clicks: fields and scroll bars use them, and disabled buttons
+// drop them.
 bool keepsClicks(const QWidget& widget) {
   const auto* button = qobject_cast<const QAbstractButton*>(&widget);
   return button != nullptr ? !button->isEnabled()
@@ -40,13 +39,13 @@ bool keepsClicks(const QWidget& widget) {
                                  qobject_cast<const QAbstractSlider*>(&widget) != nullptr;
 }
 
-// The keys that are pressed while a message stands over the window answer it. Their releases are no
-// part of the macro either, even when they come after its end.
+// Keys pressed while a message is open answer the message. Their releases do not belong to the
+// macro, even after the message has closed.
 class MessageKeys : public QObject {
  public:
   MessageKeys() : QObject(qApp) { qApp->installEventFilter(this); }
 
-  // The message is gone. Stays for the releases that are still to come.
+  // Call when the message has closed. The object stays for the releases that are still to come.
   void end() {
     m_isOver = true;
     leave();
@@ -152,8 +151,8 @@ void MacroView::setRecState(bool isRecord, bool isInsert) {
   setInsertState(isInsert);
 }
 
-// Keys that the desktop would take for itself belong to the macro, too, but not those that are
-// meant for another window.
+// Grabs the keyboard so that the macro also gets the desktop's shortcuts, but no keys for other
+// windows.
 void MacroView::takeKeyboard() {
   if (m_isRecord && !m_isInfoShown) {
     m_table->grabKeyboard();
@@ -188,13 +187,13 @@ bool MacroView::checkMouseEvent(const QMouseEvent& event) const {
   return activeStop().rect().contains(activeStop().mapFromGlobal(event.globalPosition().toPoint()));
 }
 
-// Delays follow the time that the events carry; what made an event by hand gave it none.
+// Delays use the time of the events. Synthetic events may not have one.
 void MacroView::rememberTime(const QInputEvent& event) {
   m_eventTime = event.timestamp() != 0 ? event.timestamp() : clockMilliseconds();
 }
 
-// A key that was down before, such as the one that pressed the Record button, neither repeats into
-// the macro nor is let go in it.
+// A key that was already down, such as the one that pressed the Record button, neither repeats nor
+// releases in the macro.
 bool MacroView::belongsToMacro(const QKeyEvent& event, std::uint16_t keyCode) {
   if (event.type() == QEvent::KeyRelease) {
     return m_pressedKeys.erase(keyCode) != 0;
@@ -236,9 +235,8 @@ void MacroView::takeKey(const QKeyEvent& event) {
   }
 }
 
-// True when the event is one of the recording, false when it is left to whom it hit. A button that
-// was pressed on Stop is let go there, wherever the pointer is, and one that was not is none of
-// Stop's.
+// True if the event belongs to the recording. A release counts as on Stop only if its press was on
+// Stop, wherever the pointer is now.
 bool MacroView::takeMouse(const QMouseEvent& event, bool isDown) {
   if (!m_isRecord) {
     return false;
@@ -246,7 +244,7 @@ bool MacroView::takeMouse(const QMouseEvent& event, bool isDown) {
   const Qt::MouseButton button = event.button();
   bool isOnStop = checkMouseEvent(event);
   if (isDown) {
-    // Until the next press, because a release may come by two ways.
+    // Kept until the next press, because a release may arrive twice.
     m_buttonsOnStop.setFlag(button, isOnStop);
     m_buttonsElsewhere.setFlag(button, !isOnStop);
   } else if (m_buttonsOnStop.testFlag(button)) {
@@ -275,7 +273,7 @@ void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
   if (events->size() >= maximumCommands) {
     if (!m_isInfoShown) {
       m_isInfoShown = true;
-      // The message is answered with keys, too, which the table would take.
+      // The user may answer with a key, which the table must not grab.
       m_table->releaseKeyboard();
       auto* keys = new MessageKeys;
       const QPointer<MacroView> self = this;
@@ -310,8 +308,8 @@ void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
   selectNewCom(command);
 }
 
-// Before Qt makes shortcuts and steps of the focus out of keys, and before a control keeps a click.
-// A message that stands over the window keeps its own.
+// Takes keys before Qt uses them for shortcuts and focus, and clicks before a control uses them.
+// Leaves the events of a message alone.
 bool MacroView::eventFilter(QObject* watched, QEvent* event) {
   const auto* widget = qobject_cast<QWidget*>(watched);
   const bool isOurs =
@@ -343,8 +341,7 @@ bool MacroView::eventFilter(QObject* watched, QEvent* event) {
   return true;
 }
 
-// What is typed into another window is none of the macro's business, and what is held there
-// neither.
+// Keys that are typed or held in another window do not belong to the macro.
 bool MacroView::event(QEvent* event) {
   if (m_isRecord && event->type() == QEvent::WindowActivate) {
     forgetKeys();

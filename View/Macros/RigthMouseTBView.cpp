@@ -30,8 +30,7 @@ QString keyName(std::int32_t keyCode) {
   }
 }
 
-// The pictures of the selected command stay as they are: tinted with the color of the selection
-// they would be lost in it.
+// Keeps the icons of the selected command untinted: in the selection color they would be invisible.
 class CommandDelegate : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
@@ -193,7 +192,7 @@ void RigthMouseTBView::mousePressEvent(QMouseEvent* event) {
   if (m_isCaptureMouseEvent) {
     event->accept();
   } else if (event->button() == Qt::RightButton) {
-    // A right button is no business of the rows.
+    // Rows ignore the right button.
     event->ignore();
   } else {
     QTableView::mousePressEvent(event);
@@ -208,7 +207,7 @@ void RigthMouseTBView::mouseReleaseEvent(QMouseEvent* event) {
   }
 }
 
-// The second press of a double click is a press.
+// Treats a double click as a second press.
 void RigthMouseTBView::mouseDoubleClickEvent(QMouseEvent* event) {
   if (m_isCaptureMouseEvent) {
     mousePressEvent(event);

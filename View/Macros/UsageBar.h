@@ -3,12 +3,12 @@
 #include <QLabel>
 #include <QWidget>
 
-// How much of something limited is used: a number beside, and a bar.
+// Shows usage against a limit, as a number and a bar.
 class UsageBar : public QWidget {
   Q_OBJECT
 
  public:
-  // The label, which this shows the number in, belongs to the same parent.
+  // The bar writes the number into `label`, which has the same parent.
   UsageBar(QLabel* label, QWidget* parent);
 
   void showUsage(int used, int most);

@@ -26,14 +26,14 @@ void ButtonMapView::initControls() {
   m_lineImgView = new LXImageView(this);
   m_lineImgView->setGeometry(m_map.lineFrame);
   m_lineImgView->setObjectName(QStringLiteral("lineImgView"));
-  // The pictures are as large as the map; only the line itself is kept, shown and repainted.
+  // The pictures are as large as the map, so keep and repaint only the part with the line.
   for (const Place& line : m_map.lines) {
     m_lineImages.push_back(
         pictures::load(text(line.name) + QStringLiteral(".png")).slice(line.frame));
   }
   for (const Control& control : m_map.markers) {
     LXButton* marker = addButton(control);
-    // A marker only points: it is in no one's way, and nothing to say.
+    // A marker only points, so it takes no focus and has no text for screen readers.
     marker->setFocusPolicy(Qt::NoFocus);
   }
   for (const Control& control : m_map.captions) {

@@ -10,19 +10,19 @@
 class LXImageView;
 
 // A picture of the mouse with a caption button and a marker for each of its buttons. Hovering one
-// of a pair draws the line between them. What MainSubView1 and MainSubView2 share.
+// of a pair draws the line between them. The base of MainSubView1 and MainSubView2.
 class ButtonMapView : public TavImageView, public LXButtonDelegate {
   Q_OBJECT
 
  public:
-  // Where clicks are sent. Not owned.
+  // Gets the clicks. Not owned.
   void setDelegate(TavImageView* delegate) { m_delegate = delegate; }
 
   void buttonAction(LXButton& sender) override;
-  // The first button of that tag, or null.
+  // The first button with that tag, or null.
   LXButton* getBtnByTag(int tag) const;
   void onMouseEvent(LXButton& button, QEvent& event, int type) override;
-  // Shows or ends the highlight of the pair that the button belongs to.
+  // Turns the highlight of the button's pair on or off.
   void setLightSelImage(LXButton& button, bool showTag);
   void setLineImage();
   // The hovered pair, from 1; 0 for none.
@@ -30,7 +30,7 @@ class ButtonMapView : public TavImageView, public LXButtonDelegate {
   LXImageView* lineImgView() const { return m_lineImgView; }
 
  protected:
-  // A rectangle in the drawing.
+  // A named rectangle in the drawing.
   struct Place {
     std::string_view name;
     QRect frame;
@@ -56,7 +56,7 @@ class ButtonMapView : public TavImageView, public LXButtonDelegate {
 
   void initData() override;
   void initControls() override;
-  // The captions that a marker lights.
+  // Turns the captions of a marker on or off.
   virtual void setCaptionsLit(int pair, bool isLit);
 
  private:

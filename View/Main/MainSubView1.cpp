@@ -55,7 +55,7 @@ void MainSubView1::setCaptionsLit(int pair, bool isLit) {
     ButtonMapView::setCaptionsLit(pair, isLit);
     return;
   }
-  // The three captions of the wheel are the pairs 2 to 4.
+  // Pairs 2 to 4 are the three captions of the wheel.
   for (int caption = 2; caption <= 4; ++caption) {
     ButtonMapView::setCaptionsLit(caption, isLit);
   }

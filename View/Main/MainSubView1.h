@@ -2,8 +2,8 @@
 
 #include "View/Main/ButtonMapView.h"
 
-// The mouse from the top: ten captions and eight markers. The wheel's marker stands for turning it
-// either way and for pressing it.
+// The top of the mouse: ten captions and eight markers. One marker serves all three captions of the
+// wheel: both turns and the press.
 class MainSubView1 : public ButtonMapView {
   Q_OBJECT
 

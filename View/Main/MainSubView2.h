@@ -2,7 +2,7 @@
 
 #include "View/Main/ButtonMapView.h"
 
-// The mouse from the side: six captions and six markers.
+// The side of the mouse: six captions and six markers.
 class MainSubView2 : public ButtonMapView {
   Q_OBJECT
 

@@ -1,4 +1,4 @@
-// The main window: how its controls are filled, and where a click goes.
+// The main window: fills the controls and dispatches the clicks.
 
 #include "View/Main/MainView.h"
 
@@ -47,7 +47,7 @@ void MainView::initData() {
   LXAction::setLoggerTempLevel();
   m_isOutPlus = false;
   NerinAction::getSysPath();
-  // The log goes into the folder that was just prepared.
+  // The log file needs the support folder.
   LXAction::setLoggerHasFile(true);
   TooltipManager::shareTooltipManager();
   NerinAction::initMenuList();
@@ -89,7 +89,7 @@ void MainView::fillBtnCaption(int index) {
   LXButton& button = *m_btnArrs[i];
   button.setTitle(caption);
   button.setToolTip(caption);
-  // Who cannot see where the caption stands hears which button of the mouse it is.
+  // Screen readers also say which button of the mouse it is.
   button.setAccessibleName(physicalButtonName(index) + QStringLiteral(": ") + caption);
 }
 
@@ -215,7 +215,7 @@ void MainView::buttonAction(LXButton& sender) {
   }
 }
 
-// The field also loses the focus when its window goes, and then nobody meant to commit it.
+// Closing the window also takes the focus from the field, but is not a commit.
 void MainView::onProfileTextChange() {
   if (!termination::isTerminating()) {
     reNamePro();

@@ -26,12 +26,12 @@ class MainSubView1;
 class MainSubView2;
 class ProgressLine;
 
-// The root of the pop-up menu of library profiles, made once and refilled.
+// The root of the pop-up menu of library profiles, created once and refilled.
 inline ProcessWide<std::shared_ptr<LXTreeNode>> profileNode;
 
-// The content of the main window. The user picks one of the mouse's ten slots, binds a library
-// profile to it or begins a new one, edits it, and applies it to the mouse, the library and the
-// background service. Also watches whether the mouse is there.
+// The content of the main window. The user selects one of the mouse's ten slots, puts a library
+// profile on it or begins a new one, edits it, and applies it to the mouse, the library and the
+// background service. Also tracks whether the mouse is connected.
 class MainView : public TavImageView,
                  public LXSetpPanelDelegate,
                  public LXMenulistDelegate,
@@ -76,12 +76,12 @@ class MainView : public TavImageView,
   void reNamePro();
   void showLaunchPro();
   void setSelectedProfileProById(std::uint64_t profileId, const std::optional<std::string>& name);
-  // Whether a profile may be renamed so: not as a factory profile, not as another of the library.
+  // Whether the profile may get the name: no factory profile and no other library profile has it.
   static bool checkProfileName(const std::string& name);
 
   // --- Reassigning a button ----------------------------------------------------------------
 
-  // Whether button i (0..15) can be reassigned and some button keeps the primary click.
+  // Whether button i (0..15) can be reassigned while some button keeps the primary click.
   bool checkOnlyLeft(int i) const;
   bool checkOnlyLeftPro();
   bool IsCurrSelectedBtn() const;
@@ -94,12 +94,12 @@ class MainView : public TavImageView,
   void showPerformanceView();
   void showKeyAssignView();
   void windowWillClose(LXNoTitleWindow& window) override;
-  // How many child windows are open.
+  // The number of open child windows.
   std::int32_t isModalSeron() const { return m_isModalSeron; }
 
   // --- The mouse comes and goes ------------------------------------------------------------
 
-  // Takes a report of the background service, on any thread.
+  // Takes a report of the background service. Called on any thread.
   void devReportPro(const LXUserInfo& userInfo);
   void checkDevPro();
   void outPlusePro();
@@ -120,7 +120,7 @@ class MainView : public TavImageView,
   static void closeAppPro();
   static void cancelPro();
   static void reluanchAppPro();
-  // Nothing is done with these notifications.
+  // These notifications have no effect.
   void ShowToolTip() {}
   void HideToolTip() {}
 
@@ -156,10 +156,10 @@ class MainView : public TavImageView,
   void showLinkPath();
   bool hasRoomForProfile() const;
   static int currentSlot();
-  // What a button of the mouse is called, by its place on it: "Left button".
+  // The name of a mouse button by its place: "Left button".
   static QString physicalButtonName(int index);
 
-  // Opens a window for the view, which it owns.
+  // Opens a window that owns the view.
   void openChild(ChildView* view, int dragHeight, const char* titleKey);
   void handOver(void (MainView::*work)(std::int32_t), std::int32_t value);
   void outPlusReported(std::int32_t value);
@@ -198,17 +198,17 @@ class MainView : public TavImageView,
   LXSetpPanelObj* m_profileStep = nullptr;
   LXSetpPanelObj* m_modeStep = nullptr;
   LXSetpPanelObj* m_subViewStep = nullptr;
-  // The captions in the order of the record's buttons, which is not that of their tags.
+  // In the order of the record's buttons, which is not the order of the tags.
   std::array<LXButton*, buttonCount> m_btnArrs{};
 
   std::int32_t m_selBtnIndex = -1;
   std::int32_t m_isModalSeron = 0;
-  // The open child window: there is at most one.
+  // The open child window; never more than one.
   QPointer<LXNoTitleWindow> m_child;
-  // Written on the thread on which the service's reports arrive.
+  // Written on the thread that delivers the service's reports.
   std::atomic<bool> m_isOutPlus = false;
   std::atomic<bool> m_isDevOnTag = false;
-  // The question whether the mouse comes back is being asked.
+  // The message about the missing mouse is open.
   std::atomic<bool> m_isAskingForMouse = false;
   bool m_isFWChangeProfile = false;
   bool m_isFillSetting = false;

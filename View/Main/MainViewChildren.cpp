@@ -1,4 +1,4 @@
-// The windows that the main window opens, and what they leave behind.
+// The child windows of the main window, and what happens when they close.
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-// What stands in the main window: its controls, step panels, maps, menu and shortcuts.
+// The controls, step panels, maps, menu and shortcuts of the main window.
 
 #include <QShortcut>
 
@@ -18,15 +18,14 @@ using frames = Artwork::MainView;
 
 constexpr int captionLeftPad = 12;
 constexpr int captionRightPad = 32;
-// Behind the sign of a program.
+// Leaves room for the program icon.
 constexpr int programLeftPad = 44;
 constexpr int programRightPad = 12;
 constexpr qreal programType = 12;
 constexpr int nameType = 15;
 constexpr int nameFieldPad = 8;
 
-// The captions of the two maps by the button of the record that they show, with what that button
-// is called on the mouse.
+// The captions of both maps, in the order of the record's buttons, with the names of the buttons.
 struct Caption {
   const char* name;
   const char* physicalName;
@@ -61,7 +60,7 @@ struct MainView::Control {
   bool isCheckBox = false;
 };
 
-// In the order in which Tab goes through them.
+// In the order of the Tab key.
 const std::vector<MainView::Control>& MainView::controls() {
   static const std::vector<Control> all{
       {&MainView::m_menuBtn, "menuBtn", TagMenu, "Menu", frameRect(frames::menuBtn)},
@@ -77,7 +76,7 @@ const std::vector<MainView::Control>& MainView::controls() {
        frameRect(frames::currProfileBtn)},
       {&MainView::m_profileNewBtn, "profileNewBtn", TagNew, "Create a new profile",
        frameRect(frames::profileNewBtn)},
-      // The tooltip is what users know this button by; it duplicates the profile.
+      // Users know this button as "Save as file", but it duplicates the profile.
       {&MainView::m_profileSaveBtn, "profileSaveBtn", TagDuplicate, "Save as file",
        frameRect(frames::profileSaveBtn)},
       {&MainView::m_profileDelBtn, "profileDelBtn", TagDelete, "Delete a profile",
@@ -128,7 +127,7 @@ void MainView::initButtons() {
       frames::profile9Btn, frames::profile10Btn};
   for (std::size_t i = 0; i < tabFrames.size(); ++i) {
     const auto number = std::to_string(i + 1);
-    // The tag of the last tab breaks the row; nothing is dispatched by it.
+    // The last tag does not follow in sequence. No click is dispatched by it.
     const int tag = i + 1 < tabFrames.size() ? TagFirstSlot + static_cast<int>(i) : TagLastSlot;
     m_profileBtns[i] = addButton(frameRect(tabFrames[i]), tag, ("profile" + number + "Btn").c_str(),
                                  ("Switch to profile " + number + " page.").c_str());
@@ -139,7 +138,7 @@ void MainView::initButtons() {
             ? addCheckBox(control.frame, control.tag, control.name, control.tooltipKey)
             : addButton(control.frame, control.tag, control.name, control.tooltipKey);
   }
-  // The tooltip is another button's; the picture says "OK".
+  // The tooltip is that of another button, but the picture says "OK".
   m_okBtn->setAccessibleName(NerinAction::tooltipText("OK"));
   m_currProfileBtn->setBtnTextAlignment(Qt::AlignLeft);
   m_currProfileBtn->setLeftPad(captionLeftPad);

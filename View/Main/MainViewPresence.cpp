@@ -1,4 +1,4 @@
-// The mouse that comes and goes, and what the background service reports of it.
+// Connecting and removing the mouse, and the reports of the background service.
 
 #include "Action/NerinAction.h"
 #include "Kit/Core/LXPlatform.h"
@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* deviceStatus = "NerinDevStatus";
 
-// What the service reports as "type".
+// The values of "type" in the service's reports.
 enum DeviceReport : std::int32_t { SlotChanged = 1, DpiChanged = 2, Removed = 100, Attached = 101 };
 
 std::optional<std::int32_t> numberIn(const LXUserInfo& userInfo, const char* key) {
@@ -43,7 +43,7 @@ void MainView::deallocNotify() {
   LXPlatform::current().notificationCenter->removeObserver(deviceStatus);
 }
 
-// Runs on whatever thread the report arrives: only the flags change here.
+// Runs on any thread, so it only sets flags.
 void MainView::devReportPro(const LXUserInfo& userInfo) {
   const auto type = numberIn(userInfo, "type");
   if (!type) {
@@ -66,7 +66,7 @@ void MainView::devReportPro(const LXUserInfo& userInfo) {
   }
 }
 
-// To the main thread, without waiting for it.
+// Queues the work on the main thread without waiting.
 void MainView::handOver(void (MainView::*work)(std::int32_t), std::int32_t value) {
   QMetaObject::invokeMethod(
       this,

@@ -1,5 +1,5 @@
-// The library of profiles as the main window offers it: new, duplicate, delete, import, export,
-// choose, rename, and the program that a profile is linked to.
+// The library in the main window: creating, duplicating, deleting, importing, exporting, selecting
+// and renaming profiles, and linking a program.
 
 #include <filesystem>
 
@@ -50,7 +50,7 @@ bool MainView::hasRoomForProfile() const {
   return false;
 }
 
-// The library gets the profile with the next Apply.
+// The next Apply adds the profile to the library.
 void MainView::beginProfile(const std::string& name) {
   const Outcome outcome = NerinAction::beginProfile(name);
   showName();

@@ -1,4 +1,4 @@
-// The mouse's slots: selecting one, applying the edit to it, resetting it.
+// The mouse's slots: selecting, applying and resetting.
 
 #include <algorithm>
 
@@ -15,7 +15,7 @@
 
 namespace {
 
-// Reports that a slot takes besides those of its macros.
+// The reports of a slot, without its macros.
 constexpr int slotReports = 4;
 constexpr int macroReports = 2;
 constexpr int modeReports = 5;
@@ -77,7 +77,7 @@ void MainView::selectSlot(int newIndex, int oldIndex) {
         m_progressBar, slotChangeReports + reportsOf(editState->selProfile()) + modeReports);
     outcome = isChange ? NerinAction::changeSlot(slot, show) : show();
   }
-  // At the start a missing mouse is asked for, anyway.
+  // At startup, another message reports a missing mouse.
   if (isChange || NerinAction::checkListenDev()) {
     failuremessage::tell(outcome);
   }
@@ -97,7 +97,7 @@ Outcome MainView::setFwProfileDataPro(int slot) {
 }
 
 void MainView::selectMode(int newIndex, int oldIndex) {
-  // Only what the user chose is an edit.
+  // Only a choice by the user is an edit.
   const bool isChosen = oldIndex > 0 && !m_isFillSetting;
   if (isChosen) {
     editState->edit().modeType = static_cast<std::uint32_t>(newIndex - 1);

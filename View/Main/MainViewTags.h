@@ -1,6 +1,5 @@
 #pragma once
 
-// The tags of the main window's buttons.
 enum MainViewTag : int {
   TagReset = 100,
   TagHome = 101,

@@ -21,7 +21,7 @@ QFont arial(int pixels) {
   return font;
 }
 
-// Text in near white on dark grey, the selected entry on dark red, inside a red border.
+// Near-white text on dark gray, the selected entry on dark red, inside a red border.
 const char* const menuStyle =
     "QListWidget { color: white; background: #393939; border: 1px solid #7D0608; outline: 0; }"
     "QListWidget::item { border: 0; }"
@@ -40,7 +40,7 @@ LXButton* NerinAction::AddButton(const QRect& frame, LXButton::Action setAction,
                      GetImageFromRect(parView.overImage(), frame),
                      GetImageFromRect(parView.downImage(), frame),
                      GetImageFromRect(parView.disableImage(), frame),
-                     // Only a button that can be selected or checked shows this one.
+                     // Only buttons that can be selected or checked show this picture.
                      parView.activeImage().slice(frame, false)});
   button->setBtnFont(pictures::font(captionSize, QFont::Normal));
   button->setAction(std::move(setAction));
@@ -91,7 +91,7 @@ LXNumberTextField* NerinAction::AddNumTextField(const QRect& frame, TavImageView
   field->setMinNum(minNum);
   field->setMaxLenth(maxLen);
   field->setHasNegative(hasNeg);
-  // A field that loses the keyboard while its view is destroyed commits to nobody.
+  // A field also loses the focus while its view is destroyed; then there is no view to call.
   field->setAction([view = QPointer<TavImageView>(&parView), field](LXTextField&) {
     if (view) {
       view->onNumTextChange(*field);
@@ -140,7 +140,7 @@ void NerinAction::showMenulistWithBtn(LXButton& button, LXMenulist* menuList) {
   if (menuList != nullptr) {
     menuList->setOpener(&button);
     button.setOpenedList(menuList);
-    // Under the button, so that it still says what is chosen.
+    // Below the button, so that the current choice stays visible.
     menuList->showMenulist(button.mapToGlobal(QPoint(0, button.height())));
   }
 }

@@ -10,7 +10,7 @@ constexpr QRect frameRect(const Frame& frame) {
   return {frame.x, frame.y, frame.width, frame.height};
 }
 
-// Names and rectangles of a drawing, as a view wants them.
+// The names and rectangles of a drawing, in the form that a view needs.
 template <typename Place, typename NamedFrame, std::size_t Count>
 std::array<Place, Count> placesOf(const std::array<NamedFrame, Count>& named) {
   std::array<Place, Count> places;

@@ -23,14 +23,14 @@
 namespace {
 
 constexpr qreal pointsPerInch = 72;
-// Smaller than this nobody reads; then the words are cut short.
+// Smaller type is unreadable; longer text is cut instead.
 constexpr int smallestType = 8;
 
 QString pathOf(const QString& fileName) {
   return QString::fromStdString(LXPlatform::current().resourceFolder.string()) + u'/' + fileName;
 }
 
-// The file for the screen that the program is on.
+// The file for the resolution of the screen.
 QString scaledPathOf(const QString& path) {
   if (qGuiApp != nullptr && qGuiApp->devicePixelRatio() > 1) {
     const qsizetype dot = path.lastIndexOf(u'.');
@@ -42,7 +42,7 @@ QString scaledPathOf(const QString& path) {
   return path;
 }
 
-// In the form in which pictures are drawn, so that they need not be converted for it.
+// Converts now to the format for drawing, so that drawing is fast.
 QImage readNow(const QString& scaledPath) {
   QImage image = QImageReader(scaledPath).read();
   if (image.isNull()) {
@@ -70,7 +70,7 @@ std::map<QString, QJsonObject>& loadedWords() {
   return words;
 }
 
-// The words of one drawing. Only those of the screens that were shown are kept.
+// The words of a drawing. Caches only screens that were shown.
 const QJsonObject& wordsOf(const QString& screen) {
   auto& words = loadedWords();
   const auto found = words.find(screen);
@@ -84,7 +84,7 @@ const QJsonObject& wordsOf(const QString& screen) {
   return words[screen] = all[screen].toObject();
 }
 
-// What a word says in the user's language.
+// The word in the user's language.
 QString textOf(const QJsonObject& word) {
   const QString key = word[u"key"].toString();
   if (!key.isEmpty()) {
@@ -108,7 +108,7 @@ Qt::Alignment alignmentOf(const QJsonObject& word) {
   if (name == u"right") {
     return Qt::AlignRight | Qt::AlignVCenter;
   }
-  // A paragraph begins at its top, however many lines it has.
+  // A paragraph starts at the top, whatever its number of lines.
   return Qt::AlignLeft | (word[u"wrap"].toBool() ? Qt::AlignTop : Qt::AlignVCenter);
 }
 
@@ -120,12 +120,12 @@ bool fits(const QFontMetricsF& metrics, const QString& text, const QRectF& room,
   return needed.width() <= room.width() && needed.height() <= room.height();
 }
 
-// Other languages need more room than there may be: the type shrinks until the words fit.
+// Other languages may need more room: reduces the type size until the words fit.
 QFont fittingFont(const QPixmap& picture, const QJsonObject& word, const QString& text,
                   const QRectF& room, int flags) {
   const auto weight = word[u"fontWeight"].toInt(QFont::Normal);
   QFont font;
-  // In halves of a pixel.
+  // In half pixels.
   for (int size = qRound(word[u"fontSize"].toDouble() * 2); size >= smallestType * 2; --size) {
     font = pictures::font(size / 2.0, weight);
     if (fits(QFontMetricsF(font, &picture), text, room, flags)) {
@@ -144,7 +144,7 @@ void drawWord(QPainter& painter, const QPixmap& picture, const QJsonObject& word
       static_cast<int>(alignmentOf(word)) | (wraps ? Qt::TextWordWrap : Qt::TextSingleLine);
   QString text = textOf(word);
   painter.setPen(colorOf(word, state));
-  // The drawing has room for its own words.
+  // The original words always fit in the drawing.
   if (!wraps && text == word[u"text"].toString()) {
     painter.setFont(
         pictures::font(word[u"fontSize"].toDouble(), word[u"fontWeight"].toInt(QFont::Normal)));
@@ -164,7 +164,7 @@ QPixmap loadNow(const QString& path, const QString& screen, const QString& state
   QPixmap picture = QPixmap::fromImage(read(path));
   const QJsonObject& drawing = wordsOf(screen);
   const QJsonArray words = drawing[u"words"].toArray();
-  // A picture without a state stands alone; other names behind the "_" are pictures of their own.
+  // An unknown state belongs to the name of another picture, which has no words.
   const bool isOfDrawing = state.isEmpty() || drawing[u"states"].toArray().contains(state);
   if (picture.isNull() || words.isEmpty() || !isOfDrawing) {
     return picture;
@@ -198,7 +198,7 @@ void pictures::prefetch(const QStringList& fileNames) {
     wanted.emplace_back(path, std::promise<QImage>());
     prefetched()[path] = wanted.back().second.get_future();
   }
-  // One after the other, so that the window is not kept from its processor.
+  // One thread, so that the window keeps a processor for itself.
   static std::future<void> reader;
   reader = std::async(std::launch::async, [images = std::move(wanted)]() mutable {
     for (auto& [path, image] : images) {
@@ -210,7 +210,7 @@ void pictures::prefetch(const QStringList& fileNames) {
 QFont pictures::font(qreal pixels, int weight) {
   QFont font;
   font.setFamilies({QStringLiteral("Inter"), font.family()});
-  // Type sizes are halves of a pixel, which Qt takes only in points.
+  // Sizes are in half pixels; Qt takes fractions only in points.
   font.setPointSizeF(pixels * pointsPerInch / QPixmap(1, 1).logicalDpiY());
   font.setWeight(static_cast<QFont::Weight>(weight));
   return font;

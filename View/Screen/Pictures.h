@@ -6,22 +6,21 @@
 
 #include "Kit/Widgets/LXImage.h"
 
-// The pictures that came with the program. Their words are not in them: they are drawn into a
-// picture when it is loaded, in the user's language.
+// The pictures that came with the program. The files contain no words: loading draws them in the
+// user's language.
 namespace pictures {
 
-// The picture of that file name, loaded when it is first drawn; none when there is no such file.
-// On a fine screen the finer file is taken.
+// The picture with that file name, loaded at its first drawing; empty when there is no such file.
+// High-resolution screens get the larger file.
 LXImage load(const QString& fileName);
 
-// Begins to read these pictures in a thread of their own: they are drawn soon, and until then the
-// windows can be made.
+// Starts reading these pictures in a thread, so that the windows can be created meanwhile.
 void prefetch(const QStringList& fileNames);
 
-// The program's type in this many pixels.
+// The program's font, with a size in pixels.
 QFont font(qreal pixels, int weight);
 
-// Forgets the words, so that the next picture reads them anew.
+// Forgets the words, so that the next picture loads them again.
 void releaseWords();
 
 }  // namespace pictures

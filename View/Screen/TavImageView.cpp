@@ -59,9 +59,9 @@ void TavImageView::setBgColor(const QColor& color) {
 void TavImageView::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
   painter.fillRect(event->rect(), m_bgColor);
-  // Only what changed: the picture is large and a hovered button is small.
+  // Draw only what changed: the picture is large, a hovered button small.
   m_bgImage.drawPart(painter, event->rect());
-  // The frames of the fields are part of the picture.
+  // The picture contains the frames of the fields.
   for (const auto* field : findChildren<QLineEdit*>(Qt::FindDirectChildrenOnly)) {
     if (!field->isEnabled() && field->isVisible() && event->rect().intersects(field->geometry())) {
       m_disableImage.slice(field->geometry()).draw(painter, field->pos());

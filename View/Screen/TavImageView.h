@@ -9,27 +9,27 @@
 class LXButton;
 class LXNumberTextField;
 
-// The base of every screen: a picture for each state, and controls that show the slices of those
-// pictures under them.
+// The base of every screen: a picture for each state, and controls that show their parts of these
+// pictures.
 //
-// A screen is built in two phases, because a constructor cannot call what a subclass overrides:
-// make it, then call construct().
+// Building a screen takes two steps, because a constructor cannot call a subclass's overrides:
+// create it, then call construct().
 class TavImageView : public QWidget {
   Q_OBJECT
 
  public:
   explicit TavImageView(const QSize& frame, QWidget* parent = nullptr);
 
-  // Runs initData, initControls and refreshData, and registers the observers if the view stands in
-  // a parent already.
+  // Runs initData, initControls and refreshData. Registers the observers if the view already has a
+  // parent.
   void construct();
-  // The same in two steps, so that a window can be seen before its data is there.
+  // construct() in two steps, so that the window can appear before its data is loaded.
   void constructControls();
   void finishConstruction();
 
-  // The pictures of the normal, hovered, pressed, disabled and selected state. The stem of the
-  // name is what stands before its first "_", or the whole name less its extension; missing
-  // pictures are none. An empty name changes nothing.
+  // Loads the pictures of the normal, hovered, pressed, disabled and selected state. The stem is
+  // the part of the name before the first "_", or else the name without its extension. Missing
+  // pictures stay empty. An empty name changes nothing.
   void setImageByName(const QString& name);
   // The picture "stem_tag.extension".
   static LXImage getImageByName(const QString& stem, const QString& tag, const QString& exeStr);
@@ -39,21 +39,21 @@ class TavImageView : public QWidget {
   const LXImage& downImage() const { return m_downImage; }
   const LXImage& disableImage() const { return m_disableImage; }
   const LXImage& activeImage() const { return m_activeImage; }
-  // Height when the view was made.
+  // The height when the view was created.
   int frmHeight() const { return m_frmHeight; }
   QColor bgColor() const { return m_bgColor; }
   void setBgColor(const QColor& color);
-  // The observers are registered.
+  // Whether the observers are registered.
   bool isAddNotify() const { return m_isAddNotify; }
 
-  // Every button of a screen that is made for it ends here, told apart by its tag.
+  // Gets the clicks of all buttons of the screen, told apart by their tags.
   virtual void buttonAction(LXButton& /*sender*/) {}
   virtual void buttonRightAction(LXButton& /*sender*/) {}
   virtual void onNumTextChange(LXNumberTextField& /*sender*/) {}
 
   virtual void refreshData() {}
   virtual void saveData() {}
-  // From the data to the controls, and back.
+  // Copy the data to the controls, and back.
   virtual void fillSettingData() {}
   virtual void saveSettingData() {}
   virtual void resetSettingData() {}
@@ -72,8 +72,8 @@ class TavImageView : public QWidget {
   void setDownImage(LXImage image) { m_downImage = std::move(image); }
   void setDisableImage(LXImage image) { m_disableImage = std::move(image); }
 
-  // A button and a check box that end in buttonAction, told apart by the tag. `name` is the
-  // control's in the program, `tooltipKey` that of its text.
+  // Add a button and a check box that call buttonAction with their tag. `name` is the object name,
+  // `tooltipKey` the key of the text.
   LXButton* addButton(const QRect& frame, int tag, const char* name, const char* tooltipKey);
   LXButton* addCheckBox(const QRect& frame, int tag, const char* name, const char* tooltipKey);
 

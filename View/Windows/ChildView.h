@@ -4,24 +4,24 @@
 
 #include "View/Screen/TavImageView.h"
 
-// The content of a child window. It ends by one of its own buttons; a window that is closed in any
-// other way cancels the edit.
+// The content of a child window. Its own buttons end it; closing the window in any other way
+// cancels the edit.
 class ChildView : public TavImageView {
   Q_OBJECT
 
  public:
   using TavImageView::TavImageView;
 
-  // 1 after the button that keeps the edit, 0 after any other end.
+  // 1 if a button kept the edit, otherwise 0.
   int endTag() const { return m_endTag; }
-  // The window's owner says that the window closes.
+  // The window's owner calls this when the window closes.
   void windowCloses();
 
-  // Does what the three buttons stand for; others are a subclass's.
+  // Handles the three end buttons. Subclasses handle the others.
   void buttonAction(LXButton& sender) override;
 
  signals:
-  // The window is to close.
+  // The window must close.
   void ended(int endTag);
 
  protected:
@@ -31,19 +31,19 @@ class ChildView : public TavImageView {
   };
   // Adds "Apply", which tries the edit, "Close", which keeps it, and "Cancel".
   void addEndButtons(const EndButton& apply, const EndButton& close, const EndButton& cancel);
-  // The same for a view that makes its buttons itself.
+  // For a view that creates these buttons itself.
   void setEndTags(int apply, int close, int cancel);
 
-  // Sends the edit to the mouse to try it; the window stays.
+  // Sends the edit to the mouse to try it; the window stays open.
   virtual void applyEdit() {}
   // Keeps the edit. The window closes afterwards.
   virtual void keepEdit() {}
   // Undoes the edit. The window closes afterwards.
   virtual void cancelEdit() {}
 
-  // The Cancel button: undoes the edit and closes the window.
+  // Called by Cancel: undoes the edit and closes the window.
   void cancelAndEnd();
-  // Closes the window: what the edit needs for its end is done.
+  // Closes the window without keeping or undoing the edit.
   void endWindow(int endTag);
 
  private:

@@ -2,12 +2,12 @@
 
 #include "Action/Record/Outcome.h"
 
-// Tells the user of a failure, in a message that waits to be read.
+// Shows failures in a message and waits for the answer.
 namespace failuremessage {
 
-// Nothing happens for an outcome that is done.
+// Does nothing if the outcome is a success.
 void tell(const Outcome& outcome);
-// The macros could not be written to their file.
+// For macros that could not be written to their file.
 void tellMacrosNotSaved();
 
 }  // namespace failuremessage

@@ -5,7 +5,7 @@
 #include <functional>
 #include <optional>
 
-// The notifications that stay inside the program.
+// Notifications inside the program.
 class LocalNotifications : public QObject {
   Q_OBJECT
 
@@ -16,7 +16,7 @@ class LocalNotifications : public QObject {
   void post(const QString& name, int type, const std::optional<QString>& value) {
     emit posted(name, type, value);
   }
-  // Runs the action whenever that is posted, until the observer is disconnected or gone.
+  // Runs the action at every post of `name`, until the observer is disconnected or destroyed.
   void observe(const QString& name, const QObject* observer, std::function<void()> action);
 
  signals:
@@ -31,7 +31,7 @@ inline const QString notifyOutPlusEnd = QStringLiteral("Notify_OutPlusEnd");
 inline const QString notifyShowTip = QStringLiteral("LXNotifyShowTipNameStr");
 inline const QString notifyHideTip = QStringLiteral("LXNotifyHideTipNameStr");
 
-// Tells the owner of a child window how it ended.
+// Tells the owner of a child window how the window ended.
 void sendFinishWinMsg(int type, const std::optional<QString>& value);
 
 }  // namespace NerinAction

@@ -21,7 +21,7 @@ int ModalWindow::run() {
   QEventLoop loop;
   connect(m_view, &ChildView::ended, &loop, &QEventLoop::quit);
   connect(this, &LXNoTitleWindow::closed, &loop, &QEventLoop::quit);
-  // The window under this one goes with the mouse, and would take this one with it.
+  // Removing the mouse closes the window below, which would destroy this one.
   LocalNotifications::shared().observe(NerinAction::notifyOutPlus, &loop, [&loop] { loop.quit(); });
   const QPointer<ModalWindow> self = this;
   show();

@@ -4,18 +4,18 @@
 
 class ChildView;
 
-// A window over another one, which takes no input until this one ends. What the mouse reports
-// reaches the program meanwhile: its removal ends all windows.
+// A window over another one, which takes no input until this one closes. Reports of the mouse still
+// arrive: removing the mouse closes all windows.
 class ModalWindow : public LXNoTitleWindow {
   Q_OBJECT
 
  public:
-  // Owns the constructed view and takes its size. `over` is the window that it belongs to, and goes
-  // with. Can be dragged by the strip of that height at its top.
+  // Owns the constructed view and takes its size. `over` is the parent window. The user can drag
+  // the window by a strip at its top, `dragHeight` high.
   ModalWindow(ChildView* view, int dragHeight, const QString& title, QWidget* over);
 
-  // Shows the window until the view ends, and gives the code with which it did; 0 for a window that
-  // was closed. It may be destroyed meanwhile, with the window under it: also 0.
+  // Shows the window until the view ends, and returns its end code; 0 if the window was closed, or
+  // if it was destroyed with its parent.
   int run();
 
  protected:

@@ -14,7 +14,7 @@ struct Loops {
 };
 ProcessWide<Loops> loops;
 
-// A work may open a dialog itself; the rest waits for that one then.
+// The work may open a dialog itself; then the rest waits for that dialog.
 void workOff() {
   while (loops->depth == 0 && !loops->waiting.empty()) {
     const auto work = std::move(loops->waiting.front());
@@ -29,7 +29,7 @@ NestedLoop::NestedLoop() {
   ++loops->depth;
 }
 
-// Not from here: whoever opened the dialog has its answer to deal with first.
+// Deferred, because the code that opened the dialog must handle the answer first.
 NestedLoop::~NestedLoop() {
   --loops->depth;
   if (loops->depth == 0 && !loops->waiting.empty()) {

@@ -2,8 +2,8 @@
 
 #include <functional>
 
-// Stands while a dialog, a message or a file panel runs a loop of its own on the main thread. What
-// the mouse reports meanwhile waits until the last of them has ended, and comes then in order.
+// Exists while a dialog, a message or a file panel runs its own loop on the main thread. Reports of
+// the mouse wait until the last of them ends and then arrive in order.
 class NestedLoop {
  public:
   NestedLoop();
@@ -12,6 +12,6 @@ class NestedLoop {
   NestedLoop& operator=(const NestedLoop&) = delete;
 
   static bool isRunning();
-  // Does the work now, or from the main loop once no dialog is up.
+  // Does the work now, or from the main loop after the last dialog.
   static void whenNone(std::function<void()> work);
 };

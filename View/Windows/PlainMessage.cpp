@@ -9,8 +9,8 @@
 
 namespace {
 
-// A message as the program's own dialogs look: no frame of the window manager, a mark at the left,
-// and one button that finishes.
+// A message in the style of the program's dialogs: no window frame, a mark at the left, and one
+// button.
 const char* const messageStyle =
     "QMessageBox { background: #15171C; border: 1px solid #343943; border-left: 3px solid #E5262F; "
     "}"

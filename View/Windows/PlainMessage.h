@@ -2,8 +2,8 @@
 
 #include <string>
 
-// Messages that are only a text, without a picture. Each runs a loop of its own until it is
-// answered, over the window that is on top: nothing under it can be used or closed meanwhile.
+// Messages with only a text, without a picture. Each runs its own loop until the user answers, over
+// the top window, and blocks all windows below.
 namespace plainmessage {
 
 void show(const std::string& text);

@@ -23,7 +23,7 @@ constexpr int dragStrip = 50;
 
 ProcessWide<std::function<bool(const std::string&, bool)>> answererInUse;
 
-// Who hears the button and who sees it call it the same.
+// Screen readers get the words on the drawn button.
 void setDrawnName(LXButton& button, const std::string& key) {
   button.setAccessibleName(
       QString::fromStdString(TooltipManager::shareTooltipManager().getTooltip(key).value_or(key)));
@@ -40,7 +40,7 @@ PopDialogView::PopDialogView(const QSize& frame, std::string imageNameStr,
 
 void PopDialogView::initData2() {
   setImageByName(QString::fromStdString(m_imageNameStr) + QStringLiteral("_Normal.png"));
-  // The words are part of the picture, which nobody hears.
+  // Screen readers cannot read the words in the picture.
   setAccessibleName(QString::fromStdString(
       LXAction::getNonullStr(TooltipManager::shareTooltipManager().getTooltip(m_imageNameStr))));
   setAccessibleDescription(QString::fromStdString(LXAction::getNonullStr(
@@ -50,7 +50,7 @@ void PopDialogView::initData2() {
 void PopDialogView::initControls2() {
   m_inPutTxt = NerinAction::AddLabTextField(frameRect(frames::inPutTxt), *this);
   m_inPutTxt->setObjectName(QStringLiteral("inPutTxt"));
-  // A button that stands alone stands where the second of two does.
+  // A single button takes the place of the second one.
   addOkBtnByRect(frameRect(m_isChoose ? frames::okBtn : Artwork::WarningBattle::okBtn));
   if (m_isChoose) {
     addCancelBtnByRect(frameRect(frames::cancelBtn));

@@ -8,7 +8,7 @@
 
 class LXTextField;
 
-// A message whose words are part of its picture, with OK and, where there is a choice, Cancel.
+// A message whose words are part of its picture, with OK and, for a choice, Cancel.
 class PopDialogView : public TavImageView {
   Q_OBJECT
 
@@ -56,14 +56,14 @@ class PopDialogView : public TavImageView {
 
 namespace NerinAction {
 
-// The window that a message belongs to: the one on top of the program, or null.
+// The parent window of a message: the top window of the program, or null.
 QWidget* messageOwner();
 
-// Shows the message of that key over the program and waits for its end: true for OK. A message
-// without a choice is always OK, however it ends; with one, closing it is Cancel.
+// Shows the message of that key over the program and waits for the answer: true for OK. Closing a
+// message without a choice means OK, otherwise Cancel.
 bool showPopView(const std::string& key, bool isChoose);
 
-// For tests: answers every message from now on, without showing it; an empty function ends that.
+// For tests: answers every message from now on without showing it. An empty function ends that.
 void setPopViewAnswerer(std::function<bool(const std::string& key, bool isChoose)> answerer);
 
 }  // namespace NerinAction

@@ -17,13 +17,13 @@ void termination::terminate() {
     return;
   }
   *isEnding = true;
-  // The centre flushes when it goes.
+  // Destroying the notification center flushes it.
   NerinAction::sysDeviceReq->reset();
   LXPlatform platform = LXPlatform::current();
   platform.deviceRequester.reset();
   platform.notificationCenter.reset();
   LXPlatform::install(std::move(platform));
-  // Not quit(), which would ask the windows first.
+  // quit() would ask the windows first.
   QCoreApplication::exit(0);
 }
 

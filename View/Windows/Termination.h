@@ -1,11 +1,10 @@
 #pragma once
 
-// The end of the program, at every moment: before the main loop, inside a dialog, inside the main
-// loop.
+// Ends the program at any time: before the main loop, in a dialog, or in the main loop.
 namespace termination {
 
-// Ends every loop that runs. What was posted reaches the bus first; after that nothing is sent any
-// more, neither to the mouse nor to the service.
+// Ends all running loops. Posted messages still reach the bus; after that, nothing is sent to the
+// mouse or the service.
 void terminate();
 bool isTerminating();
 

@@ -2,15 +2,15 @@
 
 #include <QWidget>
 
-// The thin bar that fills while the mouse is written or read. It is painted directly, because
-// events are never processed between two transfers.
+// The progress bar for reading and writing the mouse. Painted directly, because no events are
+// processed between two transfers.
 class ProgressLine : public QWidget {
   Q_OBJECT
 
  public:
   explicit ProgressLine(QWidget* parent = nullptr);
 
-  // 0..1; shown at once. Below 0 the line is empty.
+  // 0..1, shown at once. A negative value clears the line.
   void showFraction(double fraction);
   double fraction() const { return m_fraction; }
 
@@ -21,17 +21,17 @@ class ProgressLine : public QWidget {
   double m_fraction = -1;
 };
 
-// Stands while the mouse is written or read: shows a wait cursor and fills the line report by
-// report. Inside another one it counts for that one.
+// Shows a wait cursor and fills the line with every report while the mouse is read or written. A
+// nested one counts for the outer one.
 class TransferProgress {
  public:
-  // `reports`: how many will be sent or read, as far as is known.
+  // `reports`: the expected number of reports.
   TransferProgress(ProgressLine* line, int reports);
   ~TransferProgress();
   TransferProgress(const TransferProgress&) = delete;
   TransferProgress& operator=(const TransferProgress&) = delete;
 
-  // Called in the pause that follows every report.
+  // Call in the pause after every report.
   static void reportDone();
 
  private:

@@ -7,7 +7,7 @@
 #include "Action/Record/Records.h"
 #include "Tests/Support/ActionTest.h"
 
-// What a button is called on screen.
+// The captions of the buttons on the screen.
 
 namespace {
 

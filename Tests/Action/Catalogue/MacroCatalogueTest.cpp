@@ -27,7 +27,7 @@ class MacroCatalogue : public ActionTest {
   fs::path file() const { return supportFolder() / "MenuInfo.xml"; }
   std::string text() const { return textOfFile(file()); }
 
-  // Starts with this catalogue in the support folder.
+  // Starts the program with this catalogue in the support folder.
   void begin(std::string_view xml) {
     writeText(file(), xml);
     NerinAction::initMenuList();

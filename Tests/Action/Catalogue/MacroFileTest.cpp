@@ -7,7 +7,7 @@
 #include "Kit/Core/LXAction.h"
 #include "Tests/Support/ActionTest.h"
 
-// The coded form of macros: archive files and copies.
+// The encoded form of macros: archive files and copies.
 
 namespace {
 
@@ -141,7 +141,7 @@ TEST_F(MacroFile, AMenuEntryKeepsItsNumbersAndItsMacro) {
   EXPECT_FALSE(copy->saveTag());
   EXPECT_EQ(copy->macroInfo()->nameStr(), "Sp\xC3\xA4ter");
   EXPECT_EQ(copy->macroInfo()->keyInfoArr().size(), 2U);
-  // Neither text is part of the coded form.
+  // The encoded form has neither text.
   EXPECT_EQ(copy->toolTipTag(), "");
   EXPECT_EQ(copy->titleStr(), "");
 }

@@ -9,12 +9,12 @@
 #include "Tests/Support/EmulatedMouse.h"
 #include "Tests/Support/WireVectors.h"
 
-// The bytes of whole profiles through hidapi and libudev, with the virtual mouse behind emulated
-// nodes. One test for each process.
+// The bytes of whole profiles through hidapi and libudev, with a virtual mouse behind emulated
+// nodes. Each test needs its own process.
 
 namespace {
 
-// A base of its own, so that the nodes are there before the program begins.
+// A separate base class, so that the nodes exist before the program starts.
 class EmulatedBus {
  protected:
   EmulatedBus() { m_emulated.plug(); }

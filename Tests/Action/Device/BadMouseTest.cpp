@@ -29,7 +29,7 @@ class BadMouse : public ActionTest {
 
   void misbehave(Kind kind) { mouse().setScenario({.kind = kind}); }
 
-  // Everything that the program ever does with a mouse.
+  // Every operation of the program on a mouse.
   static void doEverything() {
     for (int slot = 0; slot < 10; ++slot) {
       static_cast<void>(NerinAction::loadSlot(slot));
@@ -119,7 +119,7 @@ TEST_F(BadMouse, ThatHoldsGarbageIsReadAsStated) {
   EXPECT_EQ(editState->selProfile().xSensArr[4], 255U);
   EXPECT_EQ(editState->selProfile().btnInfo[3].btnType, 2U);
   EXPECT_NE(editState->selProfile().btnInfo[15].MacroID, 0U);
-  // 1999 events and the begin of a delay record.
+  // 1999 events and the start of a delay record.
   const auto macro = NerinAction::getMacroById(
       static_cast<std::int32_t>(editState->selProfile().btnInfo[3].MacroID));
   ASSERT_NE(macro, nullptr);
@@ -183,7 +183,7 @@ TEST_F(BadMouse, ThatIsUnpluggedAnywhereInAnApplyLosesNothing) {
     EXPECT_EQ(mouse().transcript().size(), std::min<std::size_t>(after, transfers));
     EXPECT_EQ(mouse().isAttached(), after > transfers);
     EXPECT_THAT(mouse().faults(), IsEmpty());
-    // The library has the edit whatever became of the mouse, which has the old image or the new.
+    // The library has the edit in any case; the mouse has the old image or the new one.
     EXPECT_EQ(differenceOf(editState->selProfile(), edited), "");
     EXPECT_EQ(differenceOf(library().getProfileByName("Profile#3")->profileData(), edited), "");
     EXPECT_EQ(posts().size(), told + 1);
@@ -213,11 +213,11 @@ TEST_F(BadMouse, ThatIsUnpluggedAnywhereInAReadLeavesASoundRecord) {
     if (!hasName) {
       EXPECT_EQ(editState->selProfile().liftHeight, 30U) << "the edited profile stays";
     } else if (after < 4) {
-      // The image did not come: the record is that of an image of zeros.
+      // Without an answer, the image is all zeros.
       EXPECT_EQ(editState->selProfile().liftHeight, 0U);
       EXPECT_EQ(editState->selProfile().dpiLevel, 1U);
     } else if (after < 6) {
-      // The macro did not come: the button keeps what the image gave it.
+      // Without the macro, the button keeps its values from the image.
       EXPECT_EQ(editState->selProfile().btnInfo[3].btnType, 2U);
       EXPECT_EQ(editState->selProfile().btnInfo[3].MacroID, 0U);
       EXPECT_EQ(editState->selProfile().btnInfo[3].KeyBit[0], 1U);

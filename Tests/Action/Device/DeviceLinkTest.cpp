@@ -40,7 +40,7 @@ TEST_F(DeviceLink, AnAbsentMouseIsNotOn) {
   EXPECT_TRUE(NerinAction::checkListenDev());
 }
 
-// Writes down what it is asked and answers with bytes that count up.
+// Records the requests and answers with increasing bytes.
 class ScriptedRequester final : public LXDeviceRequester {
  public:
   void setIsPrintMsg(bool isPrintMsg) override { m_calls.push_back(isPrintMsg ? "print" : "mute"); }
@@ -70,7 +70,7 @@ class ScriptedRequester final : public LXDeviceRequester {
   std::uint32_t m_wLenDone = 0xFF;
 };
 
-// The program on a requester that only writes down.
+// The program with a requester that only records.
 class Transport : public testing::Test {
  protected:
   Transport() {

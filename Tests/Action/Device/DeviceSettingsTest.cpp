@@ -27,7 +27,7 @@ class DeviceSettings : public ActionTest {
     editState->currSetProfile().liftHeight = 9;
   }
 
-  // What a word of the table stands for: a number, or the name of a field.
+  // The value of a word in the table: a number, or the name of a field.
   static std::uint32_t valueOf(const nlohmann::json& word, std::size_t zone) {
     if (word.is_number()) {
       return word.get<std::uint32_t>();
@@ -79,7 +79,7 @@ class DeviceSettings : public ActionTest {
     return hexOf(bytes);
   }
 
-  // Every command of the table, with the pause behind it, and no other.
+  // Exactly the commands of the table, each followed by its pause.
   void expectSequence(const std::string& name) {
     std::vector<std::string> expected;
     std::size_t row = 0;

@@ -10,7 +10,7 @@
 #include "Kit/Core/LXLogger.h"
 #include "Tests/Support/ActionTest.h"
 
-// Macros on their way from the mouse into the catalogue.
+// Reading macros from the mouse into the catalogue.
 
 namespace {
 
@@ -117,7 +117,7 @@ TEST_F(MacroRead, AMacroWithoutANameGetsAHiddenGeneratedOne) {
   putMacro(4 * 19 + 18, report("", {0x2C}));
   EXPECT_TRUE(NerinAction::getFWMacroData(4, 15).isDone());
   ASSERT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(1));
-  // The button's index, not its position.
+  // The name uses the button's index, not its position.
   EXPECT_EQ(NerinAction::macroStore->macroListArrs.front()->nameStr(), "dmr_fw_macro_tag_4_15");
   EXPECT_TRUE(NerinAction::macroStore->macroListArrs.front()->isNoDisplay());
   EXPECT_TRUE(editState->isHaveNewName());

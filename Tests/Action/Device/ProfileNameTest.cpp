@@ -6,7 +6,7 @@
 #include "Kit/Core/LXLogger.h"
 #include "Tests/Support/ActionTest.h"
 
-// The name of a slot, on the mouse.
+// The name of a slot on the mouse.
 
 namespace {
 

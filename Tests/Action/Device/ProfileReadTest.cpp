@@ -8,7 +8,7 @@
 #include "Action/Wire/ProfileImage.h"
 #include "Tests/Support/ActionTest.h"
 
-// A slot of the mouse: reading it, writing it, choosing it.
+// Reading, writing and selecting a slot of the mouse.
 
 namespace {
 

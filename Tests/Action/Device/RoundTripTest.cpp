@@ -10,7 +10,7 @@
 #include "Tests/Support/ActionTest.h"
 #include "Tests/Support/SlotAsRead.h"
 
-// What is applied is what is read, but for what the mouse has no room for.
+// A read returns what was applied, except what the mouse cannot store.
 
 namespace {
 
@@ -22,7 +22,7 @@ class RoundTrip : public ActionTest {
  protected:
   RoundTrip() { beginProgram(); }
 
-  // A record without anything that the mouse cannot keep.
+  // A record that the mouse can store completely.
   static _Nerin_PROFILE wholeRecord(std::uint32_t seed) {
     _Nerin_PROFILE profile{};
     profile.modeType = seed % 2;
@@ -54,7 +54,7 @@ class RoundTrip : public ActionTest {
     EXPECT_TRUE(NerinAction::loadSlot(2).value);
   }
 
-  // The button as it comes back.
+  // The button after a write and a read.
   _BTN_INFO roundTrip(const _BTN_INFO& info) {
     editState->edit() = wholeRecord(0);
     editState->edit().btnInfo[3] = info;
@@ -68,7 +68,7 @@ class RoundTrip : public ActionTest {
 };
 
 TEST_F(RoundTrip, AllSlotsWithMacrosOnEveryButton) {
-  // Modes and counts that the mouse keeps.
+  // Modes and counts that the mouse can store.
   constexpr std::uint32_t repeats[][2] = {{1, 255}, {2, 1}, {2, 254}, {3, 255}, {4, 255}};
   std::vector<_Nerin_PROFILE> records;
   std::vector<std::vector<Events>> events;
@@ -169,8 +169,8 @@ TEST_F(RoundTrip, EveryKeyThatTheMouseKnows) {
     EXPECT_EQ(back.FuncTableId, 2U);
     kept += back.KeyBit[0] == key ? 1 : 0;
   }
-  // 102 keys have a usage, and the right Command key a modifier bit. The four right-hand modifiers
-  // come back as left-hand ones.
+  // 102 keys have a usage, and the right Command key has a modifier bit. The four right-hand
+  // modifiers come back as left-hand ones.
   EXPECT_EQ(kept, 99);
 }
 
@@ -193,11 +193,11 @@ TEST_F(RoundTrip, AnyRecordComesBackAsTheMouseKeepsIt) {
     std::uint32_t noise = seed * 2654435761U + 1;
     for (std::size_t word = 0; word < sizeof(_Nerin_PROFILE) / 4; ++word) {
       noise = noise * 1664525U + 1013904223U;
-      // Mostly numbers that mean something.
+      // Mostly numbers with a meaning.
       words[word] = (noise >> 8U) % 3 == 0 ? noise : (noise >> 16U) % 24;
     }
     for (_BTN_INFO& info : editState->edit().btnInfo) {
-      // A function code has one byte.
+      // A function code is one byte.
       info.FuncTableId &= 0xFFU;
     }
     const _Nerin_PROFILE expected = slotAsRead(2, editState->selProfile());
@@ -291,7 +291,7 @@ TEST_F(RoundTrip, TruncatesDelays) {
 TEST_F(RoundTrip, CutsAMacroAtTheEndOfItsReport) {
   const auto macro = addMacro(1, "m", Events(3000, {49, 0, 0}));
   roundTrip(macroButton(1));
-  // The low byte of the count is that of 2000, its high byte that of 3000.
+  // The count has the low byte of 2000 and the high byte of 3000.
   EXPECT_THAT(macro->keyInfoArr(), SizeIs(2000));
 }
 

@@ -6,7 +6,7 @@
 #include "Action/Wire/ProfileImage.h"
 #include "Tests/Support/ActionTest.h"
 
-// One button of the active profile, set at once.
+// Setting one button of the active profile at once.
 
 namespace {
 
@@ -57,7 +57,7 @@ TEST_F(SlotButton, AMacroIsWrittenFirstIntoTheCurrentSlot) {
   EXPECT_THAT(trace(), ElementsAre("SET 0300 0 c40b380100000000", "SLEEP 30",
                                    testing::StartsWith("SET 0304 1 040038"), "SLEEP 30",
                                    "SET 0300 0 c40e120601090000", "SLEEP 30"));
-  // The button goes to the profile that the mouse is using.
+  // The button goes to the mouse's active profile.
   EXPECT_EQ(mouse().imageReport(8)[58 + 5 * 18], 6);
   EXPECT_NE(mouse().imageReport(2)[58 + 5 * 18], 6);
   EXPECT_EQ(editState->currSetProfileID(), 2U);

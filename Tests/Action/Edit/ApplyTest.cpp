@@ -10,7 +10,7 @@
 #include "Tests/Support/SlotAsRead.h"
 #include "Tests/Support/WireVectors.h"
 
-// Committing the edit: link, mouse, library, message.
+// Committing the edit: linked program, mouse, library, message.
 
 namespace {
 
@@ -34,7 +34,7 @@ TEST_F(Apply, TransfersNameMacrosAndImageInThisOrderWithTheirPauses) {
   addMacro(5, "five", {{49, 0, 0}});
   addMacro(6, "six", {{36, 0, 300}});
   editState->edit().btnInfo[2] = macroButton(5);
-  editState->edit().btnInfo[4] = macroButton(99);  // gone
+  editState->edit().btnInfo[4] = macroButton(99);  // no such macro
   editState->edit().btnInfo[15] = macroButton(6);
   EXPECT_TRUE(NerinAction::applySlot().isDone());
   EXPECT_THAT(trace(),
@@ -113,7 +113,7 @@ TEST_F(Apply, OnASlotWithoutALinkCreatesAndLinksAProfile) {
   ASSERT_THAT(names(), ElementsAre("Profile#4"));
   EXPECT_EQ(library().fwProfileID()[3], library().profileArr().front()->profileId());
   EXPECT_EQ(library().profileArr().front()->profileData().liftHeight, 9U);
-  // Again: still the same one.
+  // A second Apply uses the same profile.
   EXPECT_TRUE(NerinAction::applySlot().isDone());
   EXPECT_THAT(names(), ElementsAre("Profile#4"));
 }
@@ -148,7 +148,7 @@ TEST_F(Apply, UnderAForeignNameSendsTheImageAlone) {
   EXPECT_THAT(trace(), ElementsAre(StartsWith("SET 0305 1 "), "SLEEP 30",
                                    "SET 0300 0 c400000000000000", "SLEEP 30"));
   EXPECT_THAT(names(), ElementsAre("Sp\xC3\xA4ter"));
-  // The slot kept its old name, so that its next read finds another profile or none.
+  // The slot kept its old name, so its next read finds another profile or none.
   EXPECT_TRUE(NerinAction::loadSlot(3).value);
   EXPECT_EQ(library().fwProfileID()[3], ProfieController::notLinked);
 }

@@ -17,7 +17,7 @@
 #include "Kit/Core/LXPlatform.h"
 #include "Tests/Support/Scratch.h"
 
-// A program that is killed while it saves its library, at whatever moment that is.
+// Kills the program at any moment while it saves its library.
 
 namespace fs = std::filesystem;
 
@@ -29,8 +29,8 @@ using Profiles = std::map<std::string, std::string>;  // name -> the bytes of it
 constexpr int profileCount = 50;
 constexpr int kills = 500;
 
-// A profile of one state of the library. Half of the names stay from state to state, so that their
-// files are replaced; the other half come and go.
+// A profile of one version of the library. Half of the names stay in every version, so their files
+// are replaced; the other half come and go.
 std::shared_ptr<ProfileValue> profileOf(int version, int index) {
   auto profile = std::make_shared<ProfileValue>();
   profile->setProfileId(static_cast<std::uint64_t>(index) + 1);
@@ -56,7 +56,7 @@ Profiles libraryOf(int version) {
   return profiles;
 }
 
-// What a start of the program finds.
+// The library as the program finds it at its start.
 Profiles loadedLibrary() {
   ProfieController::releaseShareProCon();
   Profiles profiles;
@@ -79,8 +79,8 @@ class KilledSave : public testing::Test {
     LXPlatform::install({});
   }
 
-  // Starts a process that makes the library this version and saves it. It returns when the process
-  // is about to save.
+  // Starts a process that saves this version of the library. Returns when the process is about to
+  // save.
   static pid_t beginSave(int version, bool canExchange) {
     int ready[2];
     if (::pipe(ready) != 0) {
@@ -112,7 +112,7 @@ class KilledSave : public testing::Test {
     std::_Exit(isTold && !library.saveToSys() ? 0 : 1);
   }
 
-  // Lets a save come to its end and answers how long it took.
+  // Lets a save finish and returns its duration.
   static Clock::duration saveUndisturbed(int version, bool canExchange) {
     const pid_t child = beginSave(version, canExchange);
     const auto begin = Clock::now();
@@ -126,7 +126,7 @@ class KilledSave : public testing::Test {
     const pid_t child = beginSave(version, canExchange);
     const auto end = Clock::now() + after;
     while (Clock::now() < end) {
-      // A sleep would wake too late for the moment that was meant.
+      // A sleep would end too late.
     }
     ::kill(child, SIGKILL);
     EXPECT_EQ(::waitpid(child, nullptr, 0), child);
@@ -149,7 +149,7 @@ TEST_F(KilledSave, LeavesTheOldLibraryOrTheNewOneWhole) {
   for (int kill = 0; kill < kills; ++kill) {
     const bool canExchange = kill % 2 == 0;
     if (kill % 25 == 0) {
-      // The machine may have become slower or faster meanwhile.
+      // The speed of the machine may have changed.
       duration = saveUndisturbed(++version, canExchange);
       before = libraryOf(version);
       ASSERT_EQ(loadedLibrary(), before);
@@ -169,7 +169,7 @@ TEST_F(KilledSave, LeavesTheOldLibraryOrTheNewOneWhole) {
   }
   RecordProperty("old", old);
   RecordProperty("interrupted", interrupted);
-  // Otherwise the kills came at no interesting moments.
+  // Otherwise the kills missed the save.
   EXPECT_GT(old, kills / 20);
   EXPECT_GT(kills - old, kills / 20);
   EXPECT_GT(interrupted, kills / 10);

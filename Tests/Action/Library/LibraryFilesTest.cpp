@@ -9,7 +9,7 @@
 #include "Action/Record/EditState.h"
 #include "Tests/Support/ActionTest.h"
 
-// The library's folder: what is loaded from it and what saving leaves there.
+// The library's folder: loading it and saving it.
 
 namespace {
 
@@ -26,7 +26,7 @@ class LibraryFiles : public ActionTest {
   static ProfieController::Profile add(const std::string& name) {
     return library().addProfileByName(name, nullptr);
   }
-  // Saves, and loads again as the next start does.
+  // Saves the library and loads it again, as at the next start.
   void restart() {
     EXPECT_FALSE(library().saveToSys());
     endProgram();
@@ -65,7 +65,7 @@ TEST_F(LibraryFiles, OfOneIdBothAreLoadedWithIdsOfTheirOwn) {
   putProfile("a.pro", 4, "First");
   EXPECT_THAT(names(), ElementsAre("First", "Second"));
   EXPECT_THAT(ids(), ElementsAre(4, 5));
-  // The file keeps the old one until it is saved.
+  // The file keeps the old id until the library is saved.
   EXPECT_EQ(textOfFile(libraryFolder() / "b.pro")[0], 4);
 }
 

@@ -8,7 +8,7 @@
 #include "Kit/Core/LXLogger.h"
 #include "Tests/Support/ActionTest.h"
 
-// A library that cannot be saved, or whose saving was interrupted.
+// A library that cannot be saved, and one whose save was interrupted.
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include "Tests/Support/ActionTest.h"
 #include "Tests/Support/JsonFixture.h"
 
-// The preferences that the background service reads as well.
+// The preferences that the background service also reads.
 
 namespace {
 

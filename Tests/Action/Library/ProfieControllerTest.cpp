@@ -27,7 +27,7 @@ class Library : public ActionTest {
   static std::vector<std::string> names() { return namesOf(library().profileArr()); }
   static std::vector<std::uint64_t> ids() { return idsOf(library().profileArr()); }
 
-  // Profiles "0", "1", … of which those given are factory profiles.
+  // Adds profiles "0", "1", …; those in `defaults` are factory profiles.
   static void addNumbered(int count, const std::vector<int>& defaults = {}) {
     for (int n = 0; n < count; ++n) {
       add(std::to_string(n));
@@ -283,7 +283,7 @@ TEST_F(Library, TheNextOwnProfileSkipsFactoryProfiles) {
 TEST_F(Library, TheNextOwnProfileNeverLooksPastTheList) {
   addNumbered(7);
   EXPECT_EQ(nextWithoutDefault(5), "none");
-  // Of the last one the rule finds that one itself.
+  // From the last profile, the rule finds the profile itself.
   EXPECT_EQ(nextWithoutDefault(6), "none");
 }
 
@@ -322,7 +322,7 @@ TEST_F(Library, AMenuEntryCarriesItsProfile) {
   EXPECT_EQ(entry->profileName(), "Game");
   EXPECT_EQ(entry->profileId(), -5);
   EXPECT_EQ(entry->profileData(), profile);
-  // It keeps a profile that the library dropped.
+  // It keeps a profile after the library has deleted it.
   library().delProfile(profile);
   EXPECT_EQ(entry->profileData()->name(), "Game");
   profile->setName(std::nullopt);

@@ -142,7 +142,7 @@ TEST_F(ProfileFile, ATextThatIsNoUtf8IsNone) {
   const auto profile = load(bytes);
   EXPECT_EQ(profile->name(), std::nullopt);
   EXPECT_EQ(profile->activeAppPath(), std::nullopt);
-  // What was not understood is not lost either.
+  // Bytes that are not valid text survive, too.
   EXPECT_EQ(saved(*profile), bytes);
 }
 

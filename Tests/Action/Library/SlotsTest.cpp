@@ -8,7 +8,7 @@
 #include "Kit/Core/PreferenceFile.h"
 #include "Tests/Support/ActionTest.h"
 
-// What ties the mouse's slots to the library.
+// The links between the mouse's slots and the library.
 
 namespace {
 
@@ -152,14 +152,14 @@ TEST_F(Slots, SavingASlotWithoutALinkCreatesOneProfile) {
   const auto profile = library().profileArr().front();
   EXPECT_EQ(library().currProfile(), profile);
   EXPECT_EQ(library().fwProfileID()[3], profile->profileId());
-  // The factory record is wholly replaced by the edited one.
+  // The edited record replaces the whole factory record.
   EXPECT_EQ(std::memcmp(&profile->profileData(), &editState->selProfile(),
                         sizeof editState->selProfile()),
             0);
   EXPECT_THAT(namesIn(libraryFolder()), ElementsAre("Game.pro"));
   EXPECT_FALSE(library().saveCurrFWProfileToList());
   EXPECT_THAT(names(), ElementsAre("Game"));
-  // Its link stands under its own number, which is that of the slot before.
+  // The link is stored under the slot's own number, which belongs to the slot before.
   EXPECT_EQ(library().getFWProfileIdByIndex(3), 1);
   EXPECT_EQ(library().getFWProfileIdByIndex(4), -1);
 }

@@ -10,7 +10,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// Where the table says that a field lies: its unit is the word, or the byte.
+// The place of a field in the table, in words or in bytes.
 struct Place {
   std::size_t offset;
   std::size_t length;

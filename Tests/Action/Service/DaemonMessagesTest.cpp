@@ -13,7 +13,7 @@ using testing::Optional;
 
 class DaemonMessages : public ActionTest {
  protected:
-  // What was posted last.
+  // The last posted message.
   RecordingNotificationCenter::Post last() const {
     EXPECT_FALSE(posts().empty());
     return posts().empty() ? RecordingNotificationCenter::Post{} : posts().back();

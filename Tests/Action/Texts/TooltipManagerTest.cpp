@@ -39,7 +39,7 @@ class Tooltips : public ActionTest {
     writeText(supportFolder() / "Tooltip.xml", xml);
     speak(std::move(language));
   }
-  // As if the program began in that language.
+  // Restarts the program in that language.
   void speak(std::optional<std::string> language) {
     TooltipManager::releaseTooltipManager();
     setPreferredLanguage(std::move(language));

@@ -18,7 +18,7 @@ using Pairs = std::vector<std::pair<std::uint32_t, std::uint32_t>>;
 
 class KeyCodes : public ActionTest {
  protected:
-  // Usage and Mac key, in the order of the search.
+  // Usage and Mac key, in search order.
   static Pairs keyRows() { return protocolTable("UsageID_MacVk").at("pairs").get<Pairs>(); }
 
   static std::map<std::uint32_t, std::uint32_t> macroCodesOfKeys() {
@@ -39,7 +39,7 @@ class KeyCodes : public ActionTest {
     return keys;
   }
 
-  // A button as it comes from the mouse.
+  // A button in the mouse's form.
   static _BTN_INFO raw(std::uint32_t code, std::vector<std::uint32_t> parameters = {}) {
     _BTN_INFO info = button(0, std::move(parameters), 0);
     info.FuncID = code;

@@ -14,7 +14,7 @@
 #include "Tests/Support/ActionTest.h"
 #include "Tests/Support/JsonFixture.h"
 
-// Macros on their way to the mouse.
+// Writing macros to the mouse.
 
 namespace {
 
@@ -50,7 +50,7 @@ class MacroWrite : public ActionTest {
     return Events(count, {49, MacroKeyInfo::KeyPress, delay});
   }
 
-  // A combination of the macro-insert menu.
+  // Adds a combination to the macro-insert menu.
   static void addCombination(int id, std::vector<int> keys) {
     keys.resize(4, 255);
     auto entry = std::make_shared<MenuInfo>();
@@ -155,7 +155,7 @@ TEST_F(MacroWrite, KeysThatTheMouseDoesNotKnowAreZeroAnd128) {
 TEST_F(MacroWrite, ACombinationIsPressedInOrderAndReleasedInReverse) {
   addCombination(0x21, {30, 31});
   const Events events{{0x21, MacroKeyInfo::Function, 500}, {49, 0, 0}};
-  // ] and O: no delay record, whatever the event says.
+  // ] and O, without a delay record even though the event has a delay.
   EXPECT_THAT(stream(events, 6), ElementsAre(0x30, 0x12, 0x92, 0xB0, 0x2C, 0));
 }
 
@@ -200,7 +200,7 @@ TEST_F(MacroWrite, WhatDoesNotFitIsLeftOut) {
 
 TEST_F(MacroWrite, ADelayRecordThatDoesNotFitEndsTheStream) {
   Events events = presses(1998);
-  events.push_back({0, 0, 300});  // its delay would end two bytes past the report
+  events.push_back({0, 0, 300});  // its delay would end two bytes after the report
   events.push_back({1, 0, 0});
   EXPECT_THAT(part(encoded("m", events), 2048, 5), ElementsAre(0x2C, 0x2C, 0x04, 0, 0));
   events = presses(1997);
@@ -228,7 +228,7 @@ TEST_F(MacroWrite, ANameOfThirtyCharactersIsAnnouncedShortAndWrittenWhole) {
   for (std::size_t at = 0; at < 21; ++at) {
     EXPECT_EQ(report[10 + 2 * at], name[at]);
   }
-  // The stream lies over the tail as far as it goes.
+  // The stream overwrites the first bytes of the name's tail.
   EXPECT_THAT(part(report, 52, 6), ElementsAre(0x2C, 1, 0x2C, 1, name[23], 0));
   EXPECT_EQ(report[68], name[29]);
   EXPECT_EQ(report[70], 0);

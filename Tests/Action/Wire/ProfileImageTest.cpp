@@ -8,7 +8,7 @@
 #include "Tests/Support/ActionTest.h"
 #include "Tests/Support/JsonFixture.h"
 
-// The translation between the record and the image, without a mouse.
+// Converting between the record and the image, without a mouse.
 
 namespace {
 
@@ -43,7 +43,7 @@ class ImageTranslation : public ActionTest {
         NerinAction::decodeProfileImage(image, m_profile, NerinAction::singleFunctionIdOf));
   }
 
-  // An image with one byte set.
+  // Decodes an image with one byte set.
   void decodeByte(std::size_t at, std::uint8_t value) {
     Bytes image(154);
     image[at] = value;
@@ -60,7 +60,7 @@ class ImageTranslation : public ActionTest {
     return part(encoded(0, hasMacros), 58 + 5 * 3, 5);
   }
 
-  // A record in which every sent byte is its own.
+  // Fills the record so that every sent byte is different.
   void fill() {
     m_profile.poRate = 1;
     m_profile.liftHeight = 7;
@@ -79,7 +79,7 @@ class ImageTranslation : public ActionTest {
     }
   }
 
-  // The bytes that a field of the image report must hold after fill().
+  // The bytes of a field in the image report after fill().
   Bytes expectedField(std::size_t at, const std::string& meaning) {
     const auto low = [](std::uint32_t word) { return static_cast<std::uint8_t>(word); };
     const auto number = [&](const char* before) {
@@ -422,7 +422,7 @@ TEST_F(ImageTranslation, MacrosAreReadForMacroButtonsOnlyAndInOrder) {
   image[58 + 5 * 18] = 6;
   image[58 + 5 * 4] = 2;
   image[58 + 5 * 4 + 1] = 0x08;
-  image[58 + 5 * 4 + 2] = 0x4F;  // its function id is 6, its type is not that of a macro
+  image[58 + 5 * 4 + 2] = 0x4F;  // its function id is 6, but its type is not that of a macro
   decode(image);
   EXPECT_EQ(m_profile.btnInfo[4].FuncID, 6U);
   EXPECT_THAT(m_read, ElementsAre(2, 15));

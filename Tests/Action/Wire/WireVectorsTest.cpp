@@ -1,6 +1,6 @@
 #include "Tests/Support/WireVectors.h"
 
-// The bytes of whole profiles, with the virtual mouse in the process.
+// The bytes of whole profiles, with the virtual mouse in the same process.
 
 namespace {
 

@@ -1,4 +1,4 @@
-// One edit from the click in the main window to the mouse, and back after a new start.
+// Each edit from the click in the main window to the mouse, and back after a restart.
 
 #include <QTest>
 #include <cstring>
@@ -40,7 +40,7 @@ class AssignRoads : public EditorTest {
     return partOf<Control>(*child()->contentView(), name);
   }
   void pressInChild(const char* name) { clickThroughWindow(inChild(name)); }
-  // A button of the mouse that does nothing yet, in the program and on the mouse.
+  // Disables a button in the program and on the mouse.
   void disable(int index) {
     editState->edit().btnInfo[index] = ActionTest::button(255, {}, ButtonTypeDisabled);
     editState->raiseNeedSave();
@@ -96,7 +96,7 @@ class AssignRoads : public EditorTest {
     }
     EXPECT_THAT(mouse().faults(), IsEmpty());
   }
-  // The end of every road: try it, keep it, apply all, and start anew.
+  // The common end: apply, keep, apply all and restart.
   void finish(const char* hotSpot, int position, const char* entry, const std::string& shown,
               Memory expected) {
     putEntry(expected, position, entry);
@@ -115,7 +115,7 @@ class AssignRoads : public EditorTest {
     expectMemory(expected);
     startAgain();
     EXPECT_EQ(caption(hotSpot), shown);
-    // A start sends the LED mode, which has a value of its own for the third light.
+    // A start sends the LED mode, which has its own value for the third light.
     expected.images[0][50] = 2;
     expected.images[0][3] = checksumOf(expected.images[0]);
     expectMemory(expected);

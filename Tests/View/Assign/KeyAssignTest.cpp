@@ -1,4 +1,4 @@
-// The window in which a button of the mouse gets what it does.
+// The window that assigns a function to a button of the mouse.
 
 #include <QTest>
 
@@ -18,7 +18,7 @@ namespace {
 
 class KeyAssign : public AssignTest {
  protected:
-  // Every field has a value of its own.
+  // A button whose fields all differ.
   static _BTN_INFO full(std::uint32_t type, std::uint32_t code = 13) {
     _BTN_INFO info = button(code, {11, 12, 13, 14}, type);
     setText(info.app_path, "/opt/tool.app");
@@ -26,9 +26,9 @@ class KeyAssign : public AssignTest {
     return info;
   }
   std::string title() { return control("comSelBtn").title().toStdString(); }
-  // The button of the DPI functions.
+  // The list button of the DPI functions.
   LXButton& function() { return partOf<LXButton>(part<QWidget>("sensitivityView"), "selBtn"); }
-  // Keeps the local notifications that end with the test.
+  // The names of the local notifications that `during` posts.
   std::vector<std::string> heard(const std::function<void()>& during) {
     std::vector<std::string> names;
     const auto link =
@@ -328,7 +328,7 @@ TEST_F(KeyAssign, TheRemovalOfTheMouseEndsThePanelAsItWas) {
   EXPECT_EQ(panel().endTag(), 0);
   EXPECT_THAT(trace(), IsEmpty());
   EXPECT_TRUE(isSame(panel().tmpBtnInfo(), full(3, 1)));
-  // It listens no longer.
+  // The closed window no longer listens.
   EXPECT_THAT(heard([] { LocalNotifications::shared().post(NerinAction::notifyOutPlus); }),
               ElementsAre("Notify_OutPlus"));
 }

@@ -1,4 +1,4 @@
-// A key for a button: the next one that is pressed.
+// Assigning a captured key to a button.
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-// A program that a button launches.
+// Assigning a program to a button.
 
 #include <gmock/gmock.h>
 
@@ -17,7 +17,7 @@ namespace {
 class LaunchAssign : public AssignTest {
  protected:
   LaunchAssign() { library().setCurrFWProfileIndex(2); }
-  // What the button did before.
+  // The button's previous assignment.
   static _BTN_INFO other(std::uint32_t type = 3) {
     _BTN_INFO info = button(1, {11, 12, 13, 14}, type);
     setText(info.app_path, "/opt/old.app");
@@ -37,7 +37,7 @@ class LaunchAssign : public AssignTest {
     m_chosen = path;
     clickThroughWindow(chooser());
   }
-  // What the background service would launch.
+  // The program that the background service would launch.
   std::optional<std::string> recorded(int bIndex, int slot = 2) {
     return library().getLaunchPath(slot, bIndex);
   }

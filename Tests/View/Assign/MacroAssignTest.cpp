@@ -1,4 +1,4 @@
-// A macro for a button, and how often it plays.
+// Assigning a macro to a button, and its repeat mode.
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -45,7 +45,7 @@ class MacroAssign : public AssignTest {
   static void pressIn(TkeyRepeatView& dialog, const char* name) {
     clickThroughWindow(partOf<LXButton>(dialog, name));
   }
-  // Asks for the count and lets the dialog be answered.
+  // Opens the dialog for the count and answers it.
   void ask(std::function<void(LXNoTitleWindow&, TkeyRepeatView&)> answer) {
     const int before = modals();
     onModal<TkeyRepeatView>(std::move(answer));
@@ -203,7 +203,7 @@ TEST_F(MacroAssign, TheListOfMacrosIsLetGoWithItsUser) {
   process();
   EXPECT_EQ(openList(), nullptr);
   EXPECT_TRUE(macromenulist::list() == nullptr || !macromenulist::list()->menuDelegate());
-  // Nobody is left to hear of the list.
+  // No delegate is left to call.
   NerinAction::refreshMenuList();
 }
 
@@ -219,7 +219,7 @@ TEST_F(MacroAssign, TheOneWhoOpensTheListLastHearsOfTheChoice) {
   choose(*openList(), "Seven");
   EXPECT_EQ(other.heard, 1);
   EXPECT_EQ(macroTitle(), "Five");
-  // Letting go of what another one uses does nothing.
+  // Releasing a list of another delegate does nothing.
   macromenulist::release(&sub());
   EXPECT_NE(macromenulist::list(), nullptr);
   chooseMacro("Seven");

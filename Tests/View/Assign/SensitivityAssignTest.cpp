@@ -1,4 +1,4 @@
-// A DPI function for a button.
+// Assigning a DPI function to a button.
 
 #include <QTest>
 #include <cstring>
@@ -24,7 +24,7 @@ namespace {
 
 class SensitivityAssign : public AssignTest {
  protected:
-  // Function 1 sets a value, the others go through the levels.
+  // Function 1 sets a value, the others use the levels.
   static _BTN_INFO dpi(std::uint32_t id, std::uint32_t x = 64, std::uint32_t y = 64) {
     const std::uint32_t codes[] = {0, 16, 9, 10, 11, 21};
     _BTN_INFO info = button(codes[id], {x, y, 13, 14}, 4);

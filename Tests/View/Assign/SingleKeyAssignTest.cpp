@@ -1,4 +1,4 @@
-// A mouse function for a button, and what tells it from a key.
+// Assigning a mouse function to a button, and its difference from a key.
 
 #include <gmock/gmock.h>
 

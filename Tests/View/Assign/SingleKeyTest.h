@@ -51,7 +51,7 @@ class SingleKeyTest : public AssignTest {
   std::string current() { return textOf(display("oldKeyEdt")); }
   bool saysThatItCannotBeSent() { return display("noteTxt").isVisible(); }
 
-  // As the window system sends keys: to what has the focus.
+  // Sends a key like the window system: to the focused widget.
   static void down(std::uint32_t key, bool isRepeat = false) {
     QKeyEvent event = nativeEvent(QEvent::KeyPress, key, 0, isRepeat);
     QApplication::sendEvent(QApplication::focusWidget(), &event);
@@ -64,7 +64,7 @@ class SingleKeyTest : public AssignTest {
     down(key);
     up(key);
   }
-  // A key that Qt would make something else of, by its name for Qt.
+  // Taps a key that Qt would handle itself. `meaning` is Qt's name for it.
   static void tap(std::uint32_t key, Qt::Key meaning, Qt::KeyboardModifiers held = {}) {
     for (const auto type : {QEvent::ShortcutOverride, QEvent::KeyPress, QEvent::KeyRelease}) {
       QKeyEvent event(type, meaning, held, key + 8, 0, 0);

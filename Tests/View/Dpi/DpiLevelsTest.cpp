@@ -1,4 +1,4 @@
-// The editor of the levels, as both of its windows have it.
+// The editor of the levels, in both of its windows.
 
 #include <QTest>
 #include <cstring>
@@ -16,7 +16,7 @@ using testing::IsEmpty;
 
 namespace {
 
-// The levels with one value and with two, by their names.
+// The names of the levels with one value and with two.
 constexpr const char* singles = "levelView";
 constexpr const char* doubles = "levelXYView";
 
@@ -41,7 +41,7 @@ class DpiLevels : public EditorTest, public testing::WithParamInterface<const ch
     show(m_levels);
     clearTrace();
   }
-  // As above, with two values in one of the levels.
+  // Opens the window with two values in one level.
   void openTwoValued() {
     editState->edit().ySensArr[1] = 25;
     openLevels();
@@ -60,7 +60,7 @@ class DpiLevels : public EditorTest, public testing::WithParamInterface<const ch
   std::vector<int> visible(const char* set) {
     return numbers([&](int number) { return level(set, number).isVisible(); });
   }
-  // The marked ones of the set that shows.
+  // The marked levels of the visible set.
   std::vector<int> marked() {
     return numbers(
         [&](int number) { return (levels().isXY() ? both(number) : one(number)).isActive(); });
@@ -71,7 +71,7 @@ class DpiLevels : public EditorTest, public testing::WithParamInterface<const ch
   std::vector<std::uint32_t> inLevel(int number) {
     return {one(number).dpiValue(), both(number).dpiXValue(), both(number).dpiYValue()};
   }
-  // Beside the field.
+  // Clicks beside the field.
   void clickLevel(LevelView& level) {
     const QPoint beside = level.mapTo(&host(), QPoint(3, level.height() - 3));
     QTest::mouseClick(host().windowHandle(), Qt::LeftButton, {}, beside);

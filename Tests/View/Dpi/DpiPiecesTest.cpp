@@ -1,4 +1,4 @@
-// What the two DPI windows are made of: the slider of a level, and the level with its fields.
+// The parts of both DPI windows: the slider of a level, and the level with its fields.
 
 #include <QLabel>
 #include <QTest>
@@ -28,7 +28,7 @@ class DpiSlider : public EditorTest, protected DpiSliderDelegate {
     m_heard.push_back({sender.dpiValue(), sender.dpiXValue(), sender.dpiYValue()});
   }
   LXProgressBar& bar(const char* name) { return partOf<LXProgressBar>(m_view, name); }
-  // The shown label whose middle is the knob's, or nothing.
+  // The visible label above the knob, if any.
   std::string labelAtKnob(const LXProgressBar& bar) {
     for (const auto* label : m_view.findChildren<QLabel*>()) {
       const int knob = bar.x() + bar.indicatePosition();
@@ -70,12 +70,12 @@ class DpiLevel : public EditorTest, protected LevelViewDelegate {
     return partOf<LXNumberTextField>(*m_level, name);
   }
   std::string shown(const char* name = "dpiEdt") { return textOf(field(name)); }
-  // Whether the level's picture is that one.
+  // Whether the level shows that picture.
   bool shows(const LXImage& image) const {
     return m_level->bgImage().pixmap().toImage() == image.pixmap().toImage();
   }
 
-  // Before the window: what is typed is told when that goes.
+  // Destroyed after the window, which reports typed values when it closes.
   std::vector<std::string> m_heard;
   std::unique_ptr<QWidget> m_window;
   LevelView* m_level = nullptr;

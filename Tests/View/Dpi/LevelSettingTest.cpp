@@ -1,4 +1,4 @@
-// The levels alone, in a window over the key assignment.
+// Only the levels, in a window over the key assignment.
 
 #include <QTest>
 #include <cstring>
@@ -30,7 +30,7 @@ class LevelSetting : public EditorTest {
     editState->clearNeedSave();
     m_stored = editState->selProfile();
   }
-  // Runs the window over another one, hands it over, and gives the code with which it ends.
+  // Runs the window over another one, calls `act` with it, and returns its end code.
   int run(std::function<void(LXNoTitleWindow&, LevelSettingView&)> act) {
     QWidget over;
     over.resize(700, 600);
@@ -48,7 +48,7 @@ class LevelSetting : public EditorTest {
   static void pressIn(LevelSettingView& levels, const char* name) {
     clickThroughWindow(partOf<LXButton>(levels, name));
   }
-  // The active level, with the slider.
+  // Moves the slider of the active level.
   static void moveSlider(LevelSettingView& levels) {
     hitKey(partOf<LXProgressBar>(levels, "dpiPro"), Qt::Key_Right);
   }
@@ -176,7 +176,7 @@ TEST_F(LevelSetting, CancelSendsTheEditAgainAndKeepsTheProfile) {
   EXPECT_THAT(told(), IsEmpty());
 }
 
-// What was not saved is not in the working copy either.
+// Values that were not saved are not in the working copy.
 TEST_F(LevelSetting, CancelWithoutApplySendsWhatWasStored) {
   EXPECT_EQ(run([](LXNoTitleWindow&, LevelSettingView& levels) {
               moveSlider(levels);
@@ -215,7 +215,7 @@ TEST_F(LevelSetting, WhatWasTypedLastCountsWhenAButtonIsPressed) {
 
 TEST_F(LevelSetting, TheSliderIsSavedIntoTheActiveLevelBeforeAllLevelsAre) {
   run([](LXNoTitleWindow& window, LevelSettingView& levels) {
-    // Out of step with its level: the level has the last word.
+    // The slider differs from its level, and the level wins.
     partOf<DpiSliderView>(levels, "dpiSliderView").setDpiValue(99);
     levels.saveDPiData(editState->currSetProfile().currSelectDPI);
     EXPECT_EQ(editState->currSetProfile().xSensArr[1], 99U);

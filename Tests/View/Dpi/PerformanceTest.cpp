@@ -1,4 +1,4 @@
-// The window of the levels, the report rate and the lift-off height.
+// The window with the levels, the report rate and the lift-off height.
 
 #include <QTest>
 #include <cstring>
@@ -43,7 +43,7 @@ class Performance : public EditorTest {
     return partOf<LXNumberTextField>(
         part<LevelView>(("levelView" + std::to_string(number)).c_str()), "dpiEdt");
   }
-  // Something that a person did: another rate, another height, another DPI.
+  // Edits the rate, the height and the DPI as a user does.
   void edit() {
     press("rate1000Btn");
     hitKey(lift(), Qt::Key_Right);
@@ -68,7 +68,7 @@ class Performance : public EditorTest {
     first.push_back(last);
     return first;
   }
-  // Levels reach the working copy when they are saved; the lift height does at once.
+  // Saving puts the levels into the working copy; the lift height is there at once.
   void expectCancelled() {
     _Nerin_PROFILE worked = m_stored;
     worked.liftHeight = 13;

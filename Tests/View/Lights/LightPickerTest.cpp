@@ -1,4 +1,4 @@
-// Picking a color for a zone: the field, the brightness, the bar, numbers and recent colors.
+// Picking a zone's color in the field, the brightness, the bar, the numbers and the recent colors.
 
 #include <QAbstractButton>
 #include <QTest>
@@ -26,7 +26,7 @@ class LightPicker : public LightTest {
     return {static_cast<int>(color(0).cR), static_cast<int>(color(0).cG),
             static_cast<int>(color(0).cB)};
   }
-  // At a fraction of its width and height, through the window system.
+  // The point at a fraction of the widget's width and height.
   static QPoint placeIn(const QWidget& widget, double x, double y) {
     return widget.mapTo(widget.window(), QPoint(qRound(x * (widget.width() - 1)),
                                                 qRound(y * (widget.height() - 1))));
@@ -55,7 +55,7 @@ class LightPicker : public LightTest {
     }
     return all;
   }
-  // Ten greys, so that no other test's colors are left.
+  // Ten grays replace the colors of other tests.
   static void forgetColors() {
     for (int i = 0; i < 10; ++i) {
       const double grey = (100 + i) / 255.0;
@@ -187,7 +187,7 @@ TEST_F(LightPicker, TheBrightnessKeepsTheHue) {
     expectNear(stored(), QColor::fromHsvF(static_cast<float>(hue), static_cast<float>(saturation),
                                           static_cast<float>(brightness().brightness())));
   }
-  // Nor is it lost by a grey, or by black, that comes from elsewhere.
+  // Gray or black from another control does not lose it either.
   light().colorPanel().setSelColor({0.5, 0.5, 0.5});
   EXPECT_EQ(field().hue(), hue);
   EXPECT_EQ(field().saturation(), 0);
@@ -215,7 +215,7 @@ TEST_F(LightPicker, BeginsWhereTheZoneIs) {
   EXPECT_NEAR(field().saturation(), 2.0 / 3, 0.001);
   press("leftLightTagBtn");
   EXPECT_THAT(numbers(), ElementsAre("100", "110", "120", "646E78"));
-  // To show it is no change.
+  // Showing a color is not a change.
   EXPECT_EQ(light().beforeColor(), LightColor());
   expectColor(color(3), 100, 110, 120);
 }
@@ -245,7 +245,7 @@ TEST_F(LightPicker, TheBarIsAPictureOfItsColors) {
   EXPECT_EQ(bar().minimum(), 0);
   EXPECT_EQ(bar().maximum(), 265);
   EXPECT_EQ(bar().tag(), 242);
-  // A position is a row of the picture, counted from its top.
+  // A position is a row of the picture, counted from the top.
   for (const int position : {0, 1, 40, 100, 132, 200, 264, 265}) {
     bar().setValue(position);
     light().progessBarAction(bar());
@@ -261,7 +261,7 @@ TEST_F(LightPicker, TheBarIsAPictureOfItsColors) {
   other.setTag(241);
   other.setValue(10);
   light().progessBarAction(other);
-  // Nor is there a color beside the picture.
+  // There is no color outside the picture.
   other.setTag(242);
   other.setValue(266);
   light().progessBarAction(other);
@@ -313,7 +313,7 @@ TEST_F(LightPicker, ACodeIsSixDigits) {
   typeCode("#12aBcD");
   expectColor(color(0), 0x12, 0xAB, 0xCD);
   EXPECT_EQ(textOf(code), "12ABCD");
-  // What is none goes back, and stores nothing.
+  // Text that is not a color is rejected and not stored.
   for (const char* text : {"1", "#", "12345", "ghijkl"}) {
     typeCode(text);
     EXPECT_EQ(textOf(code), "12ABCD") << text;
@@ -346,7 +346,7 @@ TEST_F(LightPicker, ColorsThatWereUsedCanBeChosenAgain) {
   light().onChangeColorPro({1, 0, 0});
   press("reProfileLightBtn");
   light().onChangeColorPro({0, 0, 1});
-  // Only once they are applied or kept.
+  // Colors become recent when they are applied or kept.
   EXPECT_EQ(recent()[0]->accessibleName(), "#6D6D6D");
   press("applyBtn");
   ASSERT_EQ(recent().size(), 10U);
@@ -360,7 +360,7 @@ TEST_F(LightPicker, ColorsThatWereUsedCanBeChosenAgain) {
   clickThroughWindow(*recent()[9]);
   expectColor(color(2), 102, 102, 102);
   press("okBtn");
-  // The last ones first, each of them once.
+  // Newest first, without duplicates.
   openZone();
   EXPECT_EQ(recent()[0]->accessibleName(), "#FF0000");
   EXPECT_EQ(recent()[1]->accessibleName(), "#0000FF");

@@ -93,7 +93,7 @@ TEST_F(Light, ApplySendsTheColorsAndEndsTheChoice) {
   press("midLightBtn");
   light().onChangeColorPro({1, 1, 1});
   press("applyBtn");
-  // Three bytes for each of four zones, and what makes them count.
+  // Three bytes for each of the four zones, and the command that activates them.
   ASSERT_THAT(sent(), SizeIs(13));
   EXPECT_EQ(sent().front(), "SET 0300 0 c40f0027ff000000");
   EXPECT_EQ(sent()[11], "SET 0300 0 c40f003578000000");

@@ -7,7 +7,7 @@
 #include "Tests/Support/EditorTest.h"
 #include "View/Lights/LightView.h"
 
-// The window of the four zones' colors over a profile with colors of its own.
+// The window for the colors of the four zones, with a profile of distinct colors.
 class LightTest : public EditorTest {
  protected:
   LightView& open() {
@@ -27,7 +27,7 @@ class LightTest : public EditorTest {
   const _LightColorInfo& color(int index) {
     return editState->currSetProfile().lightColorArr[index];
   }
-  // What gives the mouse these colors.
+  // The commands that send these colors to the mouse.
   static std::vector<std::string> colorCommands(const _Nerin_PROFILE& profile) {
     std::vector<std::string> commands;
     const auto send = [&](Bytes bytes) {

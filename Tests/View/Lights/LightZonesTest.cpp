@@ -1,4 +1,4 @@
-// The four zones of the LED window: choosing one, its line, its color and its history.
+// The four zones of the LED window: selection, line, color and history.
 
 #include <QEnterEvent>
 #include <QPixmap>
@@ -41,7 +41,7 @@ const LightColor blue{0, 0, 1};
 
 class LightZones : public LightTest, public testing::WithParamInterface<Zone> {
  protected:
-  // Of the zones whose lines show.
+  // The zones with a visible line.
   std::vector<int> lines() {
     std::vector<int> all;
     for (const Zone& zone : zones) {
@@ -80,7 +80,7 @@ TEST_P(LightZones, HasAButtonAMarkerAndALine) {
     EXPECT_FALSE(control(name).accessibleName().isEmpty()) << name;
     EXPECT_TRUE(control(name).isStepItem()) << name;
   }
-  // Only its color is to be seen.
+  // The button shows only its color.
   const auto& images = control(zone.button).images();
   EXPECT_TRUE(images.normal.isNull() && images.over.isNull() && images.hight.isNull() &&
               images.disable.isNull() && images.active.isNull());
@@ -105,7 +105,7 @@ TEST_P(LightZones, IsChosenByItsButtonAndByItsMarker) {
     EXPECT_THAT(lines(), ElementsAre(zone.number));
     EXPECT_TRUE(control(one).isChecked());
     EXPECT_FALSE(control(twin).isChecked());
-    // The same one again, in the other group and in its own.
+    // Select the same zone again, in the other group and in its own.
     press(twin);
     EXPECT_EQ(light().currSelectedIndex(), zone.number);
     EXPECT_TRUE(control(twin).isChecked());
@@ -114,7 +114,7 @@ TEST_P(LightZones, IsChosenByItsButtonAndByItsMarker) {
     EXPECT_TRUE(control(one).isChecked());
     press(one);
     EXPECT_THAT(lines(), ElementsAre(zone.number));
-    // Another one, and back.
+    // Select another zone, then the first again.
     press(byMarker ? other().button : other().marker);
     EXPECT_EQ(light().currSelectedIndex(), other().number);
     EXPECT_THAT(lines(), ElementsAre(other().number));
@@ -144,7 +144,7 @@ TEST_P(LightZones, ItsColorIsPaintedInItsPlace) {
     EXPECT_EQ(pixel(control(other().button).geometry().center()),
               shown(editState->selProfile().lightColorArr[other().number - 1]));
   }
-  // Within a frame, with round corners: there the color does not show.
+  // The frame has round corners, which do not show the color.
   const QColor corner = pixel(well.topLeft() + QPoint(4, 4));
   const QColor edge = pixel(well.topLeft() + QPoint(1, well.height() / 2));
   light().onChangeColorPro(blue);
@@ -216,7 +216,7 @@ TEST_P(LightZones, ItsHistoryIsWhatItWasAndWhatItIs) {
   light().onChangeColorPro(green);
   EXPECT_EQ(before(), red.shown());
   EXPECT_EQ(after(), green.shown());
-  // The same zone by its marker changes nothing to be seen.
+  // Selecting the same zone by its marker changes nothing visible.
   press(zone.marker);
   EXPECT_EQ(before(), red.shown());
   EXPECT_EQ(after(), green.shown());
@@ -224,7 +224,7 @@ TEST_P(LightZones, ItsHistoryIsWhatItWasAndWhatItIs) {
   EXPECT_EQ(before(), QColor(Qt::black));
   EXPECT_EQ(after(), shown(editState->selProfile().lightColorArr[other().number - 1]));
   press(zone.button);
-  // The last zone is remembered as it was filled, though it has the color.
+  // The last zone keeps its original history, although its color changed.
   const bool isLast = zone.number == 4;
   EXPECT_EQ(before(), isLast ? QColor(Qt::black) : red.shown());
   EXPECT_EQ(after(), isLast ? filled : green.shown());
@@ -339,12 +339,12 @@ TEST_F(LightZones, AComponentIsRoundedToEightBits) {
                           {0.75, 191},
                           {0.1, 25},
                           {0.3, 76},
-                          // Half a step more is the next one, barely less is not.
+                          // Half a step rounds up, slightly less rounds down.
                           {127.5 / 254.99998474121094, 128},
                           {127.4999 / 254.99998474121094, 127},
                           {1.0 / 510, 0},
                           {1.0, 255},
-                          // Only the low bits of what is too large, or too small.
+                          // Values out of range keep only their low bits.
                           {1.01, 2},
                           {-0.01, 253}}) {
     LightView::setColorPro(2, {one.component, 0, 0});
@@ -375,7 +375,7 @@ TEST_F(LightZones, ApplyEndsTheChoiceInBothGroups) {
     const _Nerin_PROFILE applied = editState->currSetProfile();
     light().onChangeColorPro(red);
     EXPECT_TRUE(isSameProfile(editState->currSetProfile(), applied));
-    // The very same one can be chosen again.
+    // The same zone can be selected again.
     press(chosen);
     EXPECT_EQ(light().currSelectedIndex(), 3);
     EXPECT_THAT(lines(), ElementsAre(3));

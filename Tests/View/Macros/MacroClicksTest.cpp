@@ -1,4 +1,4 @@
-// What a recording takes of the mouse's buttons, wherever in the window they are pressed.
+// Recording mouse buttons anywhere in the window.
 
 #include <QApplication>
 #include <QLineEdit>
@@ -18,7 +18,7 @@ namespace {
 
 class MacroClicks : public MacroViewTest {
  protected:
-  // Through the window system, which knows what is disabled or transparent there.
+  // Clicks through the window system, which knows disabled and transparent widgets.
   void clickAt(QWidget& widget, Qt::MouseButton button = Qt::LeftButton) {
     clickThroughWindow(widget, button);
   }
@@ -39,7 +39,7 @@ const std::vector<std::string> otherClick{"122/3", "122/4"};
 TEST_F(MacroClicks, ARepeatLeavesTheTimeAlone) {
   openAndRecord();
   pressMouse(QEvent::MouseButtonPress, Qt::LeftButton, 1000);
-  // The desktop tells of a second press where a release was lost.
+  // If a release is lost, the desktop sends a second press.
   pressMouse(QEvent::MouseButtonPress, Qt::LeftButton, 1300);
   pressMouse(QEvent::MouseButtonRelease, Qt::LeftButton, 1450);
   pressMouse(QEvent::MouseButtonPress, Qt::RightButton, 1500);
@@ -48,7 +48,7 @@ TEST_F(MacroClicks, ARepeatLeavesTheTimeAlone) {
 
 TEST_F(MacroClicks, EveryClickInTheWindowIsTaken) {
   openAndRecord();
-  // Disabled or not, and whatever lies there.
+  // All kinds of controls, also disabled ones.
   for (const char* one :
        {"macroNameBtn", "newMacroBtn", "okBtn", "cancelBtn", "recordBtn", "insertStopBtn",
         "insertCancelBtn", "insertDefDelayChk", "macroNameTxt", "defDelayTxt", "insertDefDelayTxt",
@@ -168,13 +168,13 @@ TEST_F(MacroClicks, WithoutARecordingClicksAreOrdinary) {
     clickAt(part<QWidget>(one), Qt::RightButton);
   }
   EXPECT_THAT(commands(), SizeIs(3));
-  // Pressing the right button chooses no row, the left one does.
+  // The right button selects no row; the left button does.
   const QPoint third = table().visualRect(table().model()->index(2, 1)).center();
   QTest::mouseClick(table().viewport(), Qt::RightButton, {}, third);
   EXPECT_EQ(row(), 0);
   QTest::mouseClick(table().viewport(), Qt::LeftButton, {}, third);
   EXPECT_EQ(row(), 2);
-  // The rows are deaf while it records.
+  // While recording, a click selects no row.
   record();
   QTest::mouseClick(table().viewport(), Qt::LeftButton, {},
                     table().visualRect(table().model()->index(0, 1)).center());

@@ -1,4 +1,4 @@
-// Moving, deleting and putting in the commands of a macro.
+// Moving, deleting and inserting the commands of a macro.
 
 #include <gmock/gmock.h>
 
@@ -13,7 +13,7 @@ namespace {
 
 class MacroCommands : public MacroViewTest {
  protected:
-  // Their codes.
+  // The codes of the commands.
   std::vector<int> codes() {
     std::vector<int> all;
     for (const auto& command : commands()) {
@@ -78,7 +78,7 @@ TEST_F(MacroCommands, DeletingSelectsWhatMovedUpOrTheLast) {
   EXPECT_THAT(codes(), IsEmpty());
   EXPECT_EQ(editor().selKeyInfo(), nullptr);
   EXPECT_THAT(moves(), IsEmpty());
-  // Nobody was asked.
+  // No message was shown.
   EXPECT_THAT(m_shown, IsEmpty());
   editor().delCommand();
   EXPECT_THAT(codes(), IsEmpty());
@@ -156,7 +156,7 @@ TEST_F(MacroCommands, AFunctionIsPutInWhereTheSelectedCommandIs) {
   EXPECT_EQ(row(), 0);
   EXPECT_EQ(table().model()->index(0, MacroCommandModel::Command).data().toString(),
             "Delay before the Selected Line");
-  // It counts as the last one of a recording: the same again would be a repeat.
+  // It counts as the last recorded command, so the same command again is a repeat.
   editor().AddNewKey(3, MacroKeyInfo::Function);
   EXPECT_EQ(commands().size(), 4U);
 }

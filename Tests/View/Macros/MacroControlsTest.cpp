@@ -1,5 +1,5 @@
-// Every control of the macro editor: what it is called, what it says and what a click on it does;
-// and how the window begins and ends.
+// Every control of the macro editor: its name, its text and its effect; and how the window opens
+// and closes.
 
 #include <QAccessible>
 #include <QTest>
@@ -21,8 +21,8 @@ struct Row {
   const char* name;
   int tag;
   const char* tooltip;
-  const char* effect;  // of a click, on the second of three commands with the insert panel on
-  // What a screen reader says, where there is no tooltip.
+  const char* effect;  // of a click, on the second of three commands, with the insert panel on
+  // The text for screen readers, if there is no tooltip.
   const char* heard = nullptr;
 };
 
@@ -102,7 +102,7 @@ class MacroControls : public MacroViewTest, public testing::WithParamInterface<R
     }
     return count;
   }
-  // What is there to see, in words; what was there before is left out.
+  // The visible effects in words.
   std::vector<std::string> effect() {
     std::vector<std::string> parts;
     for (const std::string& text : m_shown) {
@@ -304,7 +304,7 @@ TEST_F(MacroControls, TheMouseThatGoesClosesTheWindowAndItsLists) {
     EXPECT_EQ(editor().endTag(), 0);
     EXPECT_FALSE(editor().isRecord());
     EXPECT_EQ(ends, ++expected);
-    // Once is enough.
+    // A second notification has no effect.
     LocalNotifications::shared().post("Notify_OutPlus");
     EXPECT_EQ(ends, expected);
   }

@@ -1,4 +1,4 @@
-// The library of macros and the commands of one of them.
+// The library of macros and the commands of a macro.
 
 #include <fstream>
 

@@ -1,4 +1,4 @@
-// What a recording takes of the keyboard, where its commands stand and what pauses they have.
+// Recording keys: which keys are taken, where their commands go, and their delays.
 
 #include <QLineEdit>
 #include <QTest>
@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::uint32_t capsLocked = 2;
 
-// How the pauses of a recording are made, and what that makes of one of 100 ms.
+// A delay rule, and its result for a pause of 100 ms.
 struct Choice {
   const char* button;
   int type;
@@ -95,7 +95,7 @@ TEST_F(MacroEvents, AKeyWithoutACodeIsNone) {
   down(static_cast<Key>(240), 1000);
   up(static_cast<Key>(240), 1010);
   EXPECT_THAT(rows(), IsEmpty());
-  // Only sixteen bits of a code count.
+  // Only the low 16 bits of a code count.
   editor().AddNewKey(0xABCD0005, MacroKeyInfo::KeyPress);
   EXPECT_THAT(kinds(), ElementsAre("5/0"));
 }
@@ -145,7 +145,7 @@ TEST_F(MacroEvents, ARecordingLeavesTheCommandsBeforeItAlone) {
   stop();
   up(KeyA, 1100);
   record();
-  // The same as the last one of the recording before.
+  // The same key as the last one of the previous recording.
   down(KeyA, 9000);
   up(KeyA, 9040);
   stop();
@@ -157,7 +157,7 @@ TEST_F(MacroEvents, TheFirstEventOfARecordingHasNothingBeforeIt) {
   down(KeyA, 1000);
   stop();
   record();
-  // A command that was put in meanwhile is the last one, but nobody knows since when.
+  // An inserted command is now the last one, but it has no time.
   editor().insertCom();
   down(KeyB, 9000);
   EXPECT_THAT(rows(), ElementsAre("1/2/0", "11/0/0", "0/0/0"));
@@ -218,7 +218,7 @@ TEST_F(MacroEvents, WhereAnInsertedRecordingStands) {
                              {3, 0, 1, 0},
                              {3, -1, 1, 0},
                              {3, -1, 2, 1},
-                             // There is no place behind the end.
+                             // An index beyond the end means the end.
                              {0, -1, 2, 0},
                              {0, -1, 4, 0}}) {
     openOn(place.count, place.selected);
@@ -258,7 +258,7 @@ TEST_F(MacroEvents, EveryRecordedCommandIsSelectedAndInSight) {
     EXPECT_TRUE(
         table().viewport()->rect().contains(table().visualRect(table().currentIndex()).center()));
   }
-  // What is selected enables nothing meanwhile.
+  // While recording, the selection enables nothing.
   EXPECT_FALSE(control("keyUpBtn").isEnabled());
   EXPECT_FALSE(control("delKeyBtn").isEnabled());
   EXPECT_EQ(part<UsageBar>("eventBar").words(), "40 / 40");
@@ -269,7 +269,7 @@ TEST_F(MacroEvents, WhatIsRefusedChangesNothing) {
   record();
   down(KeyEsc, 1000);
   EXPECT_THAT(m_shown, IsEmpty());
-  // As the last one: a repeat is no further command.
+  // A repeat of the last command is not added.
   editor().AddNewKey(53, MacroKeyInfo::KeyPress);
   EXPECT_THAT(m_shown, IsEmpty());
   up(KeyEsc, 1500);
@@ -277,7 +277,7 @@ TEST_F(MacroEvents, WhatIsRefusedChangesNothing) {
   EXPECT_THAT(m_shown, SizeIs(2));
   EXPECT_THAT(commands(), SizeIs(40));
   EXPECT_EQ(commands().back()->delay(), 0);
-  // Room again: the time since the last command that was taken.
+  // With room again, the delay counts from the last recorded command.
   commands().erase(commands().begin());
   up(KeyB, 1700);
   EXPECT_EQ(commands()[38]->delay(), 700);
@@ -292,7 +292,7 @@ TEST_F(MacroEvents, TheMessageHasTheKeyboardWhileItIsUp) {
   platform.showInfoMessage = [&](const std::string&) {
     ++shown;
     grabber = QWidget::keyboardGrabber();
-    // Nor does it hear of what is recorded meanwhile.
+    // Nor does the macro get keys that are pressed meanwhile.
     down(KeyB, 2100);
   };
   LXPlatform::install(platform);
@@ -321,7 +321,7 @@ TEST_F(MacroEvents, TheKeyThatAnswersTheMessageIsNoPartOfTheMacro) {
   up(KeySpace, 2200);
   process();
   EXPECT_EQ(shown, 1);
-  // The next one is a key of the macro again.
+  // The next key is recorded again.
   up(KeyA, 2300);
   EXPECT_EQ(shown, 2);
 }
@@ -352,7 +352,7 @@ TEST_F(MacroEvents, AnotherWindowHasTheKeyboardWhileItIsActive) {
   host().activateWindow();
   process();
   EXPECT_EQ(QWidget::keyboardGrabber(), &table());
-  // It was let go there, which nobody told.
+  // The key was released in the other window, without an event here.
   up(KeyLeftAlt, 2000);
   down(KeyLeftAlt, 3000);
   up(KeyLeftAlt, 3100);

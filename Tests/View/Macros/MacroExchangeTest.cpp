@@ -1,4 +1,4 @@
-// Macros that are written to files of their own and read from them.
+// Exporting macros to files and importing them.
 
 #include <QElapsedTimer>
 #include <array>
@@ -29,7 +29,7 @@ class MacroExchange : public MacroViewTest {
   }
 };
 
-// A binary property list, of at most 255 objects.
+// A binary property list with a maximum of 255 objects.
 class PropertyListWriter {
  public:
   using Ref = std::uint8_t;
@@ -82,7 +82,7 @@ class PropertyListWriter {
   std::vector<std::string> m_objects;
 };
 
-// A small file that says that one event comes so many times.
+// A small file that repeats one event that many times.
 std::string archiveOfRepeatedEvent(std::size_t times) {
   enum : std::size_t { Nil, Macro, Events, Event, MacroClass, ArrayClass, EventClass, Name };
   PropertyListWriter plist;
@@ -208,7 +208,7 @@ TEST_F(MacroExchange, OnlyShownNamesAreInUse) {
   import(file("Shown.mac"));
   EXPECT_THAT(m_shown, ElementsAre("A macro of this name already exists."));
   EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(3));
-  // What was edited stays.
+  // The edited macro stays.
   EXPECT_EQ(name(), "Hidden");
   import(file("Hidden.mac"));
   EXPECT_THAT(m_shown, SizeIs(2));
@@ -225,7 +225,7 @@ TEST_F(MacroExchange, AMacroThatWasArchivedAsHiddenStaysHidden) {
   EXPECT_TRUE(NerinAction::macroStore->macroListArrs[0]->isNoDisplay());
   EXPECT_THAT(offered(), IsEmpty());
   EXPECT_EQ(editor().currMacroInfo(), nullptr);
-  // Nor does it block its name.
+  // Nor does it reserve its name.
   import(file("Secret.mac"));
   EXPECT_THAT(names(), ElementsAre("Secret", "Secret"));
 }
@@ -277,7 +277,7 @@ TEST_F(MacroExchange, AFileOfManyEventsIsReadAndShown) {
   EXPECT_EQ(row(), 4998);
   press("delKeyBtn");
   EXPECT_THAT(commands(), SizeIs(4999));
-  // There is no room to record.
+  // There is no room for a recording.
   record();
   down(KeyA, 1000);
   EXPECT_THAT(m_shown, ElementsAre("Maximum number of macros reached"));
@@ -306,7 +306,7 @@ TEST_F(MacroExchange, AMillionEventsKeepNobodyWaiting) {
   import(put("Binary.mac", archiveOfRepeatedEvent(million)));
   process();
   EXPECT_LT(since.elapsed(), longest);
-  // Whatever became of it, the window goes on.
+  // The window still works, whatever the result.
   press("newMacroBtn");
   EXPECT_EQ(name(), "NewMacro_1");
 }

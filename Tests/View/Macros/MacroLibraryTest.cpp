@@ -1,4 +1,4 @@
-// The macros that the editor offers: new, copied, deleted and renamed ones.
+// The editor's library: creating, copying, deleting and renaming macros.
 
 #include <gmock/gmock.h>
 
@@ -87,12 +87,12 @@ TEST_F(MacroLibrary, ANameThatTheMouseGaveIsShownToNobody) {
   EXPECT_EQ(editor().currMacroInfo(), NerinAction::getMacroById(6));
   EXPECT_EQ(control("macroNameBtn").title(), "Macro Key");
   EXPECT_EQ(name(), "Macro Key");
-  // Nor while the list is filled anew.
+  // Nor when the open list is filled again.
   press("macroNameBtn");
   NerinAction::refreshMenuList();
   EXPECT_THAT(titlesOf(*openList()), ElementsAre("Macro Key", "Seven"));
   openList()->hideMenulist();
-  // It is its name all the same.
+  // The macro still has the generated name.
   EXPECT_THAT(names(), ElementsAre("dmr_fw_macro_tag_6", "Seven"));
 }
 
@@ -135,7 +135,7 @@ TEST_F(MacroLibrary, ACopyOfAHiddenMacroIsHidden) {
   press("copyMacroBtn");
   ASSERT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(2));
   EXPECT_TRUE(NerinAction::macroStore->macroListArrs[1]->isNoDisplay());
-  // It is in no list, so that it cannot be the current one.
+  // A hidden macro is in no list, so it cannot be the current one.
   EXPECT_EQ(editor().currMacroInfo(), nullptr);
   EXPECT_EQ(table().model()->rowCount(), 0);
 }
@@ -225,7 +225,7 @@ TEST_F(MacroLibrary, EveryEditOfTheNameIsTheMacrosName) {
   auto& field = part<LXTextField>("macroNameTxt");
   field.setFocus();
   field.end(false);
-  // One letter after the other, with the keyboard; a name in use is no obstacle.
+  // Typed letter by letter; a name may already be in use.
   for (const char* expected : {"On", "O", ""}) {
     hitKey(field, Qt::Key_Backspace);
     EXPECT_EQ(macro->nameStr(), expected);
@@ -237,7 +237,7 @@ TEST_F(MacroLibrary, EveryEditOfTheNameIsTheMacrosName) {
   EXPECT_THAT(m_shown, IsEmpty());
   rename("\xC3\x84\xE6\x97\xA5 <&>");
   EXPECT_EQ(macro->nameStr(), "\xC3\x84\xE6\x97\xA5 <&>");
-  // It is still the one that the buttons mean.
+  // The buttons still use the same macro.
   press("copyMacroBtn");
   EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(3));
   chooseIn("macroNameBtn", "\xC3\x84\xE6\x97\xA5 <&>");

@@ -1,4 +1,4 @@
-// Recording a macro from keys and buttons, with the time that the events carry.
+// Recording a macro from keys and mouse buttons, with the times of the events.
 
 #include <QTest>
 

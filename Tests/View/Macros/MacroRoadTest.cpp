@@ -1,4 +1,4 @@
-// A macro from its recording to what the mouse plays, and back into the program after a new start.
+// A macro from its recording to the mouse, and back into the program after a restart.
 
 #include <QMouseEvent>
 #include <array>
@@ -25,12 +25,12 @@ struct Control {
   Qt::MouseButton button;   // or none
   int keyCode;
   int readBack;
-  int played;  // HID usage of the key, number of the button, or nothing
+  int played;  // HID usage of the key, number of the button, or `lost`
 };
 
 constexpr std::array<Control, 13> controls{{
     {30, Qt::NoButton, 0, 0, 0x04},    // A
-    {0, Qt::LeftButton, 120, 0, 1},    // reads back as a code 0 that only its flag tells apart
+    {0, Qt::LeftButton, 120, 0, 1},    // reads back as code 0; only its flag shows the button
     {42, Qt::NoButton, 56, 56, 0xE1},  // Shift
     {54, Qt::NoButton, 60, 60, 0xE5},  // Right Shift
     {0, Qt::RightButton, 121, 0, 2},
@@ -40,11 +40,11 @@ constexpr std::array<Control, 13> controls{{
     {63, Qt::NoButton, 96, 96, 0x3E},   // F5
     {0, Qt::MiddleButton, 122, 0, 3},
     {28, Qt::NoButton, 36, 36, 0x28},  // Return
-    {13, Qt::NoButton, 24, 0, lost},   // = has no usage, and nothing stands for A
-    {126, Qt::NoButton, 54, 0, lost},  // Right Command neither
+    {13, Qt::NoButton, 24, 0, lost},   // = has no usage, and 0 means A
+    {126, Qt::NoButton, 54, 0, lost},  // nor has Right Command
 }};
 
-// Of each event, to the next one. None is longer than the mouse can hold.
+// The gap after each event. The mouse can store all of them.
 constexpr std::array<int, 8> gaps{120, 1, 0, 17, 300, 5, 1200, 65535};
 
 class MacroRoad : public EditorTest {
@@ -107,13 +107,13 @@ class MacroRoad : public EditorTest {
     process();
     clickThroughWindow(button("applyBtn"));
   }
-  // What is in the program's list.
+  // The commands in the program.
   static Events commands(int Control::*code) {
     Events events;
     for (std::size_t event = 0; event < eventCount; ++event) {
       const Control& control = controlOf(event);
       int flag = (control.button == Qt::NoButton ? 0 : 3) + static_cast<int>(event % 2);
-      // The release of a key that was lost reads back as one more press.
+      // The release of a lost key reads back as another press.
       if (code == &Control::readBack && control.played == lost) {
         flag = MacroKeyInfo::KeyPress;
       }

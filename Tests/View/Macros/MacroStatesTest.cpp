@@ -1,4 +1,4 @@
-// What of the macro editor can be used, and when.
+// When the controls of the macro editor are enabled.
 
 #include <QTest>
 
@@ -27,7 +27,7 @@ TEST_F(MacroStates, ByTheNumberOfCommandsAndTheSelectedOne) {
   addCommands(2);
   select(0);
   EXPECT_THAT(usable(ofCommands), ElementsAre("delKeyBtn", "keyDownBtn", "insertKeyBtn"));
-  // With the pointer, too.
+  // The pointer selects a row, too.
   const QModelIndex second = table().model()->index(1, MacroCommandModel::Command);
   QTest::mouseClick(table().viewport(), Qt::LeftButton, {}, table().visualRect(second).center());
   EXPECT_THAT(usable(ofCommands),
@@ -81,7 +81,7 @@ TEST_F(MacroStates, ADelayIsAlwaysTheFixedOne) {
     EXPECT_TRUE(control("insertDefDelayChk").isChecked());
     control("insertLgnoreDelayChk").click();
     EXPECT_TRUE(control("insertDefDelayChk").isChecked());
-    // The other group is free.
+    // The other group does not depend on it.
     control("lgnoreDelayChk").click();
     EXPECT_TRUE(control("lgnoreDelayChk").isChecked());
     control("autoDelayChk").click();
@@ -111,7 +111,7 @@ TEST_F(MacroStates, RecordingTakesEveryOneButItsStop) {
     control(inserts ? "insertStopBtn" : "stopBtn").click();
     for (const LXButton* one : buttons) {
       const std::string name = one->objectName().toStdString();
-      // The first command is selected; the insert panel is on again where it was recorded from.
+      // The first command is selected; the insert panel is enabled if it began the recording.
       const bool isOff =
           name == "keyUpBtn" || (!inserts && name.starts_with("insert") && name != "insertKeyBtn");
       EXPECT_EQ(one->isEnabled(), !isOff) << name;
@@ -126,7 +126,7 @@ TEST_F(MacroStates, RecordingTakesEveryOneButItsStop) {
 TEST_F(MacroStates, NothingThatNeedsAMacroDoesAnythingWithoutOne) {
   open();
   LXButton stranger;
-  // Those of a delay as well: its field may hold one.
+  // Includes the tags for delays, whose fields may hold a value.
   for (const int tag : {202, 203, 205, 206, 208, 210, 211, 223, 225}) {
     editor().setInsertState(true);
     stranger.setTag(tag);

@@ -1,4 +1,4 @@
-// The rows of a macro's commands: what they show, and how one is selected.
+// The rows of a macro's commands: their content and their selection.
 
 #include <QHeaderView>
 #include <QLineEdit>
@@ -16,7 +16,7 @@ namespace {
 
 class MacroTable : public MacroViewTest {};
 
-// Hears what the table reports.
+// Records the reports of the table.
 class Listener : public RigthMouseTBDelegate {
  public:
   void onMouseEvent(RigthMouseTBView& table, QMouseEvent& /*event*/, int type) override {
@@ -24,7 +24,7 @@ class Listener : public RigthMouseTBDelegate {
     rows.push_back(table.currentIndex().row());
   }
   std::vector<int> types;
-  // Selected when it heard.
+  // The selected row at each report.
   std::vector<int> rows;
 };
 
@@ -49,11 +49,11 @@ TEST_F(MacroTable, ARowHasAnIconWordsAndItsPause) {
       {11, 1, "Release B", "MacroIconKeyUp"},
       {2, 2, "Record after the Selected Line", "MacroIconCommand"},
       {99, 2, "", "MacroIconCommand"},
-      // Pictures stand in the order of the flags, with the one of a pause among them.
+      // The pictures are in the order of the flags, including one for a delay.
       {120, 3, "L Button Down", "MacroIconDelay"},
       {121, 3, "R Button Down", "MacroIconDelay"},
       {122, 4, "M Button Up", "MacroIconMouseDown"},
-      // Keyboard keys with the numbers of mouse buttons.
+      // Keys whose codes are those of mouse buttons.
       {120, 0, "Press L Button", "MacroIconKeyDown"},
       {121, 1, "Release R Button", "MacroIconKeyUp"},
       {122, 0, "Press M Button", "MacroIconKeyDown"},
@@ -113,7 +113,7 @@ TEST_F(MacroTable, TheTableIsWhiteOnBlack) {
   }
   EXPECT_TRUE(hasWhite);
   EXPECT_TRUE(hasBlack);
-  // The selected one is told by its ground.
+  // The background shows the selection.
   EXPECT_NE(picture.pixelColor(line.right() - 2, 2), QColor(Qt::black));
 }
 
@@ -159,7 +159,7 @@ TEST_F(MacroTable, OneCommandIsAlwaysSelected) {
   EXPECT_THAT(selected(), ElementsAre(2));
   QTest::keyClick(&table(), Qt::Key_Up, Qt::ControlModifier);
   EXPECT_THAT(selected(), ElementsAre(row()));
-  // A macro that is chosen begins with its first.
+  // Selecting a macro selects its first command.
   press("newMacroBtn");
   EXPECT_THAT(selected(), IsEmpty());
   chooseIn("macroNameBtn", "NewMacro_1");
@@ -196,7 +196,7 @@ TEST_F(MacroTable, ItsDelegateHearsOfEveryButtonFirst) {
     EXPECT_EQ(listener.rows.front(), 0) << captures;
     EXPECT_EQ(row(), captures ? 0 : 2);
   }
-  // Without a delegate there is nobody to tell.
+  // Without a delegate, there are no reports.
   table().setLXBtnDelege(nullptr);
   clickAll();
   EXPECT_EQ(listener.types.size(), 8U);

@@ -11,7 +11,7 @@
 #include "Tests/Support/EditorTest.h"
 #include "View/Macros/MacroView.h"
 
-// The macro editor over a catalogue of its own.
+// The macro editor with a catalogue for the test.
 class MacroViewTest : public EditorTest {
  protected:
   // By evdev code.
@@ -35,19 +35,19 @@ class MacroViewTest : public EditorTest {
     KeyFunction = 464
   };
 
-  // The values that last as long as the program begin anew.
+  // Resets the values that last until the program ends.
   MacroViewTest();
 
   MacroView& open();
-  // With a macro that holds so many commands, of which one is selected.
+  // Opens the editor with a macro of `count` commands, one of them selected.
   MacroView& openOn(int count, int selected);
   MacroView& editor() { return *m_editor; }
   RigthMouseTBView& table() { return part<RigthMouseTBView>("commandTable"); }
   MacroInfo::Events& commands() { return editor().currMacroInfo()->keyInfoArr(); }
-  // To the current macro: presses of the keys 0, 1, ...
+  // Adds presses of the keys 0, 1, ... to the current macro.
   void addCommands(int count);
   std::filesystem::path file(const std::string& name) const { return home() / name; }
-  // Of all macros, and as the list of them shows them.
+  // The names of all macros, and the titles in the list.
   static std::vector<std::string> names();
   std::vector<std::string> offered();
   std::string name() { return textOf(part<LXTextField>("macroNameTxt")); }
@@ -56,7 +56,7 @@ class MacroViewTest : public EditorTest {
   std::vector<std::string> rows();
   // "code/flag" of each.
   std::vector<std::string> kinds();
-  // The same while it records, which begins anew then.
+  // kinds() during a recording. Clears the commands and restarts the recording.
   std::vector<std::string> takeKinds();
   void down(Key key, std::uint64_t time, std::uint32_t nativeModifiers = 0) {
     send(QEvent::KeyPress, key, time, nativeModifiers);
@@ -67,7 +67,7 @@ class MacroViewTest : public EditorTest {
   void record();
   void openAndRecord();
   void stop() { control("stopBtn").click(); }
-  // The names of the controls among these that can be used.
+  // The names of those controls that are enabled.
   std::vector<std::string> usable(const std::vector<const char*>& names);
   void select(int row) { editor().selectComByIndex(row); }
 

@@ -1,4 +1,4 @@
-// The two pictures of the mouse: hovering a caption or a marker, and leaving it.
+// The two pictures of the mouse: hovering captions and markers, and leaving them.
 
 #include <QApplication>
 #include <QEnterEvent>
@@ -44,7 +44,7 @@ constexpr Marker sideMarkers[] = {{"leftBtnTag1", 1, "leftBtn1"}, {"leftBtnTag2"
                                   {"leftBtnTag3", 3, "leftBtn3"}, {"leftBtnTag4", 4, "leftBtn4"},
                                   {"bomBtnTag1", 5, "bomBtn1"},   {"bomBtnTag2", 6, "bomBtn2"}};
 
-// Collects what of a widget is painted.
+// Collects the painted parts of a widget.
 class PaintRecorder : public QObject {
  public:
   QRegion region;
@@ -76,7 +76,7 @@ class ButtonMap : public ViewTest {
     QEvent event(QEvent::Leave);
     QApplication::sendEvent(&button, &event);
   }
-  // The buttons of the map that look hovered.
+  // The buttons of the map with the hovered look.
   static std::vector<std::string> lit(const ButtonMapView& map) {
     std::vector<std::string> names;
     for (const auto* one : map.findChildren<LXButton*>()) {
@@ -86,7 +86,7 @@ class ButtonMap : public ViewTest {
     }
     return names;
   }
-  // The picture of that name is seen over the map where its drawing has it.
+  // Expects that the map shows the picture of that name at its place in the drawing.
   static void expectLine(const ButtonMapView& map, const std::string& name) {
     const LXImage line = pictures::load(QString::fromStdString(name + ".png"));
     ASSERT_EQ(line.size(), map.size()) << name;

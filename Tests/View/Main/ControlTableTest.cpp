@@ -1,4 +1,4 @@
-// Every control of the main window: what it is called, what it says, and what a click on it does.
+// Every control of the main window: its name, its text and its effect.
 
 #include <QAccessible>
 #include <QApplication>
@@ -24,7 +24,7 @@ struct Row {
   QAccessible::Role role;
   const char* text;    // the tooltip
   const char* effect;  // of a click, on a slot with a profile and unapplied edits
-  // What a screen reader says, where that is not the tooltip.
+  // The text for screen readers, if it is not the tooltip.
   const char* heard = nullptr;
 };
 
@@ -102,7 +102,7 @@ constexpr Caption captions[] = {
 
 class MainViewControls : public ViewTest, public testing::WithParamInterface<Row> {
  protected:
-  // The slot holds a profile of the library, and an edit of it waits for Apply.
+  // The slot holds a profile of the library with an edit that is not applied.
   void startEdited() {
     start();
     click("profileNewBtn");
@@ -115,7 +115,7 @@ class MainViewControls : public ViewTest, public testing::WithParamInterface<Row
     m_nameBefore = shownName();
   }
 
-  // What the click did, in words.
+  // The effect of the click in words.
   std::string effect() {
     std::vector<std::string> parts;
     for (const auto& [key, isChoose] : m_asked) {
@@ -208,7 +208,7 @@ TEST_F(MainViewControls, ThereIsNoOtherControl) {
     expected.emplace_back(caption.marker);
   }
   std::sort(expected.begin(), expected.end());
-  // The wheel has one marker for its three captions.
+  // The wheel's three captions share a marker.
   expected.erase(std::unique(expected.begin(), expected.end()), expected.end());
   std::vector<std::string> found;
   for (const auto* one : view().findChildren<LXButton*>()) {

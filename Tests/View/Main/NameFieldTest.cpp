@@ -1,4 +1,4 @@
-// The field with the profile's name: what it takes, when it commits, and what the name becomes.
+// The field with the profile's name: what it accepts, when it commits, and the resulting name.
 
 #include <QApplication>
 #include <QTest>
@@ -17,7 +17,7 @@ namespace {
 
 class NameField : public ViewTest {
  protected:
-  // The slot holds "NewPF_1" of the library.
+  // The slot holds the library's "NewPF_1".
   void startNamed() {
     start();
     QApplication::setActiveWindow(&window());

@@ -16,7 +16,7 @@ using testing::Pair;
 
 namespace {
 
-// Carries reports from another thread, as the bus does.
+// Delivers reports on another thread, as the bus does.
 class ThreadedCenter final : public LXNotificationCenter {
  public:
   void postNotificationName(const std::string&, const std::string&,

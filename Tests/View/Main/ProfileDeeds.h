@@ -14,13 +14,13 @@
 
 using Names = std::vector<std::string>;
 
-// The red of the first zone tells one record from another.
+// The red of the first zone tells the records apart.
 enum Red : std::uint32_t { OfSlotA = 10, OfSlotB = 20, OfStranger = 30, OfFileB = 40, Edited = 77 };
 
 struct State {
-  std::string link;      // the name of the profile that the slot is linked to; "" for none
+  std::string link;      // the name of the slot's linked profile; "" for none
   std::string selected;  // the selected profile's name; "" for none
-  std::string name;      // of the slot
+  std::string name;      // the slot's name
   std::string title;
   std::uint32_t red;
   bool needsSave;
@@ -34,13 +34,13 @@ inline std::ostream& operator<<(std::ostream& out, const State& state) {
              << (state.needsSave ? ", edited" : ", saved");
 }
 
-// A mouse whose first slot is linked to the profile A, and what can be done with profiles there.
+// A mouse whose first slot is linked to profile A, and the operations on profiles there.
 class MainViewDeeds : public ViewTest {
  protected:
   static constexpr std::uint64_t idOfA = 5;
   static constexpr std::uint64_t idOfB = 9;
 
-  // Slot 1 holds A, slot 2 holds B, slot 3 a profile that the library does not have, slot 4 none.
+  // Slot 1 holds A, slot 2 holds B, slot 3 a profile that is not in the library, slot 4 none.
   void startLinked() {
     putProfile("A.pro", idOfA, "A");
     putRecord("B.pro", idOfB, "B", OfFileB);

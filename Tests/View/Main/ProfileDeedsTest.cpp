@@ -1,4 +1,4 @@
-// What can be done with profiles, one thing after the other.
+// Single operations on profiles.
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,4 @@
-// What is true after each thing that can be done with profiles, and after what a user, or the mouse
-// itself, does next.
+// The state after each operation on profiles, followed by another action of the user or the mouse.
 
 #include <gmock/gmock.h>
 
@@ -12,17 +11,17 @@ using testing::Pair;
 
 namespace {
 
-// The first slot is linked to A, and its record was edited. Then something is done.
+// The first slot is linked to A and has an edit. Then one operation runs.
 struct Row {
   const char* deed;
   State after;
   Names disk;
-  // The name under which Apply stores the slot, and the profile's id.
+  // The name that Apply stores in the slot, and the profile's id.
   std::string appliedName;
   std::uint64_t appliedId;
   Names diskAfterApply;
   Names diskAfterReset;
-  // The title when the program is started again without anything else.
+  // The title after a restart without any other action.
   std::string titleAfterRestart;
 };
 
@@ -40,7 +39,7 @@ class MainViewStates : public MainViewDeeds, public testing::WithParamInterface<
     clearTrace();
   }
 
-  // Apply went to the first slot, and to the library.
+  // Expects that Apply wrote the first slot and the library.
   void expectApplied() {
     const Row& row = GetParam();
     EXPECT_EQ(mouse().slotName(0), row.appliedName);
@@ -52,7 +51,7 @@ class MainViewStates : public MainViewDeeds, public testing::WithParamInterface<
     EXPECT_THAT(mouse().faults(), IsEmpty());
   }
 
-  // Nothing but the deed itself went anywhere.
+  // Expects that only the operation itself changed anything.
   void expectFirstSlotUntouched() {
     const bool isRenamed = GetParam().deed == std::string("Rename");
     EXPECT_EQ(mouse().slotName(0), isRenamed ? "X" : "A");

@@ -1,4 +1,4 @@
-// What the user sees while the mouse is written or read, and in what order it is.
+// What the user sees while the mouse is written or read, and in which order.
 
 #include <QApplication>
 #include <QTimer>
@@ -18,7 +18,7 @@ namespace {
 
 class Transfer : public ViewTest {
  protected:
-  // Looks at the program in every pause between two reports.
+  // Checks the program at every pause between two reports.
   void watch() {
     auto* line = view().findChild<ProgressLine*>(QStringLiteral("progressBar"));
     ASSERT_NE(line, nullptr);
@@ -32,7 +32,7 @@ class Transfer : public ViewTest {
   double fraction() {
     return view().findChild<ProgressLine*>(QStringLiteral("progressBar"))->fraction();
   }
-  // The first bytes of each report that was sent, without the reads' ready commands.
+  // The first bytes of each sent report, without the ready commands of reads.
   std::vector<std::string> writes() const {
     std::vector<std::string> lines;
     for (const std::string& line : sent()) {
@@ -154,7 +154,7 @@ TEST_F(Transfer, FillingABattleProfileWritesItsMode) {
   chooseSlot(3);
   clearTrace();
   chooseSlot(4);
-  // The mode stays, so only the two commands of the slot change are written.
+  // The mode is the same, so only the two commands of the slot change are written.
   EXPECT_EQ(writes().size(), 2U);
   EXPECT_EQ(withMode, 2U + 5U);
 }

@@ -1,4 +1,4 @@
-// The base of the screens and what makes their controls.
+// The base of the screens, and the functions that create their controls.
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -19,7 +19,7 @@ using testing::IsEmpty;
 
 namespace {
 
-// A screen that writes down what is asked of it.
+// A screen that records its calls.
 class Screen : public TavImageView {
  public:
   using TavImageView::setBgImage;
@@ -40,7 +40,7 @@ class Screen : public TavImageView {
 
 class Factory : public ViewTest {
  protected:
-  // A folder of pictures, each filled with the color that its name is listed with.
+  // Writes pictures, each in the color that is listed with its name.
   void putPictures(const std::vector<std::pair<const char*, QColor>>& pictures) {
     const auto folder = home() / "pictures";
     std::filesystem::create_directories(folder);

@@ -1,4 +1,4 @@
-// The messages with their pictures, and the program's plain message boxes.
+// The messages with pictures, and the plain message boxes.
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -29,7 +29,7 @@ class Dialog : public ViewTest {
     onDialog(std::move(act));
     return NerinAction::showPopView(isChoose ? "WarningReset" : "WarningNoItem", isChoose);
   }
-  // The message box that comes up next.
+  // Calls `act` with the next message box.
   static void onBox(std::function<void(QMessageBox&)> act) {
     QTimer::singleShot(0, qApp, [act = std::move(act)] {
       for (QWidget* widget : QApplication::topLevelWidgets()) {

@@ -1,5 +1,5 @@
-// The end of the program, at every moment: nothing is sent after it, and nothing is done that the
-// user was still being asked about.
+// Ending the program at any time: afterwards it sends nothing and does nothing that the user has
+// not confirmed.
 
 #include <QApplication>
 #include <QTimer>
@@ -19,7 +19,7 @@ using testing::SizeIs;
 
 namespace {
 
-// Writes down what is posted, and when it goes.
+// Records the posts and its own end.
 class PassingCenter final : public LXNotificationCenter {
  public:
   explicit PassingCenter(std::vector<std::string>& log) : m_log(log) {}
@@ -60,7 +60,7 @@ class End : public ViewTest {
     EXPECT_THAT(transfers(), IsEmpty());
     EXPECT_THAT(messages(), IsEmpty());
   }
-  // Pauses are no transfers.
+  // The trace without pauses.
   std::vector<std::string> transfers() const {
     std::vector<std::string> lines = trace();
     std::erase_if(lines, [](const std::string& line) { return line.starts_with("SLEEP"); });
