@@ -68,6 +68,68 @@ bool isDenied(int error) {
   return error == EACCES || error == EPERM;
 }
 
+bool isSet(const LXDeviceRequest& request) {
+  return request.bmRequestType == setReportType && request.bRequest == setReport;
+}
+
+bool isGet(const LXDeviceRequest& request) {
+  return request.bmRequestType == getReportType && request.bRequest == getReport;
+}
+
+std::uint8_t reportIdOf(const LXDeviceRequest& request) {
+  return static_cast<std::uint8_t>(request.wValue & 0xFFU);
+}
+
+// A report without a number is sent without an id byte, but hidraw expects one in front.
+std::size_t shiftOf(const LXDeviceRequest& request) {
+  return reportIdOf(request) == 0 ? 1 : 0;
+}
+
+// Whether hidraw can do the transfer: it knows feature reports and nothing else.
+bool isFeatureRequest(const LXDeviceRequest& request) {
+  if ((!isSet(request) && !isGet(request)) ||
+      static_cast<unsigned>(request.wValue >> 8U) != featureReport ||
+      request.wIndex >= interfaceCount || request.data.empty() ||
+      request.data.size() + shiftOf(request) > maximumReportSize) {
+    return false;
+  }
+  // The kernel takes the report number only from the first byte.
+  return isGet(request) || shiftOf(request) == 1 || request.data[0] == reportIdOf(request);
+}
+
+// Returns the errno of the failure, or 0.
+int transfer(hid_device* device, LXDeviceRequest& request) {
+  const std::size_t shift = shiftOf(request);
+  const auto offset = static_cast<std::ptrdiff_t>(shift);
+  std::vector<std::uint8_t> buffer(request.data.size() + shift);
+  buffer[0] = reportIdOf(request);
+  if (isSet(request)) {
+    std::copy(request.data.begin(), request.data.end(), buffer.begin() + offset);
+  }
+  errno = 0;
+  const int result = isSet(request) ? hid_send_feature_report(device, buffer.data(), buffer.size())
+                                    : hid_get_feature_report(device, buffer.data(), buffer.size());
+  if (result < 0) {
+    return errno != 0 ? errno : EIO;
+  }
+  const auto count = static_cast<std::size_t>(result);
+  const std::size_t done = std::min(count - std::min(count, shift), request.data.size());
+  if (isGet(request)) {
+    std::copy_n(buffer.begin() + offset, done, request.data.begin());
+  }
+  request.wLenDone = static_cast<std::uint32_t>(done);
+  return 0;
+}
+
+void logTransfer(const LXDeviceRequest& request) {
+  const std::string name = (isSet(request) ? "SET " : "GET ") + hex(request.wValue, 4) + " " +
+                           std::to_string(request.wIndex) + " ";
+  const std::span<const std::uint8_t> bytes(request.data);
+  LXLogger::debug(request.error
+                      ? name + "failed: " + errorText(request.error.value())
+                      : name + hex(isSet(request) ? bytes : bytes.first(request.wLenDone)));
+}
+
 }  // namespace
 
 struct HidDeviceRequester::State {
@@ -311,19 +373,7 @@ void HidDeviceRequester::resetCurrDevice() {
 
 bool HidDeviceRequester::sendDeviceRequest(LXDeviceRequest& request) {
   request.wLenDone = 0;
-  const bool isSet = request.bmRequestType == setReportType && request.bRequest == setReport;
-  const bool isGet = request.bmRequestType == getReportType && request.bRequest == getReport;
-  const auto reportId = static_cast<std::uint8_t>(request.wValue & 0xFFU);
-  // A report without a number is sent without an id byte, but hidraw expects one in front.
-  const std::size_t shift = reportId == 0 ? 1 : 0;
-  if ((!isSet && !isGet) || static_cast<unsigned>(request.wValue >> 8U) != featureReport ||
-      request.wIndex >= interfaceCount || request.data.empty() ||
-      request.data.size() + shift > maximumReportSize) {
-    request.error = std::make_error_code(std::errc::invalid_argument);
-    return false;
-  }
-  // The kernel takes the report number only from the first byte.
-  if (isSet && shift == 0 && request.data[0] != reportId) {
+  if (!isFeatureRequest(request)) {
     request.error = std::make_error_code(std::errc::invalid_argument);
     return false;
   }
@@ -331,42 +381,17 @@ bool HidDeviceRequester::sendDeviceRequest(LXDeviceRequest& request) {
     request.error = std::make_error_code(std::errc::no_such_device);
     return false;
   }
-
-  std::vector<std::uint8_t> buffer(request.data.size() + shift);
-  buffer[0] = reportId;
-  if (isSet) {
-    std::copy(request.data.begin(), request.data.end(),
-              buffer.begin() + static_cast<std::ptrdiff_t>(shift));
-  }
-  hid_device* device = m_state->devices[request.wIndex].get();
-  errno = 0;
-  const int result = isSet ? hid_send_feature_report(device, buffer.data(), buffer.size())
-                           : hid_get_feature_report(device, buffer.data(), buffer.size());
-  const int error = errno;
-
-  if (result < 0) {
-    request.error = {error, std::generic_category()};
-  } else {
-    const auto count = static_cast<std::size_t>(result);
-    const std::size_t done = std::min(count - std::min(count, shift), request.data.size());
-    if (isGet) {
-      std::copy_n(buffer.begin() + static_cast<std::ptrdiff_t>(shift), done, request.data.begin());
-    }
-    request.wLenDone = static_cast<std::uint32_t>(done);
-  }
+  const int error = transfer(m_state->devices[request.wIndex].get(), request);
+  request.error = {error, std::generic_category()};
   if (m_state->isPrintMsg) {
-    const std::string name = (isSet ? "SET " : "GET ") + hex(request.wValue, 4) + " " +
-                             std::to_string(request.wIndex) + " ";
-    LXLogger::debug(result < 0 ? name + "failed: " + errorText(error)
-                               : name + hex(isSet ? std::span<const std::uint8_t>(request.data)
-                                                  : request.data.first(request.wLenDone)));
+    logTransfer(request);
   }
-  if (result < 0 && isGone(error)) {
+  if (isGone(error)) {
     LXLogger::debug("The mouse " + m_state->idText() + " has gone: " + errorText(error));
     m_state->close();
     m_state->isLookDue = true;
   }
-  return result >= 0;
+  return error == 0;
 }
 
 std::string HidDeviceRequester::explainAbsence() {
