@@ -20,7 +20,7 @@ using Clock = std::chrono::steady_clock;
 void giveEveryButtonAMacro() {
   NerinAction::initMenuList();
   NerinAction::refreshMenuList();
-  for (_BTN_INFO& button : editState->selProfile().btnInfo) {
+  for (_BTN_INFO& button : editState->edit().btnInfo) {
     const auto macro = NerinAction::addMacorByName(NerinAction::getNewMacroName());
     for (int i = 0; i < 40; ++i) {
       macro->keyInfoArr().push_back(std::make_shared<MacroKeyInfo>(i / 2, i % 2, 10));

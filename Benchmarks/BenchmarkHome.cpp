@@ -17,14 +17,14 @@ BenchmarkHome::BenchmarkHome(LXPlatform platform)
   platform.homeFolder = m_folder;
   platform.resourceFolder = NERIN_RESOURCES;
   LXPlatform::install(std::move(platform));
-  sysPath.clear();
+  sysPath->clear();
   ProfieController::releaseShareProCon();
 }
 
 BenchmarkHome::~BenchmarkHome() {
   ProfieController::releaseShareProCon();
   LXPlatform::install({});
-  sysPath.clear();
+  sysPath->clear();
   std::error_code ignored;
   fs::remove_all(m_folder, ignored);
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <span>
+#include <string_view>
 #include <utility>
 
 #include "Action/Record/Limits.h"
@@ -58,15 +59,7 @@ class StreamWriter {
   bool m_isFull = false;
 };
 
-std::uint32_t bytesOf(const std::vector<NerinAction::MacroStreamEvent>& events) {
-  std::uint32_t bytes = 0;
-  for (const auto& event : events) {
-    bytes += event.delay > 0 ? 1U + delayRecordSize : 1U;
-  }
-  return bytes;
-}
-
-void writeName(const std::string& name, NerinAction::MacroReport& report) {
+void writeName(std::string_view name, NerinAction::MacroReport& report) {
   LXLogger::debug(std::to_string(2 * utf8::lengthInUtf16(name)));
   if (!utf8::isAscii(name) || name.starts_with(NerinAction::generatedMacroName)) {
     return;
@@ -124,18 +117,20 @@ NerinAction::MacroReport NerinAction::encodeMacroReport(std::uint8_t macroSlot,
   report[atRepeatType] = macro.repeatType;
   report[atRepeatCount] = macro.repeatCount;
   report[6] = 1;
-  const std::uint32_t count = bytesOf(macro.events);
-  // Only the low byte is limited; the high byte is sent unchanged.
-  report[atCount] = static_cast<std::uint8_t>(std::min(count, limits::macroBytes));
-  report[atCount + 1] = static_cast<std::uint8_t>(count >> 8U);
-  writeName(macro.name.value_or(""), report);
+  writeName(macro.name ? std::string_view(*macro.name) : std::string_view(), report);
   StreamWriter stream(report);
+  std::uint32_t count = 0;
   for (const MacroStreamEvent& event : macro.events) {
     stream.code(event.code + (event.isRelease ? releaseFlag : 0U));
+    ++count;
     if (event.delay > 0) {
       stream.delay(event.delay);
+      count += delayRecordSize;
     }
   }
+  // Only the low byte is bounded; the mouse gets the high byte as it is.
+  report[atCount] = static_cast<std::uint8_t>(std::min(count, limits::macroBytes));
+  report[atCount + 1] = static_cast<std::uint8_t>(count >> 8U);
   report[reportlayout::atChecksum] = GetChecksum(
       std::span(report).subspan(reportlayout::headerSize, checksumEnd - reportlayout::headerSize));
   return report;
