@@ -65,6 +65,10 @@ bool VirtualDeviceRequester::sendDeviceRequest(LXDeviceRequest& request) {
   return result.status == TransferStatus::Done;
 }
 
+std::uint64_t VirtualDeviceRequester::connection() const {
+  return m_mouse->attachments();
+}
+
 void VirtualDeviceRequester::resetCurrDevice() {
   // Nothing is held open, so the next transfer reaches the mouse like the last one.
 }

@@ -16,6 +16,7 @@ class VirtualDeviceRequester final : public LXDeviceRequester {
   void listenDevWithVid(std::uint16_t vid, std::uint16_t pid) override;
   bool isDevOn() override;
   bool sendDeviceRequest(LXDeviceRequest& request) override;
+  std::uint64_t connection() const override;
   void resetCurrDevice() override;
 
  private:

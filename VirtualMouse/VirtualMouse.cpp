@@ -27,6 +27,7 @@ struct VirtualMouse::State {
   MouseScenario scenario;
   std::uint32_t transfersLeft = 0;
   bool isPluggedIn = true;
+  std::uint64_t attachments = 1;
   std::minstd_rand noise;
   std::vector<TransferRecord> transcript;
   // The memory holds no whole image, but imageReport() must return a view of one.
@@ -156,11 +157,16 @@ void VirtualMouse::attach() {
     return;
   }
   m_state->isPluggedIn = true;
+  ++m_state->attachments;
   const MouseScenario::Kind kind = m_state->scenario.kind;
   if (kind == MouseScenario::Kind::Absent ||
       (kind == MouseScenario::Kind::UnpluggedAfter && m_state->transfersLeft == 0)) {
     m_state->scenario = {};
   }
+}
+
+std::uint64_t VirtualMouse::attachments() const {
+  return m_state->attachments;
 }
 
 void VirtualMouse::pressSlotButton(int slot) {

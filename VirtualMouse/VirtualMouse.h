@@ -97,6 +97,9 @@ class VirtualMouse {
   // Plugs the mouse in, which also ends a scenario that took it off the bus.
   void attach();
 
+  // How often the mouse was plugged in, the first time included.
+  std::uint64_t attachments() const;
+
   // Presses the mouse's own button, which switches to another slot (0..9). Does nothing without
   // power.
   void pressSlotButton(int slot);

@@ -14,8 +14,15 @@ namespace {
 constexpr std::size_t commandSize = 8;
 constexpr std::uint16_t featureReport = 0x0300;
 
-std::error_code transfer(std::uint8_t requestType, std::uint8_t request, std::uint16_t reportId,
-                         std::uint16_t interface, std::span<std::uint8_t> buffer) {
+struct Series {
+  int depth = 0;
+  std::error_code ended;
+  std::uint64_t connection = 0;
+};
+ProcessWide<Series> series;
+
+std::error_code sendToMouse(std::uint8_t requestType, std::uint8_t request, std::uint16_t reportId,
+                            std::uint16_t interface, std::span<std::uint8_t> buffer) {
   const auto& requester = *NerinAction::sysDeviceReq;
   if (!requester) {
     return std::make_error_code(std::errc::no_such_device);
@@ -36,6 +43,24 @@ std::error_code transfer(std::uint8_t requestType, std::uint8_t request, std::ui
   return setup.error ? setup.error : std::make_error_code(std::errc::io_error);
 }
 
+// Inside a series, what follows the first failure does not reach the mouse.
+std::error_code transfer(std::uint8_t requestType, std::uint8_t request, std::uint16_t reportId,
+                         std::uint16_t interface, std::span<std::uint8_t> buffer) {
+  if (series->depth == 0) {
+    return sendToMouse(requestType, request, reportId, interface, buffer);
+  }
+  const auto& requester = *NerinAction::sysDeviceReq;
+  // Whether the mouse is on is asked first, since that may open another one.
+  if (!series->ended && requester && requester->isDevOn() &&
+      requester->connection() != series->connection) {
+    series->ended = std::make_error_code(std::errc::no_such_device);
+  }
+  if (!series->ended) {
+    series->ended = sendToMouse(requestType, request, reportId, interface, buffer);
+  }
+  return series->ended;
+}
+
 std::error_code get(std::uint16_t reportId, std::uint16_t interface,
                     std::span<std::uint8_t> buffer) {
   return transfer(0xA1, 0x01, reportId, interface, buffer);
@@ -51,6 +76,24 @@ std::error_code emptyReport() {
 }
 
 }  // namespace
+
+NerinAction::TransferSeries::TransferSeries() {
+  if (series->depth++ == 0) {
+    series->ended.clear();
+    const auto& requester = *sysDeviceReq;
+    // Notices a mouse that came or went before the series begins.
+    series->connection = requester && requester->isDevOn() ? requester->connection() : 0;
+  }
+}
+
+NerinAction::TransferSeries::~TransferSeries() {
+  --series->depth;
+}
+
+bool NerinAction::isMouseGone(const std::error_code& error) {
+  return error == std::errc::no_such_device || error == std::errc::timed_out ||
+         error == std::errc::protocol_error;
+}
 
 void NerinAction::startListenDev() {
   *sysDeviceReq = LXDeviceRequester::shareDeviceReq();
@@ -87,6 +130,9 @@ Outcome NerinAction::sendCommand(std::span<const std::uint8_t> bytes, SlotStep s
 }
 
 void NerinAction::pauseAfterReport() {
+  if (series->depth > 0 && series->ended) {
+    return;
+  }
   LXPlatform::current().sleep(30ms);
 }
 

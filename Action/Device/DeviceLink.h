@@ -9,9 +9,8 @@
 #include "Kit/Core/LXDeviceRequester.h"
 #include "Kit/Core/ProcessWide.h"
 
-// The link to the mouse and its direct commands. A failed transfer does not stop a series: without
-// a mouse, commands do nothing and reads leave a zeroed buffer. The outcome names the first
-// transfer that failed.
+// The link to the mouse and the commands that it understands at once. Without a mouse a command
+// does nothing and a read leaves its zeroed buffer; the outcome says so.
 namespace NerinAction {
 
 // Null until startListenDev.
@@ -31,6 +30,21 @@ struct [[nodiscard]] ReadResult {
   Outcome outcome;
   Value value{};
 };
+
+// A series of transfers that belong together. Its first failure ends it: what follows fails with
+// the same error at once, and nothing of it reaches this mouse or one that is plugged in meanwhile.
+// A series inside another one belongs to that one.
+class TransferSeries {
+ public:
+  TransferSeries();
+  ~TransferSeries();
+  TransferSeries(const TransferSeries&) = delete;
+  TransferSeries& operator=(const TransferSeries&) = delete;
+};
+
+// Whether the error says that the mouse is gone, or does not answer at all: trying again is
+// useless.
+bool isMouseGone(const std::error_code& error);
 
 void startListenDev();
 bool checkListenDev();

@@ -51,6 +51,7 @@ Outcome NerinAction::setSettingToDevicePro2(std::uint8_t pro, std::uint8_t com2,
 }
 
 Outcome NerinAction::setSettingToDevice() {
+  const TransferSeries series;
   using namespace imagelayout;
   const _Nerin_PROFILE& profile = editState->currSetProfile();
   Outcome outcome;
@@ -73,6 +74,7 @@ Outcome NerinAction::setRateToDevice(std::uint32_t poRate) {
 }
 
 Outcome NerinAction::setColorToDevice() {
+  const TransferSeries series;
   takeCurrentSlot();
   const _Nerin_PROFILE& profile = editState->currSetProfile();
   const std::uint32_t base = getOffsetAdrBy(zonesAddress, editState->currSetProfileID());
@@ -90,6 +92,7 @@ Outcome NerinAction::setColorToDevice() {
 }
 
 Outcome NerinAction::setColorToDevice2() {
+  const TransferSeries series;
   takeCurrentSlot();
   Outcome outcome;
   for (std::size_t zone = 0; zone < zoneCount; ++zone) {
@@ -103,6 +106,7 @@ Outcome NerinAction::setColorToDevice2() {
 }
 
 Outcome NerinAction::setModelToDevice() {
+  const TransferSeries series;
   // In normal mode, zone 2 has its own mode.
   constexpr std::array<std::uint8_t, zoneCount> normal{1, 1, 2, 1};
   constexpr std::array<std::uint8_t, zoneCount> battle{3, 3, 3, 3};

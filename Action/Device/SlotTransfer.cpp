@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cstdio>
+#include <map>
+#include <utility>
 
 #include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MacroCatalogue.h"
@@ -15,6 +17,8 @@
 namespace {
 
 constexpr std::uint16_t activeSlotAddress = 25;
+// How often a slot is read until all of it arrives.
+constexpr int maximumReads = 3;
 
 void logHex(unsigned value) {
   char text[16];
@@ -54,6 +58,50 @@ NerinAction::ReadResult<NerinAction::ButtonSet> writeMacros(std::uint8_t slot,
   return written;
 }
 
+Outcome answered(SlotStep step, bool isWhole) {
+  return isWhole ? Outcome() : Outcome(step, std::make_error_code(std::errc::bad_message));
+}
+
+// A macro that was read goes into the catalogue, under its name, and into currFWProfile's button.
+void takeMacro(std::uint8_t slot, int btnIndex, const NerinAction::MacroStream& stream) {
+  _BTN_INFO& button = editState->currFWProfile().btnInfo[btnIndex];
+  button.KeyBit[0] = NerinAction::getMacroRepeatTypeFromFW(stream.repeatType, stream.repeatCount);
+  button.KeyBit[1] = NerinAction::getMacroRepeatCountFromFW(stream.repeatCount);
+  LXLogger::debug("macroNameStr=" + stream.name.value_or(""));
+  if (!stream.name) {
+    editState->setIsHaveNewName(true);
+  }
+  const std::string name =
+      stream.name.value_or(NerinAction::generatedMacroName + ("_" + std::to_string(slot)) + "_" +
+                           std::to_string(btnIndex));
+  const auto macro = macroFor(name);
+  button.MacroID = macro ? static_cast<std::uint32_t>(macro->macroId()) : 0;
+  if (macro) {
+    macro->setKeyInfoArr(NerinAction::eventsOf(stream));
+  }
+  NerinAction::refreshMenuList();
+}
+
+// One attempt at a slot. Nothing but currFWProfile changes unless all of it was read.
+NerinAction::ReadResult<bool> readOnce(std::uint8_t slot) {
+  const NerinAction::TransferSeries series;
+  editState->currFWProfile() = {};
+  const auto name = NerinAction::getFWProfileName(slot);
+  if (!name.outcome.isDone() || !name.value || name.value->empty()) {
+    return {name.outcome, false};
+  }
+  if (const Outcome outcome = NerinAction::getFWProfileDataPro(slot); !outcome.isDone()) {
+    return {outcome, false};
+  }
+  ProfieController& library = ProfieController::getShareProCon();
+  if (slot < limits::slotCount) {
+    const auto profile = library.getProfileByName(name.value);
+    library.fwProfileID()[slot] = profile ? profile->profileId() : ProfieController::notLinked;
+  }
+  library.setCurrFWProfileName(name.value);
+  return {{}, true};
+}
+
 }  // namespace
 
 NerinAction::ReadResult<std::optional<std::string>> NerinAction::getFWProfileName(
@@ -62,12 +110,14 @@ NerinAction::ReadResult<std::optional<std::string>> NerinAction::getFWProfileNam
   NameReport report{reportlayout::name, 0, slot};
   outcome += Outcome(SlotStep::ReadName, GetCommand2(report));
   pauseAfterReport();
+  outcome += answered(SlotStep::ReadName, isWholeAnswer(report, reportlayout::name, slot));
   auto name = decodeNameReport(report);
   LXLogger::debug("resultStr=" + name.value_or(""));
   return {outcome, std::move(name)};
 }
 
 Outcome NerinAction::setFWProfileName(std::uint8_t slot, const std::optional<std::string>& name) {
+  const TransferSeries series;
   auto report = name ? encodeNameReport(slot, *name) : std::nullopt;
   if (!report) {
     return {};
@@ -88,23 +138,40 @@ NerinAction::ReadResult<NerinAction::ProfileImage> NerinAction::readProfileImage
   ProfileImage image{reportlayout::image};
   outcome += Outcome(SlotStep::ReadImage, GetCommand2(image));
   pauseAfterReport();
+  outcome += answered(SlotStep::ReadImage, isWholeAnswer(image, reportlayout::image, slot));
   return {outcome, image};
 }
 
 Outcome NerinAction::getFWProfileDataPro(std::uint8_t slot) {
+  const TransferSeries series;
   const auto image = readProfileImage(slot);
-  Outcome outcome = image.outcome;
-  const ButtonSet macros =
-      decodeProfileImage(image.value, editState->currFWProfile(), singleFunctionIdOf);
-  for (std::size_t index = 0; index < buttonCount; ++index) {
-    if (macros[index]) {
-      outcome += getFWMacroData(slot, static_cast<int>(index));
+  if (!image.outcome.isDone()) {
+    return image.outcome;
+  }
+  _Nerin_PROFILE profile = editState->currFWProfile();
+  const ButtonSet buttons = decodeProfileImage(image.value, profile, singleFunctionIdOf);
+  std::map<int, MacroStream> macros;
+  for (int index = 0; index < static_cast<int>(buttonCount); ++index) {
+    if (!buttons[static_cast<std::size_t>(index)]) {
+      continue;
+    }
+    auto macro = readMacroStream(slot, index);
+    if (!macro.outcome.isDone()) {
+      return macro.outcome;
+    }
+    if (macro.value) {
+      macros[index] = std::move(*macro.value);
     }
   }
-  return outcome;
+  editState->currFWProfile() = profile;
+  for (const auto& [index, macro] : macros) {
+    takeMacro(slot, index, macro);
+  }
+  return {};
 }
 
 Outcome NerinAction::setFWProfileDataPro(std::uint8_t slot) {
+  const TransferSeries series;
   const _Nerin_PROFILE& profile = editState->currFWProfile();
   const auto macros = writeMacros(slot, macroButtonsOf(profile));
   Outcome outcome = macros.outcome;
@@ -115,23 +182,18 @@ Outcome NerinAction::setFWProfileDataPro(std::uint8_t slot) {
 }
 
 NerinAction::ReadResult<bool> NerinAction::getFWProfileData(std::uint8_t slot) {
-  editState->currFWProfile() = {};
-  const auto name = getFWProfileName(slot);
-  if (!name.value || name.value->empty()) {
-    return {name.outcome, false};
+  ReadResult<bool> read;
+  for (int attempt = 0; attempt < maximumReads; ++attempt) {
+    read = readOnce(slot);
+    if (read.outcome.isDone() || isMouseGone(read.outcome.failure()->error)) {
+      break;
+    }
   }
-  ProfieController& library = ProfieController::getShareProCon();
-  if (slot < limits::slotCount) {
-    const auto profile = library.getProfileByName(name.value);
-    library.fwProfileID()[slot] = profile ? profile->profileId() : ProfieController::notLinked;
-  }
-  Outcome outcome = name.outcome;
-  outcome += getFWProfileDataPro(slot);
-  library.setCurrFWProfileName(name.value);
-  return {outcome, true};
+  return read;
 }
 
 Outcome NerinAction::setFWProfileData(std::uint8_t slot) {
+  const TransferSeries series;
   Outcome outcome = setFWProfileName(slot, ProfieController::getShareProCon().currFWProfileName());
   outcome += setFWProfileDataPro(slot);
   outcome += refreshDeviceData();
@@ -143,6 +205,7 @@ NerinAction::ReadResult<std::optional<NerinAction::MacroStream>> NerinAction::re
   Outcome outcome = setReadyPro(macroSlotOf(slot, btnIndex), readyMacro, SlotStep::ReadMacro);
   MacroReport report{reportlayout::macro};
   outcome += Outcome(SlotStep::ReadMacro, GetCommand2(report));
+  outcome += answered(SlotStep::ReadMacro, isWholeMacroAnswer(report, macroSlotOf(slot, btnIndex)));
   return {outcome, decodeMacroReport(report)};
 }
 
@@ -169,28 +232,14 @@ Outcome NerinAction::getFWMacroData(std::uint8_t slot, int btnIndex) {
     return {};
   }
   const auto [outcome, stream] = readMacroStream(slot, btnIndex);
-  if (!stream) {
-    return outcome;
+  if (outcome.isDone() && stream) {
+    takeMacro(slot, btnIndex, *stream);
   }
-  _BTN_INFO& button = editState->currFWProfile().btnInfo[btnIndex];
-  button.KeyBit[0] = getMacroRepeatTypeFromFW(stream->repeatType, stream->repeatCount);
-  button.KeyBit[1] = getMacroRepeatCountFromFW(stream->repeatCount);
-  LXLogger::debug("macroNameStr=" + stream->name.value_or(""));
-  if (!stream->name) {
-    editState->setIsHaveNewName(true);
-  }
-  const std::string name = stream->name.value_or(generatedMacroName + ("_" + std::to_string(slot)) +
-                                                 "_" + std::to_string(btnIndex));
-  const auto macro = macroFor(name);
-  button.MacroID = macro ? static_cast<std::uint32_t>(macro->macroId()) : 0;
-  if (macro) {
-    macro->setKeyInfoArr(eventsOf(*stream));
-  }
-  refreshMenuList();
   return outcome;
 }
 
 Outcome NerinAction::setProfileIndexToDevice(std::uint8_t slot) {
+  const TransferSeries series;
   Outcome outcome =
       setAdrrData(static_cast<std::uint8_t>(0xA0U | slot), activeSlotAddress, SlotStep::SelectSlot);
   outcome += sendCommand(std::array<std::uint8_t, 3>{0xC4, 0x07, slot}, SlotStep::SelectSlot);
@@ -203,6 +252,7 @@ NerinAction::ReadResult<std::uint8_t> NerinAction::getProfileIndexByDevice() {
 }
 
 Outcome NerinAction::setBtnInfoToDevicePro(int btnIndex, const _BTN_INFO& btnInfo) {
+  const TransferSeries series;
   if (!isButton(btnIndex)) {
     return {};
   }

@@ -20,14 +20,17 @@ Outcome setFWProfileName(std::uint8_t slot, const std::optional<std::string>& na
 
 // The slot's image. Without an answer, all bytes but the slot's number are zero.
 ReadResult<ProfileImage> readProfileImage(std::uint8_t slot);
-// Reads the slot's image, and the macros of its buttons, into currFWProfile.
+// The slot's image and the macros of its buttons, from the mouse into currFWProfile. Nothing
+// changes unless all of them were read.
 Outcome getFWProfileDataPro(std::uint8_t slot);
 // Writes the macros of currFWProfile, then the image. A button whose macro is not in the catalogue
 // is written as disabled.
 Outcome setFWProfileDataPro(std::uint8_t slot);
 
-// Reads a slot into currFWProfile and links it to the library profile of its name. A slot without a
-// name holds no profile: the value is false, and only currFWProfile changes, to zeros.
+// Reads a slot: links it to the library profile of its name, and fills currFWProfile with its image
+// and macros. The read counts only if every answer arrived, for that slot and with a right
+// checksum; it is tried three times. A slot without a name holds no profile: the value is false. On
+// failure and without a name, only currFWProfile changes, to zeros.
 ReadResult<bool> getFWProfileData(std::uint8_t slot);
 // Writes a slot: the library's current name, currFWProfile with its macros, and a refresh.
 Outcome setFWProfileData(std::uint8_t slot);

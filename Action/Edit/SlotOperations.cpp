@@ -44,7 +44,12 @@ Outcome commit() {
   Outcome outcome = NerinAction::writeSlot(library().currFWProfileIndex());
   outcome += saveSlotToLibrary();
   NerinAction::sendMessageToDaemon(NerinAction::MessageProfileApplied);
-  editState->settle();
+  if (outcome.isDone()) {
+    editState->settle();
+  } else {
+    // There is something to apply until all of it arrived.
+    editState->raiseNeedSave();
+  }
   return outcome;
 }
 
@@ -62,6 +67,9 @@ NerinAction::ReadResult<bool> NerinAction::loadSlot(int slot) {
     library().saveSelProfileToData();
   } else {
     editState->forgetBase();
+    // What is shown stays. An Apply makes a new profile of it: the one that the slot was linked to
+    // before may be another than the one that is shown.
+    library().fwProfileID()[static_cast<std::size_t>(slot)] = ProfieController::notLinked;
   }
   beginSlot(slot);
   return read;

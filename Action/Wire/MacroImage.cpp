@@ -21,7 +21,6 @@ constexpr std::size_t atCount = 7;
 constexpr std::size_t atNameLength = 9;
 constexpr std::size_t atName = 10;
 constexpr std::size_t atStream = 52;
-constexpr std::size_t checksumEnd = 2052;
 
 constexpr std::size_t maximumNameBytes = 42;
 constexpr std::uint8_t delayRecord = 1;
@@ -131,9 +130,12 @@ NerinAction::MacroReport NerinAction::encodeMacroReport(std::uint8_t macroSlot,
   // Only the low byte is bounded; the mouse gets the high byte as it is.
   report[atCount] = static_cast<std::uint8_t>(std::min(count, limits::macroBytes));
   report[atCount + 1] = static_cast<std::uint8_t>(count >> 8U);
-  report[reportlayout::atChecksum] = GetChecksum(
-      std::span(report).subspan(reportlayout::headerSize, checksumEnd - reportlayout::headerSize));
+  report[reportlayout::atChecksum] = checksumOfReport(report);
   return report;
+}
+
+bool NerinAction::isWholeMacroAnswer(const MacroReport& report, std::uint8_t macroSlot) {
+  return report[0] != holdsMacro || isWholeAnswer(report, holdsMacro, macroSlot);
 }
 
 std::optional<NerinAction::MacroStream> NerinAction::decodeMacroReport(const MacroReport& report) {

@@ -42,6 +42,9 @@ struct MacroStream {
 // The report that writes a macro, including its checksum. Omits events that no longer fit.
 MacroReport encodeMacroReport(std::uint8_t macroSlot, const MacroStream& macro);
 // Decodes the mouse's answer; no value when the macro slot is empty.
+// Whether an answer is that of the macro slot, with the right checksum. One that says that the slot
+// holds no macro is whole in any case.
+bool isWholeMacroAnswer(const MacroReport& report, std::uint8_t macroSlot);
 std::optional<MacroStream> decodeMacroReport(const MacroReport& report);
 
 }  // namespace NerinAction

@@ -7,7 +7,6 @@ namespace {
 
 using namespace imagelayout;
 
-constexpr std::size_t checksumEnd = 153;
 constexpr std::uint8_t normalZone = 1;
 constexpr std::uint8_t battleZone = 3;
 
@@ -122,8 +121,7 @@ NerinAction::ProfileImage NerinAction::encodeProfileImage(std::uint8_t slot,
                                                : encodeButton(profile.btnInfo[button]);
     std::copy(entry.begin(), entry.end(), image.data() + entryOffset(index));
   }
-  image[reportlayout::atChecksum] = GetChecksum(
-      std::span(image).subspan(reportlayout::headerSize, checksumEnd - reportlayout::headerSize));
+  image[reportlayout::atChecksum] = checksumOfReport(image);
   return image;
 }
 

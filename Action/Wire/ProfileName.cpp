@@ -22,9 +22,7 @@ std::optional<NerinAction::NameReport> NerinAction::encodeNameReport(std::uint8_
   NameReport bytes{reportlayout::name, 0, slot};
   bytes[atLength] = static_cast<std::uint8_t>(length);
   std::copy_n(name.begin(), length, bytes.begin() + atText);
-  // The checksum leaves out the last of the 65 characters.
-  bytes[reportlayout::atChecksum] =
-      GetChecksum(std::span(bytes).subspan(reportlayout::headerSize, limits::nameCharacters));
+  bytes[reportlayout::atChecksum] = checksumOfReport(bytes);
   return bytes;
 }
 

@@ -45,5 +45,9 @@ namespace NerinAction {
 
 // The value that makes the 8-bit sum of the bytes and itself 0.
 std::uint8_t GetChecksum(std::span<const std::uint8_t> bytes);
+// The checksum of a long report: of all but its header and its last byte.
+std::uint8_t checksumOfReport(std::span<const std::uint8_t> report);
+// Whether an answer is the report `id` of that slot, with the right checksum.
+bool isWholeAnswer(std::span<const std::uint8_t> report, std::uint8_t id, std::uint8_t slot);
 
 }  // namespace NerinAction

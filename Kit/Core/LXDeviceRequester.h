@@ -42,6 +42,10 @@ class LXDeviceRequester {
   // false and leaves the data stage unchanged.
   virtual bool sendDeviceRequest(LXDeviceRequest& request) = 0;
 
+  // A number that changes whenever the device is opened, so that a caller can tell the mouse that
+  // it began with from one that was plugged in since. 0 for a requester that does not know.
+  virtual std::uint64_t connection() const { return 0; }
+
   // Closes the device and opens it again.
   virtual void resetCurrDevice() = 0;
 };

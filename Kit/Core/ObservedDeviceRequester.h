@@ -32,6 +32,7 @@ class ObservedDeviceRequester final : public LXDeviceRequester {
     }
     return isDone;
   }
+  std::uint64_t connection() const override { return m_requester->connection(); }
   void resetCurrDevice() override { m_requester->resetCurrDevice(); }
 
  private:

@@ -165,6 +165,7 @@ struct HidDeviceRequester::State {
   std::uint16_t vid = 0;
   std::uint16_t pid = 0;
   bool isLookDue = false;
+  std::uint64_t connection = 0;  // counts the openings
   Clock::time_point lastLook;
   std::array<OpenNode, interfaceCount> devices;
   Absence absence;
@@ -291,6 +292,7 @@ HidDeviceRequester::State::Absence HidDeviceRequester::State::openAll(const Node
     }
   }
   devices = std::move(opened);
+  ++connection;
   result.reason = Absence::Reason::None;
   return result;
 }
@@ -369,6 +371,10 @@ void HidDeviceRequester::resetCurrDevice() {
   }
   m_state->close();
   m_state->look();
+}
+
+std::uint64_t HidDeviceRequester::connection() const {
+  return m_state->connection;
 }
 
 bool HidDeviceRequester::sendDeviceRequest(LXDeviceRequest& request) {

@@ -25,6 +25,7 @@ class HidDeviceRequester final : public LXDeviceRequester {
   void listenDevWithVid(std::uint16_t vid, std::uint16_t pid) override;
   bool isDevOn() override;
   bool sendDeviceRequest(LXDeviceRequest& request) override;
+  std::uint64_t connection() const override;
   void resetCurrDevice() override;
 
   // An explanation for the user in plain sentences: what was looked for, what was found, and what

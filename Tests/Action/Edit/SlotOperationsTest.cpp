@@ -66,6 +66,27 @@ TEST_F(SlotOperations, LoadingASlotWithoutALinkSelectsNoProfile) {
   EXPECT_EQ(differenceOf(profile->profileData(), before), "");
 }
 
+TEST_F(SlotOperations, ApplyingToANamelessSlotChangesNoOtherProfile) {
+  const auto play = library().addProfileByName("Play", nullptr);
+  const auto work = library().addProfileByName("Work", nullptr);
+  const auto put = [](int slot, const auto& profile) {
+    static_cast<void>(NerinAction::loadSlot(slot));
+    NerinAction::bindSlot(profile->profileId());
+    EXPECT_TRUE(NerinAction::applySlot().isDone());
+  };
+  put(1, work);
+  put(0, play);
+  const std::uint32_t before = play->profileData().modeType;
+  mouse().clearSlot(1);
+  EXPECT_FALSE(NerinAction::loadSlot(1).value);
+  editState->edit().modeType = 1 - before;
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
+  EXPECT_EQ(play->name(), "Play");
+  EXPECT_EQ(play->profileData().modeType, before);
+  EXPECT_EQ(work->name(), "Work");
+  EXPECT_THAT(namesOf(library().profileArr()), testing::ElementsAre("Play", "Work", "Play_1"));
+}
+
 TEST_F(SlotOperations, LoadingANamelessSlotKeepsTheEditedProfile) {
   mouse().clearSlot(4);
   EXPECT_TRUE(NerinAction::loadSlot(3).value);
