@@ -26,6 +26,7 @@ Json buttonJson(const _BTN_INFO& button, int index) {
 
 std::vector<std::string> linesOf(const std::vector<descriptions::Fact>& facts) {
   std::vector<std::vector<std::string>> rows;
+  rows.reserve(facts.size());
   for (const descriptions::Fact& fact : facts) {
     rows.push_back({printable(fact.about), printable(fact.value)});
   }

@@ -169,6 +169,7 @@ std::vector<descriptions::Fact> descriptions::describe(const _Nerin_PROFILE& pro
 
 std::vector<descriptions::Fact> descriptions::describe(const MacroInfo& macro) {
   std::vector<Fact> facts;
+  facts.reserve(macro.keyInfoArr().size());
   for (const auto& event : macro.keyInfoArr()) {
     facts.push_back(
         {eventText(*event), event->delay() > 0 ? std::to_string(event->delay()) + " ms" : ""});

@@ -22,27 +22,6 @@ constexpr const char* libraryFolder = "Profiles";
 
 ProcessWide<std::unique_ptr<ProfieController>> sharedController;
 
-bool hasProfileExtension(const fs::path& path) {
-  return utf8::lowercased(path.extension().string()) ==
-         std::string(".") + ProfileFileNames::extension;
-}
-
-// Sorted by byte order. An `error` means the list may be incomplete. A missing folder is empty.
-std::vector<fs::path> profileFilesIn(const fs::path& folder, std::error_code& error) {
-  std::vector<fs::path> files;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-       entry.increment(error)) {
-    if (hasProfileExtension(entry->path())) {
-      files.push_back(entry->path());
-    }
-  }
-  if (error == std::errc::no_such_file_or_directory) {
-    error.clear();
-  }
-  std::sort(files.begin(), files.end());
-  return files;
-}
-
 }  // namespace
 
 ProfieController& ProfieController::getShareProCon() {
@@ -58,7 +37,7 @@ void ProfieController::releaseShareProCon() {
 }
 
 ProfieController::ProfieController()
-    : m_sysProPath(fs::path(NerinAction::getSysPath()) / libraryFolder) {
+    : m_sysProPath(fs::path(NerinAction::getSysPath()) / libraryFolder), m_files(m_sysProPath) {
   // Recover before making the folder: an interrupted save may have left it missing.
   durable::recoverFolder(m_sysProPath);
   if (!LXAction::creatDirectoryPro(m_sysProPath)) {
@@ -80,9 +59,10 @@ void ProfieController::refreshProfile() {
   m_currProfile = nullptr;
   m_profileArr.clear();
   m_loadError.clear();
-  for (const fs::path& file : profileFilesIn(m_sysProPath, m_loadError)) {
-    if (addByPath(file) == NoFile) {
-      LXLogger::warning(file.string() + " went away while the library was read");
+  m_files = LibraryFolder(m_sysProPath);
+  for (const fs::path& file : m_files.profileFiles(m_loadError)) {
+    if (addByPath(file) == Added) {
+      m_files.remember(file, m_profileArr.back());
     }
   }
   if (m_loadError) {
@@ -209,18 +189,52 @@ std::error_code ProfieController::saveToSys() {
     LXLogger::error("the library is not saved, since it was not read: " + m_loadError.message());
     return m_loadError;
   }
+  takeInChanges();
   std::vector<durable::FolderEntry> entries;
+  std::vector<ConfigBytes> contents;
   entries.reserve(m_profileArr.size());
+  contents.reserve(m_profileArr.size());
   ProfileFileNames names;
   for (const Profile& profile : m_profileArr) {
-    const ConfigBytes bytes = profile->fileBytes();
+    const ConfigBytes& bytes = contents.emplace_back(profile->fileBytes());
     entries.push_back({names.next(profile->name()), {bytes.data(), bytes.size()}});
   }
   const auto error = durable::replaceFolder(m_sysProPath, entries);
   if (error) {
     LXLogger::error("the library was not saved: " + error.message());
+    return error;
+  }
+  m_files.forget();
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    m_files.remember(entries[i].name, m_profileArr[i], contents[i]);
   }
   return error;
+}
+
+// A save makes the folder hold exactly the list, so that what others did there comes first.
+void ProfieController::takeInChanges() {
+  const LibraryFolder::Changes changes = m_files.changes();
+  for (const Profile& profile : changes.deleted) {
+    LXLogger::warning("deleted by another program: " + profile->name().value_or(""));
+    delProfile(profile);
+  }
+  for (const auto& [fileName, profile] : changes.changed) {
+    const Profile stored = ProfileValue::initWithPath(m_sysProPath / fileName);
+    if (stored && checkProfileName(stored->name(), profile) &&
+        checkProfileId(stored->profileId(), profile)) {
+      *profile = *stored;
+    }
+  }
+  for (const fs::path& file : changes.appeared) {
+    if (addByPath(file) != Added) {
+      static_cast<void>(m_files.setAside(file));
+    }
+  }
+  for (const auto* files : {&changes.conflicting, &changes.foreign}) {
+    for (const fs::path& file : *files) {
+      static_cast<void>(m_files.setAside(file));
+    }
+  }
 }
 
 void ProfieController::clearAllProfile() {
@@ -231,6 +245,7 @@ void ProfieController::clearAllProfile() {
   }
   std::error_code error;
   fs::remove_all(m_sysProPath, error);
+  m_files.forget();
   if (error || !LXAction::creatDirectoryPro(m_sysProPath)) {
     LXLogger::error("the folder cannot be emptied: " + m_sysProPath.string());
   }
@@ -245,7 +260,11 @@ std::error_code ProfieController::saveSeltoPath(const fs::path& folder) {
   for (const Profile& profile : m_profileArr) {
     const std::string name = names.next(profile->name());
     if (profile == m_currProfile) {
-      return profile->saveToPath(folder / name);
+      const auto error = profile->saveToPath(folder / name);
+      if (!error && folder == m_sysProPath) {
+        m_files.remember(folder / name, profile);
+      }
+      return error;
     }
   }
   return m_currProfile->saveToPath(folder / names.next(m_currProfile->name()));

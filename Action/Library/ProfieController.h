@@ -9,6 +9,7 @@
 #include <system_error>
 #include <vector>
 
+#include "Action/Library/LibraryFolder.h"
 #include "Action/Library/ProfileValue.h"
 #include "Action/Record/Limits.h"
 
@@ -64,8 +65,10 @@ class ProfieController {
   [[nodiscard]] AddResult addByPath(const std::filesystem::path& path, bool isCreate);
   // Writes each profile to the folder, under a file name made from its name.
   [[nodiscard]] std::error_code saveToPath(const std::filesystem::path& folder);
-  // Makes the library's folder match the list, in one step: a crash or a full disk leaves either
-  // the old library or the new one. A failure is logged.
+  // Makes the library's folder hold the list, in one step: a crash or a full disk leaves the old or
+  // the new library. What others did in the folder is taken in first: new profiles join the list,
+  // deleted ones leave it unless they were edited here, and what the library cannot take is set
+  // aside. A failure is logged.
   [[nodiscard]] std::error_code saveToSys();
   // Empties the library's folder. Refuses any other folder.
   void clearAllProfile();
@@ -161,6 +164,7 @@ class ProfieController {
 
  private:
   void loadDefaults();
+  void takeInChanges();
   std::string freeName(const std::string& stem) const;
   std::ptrdiff_t positionOf(const Profile& profile) const;
 
@@ -170,6 +174,7 @@ class ProfieController {
   Profile m_currProfile;
   Profile m_currDefProfile;
   std::filesystem::path m_sysProPath;
+  LibraryFolder m_files;
   int m_currFWProfileIndex = 0;
   std::optional<std::string> m_currFWProfileName;
   Profiles m_defaultProfileArrs;  // ten entries, null where the file is missing

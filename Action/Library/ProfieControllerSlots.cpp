@@ -50,7 +50,9 @@ std::error_code ProfieController::saveCurrFWProfileToList() {
     return {};
   }
   std::uint64_t& link = m_fwProfileID[static_cast<std::size_t>(m_currFWProfileIndex)];
-  if (link == notLinked) {
+  // Another program may have deleted the profile that the slot is linked to.
+  const bool isLinkStale = !m_currProfile && !getProValueByProid(link);
+  if (link == notLinked || isLinkStale) {
     m_currProfile = addProfileByName(m_currFWProfileName, nullptr);
     saveSelProfileToData();
     link = m_currProfile->profileId();

@@ -36,6 +36,7 @@ std::shared_ptr<ProfileValue> ProfileValue::initWithPath(const fs::path& path) {
   }
   if (!file.is_open() || file.bad()) {
     LXLogger::warning(path.string() + " cannot be read");
+    return nullptr;
   }
   profile->m_configPro = configOf(bytes);
   profile->takeFields();

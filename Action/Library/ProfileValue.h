@@ -15,8 +15,8 @@ class ProfileValue {
  public:
   // An all-zero profile without a name.
   ProfileValue() = default;
-  // Loads a file; null only when there is no file. Bytes that cannot be read are zero; bytes after
-  // the 5264th are ignored.
+  // Loads a file; null if there is none at the path, or if it cannot be read. Bytes missing from a
+  // short file are zero; bytes beyond 5264 are ignored.
   static std::shared_ptr<ProfileValue> initWithPath(const std::filesystem::path& path);
   // Writes the whole file or nothing. A failure is logged.
   [[nodiscard]] std::error_code saveToPath(const std::filesystem::path& path);

@@ -53,6 +53,7 @@ bool MainView::hasRoomForProfile() const {
 // The next Apply adds the profile to the library.
 void MainView::beginProfile(const std::string& name) {
   const Outcome outcome = NerinAction::beginProfile(name);
+  refreshProfileMenu();
   showName();
   showTitle(std::nullopt);
   refreshApplyBtn();
@@ -130,7 +131,10 @@ void MainView::importProfile() {
         break;
     }
   }
-  failuremessage::tell({SlotStep::SaveLibrary, library().saveToSys()});
+  const Outcome outcome(SlotStep::SaveLibrary, library().saveToSys());
+  // A save takes in what other programs did in the folder.
+  refreshProfileMenu();
+  failuremessage::tell(outcome);
 }
 
 void MainView::onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) {

@@ -58,6 +58,7 @@ TEST_F(LibraryFiles, OfOneNameOnlyTheFirstIsLoadedAndTheOtherGoesWithTheNextSave
   EXPECT_FALSE(library().saveToSys());
   EXPECT_THAT(namesIn(libraryFolder()), ElementsAre("Game.pro"));
   EXPECT_EQ(textOfFile(libraryFolder() / "Game.pro")[4996], 2);
+  EXPECT_EQ(textOfFile(supportFolder() / "Set aside" / "b.pro")[4996], 1);
 }
 
 TEST_F(LibraryFiles, OfOneIdBothAreLoadedWithIdsOfTheirOwn) {
@@ -117,7 +118,7 @@ TEST_F(LibraryFiles, SavingLeavesExactlyTheList) {
   add("Game");
   EXPECT_FALSE(library().saveToSys());
   EXPECT_THAT(namesIn(libraryFolder()), ElementsAre("Game.pro", "Y.pro"));
-  EXPECT_THAT(supportNames(), ElementsAre("Profiles"));
+  EXPECT_THAT(supportNames(), ElementsAre("Profiles", "Set aside"));
 }
 
 TEST_F(LibraryFiles, SavingAnEmptyListLeavesAnEmptyFolder) {

@@ -104,11 +104,9 @@ TEST_F(ProfileFile, AnEmptyFileIsAnAllZeroProfile) {
   EXPECT_TRUE(isAllZero(profile->profileData()));
 }
 
-TEST_F(ProfileFile, AFolderInItsPlaceIsAnAllZeroProfile) {
+TEST_F(ProfileFile, AFolderInItsPlaceIsNoProfile) {
   fs::create_directories(m_path);
-  const auto profile = ProfileValue::initWithPath(m_path);
-  ASSERT_NE(profile, nullptr);
-  EXPECT_TRUE(isAllZero(profile->profileData()));
+  EXPECT_EQ(ProfileValue::initWithPath(m_path), nullptr);
 }
 
 TEST_F(ProfileFile, AShortFileIsZeroWhereItEnds) {

@@ -171,10 +171,10 @@ TEST_F(FilePanel, ImportRenamesATwinAndShowsItInTheMenu) {
 
 TEST_F(FilePanel, TheLibraryIsWrittenEvenWhenImportIsCancelledOrFails) {
   startNamed();
-  fs::remove(libraryFolder() / "NewPF_1.pro");
+  fs::remove_all(libraryFolder());
   click("profileImportBtn");
   EXPECT_THAT(namesIn(libraryFolder()), ElementsAre("NewPF_1.pro"));
-  fs::remove(libraryFolder() / "NewPF_1.pro");
+  fs::remove_all(libraryFolder());
   m_chosen = home() / "missing.pro";
   click("profileImportBtn");
   EXPECT_THAT(m_shown, ElementsAre("Profile data destruction"));

@@ -18,6 +18,16 @@ class MainViewProfiles : public ViewTest {
   }
 };
 
+TEST_F(MainViewProfiles, AProfileThatAnotherProgramAddedAppearsWithTheNextSave) {
+  start();
+  putProfile("Strange.pro", 77, "Strange");
+  click("profileNewBtn");
+  EXPECT_NE(library().getProfileByName("Strange"), nullptr);
+  ASSERT_FALSE((*profileNode)->children().empty());
+  EXPECT_EQ((*profileNode)->children().back()->nodeData()->titleStr(), "Strange");
+  EXPECT_THAT(namesIn(libraryFolder()), testing::Contains("Strange.pro"));
+}
+
 }  // namespace
 
 TEST_F(MainViewProfiles, NewUnbindsTheSlotUntilApply) {
