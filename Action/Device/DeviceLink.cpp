@@ -4,7 +4,6 @@
 #include <array>
 #include <chrono>
 
-#include "Action/Device/SlotTransfer.h"
 #include "Kit/Core/LXPlatform.h"
 
 using namespace std::chrono_literals;
@@ -142,18 +141,6 @@ Outcome NerinAction::refreshDeviceData() {
 
 Outcome NerinAction::resetDev() {
   return sendCommand(std::array<std::uint8_t, 2>{0xC4, 0x01});
-}
-
-Outcome NerinAction::resetDevPro() {
-  if (!checkListenDev()) {
-    return {SlotStep::SelectSlot, std::make_error_code(std::errc::no_such_device)};
-  }
-  (*sysDeviceReq)->resetCurrDevice();
-  LXPlatform::current().sleep(500ms);
-  const auto active = getProfileIndexByDevice();
-  Outcome outcome = active.outcome;
-  outcome += setProfileIndexToDevice(active.value);
-  return outcome;
 }
 
 Outcome NerinAction::setReadyPro(std::uint8_t pro, std::uint8_t com, SlotStep step) {

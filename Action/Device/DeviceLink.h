@@ -65,8 +65,6 @@ void pauseAfterReport();
 // Makes the mouse use what was written.
 Outcome refreshDeviceData();
 Outcome resetDev();
-// Resets the mouse and selects its active slot again. Fails without a mouse.
-Outcome resetDevPro();
 
 // Announces the long read or the long write of that slot.
 Outcome setReadyPro(std::uint8_t pro, std::uint8_t com, SlotStep step = SlotStep::ReadImage);

@@ -1,6 +1,7 @@
 #include "Action/Device/SlotTransfer.h"
 
 #include <array>
+#include <chrono>
 #include <cstdio>
 #include <map>
 #include <utility>
@@ -13,6 +14,7 @@
 #include "Action/Wire/KeyCodes.h"
 #include "Action/Wire/ProfileName.h"
 #include "Kit/Core/LXLogger.h"
+#include "Kit/Core/LXPlatform.h"
 
 namespace {
 
@@ -249,6 +251,18 @@ Outcome NerinAction::setProfileIndexToDevice(std::uint8_t slot) {
 NerinAction::ReadResult<std::uint8_t> NerinAction::getProfileIndexByDevice() {
   const auto slot = getAdrrDataWithAddr(activeSlotAddress);
   return {slot.outcome, static_cast<std::uint8_t>(slot.value & 0x0FU)};
+}
+
+Outcome NerinAction::resetDevPro() {
+  if (!checkListenDev()) {
+    return {SlotStep::SelectSlot, std::make_error_code(std::errc::no_such_device)};
+  }
+  (*sysDeviceReq)->resetCurrDevice();
+  LXPlatform::current().sleep(std::chrono::milliseconds(500));
+  const auto active = getProfileIndexByDevice();
+  Outcome outcome = active.outcome;
+  outcome += setProfileIndexToDevice(active.value);
+  return outcome;
 }
 
 Outcome NerinAction::setBtnInfoToDevicePro(int btnIndex, const _BTN_INFO& btnInfo) {

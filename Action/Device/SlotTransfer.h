@@ -47,6 +47,8 @@ Outcome getFWMacroData(std::uint8_t slot, int btnIndex);
 Outcome setProfileIndexToDevice(std::uint8_t slot);
 // The active slot, 0..15: the mouse stores it in four bits.
 ReadResult<std::uint8_t> getProfileIndexByDevice();
+// Resets the mouse and selects its active slot again. Fails without a mouse.
+Outcome resetDevPro();
 
 // Sets one button (0..15) of the active profile at once, and writes the macro that it plays.
 Outcome setBtnInfoToDevicePro(int btnIndex, const _BTN_INFO& btnInfo);

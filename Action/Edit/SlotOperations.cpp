@@ -23,8 +23,7 @@ Outcome noSuchSlot(SlotStep step) {
   return {step, std::make_error_code(std::errc::invalid_argument)};
 }
 
-// Gives the slot's profile a unique name. Two profiles of one name would share a file, and one
-// would be lost.
+// Gives the slot's profile a unique name, since a read finds the slot's profile by its name.
 void settleName() {
   const auto& name = library().currFWProfileName();
   if (!name || name->empty()) {
@@ -159,7 +158,7 @@ bool NerinAction::canResetSlot(int slot) {
 
 Outcome NerinAction::resetSlot() {
   const auto factory = library().currDefProfile();
-  if (!factory) {
+  if (!factory || !canResetSlot(library().currFWProfileIndex())) {
     return {};
   }
   library().setCurrFWProfileName(factory->name());
