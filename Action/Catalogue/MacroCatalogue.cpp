@@ -64,6 +64,10 @@ void NerinAction::initMacroList(const pugi::xml_node& macroList) {
 }
 
 void NerinAction::addMacroInfoByEle(const pugi::xml_node& item) {
+  macroStore->macroListArrs.push_back(macroOf(item));
+}
+
+std::shared_ptr<MacroInfo> NerinAction::macroOf(const pugi::xml_node& item) {
   auto macro = std::make_shared<MacroInfo>();
   macro->setLoopTime(
       LXAction::getIntValue(LXAction::getNonullStr(LXAction::getNodeValue(item, "LoopTime"))));
@@ -74,7 +78,7 @@ void NerinAction::addMacroInfoByEle(const pugi::xml_node& item) {
                                                                  decimalAttribute(key, "keyFlag"),
                                                                  decimalAttribute(key, "delay")));
   }
-  macroStore->macroListArrs.push_back(std::move(macro));
+  return macro;
 }
 
 std::shared_ptr<MacroInfo> NerinAction::getMacroById(std::int32_t id) {

@@ -32,6 +32,8 @@ inline ProcessWide<MacroStore> macroStore;
 
 void initMacroList(const pugi::xml_node& macroList);
 void addMacroInfoByEle(const pugi::xml_node& item);
+// The macro of such an element, outside the catalogue.
+std::shared_ptr<MacroInfo> macroOf(const pugi::xml_node& item);
 
 // The first macro with that id, or with that exact name; otherwise null.
 std::shared_ptr<MacroInfo> getMacroById(std::int32_t id);

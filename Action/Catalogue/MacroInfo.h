@@ -29,6 +29,11 @@ class MacroInfo final : public LXCoding {
   bool isNoDisplay() const { return m_isNoDisplay; }
   void setIsNoDisplay(bool isNoDisplay) { m_isNoDisplay = isNoDisplay; }
 
+  // The user changed it in this run. Reading a slot does not replace it: the mouse may still hold
+  // its old events.
+  bool isEdited() const { return m_isEdited; }
+  void setIsEdited(bool isEdited) { m_isEdited = isEdited; }
+
   // The bytes that the events take in the mouse: one per event, three more per delay.
   std::int32_t getMacroCount() const;
   // The bytes of one function event: a press and a release for each key of its combination.
@@ -44,4 +49,5 @@ class MacroInfo final : public LXCoding {
   std::optional<std::string> m_nameStr;
   std::int32_t m_macroId = 0;
   bool m_isNoDisplay = false;
+  bool m_isEdited = false;
 };

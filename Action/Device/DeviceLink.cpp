@@ -12,10 +12,13 @@ namespace {
 
 constexpr std::size_t commandSize = 8;
 constexpr std::uint16_t featureReport = 0x0300;
+constexpr std::uint8_t getReport = 0xA1;
+constexpr std::uint8_t setReport = 0x21;
 
 struct Series {
   int depth = 0;
   std::error_code ended;
+  int reports = 0;
   std::uint64_t connection = 0;
 };
 ProcessWide<Series> series;
@@ -55,6 +58,7 @@ std::error_code transfer(std::uint8_t requestType, std::uint8_t request, std::ui
     series->ended = std::make_error_code(std::errc::no_such_device);
   }
   if (!series->ended) {
+    series->reports += requestType == setReport ? 1 : 0;
     series->ended = sendToMouse(requestType, request, reportId, interface, buffer);
   }
   return series->ended;
@@ -62,12 +66,12 @@ std::error_code transfer(std::uint8_t requestType, std::uint8_t request, std::ui
 
 std::error_code get(std::uint16_t reportId, std::uint16_t interface,
                     std::span<std::uint8_t> buffer) {
-  return transfer(0xA1, 0x01, reportId, interface, buffer);
+  return transfer(getReport, 0x01, reportId, interface, buffer);
 }
 
 std::error_code set(std::uint16_t reportId, std::uint16_t interface,
                     std::span<std::uint8_t> buffer) {
-  return transfer(0x21, 0x09, reportId, interface, buffer);
+  return transfer(setReport, 0x09, reportId, interface, buffer);
 }
 
 std::error_code emptyReport() {
@@ -79,6 +83,7 @@ std::error_code emptyReport() {
 NerinAction::TransferSeries::TransferSeries() {
   if (series->depth++ == 0) {
     series->ended.clear();
+    series->reports = 0;
     const auto& requester = *sysDeviceReq;
     // Notices a mouse that came or went before the series begins.
     series->connection = requester && requester->isDevOn() ? requester->connection() : 0;
@@ -87,6 +92,10 @@ NerinAction::TransferSeries::TransferSeries() {
 
 NerinAction::TransferSeries::~TransferSeries() {
   --series->depth;
+}
+
+int NerinAction::reportsInSeries() {
+  return series->reports;
 }
 
 bool NerinAction::isMouseGone(const std::error_code& error) {

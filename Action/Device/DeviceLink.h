@@ -42,6 +42,9 @@ class TransferSeries {
   TransferSeries& operator=(const TransferSeries&) = delete;
 };
 
+// How many reports the latest series has begun to write, with the one that failed.
+int reportsInSeries();
+
 // Whether the error says that the mouse is gone, or does not answer at all: trying again is
 // useless.
 bool isMouseGone(const std::error_code& error);

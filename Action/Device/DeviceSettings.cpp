@@ -41,6 +41,14 @@ Outcome concludeLedSettings() {
 
 }  // namespace
 
+Outcome NerinAction::admitLiveCommand() {
+  if (liveSettings->isHeld) {
+    return {SlotStep::HeldBack, std::make_error_code(std::errc::operation_canceled)};
+  }
+  liveSettings->hasTried = true;
+  return {};
+}
+
 Outcome NerinAction::setSettingToDevicePro(std::uint8_t pro, std::uint8_t com2, std::uint8_t com3) {
   return sendCommand(std::array<std::uint8_t, 5>{0xC4, 0x0F, pro, com2, com3});
 }
@@ -51,6 +59,9 @@ Outcome NerinAction::setSettingToDevicePro2(std::uint8_t pro, std::uint8_t com2,
 }
 
 Outcome NerinAction::setSettingToDevice() {
+  if (Outcome held = admitLiveCommand(); !held.isDone()) {
+    return held;
+  }
   const TransferSeries series;
   using namespace imagelayout;
   const _Nerin_PROFILE& profile = editState->currSetProfile();
@@ -68,12 +79,18 @@ Outcome NerinAction::setSettingToDevice() {
 }
 
 Outcome NerinAction::setRateToDevice(std::uint32_t poRate) {
+  if (Outcome held = admitLiveCommand(); !held.isDone()) {
+    return held;
+  }
   const Outcome outcome = setImageByte(imagelayout::atRate, rateByteOf(poRate));
   pauseAfterReport();
   return outcome;
 }
 
 Outcome NerinAction::setColorToDevice() {
+  if (Outcome held = admitLiveCommand(); !held.isDone()) {
+    return held;
+  }
   const TransferSeries series;
   takeCurrentSlot();
   const _Nerin_PROFILE& profile = editState->currSetProfile();
@@ -92,6 +109,9 @@ Outcome NerinAction::setColorToDevice() {
 }
 
 Outcome NerinAction::setColorToDevice2() {
+  if (Outcome held = admitLiveCommand(); !held.isDone()) {
+    return held;
+  }
   const TransferSeries series;
   takeCurrentSlot();
   Outcome outcome;
@@ -106,6 +126,9 @@ Outcome NerinAction::setColorToDevice2() {
 }
 
 Outcome NerinAction::setModelToDevice() {
+  if (Outcome held = admitLiveCommand(); !held.isDone()) {
+    return held;
+  }
   const TransferSeries series;
   // In normal mode, zone 2 has its own mode.
   constexpr std::array<std::uint8_t, zoneCount> normal{1, 1, 2, 1};

@@ -8,6 +8,7 @@
 
 #include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Device/DeviceSettings.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Record/EditState.h"
 #include "Action/Record/Limits.h"
@@ -32,11 +33,10 @@ bool isButton(int btnIndex) {
   return btnIndex >= 0 && btnIndex < static_cast<int>(buttonCount);
 }
 
-// The macro to read into: the macro of that name, emptied, or a new one. Null when the catalogue is
+// The macro to read into: the macro of that name, or a new one. Null when the catalogue is
 // full.
 std::shared_ptr<MacroInfo> macroFor(const std::string& name) {
   if (auto known = NerinAction::getMacroByName(name)) {
-    known->keyInfoArr().clear();
     return known;
   }
   auto created = NerinAction::addMacorByName(name);
@@ -78,7 +78,7 @@ void takeMacro(std::uint8_t slot, int btnIndex, const NerinAction::MacroStream& 
                            std::to_string(btnIndex));
   const auto macro = macroFor(name);
   button.MacroID = macro ? static_cast<std::uint32_t>(macro->macroId()) : 0;
-  if (macro) {
+  if (macro && !macro->isEdited()) {
     macro->setKeyInfoArr(NerinAction::eventsOf(stream));
   }
   NerinAction::refreshMenuList();
@@ -266,10 +266,13 @@ Outcome NerinAction::resetDevPro() {
 }
 
 Outcome NerinAction::setBtnInfoToDevicePro(int btnIndex, const _BTN_INFO& btnInfo) {
-  const TransferSeries series;
   if (!isButton(btnIndex)) {
     return {};
   }
+  if (Outcome held = admitLiveCommand(); !held.isDone()) {
+    return held;
+  }
+  const TransferSeries series;
   const int slot = ProfieController::getShareProCon().currFWProfileIndex();
   editState->setCurrSetProfileID(static_cast<std::uint32_t>(slot));
   std::array<std::uint8_t, 8> command{0xC4, 0x0E, devicePosition(btnIndex)};

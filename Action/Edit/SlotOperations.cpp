@@ -1,7 +1,9 @@
 #include "Action/Edit/SlotOperations.h"
 
 #include "Action/Device/SlotTransfer.h"
+#include "Action/Edit/Drafts.h"
 #include "Action/Library/ProfieController.h"
+#include "Action/Library/ProfileNames.h"
 #include "Action/Record/EditState.h"
 #include "Action/Record/Limits.h"
 #include "Action/Service/DaemonMessages.h"
@@ -23,15 +25,42 @@ Outcome noSuchSlot(SlotStep step) {
   return {step, std::make_error_code(std::errc::invalid_argument)};
 }
 
-// Gives the slot's profile a unique name, since a read finds the slot's profile by its name.
-void settleName() {
-  const auto& name = library().currFWProfileName();
-  if (!name || name->empty()) {
-    library().setCurrFWProfileName(library().getNewProfileName());
-  } else if (const auto owner = library().getProfileByName(name);
-             owner && owner != library().getProfileByFWProIndex(library().currFWProfileIndex())) {
-    library().setCurrFWProfileName(library().getNewProfileNameByData(*owner));
+bool isFreeForSlot(const std::string& name) {
+  const auto owner = library().getProfileByName(name);
+  return !owner || owner == library().getProfileByFWProIndex(library().currFWProfileIndex());
+}
+
+// The name with the first free number, short enough for the mouse.
+std::string numbered(const std::string& name) {
+  for (int n = 1;; ++n) {
+    const std::string suffix = "_" + std::to_string(n);
+    std::string candidate = name.substr(0, limits::nameCharacters - suffix.size()) + suffix;
+    if (isFreeForSlot(candidate)) {
+      return candidate;
+    }
   }
+}
+
+// Gives the slot's profile a unique name that the mouse can hold, since a read finds the slot's
+// profile by its name.
+void settleName() {
+  const std::string name = profilenames::forMouse(library().currFWProfileName().value_or(""));
+  if (name.empty()) {
+    library().setCurrFWProfileName(library().getNewProfileName());
+  } else {
+    library().setCurrFWProfileName(isFreeForSlot(name) ? name : numbered(name));
+  }
+}
+
+void unlink(int slot) {
+  library().fwProfileID()[static_cast<std::size_t>(slot)] = ProfieController::notLinked;
+}
+
+// Whether the mouse was not there, or not free, before the first report.
+bool isNothingSent(const Outcome& outcome) {
+  const std::error_code error = outcome.failure()->error;
+  return NerinAction::reportsInSeries() <= 1 &&
+         (error == std::errc::no_such_device || error == std::errc::device_or_resource_busy);
 }
 
 Outcome saveSlotToLibrary() {
@@ -41,6 +70,7 @@ Outcome saveSlotToLibrary() {
 // The steps that Apply and Reset share.
 Outcome commit() {
   Outcome outcome = NerinAction::writeSlot(library().currFWProfileIndex());
+  // The library keeps the edit, whatever becomes of the mouse.
   outcome += saveSlotToLibrary();
   NerinAction::sendMessageToDaemon(NerinAction::MessageProfileApplied);
   if (outcome.isDone()) {
@@ -48,6 +78,7 @@ Outcome commit() {
   } else {
     // There is something to apply until all of it arrived.
     editState->raiseNeedSave();
+    NerinAction::keepDraft();
   }
   return outcome;
 }
@@ -58,19 +89,27 @@ NerinAction::ReadResult<bool> NerinAction::loadSlot(int slot) {
   if (!isSlot(slot)) {
     return {noSuchSlot(SlotStep::ReadName), false};
   }
+  // The slot may have been left by a press on the mouse itself.
+  keepDraft();
   const auto read = readSlot(slot);
   if (read.value) {
     editState->load(editState->currFWProfile());
+  } else {
+    // What is shown stays. An Apply makes a new profile of it: the one that the slot was linked to
+    // before may be another than the one that is shown.
+    editState->forgetBase();
+  }
+  if (!read.value || isApplyUnfinished(slot)) {
+    // A mixture of two profiles must not become the content of either.
+    unlink(slot);
+  }
+  if (read.value) {
     // Only a profile that is linked to the slot may stay selected.
     library().setCurrProfile(library().getProfileByFWProIndex(slot));
     library().saveSelProfileToData();
-  } else {
-    editState->forgetBase();
-    // What is shown stays. An Apply makes a new profile of it: the one that the slot was linked to
-    // before may be another than the one that is shown.
-    library().fwProfileID()[static_cast<std::size_t>(slot)] = ProfieController::notLinked;
   }
   beginSlot(slot);
+  restoreDraft(slot);
   return read;
 }
 
@@ -141,7 +180,18 @@ Outcome NerinAction::writeSlot(int slot) {
     return noSuchSlot(SlotStep::WriteImage);
   }
   editState->currFWProfile() = editState->selProfile();
-  return setFWProfileData(static_cast<std::uint8_t>(slot));
+  // One series, so that no other program finds the slot half written.
+  const TransferSeries series;
+  const bool wasUnfinished = isApplyUnfinished(slot);
+  beginApply(currentDraft(slot));
+  Outcome outcome = setFWProfileData(static_cast<std::uint8_t>(slot));
+  if (outcome.isDone()) {
+    endApply(slot);
+    editState->forgetEdited();
+  } else if (!wasUnfinished && isNothingSent(outcome)) {
+    forgetApply(slot);
+  }
+  return outcome;
 }
 
 Outcome NerinAction::applySlot() {
@@ -168,10 +218,15 @@ Outcome NerinAction::resetSlot() {
 }
 
 Outcome NerinAction::renameSlot(const std::string& name) {
+  const auto before = library().currFWProfileName();
   library().setCurrFWProfileName(name);
   settleName();
   Outcome outcome = setFWProfileName(static_cast<std::uint8_t>(library().currFWProfileIndex()),
                                      library().currFWProfileName());
-  outcome += saveSlotToLibrary();
+  if (outcome.isDone()) {
+    outcome += saveSlotToLibrary();
+  } else {
+    library().setCurrFWProfileName(before);
+  }
   return outcome;
 }

@@ -21,20 +21,27 @@ class EditState {
   const std::optional<_Nerin_PROFILE>& base() const { return m_base; }
   // Whether the user has changed anything since the last Apply.
   bool isNeedSave() const { return m_isNeedSave; }
+  // Whether the profile holds changes of the user since the current slot was read. Unlike
+  // isNeedSave, it says nothing of slots that were left.
+  bool isEdited() const { return m_isEdited; }
 
   // Begins the edit with the profile that was read from the slot.
   void load(const _Nerin_PROFILE& asRead) {
     m_selProfile = asRead;
     m_base = asRead;
+    m_isEdited = false;
   }
   // For a slot that could not be read or holds no profile. The edited profile does not change.
-  void forgetBase() { m_base.reset(); }
+  void forgetBase() {
+    m_base.reset();
+    m_isEdited = false;
+  }
   // Begins the edit with another profile; the slot still holds the base.
   void bind(const _Nerin_PROFILE& profile) { m_selProfile = profile; }
 
   // Gives write access to the profile.
   _Nerin_PROFILE& edit() {
-    m_isNeedSave = true;
+    raiseNeedSave();
     return m_selProfile;
   }
   // Takes over the result of a window. An identical profile is not an edit.
@@ -44,15 +51,23 @@ class EditState {
     }
   }
   // For an edit outside the record: the profile's name or its linked program.
-  void raiseNeedSave() { m_isNeedSave = true; }
+  void raiseNeedSave() {
+    m_isNeedSave = true;
+    m_isEdited = true;
+  }
 
   // Makes the edited profile the base, because the slot holds it now.
   void settle() {
     m_base = m_selProfile;
-    m_isNeedSave = false;
+    clearNeedSave();
   }
-  // Clears the flag without changing the base.
-  void clearNeedSave() { m_isNeedSave = false; }
+  // For a slot that was written: reading it again gives the edit back.
+  void forgetEdited() { m_isEdited = false; }
+  // Clears the flags without changing the base.
+  void clearNeedSave() {
+    m_isNeedSave = false;
+    m_isEdited = false;
+  }
 
   // The working copy for settings that go to the mouse at once, and its slot. Any window may change
   // it.
@@ -71,6 +86,7 @@ class EditState {
   _Nerin_PROFILE m_selProfile{};
   std::optional<_Nerin_PROFILE> m_base;
   bool m_isNeedSave = false;
+  bool m_isEdited = false;
   _Nerin_PROFILE m_currSetProfile{};
   std::uint32_t m_currSetProfileID = 0;
   _Nerin_PROFILE m_currFWProfile{};

@@ -18,6 +18,7 @@ enum class SlotStep : std::uint8_t {
   WriteButton,
   WriteSetting,
   Refresh,
+  HeldBack,
   SavePreferences,
   SaveLibrary,
 };

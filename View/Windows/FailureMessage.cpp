@@ -24,6 +24,7 @@ const char* wordsFor(SlotStep step) {
     case SlotStep::WriteButton:
     case SlotStep::WriteSetting:
     case SlotStep::Refresh:
+    case SlotStep::HeldBack:
       break;
   }
   return "The mouse did not take all of it. Try again.";

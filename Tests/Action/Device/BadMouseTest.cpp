@@ -259,6 +259,7 @@ TEST_F(BadMouse, ThatIsUnpluggedAnywhereInAReadChangesNothing) {
     mouse().setScenario({.kind = Kind::UnpluggedAfter, .transfers = after});
     editState->edit() = whole;
     editState->edit().liftHeight = 30;
+    editState->clearNeedSave();
     const auto stored = library().currProfile()->profileData();
     const bool isRead = NerinAction::loadSlot(2).value;
     EXPECT_EQ(isRead, after >= 6);
