@@ -117,7 +117,7 @@ void AppDelegate::showAboutPro() {
 }
 
 void AppDelegate::windowWillClose(LXNoTitleWindow& /*window*/) {
-  termination::terminate();
+  MainView::cancelPro();
 }
 
 void prepareApplication(QApplication& application) {

@@ -26,6 +26,8 @@ struct DraftStore {
   bool isLoaded = false;
   std::map<int, SlotDraft> drafts;
   std::map<int, std::string> written;  // the documents on disk
+  // The slot whose draft is only the working copy of an open window; -1 for none.
+  int undecided = -1;
 };
 ProcessWide<DraftStore> store;
 
@@ -101,6 +103,7 @@ DraftStore& loaded() {
 void forget(int slot) {
   DraftStore& all = loaded();
   all.drafts.erase(slot);
+  all.undecided = all.undecided == slot ? -1 : all.undecided;
   if (all.written.erase(slot) > 0) {
     removeFile(editFile(slot));
   }
@@ -187,14 +190,24 @@ SlotDraft NerinAction::currentDraft(int slot) {
   return draft;
 }
 
-void NerinAction::keepDraft() {
+void NerinAction::keepDraft(const _Nerin_PROFILE* working) {
   const int slot = library().currFWProfileIndex();
-  if (!editState->isEdited() || !isSlot(slot)) {
+  if (!isSlot(slot)) {
+    return;
+  }
+  DraftStore& all = loaded();
+  if (!editState->isEdited() && working == nullptr) {
+    if (all.undecided == slot) {
+      forget(slot);
+    }
     return;
   }
   SlotDraft draft = currentDraft(slot);
+  all.undecided = working != nullptr && !editState->isEdited() ? slot : -1;
+  if (working != nullptr) {
+    draft.content.profile = *working;
+  }
   std::string document = documentOf(draft);
-  DraftStore& all = loaded();
   // The catalogue's macros go on changing.
   for (auto& macro : draft.macros) {
     macro = copyOf(*macro);
@@ -221,11 +234,15 @@ bool NerinAction::restoreDraft(int slot) {
   return false;
 }
 
-void NerinAction::discardDraft(int slot) {
+void NerinAction::dropDraft(int slot) {
   forget(slot);
   if (slot == library().currFWProfileIndex()) {
     editState->clearNeedSave();
   }
+}
+
+void NerinAction::discardDraft(int slot) {
+  dropDraft(slot);
   if (auto draft = unfinishedApply(slot)) {
     draft->isDiscarded = true;
     write(applyFile(slot), documentOf(*draft));

@@ -10,13 +10,16 @@ namespace NerinAction {
 
 // --- Edits -------------------------------------------------------------------------------------
 
-// Keeps the current edit as the draft of its slot, and forgets a draft when nothing is edited.
-// Writes only what changed, so that it can be called often.
-void keepDraft();
+// Keeps the current edit as the draft of its slot. Writes only what changed, so that it can be
+// called often. `working` is the profile in an open window that the user has not decided about yet;
+// without it, such a draft is forgotten again.
+void keepDraft(const _Nerin_PROFILE* working = nullptr);
 bool hasDraft(int slot);
 // Makes the slot's draft, or else its unfinished Apply, the current edit: record, name, link and
 // macros. False if there is neither.
 bool restoreDraft(int slot);
+// The user quits without applying. An unfinished Apply comes back at the next start.
+void dropDraft(int slot);
 // The user gives up what was edited in the slot. An unfinished Apply stays known as such.
 void discardDraft(int slot);
 

@@ -103,6 +103,8 @@ class LXButton : public QAbstractButton {
   QWidget* openedList() const { return m_openedList; }
   // Gives the button the focus and shows it, even in a window that is not active yet.
   void showFocus();
+  // Whether the pointer gave it the focus.
+  bool isFocusFromPointer() const { return m_isFocusFromPointer; }
   // Corner radius of the focus ring.
   void setFocusRadius(int pixels) { m_focusRadius = pixels; }
 

@@ -1,5 +1,6 @@
 #include "Kit/Widgets/LXTextField.h"
 
+#include <QApplication>
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QPalette>
@@ -56,13 +57,22 @@ void LXTextField::keyPressEvent(QKeyEvent* event) {
     }
     return;
   }
+  if (event->key() == Qt::Key_Escape && !isReadOnly() && text() != m_settled) {
+    setText(m_settled);
+    selectAll();
+    return;
+  }
   QLineEdit::keyPressEvent(event);
 }
 
-// The field's own menu takes the focus only temporarily.
+// The field's own menu and another window take the focus only temporarily.
 void LXTextField::focusOutEvent(QFocusEvent* event) {
   QLineEdit::focusOutEvent(event);
-  if (event->reason() != Qt::PopupFocusReason) {
+  if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason) {
+    return;
+  }
+  const QWidget* next = QApplication::focusWidget();
+  if (next == nullptr || !next->property(leavesTextUncommitted).toBool()) {
     commit();
   }
 }

@@ -4,7 +4,7 @@
 #include <functional>
 
 // A line of text. Typed text takes effect when it is committed: on Return, and on leaving the field
-// after a change.
+// for another control after a change. Another window is no commit. Escape takes back what is typed.
 class LXTextField : public QLineEdit {
   Q_OBJECT
 
@@ -13,6 +13,9 @@ class LXTextField : public QLineEdit {
 
   // The distance of the text from each side in pixels, in addition to the margins.
   static constexpr int ownMargin = 2;
+
+  // A property of widgets to which the focus may go without a commit, because they cancel.
+  static constexpr const char* leavesTextUncommitted = "leavesTextUncommitted";
 
   explicit LXTextField(QWidget* parent = nullptr);
 

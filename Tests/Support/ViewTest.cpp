@@ -1,6 +1,7 @@
 #include "Tests/Support/ViewTest.h"
 
 #include <QApplication>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include "Kit/Widgets/LXMenulist.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Windows/PopDialogView.h"
+#include "View/Windows/StatusLine.h"
 #include "View/Windows/Termination.h"
 
 ViewTest::ViewTest() {
@@ -105,6 +107,18 @@ void ViewTest::typeName(const std::string& name) {
 
 std::string ViewTest::shownName() {
   return nameField().text().toStdString();
+}
+
+std::string ViewTest::status() {
+  return m_view->findChild<StatusLine*>(QStringLiteral("statusLine"))->text().toStdString();
+}
+
+void ViewTest::takeOffer() {
+  auto* offer = m_view->findChild<StatusLine*>(QStringLiteral("statusLine"))->offerButton();
+  if (offer == nullptr) {
+    throw std::runtime_error("nothing is offered");
+  }
+  offer->click();
 }
 
 QAction& ViewTest::menuItem(const char* name) {

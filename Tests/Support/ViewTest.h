@@ -43,6 +43,10 @@ class ViewTest : public ActionTest {
   // Types the name and commits it.
   void typeName(const std::string& name);
   std::string shownName();
+  // What the line in the footer says.
+  std::string status();
+  // Uses what the line offers.
+  void takeOffer();
   std::string title() { return button("currProfileBtn").title().toStdString(); }
   QAction& menuItem(const char* name);
   // The open list of profiles, or null.

@@ -14,10 +14,13 @@
 #include "View/Assign/SubTKeyView.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
-#include "View/Windows/FailureMessage.h"
 #include "View/Windows/LocalNotifications.h"
+#include "View/Windows/StatusLine.h"
 
 namespace {
+
+// A macro and the button that plays it.
+constexpr int buttonReports = 3;
 
 using frames = Artwork::KeyAssignView;
 
@@ -159,11 +162,12 @@ void KeyAssignView::buttonAction(LXButton& sender) {
 
 void KeyAssignView::applyEdit() {
   saveData();
+  const TransferProgress progress = transfers(buttonReports);
   const Outcome outcome = NerinAction::setBtnInfoToDevicePro(m_btnIndex, m_tmpBtnInfo);
   if (m_currFunId == SingleKey) {
     m_singleKeyView->showCurrentCaption();
   }
-  failuremessage::tell(outcome);
+  statusline::tell(outcome);
 }
 
 // Sends nothing: the mouse gets the whole profile when the user applies it.
@@ -179,7 +183,8 @@ void KeyAssignView::restoreBtnInfo() {
 void KeyAssignView::cancelEdit() {
   restoreBtnInfo();
   if (!m_isMouseGone) {
-    failuremessage::tell(NerinAction::setBtnInfoToDevicePro(m_btnIndex, m_tmpBtnInfo));
+    const TransferProgress progress = transfers(buttonReports);
+    statusline::tell(NerinAction::setBtnInfoToDevicePro(m_btnIndex, m_tmpBtnInfo));
   }
 }
 

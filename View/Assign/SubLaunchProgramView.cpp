@@ -8,8 +8,8 @@
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
-#include "View/Windows/FailureMessage.h"
 #include "View/Windows/NestedLoop.h"
+#include "View/Windows/StatusLine.h"
 #include "View/Windows/Termination.h"
 
 namespace {
@@ -61,7 +61,7 @@ void SubLaunchProgramView::saveData() {
   // A path that is too long for the record is cut. The preferences keep the whole path.
   setText(info.app_path, m_currLaunchPath);
   ProfieController& library = ProfieController::getShareProCon();
-  failuremessage::tell(Outcome::of(
+  statusline::tell(Outcome::of(
       SlotStep::SavePreferences,
       library.setLaunchPath(m_currLaunchPath, library.currFWProfileIndex(), btnIndex())));
 }

@@ -102,6 +102,11 @@ void DpiLevelsView::fillSettingData() {
   setCurrLevlePro(count, isXY());
 }
 
+std::optional<_Nerin_PROFILE> DpiLevelsView::workingProfile() {
+  saveData();
+  return editState->currSetProfile();
+}
+
 void DpiLevelsView::fillXYChk(std::uint32_t count) {
   const std::size_t used = std::min(count, maximumLevels);
   const bool hasTwo =

@@ -22,6 +22,7 @@ class DpiLevelsView : public ChildView,
 
  public:
   void fillSettingData() override;
+  std::optional<_Nerin_PROFILE> workingProfile() override;
   // Marks a level, 0..4, of the visible set.
   void setSelectedDpi(std::uint32_t level);
   // Sets the number of levels in use. Numbers outside 1..5 do not change the screen.
@@ -47,6 +48,9 @@ class DpiLevelsView : public ChildView,
   bool isXY() const;
 
  protected:
+  // The reports of all levels and the lift height.
+  static constexpr int settingReports = 14;
+
   struct Places {
     std::array<QRect, levelCount> levels;
     QRect slider;

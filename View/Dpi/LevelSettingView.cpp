@@ -6,7 +6,7 @@
 #include "Action/Record/EditState.h"
 #include "ArtworkFrames.h"
 #include "View/Screen/Frames.h"
-#include "View/Windows/FailureMessage.h"
+#include "View/Windows/StatusLine.h"
 
 namespace {
 
@@ -36,7 +36,8 @@ void LevelSettingView::applyEdit() {
   image = editState->selProfile();
   std::copy(std::begin(tried.xSensArr), std::end(tried.xSensArr), image.xSensArr);
   std::copy(std::begin(tried.ySensArr), std::end(tried.ySensArr), image.ySensArr);
-  failuremessage::tell(NerinAction::setSettingToDevice());
+  const TransferProgress progress = transfers(settingReports);
+  statusline::tell(NerinAction::setSettingToDevice());
 }
 
 void LevelSettingView::keepEdit() {
@@ -48,5 +49,6 @@ void LevelSettingView::keepEdit() {
 // profile.
 void LevelSettingView::cancelEdit() {
   editState->currFWProfile() = editState->selProfile();
-  failuremessage::tell(NerinAction::setSettingToDevice());
+  const TransferProgress progress = transfers(settingReports);
+  statusline::tell(NerinAction::setSettingToDevice());
 }

@@ -12,7 +12,7 @@
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
 #include "View/Screen/Pictures.h"
-#include "View/Windows/FailureMessage.h"
+#include "View/Windows/StatusLine.h"
 
 namespace {
 
@@ -103,7 +103,8 @@ void PerformanceView::onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& 
   }
   editState->currSetProfile().poRate = static_cast<std::uint32_t>(newIndex - 1);
   editState->currFWProfile() = editState->currSetProfile();
-  failuremessage::tell(NerinAction::setRateToDevice(editState->currFWProfile().poRate));
+  const TransferProgress progress = transfers(1);
+  statusline::tell(NerinAction::setRateToDevice(editState->currFWProfile().poRate));
 }
 
 void PerformanceView::progessBarAction(LXProgressBar& sender) {
@@ -122,9 +123,10 @@ void PerformanceView::buttonAction(LXButton& sender) {
 void PerformanceView::applyEdit() {
   saveData();
   editState->currFWProfile() = editState->currSetProfile();
+  const TransferProgress progress = transfers(settingReports);
   const Outcome outcome = NerinAction::setSettingToDevice();
   NerinAction::setIsDpiTem(true);
-  failuremessage::tell(outcome);
+  statusline::tell(outcome);
 }
 
 void PerformanceView::keepEdit() {
@@ -138,7 +140,8 @@ void PerformanceView::keepEdit() {
 void PerformanceView::cancelEdit() {
   NerinAction::setIsDpiTem(false);
   editState->currFWProfile() = editState->selProfile();
+  const TransferProgress progress = transfers(settingReports + 1);
   Outcome outcome = NerinAction::setSettingToDevice();
   outcome += NerinAction::setRateToDevice(editState->currFWProfile().poRate);
-  failuremessage::tell(outcome);
+  statusline::tell(outcome);
 }

@@ -10,13 +10,15 @@
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
 #include "View/Screen/Pictures.h"
-#include "View/Windows/FailureMessage.h"
+#include "View/Windows/StatusLine.h"
 
 namespace {
 
 using frames = Artwork::LightOptionView;
 
 constexpr int zones = static_cast<int>(zoneCount);
+// The three parts of each zone's color, and the end.
+constexpr int colorReports = 3 * zones + 1;
 constexpr int wellInset = 4;
 constexpr double wellRadius = 5;
 // Where to sample the color bar's picture, from the bottom left.
@@ -307,6 +309,10 @@ void LightView::buttonAction(LXButton& sender) {
   ChildView::buttonAction(sender);
 }
 
+std::optional<_Nerin_PROFILE> LightView::workingProfile() {
+  return editState->currSetProfile();
+}
+
 void LightView::rememberColors() const {
   for (int i = zones - 1; i >= 0; --i) {
     const LightColor color = getColorPro(editState->currSetProfile().lightColorArr[i]);
@@ -319,12 +325,13 @@ void LightView::rememberColors() const {
 void LightView::applyEdit() {
   rememberColors();
   m_recentColors->refresh();
+  const TransferProgress progress = transfers(colorReports);
   const Outcome outcome = NerinAction::setColorToDevice2();
   m_lightSetp->resetSetp();
   m_lightTagSetp->resetSetp();
   setLineImage(m_currSelectedIndex, false);
   m_currSelectedIndex = 0;
-  failuremessage::tell(outcome);
+  statusline::tell(outcome);
 }
 
 // Sends nothing: the mouse gets the whole profile when the user applies it.
@@ -337,7 +344,8 @@ void LightView::keepEdit() {
 void LightView::cancelEdit() {
   m_isOverFill = false;
   editState->currSetProfile() = editState->selProfile();
-  failuremessage::tell(NerinAction::setColorToDevice2());
+  const TransferProgress progress = transfers(colorReports);
+  statusline::tell(NerinAction::setColorToDevice2());
 }
 
 void LightView::paintEvent(QPaintEvent* event) {

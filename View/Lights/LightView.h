@@ -35,6 +35,7 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   LightView();
 
   void fillSettingData() override;
+  std::optional<_Nerin_PROFILE> workingProfile() override;
   void buttonAction(LXButton& sender) override;
   void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
   void onMouseEvent(LXButton& button, QEvent& event, int type) override;

@@ -7,6 +7,7 @@
 
 #include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Edit/MacroDraft.h"
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Macros/MacroMenulist.h"
@@ -14,8 +15,8 @@
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
 #include "View/Screen/Pictures.h"
-#include "View/Windows/FailureMessage.h"
 #include "View/Windows/LocalNotifications.h"
+#include "View/Windows/StatusLine.h"
 
 namespace {
 
@@ -115,6 +116,7 @@ MacroView::~MacroView() {
 }
 
 void MacroView::initData() {
+  NerinAction::beginMacroEdit();
   setImageByName(QStringLiteral("MacroView_Normal.png"));
 }
 
@@ -124,6 +126,7 @@ void MacroView::initControls() {
   initDelayGroups();
   initTable();
   setEndTags(TagApply, TagOk, TagCancel);
+  addFooter(frameRect(frames::applyBtn));
   setInsertState(false);
 }
 
@@ -354,8 +357,12 @@ void MacroView::buttonAction(LXButton& sender) {
 }
 
 void MacroView::applyEdit() {
-  if (!NerinAction::saveMenuList()) {
-    failuremessage::tellMacrosNotSaved();
+  NerinAction::keepMacroDraft();
+  if (NerinAction::saveMenuList()) {
+    NerinAction::discardMacroDraft();
+    statusline::clear();
+  } else {
+    statusline::tellMacrosNotSaved();
   }
 }
 
@@ -366,10 +373,13 @@ void MacroView::keepEdit() {
 // The catalogue's macros keep the edits; only the file is not written.
 void MacroView::cancelEdit() {
   endRecording();
+  NerinAction::keepMacroDraft();
+  NerinAction::discardMacroDraft();
 }
 
 void MacroView::devOutplusPro() {
   endRecording();
+  NerinAction::keepMacroDraft();
   macromenulist::release(this);
   if (m_insertList) {
     m_insertList->hideMenulist();

@@ -4,7 +4,10 @@
 
 #include <QFileInfo>
 #include <algorithm>
+#include <utility>
 
+#include "Action/Edit/Drafts.h"
+#include "Action/Edit/MacroDraft.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Library/ProfileMenuData.h"
 #include "Action/Library/SupportFolder.h"
@@ -19,7 +22,8 @@
 #include "View/Main/MainSubView2.h"
 #include "View/Main/MainViewTags.h"
 #include "View/Screen/ControlFactory.h"
-#include "View/Windows/FailureMessage.h"
+#include "View/Windows/ChildView.h"
+#include "View/Windows/StatusLine.h"
 #include "View/Windows/Termination.h"
 
 namespace {
@@ -51,6 +55,7 @@ void MainView::initData() {
   LXAction::setLoggerHasFile(true);
   TooltipManager::shareTooltipManager();
   NerinAction::initMenuList();
+  m_areMacrosBack = NerinAction::restoreMacroDraft();
   ProfieController::getShareProCon();
   setImageByName(QStringLiteral("MainView_Normal.png"));
   NerinAction::startListenDev();
@@ -63,8 +68,13 @@ void MainView::refreshData() {
   m_profileStep->selectindex(active.value + 1);
   m_modeStep->selectindex(static_cast<int>(editState->selProfile().modeType) + 1);
   refreshProfileMenu();
-  editState->clearNeedSave();
+  if (!editState->isEdited()) {
+    editState->clearNeedSave();
+  }
   refreshApplyBtn();
+  if (std::exchange(m_areMacrosBack, false) && m_statusLine->text().isEmpty()) {
+    statusline::say(NerinAction::tooltipText("Your edits are back."));
+  }
 }
 
 void MainView::fillSettingData() {
@@ -132,8 +142,41 @@ void MainView::refreshProfileMenu() {
 }
 
 void MainView::refreshApplyBtn() {
-  m_applyBtn->setIsEnable(editState->isNeedSave());
-  m_okBtn->setIsEnable(editState->isNeedSave());
+  const bool isNeedSave = editState->isNeedSave();
+  for (LXButton* button : {m_applyBtn, m_okBtn}) {
+    if (!isNeedSave && button->hasFocus()) {
+      // Disabling it would hand the focus to the button that quits.
+      m_profileBtns[static_cast<std::size_t>(currentSlot())]->setFocus(
+          button->isFocusFromPointer() ? Qt::MouseFocusReason : Qt::OtherFocusReason);
+    }
+    button->setIsEnable(isNeedSave);
+  }
+  showDraftMarks();
+}
+
+void MainView::showDraftMarks() {
+  for (int slot = 0; slot < slotTabs; ++slot) {
+    const bool isEdited = slot == currentSlot()
+                              ? editState->isEdited() || NerinAction::isApplyUnfinished(slot)
+                              : NerinAction::hasDraft(slot) || NerinAction::isApplyUnfinished(slot);
+    const auto index = static_cast<std::size_t>(slot);
+    m_draftMarks[index]->setVisible(isEdited);
+    m_profileBtns[index]->setAccessibleDescription(
+        isEdited ? NerinAction::tooltipText("Has edits that are not applied") : QString());
+  }
+}
+
+void MainView::keepDrafts() {
+  if (termination::isTerminating()) {
+    return;
+  }
+  NerinAction::keepMacroDraft();
+  std::optional<_Nerin_PROFILE> working =
+      m_childView ? m_childView->workingProfile() : std::nullopt;
+  if (working && m_childBefore && isSameRecord(*working, *m_childBefore)) {
+    working.reset();
+  }
+  NerinAction::keepDraft(working ? &*working : nullptr);
 }
 
 void MainView::raiseNeedSave() {
@@ -205,7 +248,10 @@ void MainView::buttonAction(LXButton& sender) {
       break;
     case TagOk:
       applyPro();
-      closeAppPro();
+      // What the mouse or the disk did not take is still to be applied.
+      if (!editState->isNeedSave()) {
+        closeAppPro();
+      }
       break;
     case TagMenu:
       m_menu.popup(m_menuBtn->mapToGlobal(QPoint(0, m_menuBtn->height())));
@@ -236,7 +282,7 @@ void MainView::osdClick() {
   const bool isStored = library().setIsOSD(m_osdMenu->data().toInt() == 1);
   NerinAction::sendMessageToDaemon(NerinAction::MessageOsdChanged, {library().isOSD()});
   refreshOsdMenu();
-  failuremessage::tell(Outcome::of(SlotStep::SavePreferences, isStored));
+  statusline::tell(Outcome::of(SlotStep::SavePreferences, isStored));
 }
 
 void MainView::connectTtsSite() {
@@ -256,5 +302,8 @@ void MainView::closeAppPro() {
 }
 
 void MainView::cancelPro() {
+  if (!termination::isTerminating()) {
+    NerinAction::dropDraft(currentSlot());
+  }
   closeAppPro();
 }

@@ -18,6 +18,7 @@
 #include "Kit/Widgets/LXNoTitleWindow.h"
 #include "Kit/Widgets/LXSetpPanelObj.h"
 #include "View/Screen/TavImageView.h"
+#include "View/Windows/StatusLine.h"
 
 class ChildView;
 class LXButton;
@@ -65,6 +66,10 @@ class MainView : public TavImageView,
   static Outcome saveLinkApp();
   void applyPro();
   void resetPro();
+  // Gives up the edit, and shows what the mouse holds.
+  void readSlotAgain();
+  // Keeps what is edited, here and in an open child window, where no end of the program loses it.
+  void keepDrafts();
 
   // --- Profiles ----------------------------------------------------------------------------
 
@@ -118,6 +123,7 @@ class MainView : public TavImageView,
   static void connectTtsSite();
   void openHelpPro() const;
   static void closeAppPro();
+  // The same, and gives up the edit of the current slot.
   static void cancelPro();
   static void reluanchAppPro();
   // These notifications have no effect.
@@ -145,10 +151,15 @@ class MainView : public TavImageView,
   void initMaps();
   void initMenu();
   void initShortcuts();
+  void initStatus();
 
   void selectSlot(int newIndex, int oldIndex);
   void selectMode(int newIndex, int oldIndex);
   void raiseNeedSave();
+  void sayHowSlotIs(const Outcome& outcome);
+  void sayIfSpelled(const std::string& wanted);
+  void showDraftMarks();
+  void catchUp();
   void beginProfile(const std::string& name);
   void showSlotTitle();
   void showTitle(const std::optional<std::string>& name);
@@ -163,6 +174,7 @@ class MainView : public TavImageView,
   void openChild(ChildView* view, int dragHeight, const char* titleKey);
   void handOver(void (MainView::*work)(std::int32_t), std::int32_t value);
   void outPlusReported(std::int32_t value);
+  void takeReportedSlot(std::int32_t value);
 
   LXButton* m_reDefBtn = nullptr;
   LXButton* m_homeBtn = nullptr;
@@ -192,6 +204,9 @@ class MainView : public TavImageView,
   MainSubView1* m_subView1 = nullptr;
   MainSubView2* m_subView2 = nullptr;
   ProgressLine* m_progressBar = nullptr;
+  StatusLine* m_statusLine = nullptr;
+  // One for each slot, over its tab: the slot has edits that are not applied.
+  std::array<QWidget*, slotTabs> m_draftMarks{};
   std::unique_ptr<LXMenulist> m_profileList;
   QMenu m_menu;
   QAction* m_osdMenu = nullptr;
@@ -205,6 +220,14 @@ class MainView : public TavImageView,
   std::int32_t m_isModalSeron = 0;
   // The open child window; never more than one.
   QPointer<LXNoTitleWindow> m_child;
+  QPointer<ChildView> m_childView;
+  // What the child window's profile was when it opened.
+  std::optional<_Nerin_PROFILE> m_childBefore;
+  // The slot that the mouse changed to while a child window was open.
+  std::optional<std::int32_t> m_missedSlot;
+  // The latest slot that was reported and not yet shown; slotTabs for none.
+  std::atomic<std::int32_t> m_reportedSlot = slotTabs;
+  bool m_areMacrosBack = false;
   // Written on the thread that delivers the service's reports.
   std::atomic<bool> m_isOutPlus = false;
   std::atomic<bool> m_isDevOnTag = false;

@@ -1,7 +1,9 @@
 // The child windows of the main window, and what happens when they close.
 
 #include <algorithm>
+#include <utility>
 
+#include "Action/Device/DeviceSettings.h"
 #include "Action/Edit/PrimaryClick.h"
 #include "Action/Record/EditState.h"
 #include "View/Assign/KeyAssignView.h"
@@ -12,6 +14,8 @@
 #include "View/Screen/ControlFactory.h"
 #include "View/Windows/ModalWindow.h"
 #include "View/Windows/PopDialogView.h"
+#include "View/Windows/StatusLine.h"
+#include "View/Windows/Termination.h"
 
 namespace {
 
@@ -46,6 +50,9 @@ void MainView::openChild(ChildView* view, int dragHeight, const char* titleKey) 
   m_child->setWindowDelegate(this);
   connect(view, &ChildView::ended, m_child.data(), &QWidget::close);
   ++m_isModalSeron;
+  m_childView = view;
+  *NerinAction::liveSettings = {};
+  statusline::clear();
   m_child->show();
 }
 
@@ -57,10 +64,13 @@ void MainView::showLightView() {
   auto* view = new LightView;
   openChild(view, lightStrip, "LED");
   view->fillSettingData();
+  m_childBefore = view->workingProfile();
 }
 
 void MainView::showPerformanceView() {
-  openChild(new PerformanceView, performanceStrip, "Advanced");
+  auto* view = new PerformanceView;
+  openChild(view, performanceStrip, "Advanced");
+  m_childBefore = view->workingProfile();
 }
 
 void MainView::showKeyAssignView() {
@@ -91,6 +101,31 @@ void MainView::windowWillClose(LXNoTitleWindow& window) {
   window.setWindowDelegate(nullptr);
   window.deleteLater();
   m_child.clear();
+  m_childView.clear();
+  m_childBefore.reset();
   this->window()->raise();
   this->window()->activateWindow();
+  keepDrafts();
+  showDraftMarks();
+  if (m_missedSlot) {
+    // After the window has closed.
+    QMetaObject::invokeMethod(this, &MainView::catchUp, Qt::QueuedConnection);
+  }
+}
+
+// The mouse has changed its slot while the window was open.
+void MainView::catchUp() {
+  const auto slot = std::exchange(m_missedSlot, std::nullopt);
+  const bool wasTried = NerinAction::liveSettings->hasTried;
+  *NerinAction::liveSettings = {};
+  if (!slot || termination::isTerminating()) {
+    return;
+  }
+  if (wasTried && *slot != currentSlot()) {
+    // The slot that was left still has what was tried, and the window could not undo it.
+    editState->raiseNeedSave();
+  }
+  statusline::clear();
+  changeProfilePro(*slot);
+  refreshApplyBtn();
 }

@@ -1,6 +1,7 @@
 // The controls, step panels, maps, menu and shortcuts of the main window.
 
 #include <QShortcut>
+#include <QTimer>
 
 #include "ArtworkFrames.h"
 #include "View/Main/MainSubView1.h"
@@ -24,6 +25,11 @@ constexpr int programRightPad = 12;
 constexpr qreal programType = 12;
 constexpr int nameType = 15;
 constexpr int nameFieldPad = 8;
+constexpr int footerGap = 16;
+constexpr int markSize = 8;
+constexpr int markInset = 6;
+// Half of the time that an edit may be lost for by a kill.
+constexpr int draftMilliseconds = 400;
 
 // The captions of both maps, in the order of the record's buttons, with the names of the buttons.
 struct Caption {
@@ -115,6 +121,7 @@ void MainView::initControls() {
   initStepPanels();
   initMenu();
   initShortcuts();
+  initStatus();
   m_progressBar = new ProgressLine(this);
   m_progressBar->setObjectName(QStringLiteral("progressBar"));
   m_progressBar->setGeometry(frameRect(frames::progressBar));
@@ -157,6 +164,10 @@ void MainView::initNameField() {
   m_profileNameTxt->setAccessibleName(NerinAction::tooltipText("Profile name"));
   m_profileNameTxt->setToolTip(m_profileNameTxt->accessibleName());
   m_profileNameTxt->setTextColor(Qt::black);
+  // They end the program, and what is half typed with it.
+  for (LXButton* end : {m_closeBtn, m_cancelBtn}) {
+    end->setProperty(LXTextField::leavesTextUncommitted, true);
+  }
   m_profileNameTxt->setAction([this](LXTextField&) { onProfileTextChange(); });
   setTabOrder(m_currProfileBtn, m_profileNewBtn);
   setTabOrder(m_goRightBtn, m_profileNameTxt);
@@ -212,6 +223,27 @@ void MainView::initMenu() {
       ->setObjectName(QStringLiteral("quitMenu"));
   m_menuBtn->setOpenedList(&m_menu);
   connect(&m_menu, &QMenu::aboutToShow, this, &MainView::menuNeedsUpdate);
+}
+
+void MainView::initStatus() {
+  m_statusLine = new StatusLine(this);
+  m_statusLine->setGeometry(
+      QRect(QPoint(frameRect(frames::reDefBtn).right() + footerGap, frames::applyBtn.y),
+            QPoint(frames::applyBtn.x - footerGap, frameRect(frames::applyBtn).bottom())));
+  for (std::size_t i = 0; i < m_draftMarks.size(); ++i) {
+    auto* mark = new QWidget(m_profileBtns[i]);
+    mark->setObjectName(QStringLiteral("draftMark%1").arg(i + 1));
+    mark->setAttribute(Qt::WA_TransparentForMouseEvents);
+    mark->setAttribute(Qt::WA_StyledBackground);
+    mark->setStyleSheet(QStringLiteral("background: #F5C542; border-radius: 4px;"));
+    mark->setGeometry(m_profileBtns[i]->width() - markInset - markSize, markInset, markSize,
+                      markSize);
+    mark->hide();
+    m_draftMarks[i] = mark;
+  }
+  auto* timer = new QTimer(this);
+  connect(timer, &QTimer::timeout, this, &MainView::keepDrafts);
+  timer->start(draftMilliseconds);
 }
 
 void MainView::initShortcuts() {

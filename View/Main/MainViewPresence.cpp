@@ -1,5 +1,6 @@
 // Connecting and removing the mouse, and the reports of the background service.
 
+#include "Action/Device/DeviceSettings.h"
 #include "Action/NerinAction.h"
 #include "Kit/Core/LXPlatform.h"
 #include "View/Main/MainView.h"
@@ -57,7 +58,10 @@ void MainView::devReportPro(const LXUserInfo& userInfo) {
   }
   const std::int32_t value = numberIn(userInfo, "value").value_or(-1);
   if (*type == SlotChanged) {
-    handOver(&MainView::changeProfilePro, value);
+    // Of several reports that wait, only the last one matters.
+    if (m_reportedSlot.exchange(value) == slotTabs) {
+      handOver(&MainView::takeReportedSlot, value);
+    }
   } else if (*type == DpiChanged) {
     handOver(&MainView::dpiChangePro, value);
   } else if (*type == Removed && !m_isAskingForMouse) {
@@ -84,8 +88,24 @@ void MainView::outPlusReported(std::int32_t /*value*/) {
   outPlusePro();
 }
 
+void MainView::takeReportedSlot(std::int32_t /*value*/) {
+  changeProfilePro(m_reportedSlot.exchange(slotTabs));
+  refreshApplyBtn();
+}
+
 void MainView::changeProfilePro(std::int32_t slot) {
   if (slot < 0 || slot >= slotTabs) {
+    return;
+  }
+  if (m_isModalSeron != 0) {
+    // The window's slot is refused; what the user tries would reach the other slot.
+    m_missedSlot = slot;
+    NerinAction::liveSettings->isHeld = slot != currentSlot();
+    if (NerinAction::liveSettings->isHeld) {
+      statusline::tellHeldBack(slot + 1);
+    } else {
+      statusline::clear();
+    }
     return;
   }
   m_isFWChangeProfile = true;
@@ -107,6 +127,7 @@ void MainView::subWindowEndOutplus() {
 }
 
 void MainView::outPlusePro() {
+  keepDrafts();
   if (m_isModalSeron != 0) {
     reluanchAppPro();
     closeAppPro();

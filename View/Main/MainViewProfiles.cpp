@@ -16,9 +16,9 @@
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Main/MainView.h"
 #include "View/Screen/ControlFactory.h"
-#include "View/Windows/FailureMessage.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/PopDialogView.h"
+#include "View/Windows/StatusLine.h"
 #include "View/Windows/Termination.h"
 #include "View/Windows/TransferProgress.h"
 
@@ -57,7 +57,7 @@ void MainView::beginProfile(const std::string& name) {
   showName();
   showTitle(std::nullopt);
   refreshApplyBtn();
-  failuremessage::tell(outcome);
+  statusline::tell(outcome);
 }
 
 void MainView::addProfile() {
@@ -84,7 +84,7 @@ void MainView::delProfile() {
   const Outcome outcome = NerinAction::deleteSelectedProfile();
   refreshProfileMenu();
   showTitle(std::nullopt);
-  failuremessage::tell(outcome);
+  statusline::tell(outcome);
 }
 
 void MainView::extentProfile() {
@@ -134,7 +134,7 @@ void MainView::importProfile() {
   const Outcome outcome(SlotStep::SaveLibrary, library().saveToSys());
   // A save takes in what other programs did in the folder.
   refreshProfileMenu();
-  failuremessage::tell(outcome);
+  statusline::tell(outcome);
 }
 
 void MainView::onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) {
@@ -162,17 +162,23 @@ bool MainView::checkProfileName(const std::string& name) {
 }
 
 void MainView::reNamePro() {
-  const std::string name = m_profileNameTxt->text().toStdString();
+  const std::string typed = m_profileNameTxt->text().toStdString();
+  const std::string name = profilenames::forMouse(typed);
   Outcome outcome;
+  bool isRenamed = false;
   if (profilenames::isStorable(name) && checkProfileName(name)) {
     const TransferProgress progress(m_progressBar, nameReports);
     outcome = NerinAction::renameSlot(name);
+    isRenamed = outcome.isDone();
     showTitle(library().currFWProfileName());
     refreshProfileMenu();
     outcome += Outcome(SlotStep::SaveLibrary, library().saveToSys());
   }
   showName();
-  failuremessage::tell(outcome);
+  statusline::tell(outcome);
+  if (isRenamed && outcome.isDone()) {
+    sayIfSpelled(typed);
+  }
 }
 
 void MainView::showLaunchPro() {

@@ -2,14 +2,20 @@
 
 #include <algorithm>
 
+#include "Action/Edit/Drafts.h"
+#include "Action/Edit/PrimaryClick.h"
 #include "Action/Edit/SlotOperations.h"
 #include "Action/Library/ProfieController.h"
+#include "Action/Library/ProfileNames.h"
 #include "Action/NerinAction.h"
 #include "Action/Record/EditState.h"
+#include "Kit/Core/LXAction.h"
 #include "Kit/Widgets/LXButton.h"
 #include "View/Main/MainView.h"
-#include "View/Windows/FailureMessage.h"
+#include "View/Screen/ControlFactory.h"
+#include "View/Windows/NestedLoop.h"
 #include "View/Windows/PopDialogView.h"
+#include "View/Windows/StatusLine.h"
 #include "View/Windows/Termination.h"
 #include "View/Windows/TransferProgress.h"
 
@@ -32,6 +38,14 @@ int reportsOf(const _Nerin_PROFILE& profile) {
   return slotReports + macroReports * static_cast<int>(macros);
 }
 
+bool asksWithoutLeftClick() {
+  const NestedLoop scope;
+  return LXAction::ChooseInfoMessage(
+             NerinAction::tooltipText("No button has the left click. Apply anyway?")
+                 .toStdString()) &&
+         !termination::isTerminating();
+}
+
 }  // namespace
 
 bool MainView::shouldSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) {
@@ -46,7 +60,8 @@ bool MainView::shouldSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sen
       return false;
     }
     buttonAction(*m_applyBtn);
-    return true;
+    // An edit that was not taken stays in front of the user.
+    return !editState->isNeedSave();
   }
   if (&sender == m_modeStep && !m_isFillSetting && !m_isFWChangeProfile && newIndex == 2) {
     NerinAction::showPopView("WarningBattle", false);
@@ -79,13 +94,52 @@ void MainView::selectSlot(int newIndex, int oldIndex) {
   }
   // At startup, another message reports a missing mouse.
   if (isChange || NerinAction::checkListenDev()) {
-    failuremessage::tell(outcome);
+    sayHowSlotIs(outcome);
+  }
+  refreshApplyBtn();
+}
+
+void MainView::sayHowSlotIs(const Outcome& outcome) {
+  const StatusLine::Offer again{NerinAction::tooltipText("Read this slot again"),
+                                [this] { readSlotAgain(); }};
+  if (!outcome.isDone()) {
+    statusline::tell(outcome);
+  } else if (NerinAction::isApplyUnfinished(currentSlot())) {
+    statusline::say(
+        NerinAction::tooltipText("The last Apply to this slot was interrupted. Apply finishes it."),
+        StatusLine::Tone::Note, again);
+  } else if (NerinAction::hasDraft(currentSlot())) {
+    statusline::say(NerinAction::tooltipText("Your edits are back."), StatusLine::Tone::Note,
+                    again);
+  } else {
+    statusline::clear();
+  }
+}
+
+void MainView::readSlotAgain() {
+  NerinAction::discardDraft(currentSlot());
+  Outcome outcome;
+  {
+    const TransferProgress progress(m_progressBar, reportsOf(editState->selProfile()));
+    outcome = getFwProfileDataPro(currentSlot());
+    fillSettingData();
+  }
+  refreshApplyBtn();
+  statusline::tell(outcome);
+}
+
+// For a name that the mouse cannot hold.
+void MainView::sayIfSpelled(const std::string& wanted) {
+  const std::string& name = library().currFWProfileName().value_or("");
+  if (!wanted.empty() && !profilenames::isHeldByMouse(wanted)) {
+    statusline::say(NerinAction::tooltipText("The mouse holds plain letters only: %1 is now %2.")
+                        .arg(QString::fromStdString(wanted), QString::fromStdString(name)));
   }
 }
 
 Outcome MainView::getFwProfileDataPro(int slot) {
   const auto read = NerinAction::loadSlot(slot);
-  if (read.value) {
+  if (read.value || editState->isEdited()) {
     showSlotTitle();
   }
   return read.outcome;
@@ -110,7 +164,7 @@ void MainView::selectMode(int newIndex, int oldIndex) {
     outcome = NerinAction::setModelToDevice();
   }
   if (isChosen) {
-    failuremessage::tell(outcome);
+    statusline::tell(outcome);
   }
 }
 
@@ -119,16 +173,25 @@ Outcome MainView::saveLinkApp() {
 }
 
 void MainView::applyPro() {
+  if (NerinAction::primaryClicksOf(editState->selProfile()) == 0 && !asksWithoutLeftClick()) {
+    return;
+  }
+  const std::string wanted = library().currFWProfileName().value_or("");
+  const int reports = reportsOf(editState->selProfile());
   Outcome outcome;
   {
-    const TransferProgress progress(m_progressBar, reportsOf(editState->selProfile()));
+    const TransferProgress progress(m_progressBar, reports);
     outcome = NerinAction::applySlot();
   }
   showName();
   showTitle(library().currFWProfileName());
   refreshProfileMenu();
   refreshApplyBtn();
-  failuremessage::tell(outcome);
+  statusline::tellApplied(outcome, reports,
+                          NerinAction::tooltipText("Applied to slot %1.").arg(currentSlot() + 1));
+  if (outcome.isDone()) {
+    sayIfSpelled(wanted);
+  }
 }
 
 void MainView::resetPro() {
@@ -137,15 +200,17 @@ void MainView::resetPro() {
       !library().currDefProfile()) {
     return;
   }
+  const int reports = reportsOf(library().currDefProfile()->profileData());
   Outcome outcome;
   {
-    const TransferProgress progress(m_progressBar,
-                                    reportsOf(library().currDefProfile()->profileData()));
+    const TransferProgress progress(m_progressBar, reports);
     outcome = NerinAction::resetSlot();
   }
   fillSettingData();
   showSlotTitle();
   refreshProfileMenu();
   refreshApplyBtn();
-  failuremessage::tell(outcome);
+  statusline::tellApplied(
+      outcome, reports,
+      NerinAction::tooltipText("Slot %1 has its factory settings again.").arg(currentSlot() + 1));
 }

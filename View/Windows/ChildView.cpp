@@ -1,6 +1,17 @@
 #include "View/Windows/ChildView.h"
 
 #include "Kit/Widgets/LXButton.h"
+#include "View/Windows/StatusLine.h"
+
+namespace {
+
+constexpr int footerMargin = 20;
+constexpr int footerGap = 8;
+constexpr int lineHeight = 4;
+// The narrow windows need three lines of words.
+constexpr int extraHeight = 7;
+
+}  // namespace
 
 void ChildView::addEndButtons(const EndButton& apply, const EndButton& close,
                               const EndButton& cancel) {
@@ -8,6 +19,17 @@ void ChildView::addEndButtons(const EndButton& apply, const EndButton& close,
   addButton(close.frame, close.tag, "okBtn", "Close");
   addButton(cancel.frame, cancel.tag, "cancelBtn", "Cancel");
   setEndTags(apply.tag, close.tag, cancel.tag);
+  addFooter(apply.frame);
+}
+
+void ChildView::addFooter(const QRect& applyFrame) {
+  auto* line = new StatusLine(this);
+  line->setGeometry(
+      QRect(QPoint(footerMargin, applyFrame.top() - extraHeight),
+            QPoint(applyFrame.left() - footerGap, applyFrame.bottom() + extraHeight)));
+  m_progressLine = new ProgressLine(this);
+  m_progressLine->setObjectName(QStringLiteral("progressBar"));
+  m_progressLine->setGeometry(0, height() - lineHeight, width(), lineHeight);
 }
 
 void ChildView::setEndTags(int apply, int close, int cancel) {

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QRect>
+#include <optional>
 
+#include "Action/Record/Records.h"
 #include "View/Screen/TavImageView.h"
+#include "View/Windows/TransferProgress.h"
 
 // The content of a child window. Its own buttons end it; closing the window in any other way
 // cancels the edit.
@@ -16,6 +19,9 @@ class ChildView : public TavImageView {
   int endTag() const { return m_endTag; }
   // The window's owner calls this when the window closes.
   void windowCloses();
+  // The profile with what the user has changed in this window so far, to be kept as a draft. No
+  // value for a window that does not change the profile before it closes.
+  virtual std::optional<_Nerin_PROFILE> workingProfile() { return std::nullopt; }
 
   // Handles the three end buttons. Subclasses handle the others.
   void buttonAction(LXButton& sender) override;
@@ -29,10 +35,14 @@ class ChildView : public TavImageView {
     QRect frame;
     int tag;
   };
-  // Adds "Apply", which tries the edit, "Close", which keeps it, and "Cancel".
+  // Adds "Apply", which tries the edit, "Close", which keeps it, and "Cancel", and the footer.
   void addEndButtons(const EndButton& apply, const EndButton& close, const EndButton& cancel);
   // For a view that creates these buttons itself.
   void setEndTags(int apply, int close, int cancel);
+  // Adds the status line, left of the button "Apply", and the progress line.
+  void addFooter(const QRect& applyFrame);
+  // Shows the wait cursor and the progress line while so many reports are written.
+  TransferProgress transfers(int reports) { return {m_progressLine, reports}; }
 
   // Sends the edit to the mouse to try it; the window stays open.
   virtual void applyEdit() {}
@@ -49,6 +59,7 @@ class ChildView : public TavImageView {
  private:
   static constexpr int noTag = -1;
 
+  ProgressLine* m_progressLine = nullptr;
   int m_applyTag = noTag;
   int m_closeTag = noTag;
   int m_cancelTag = noTag;

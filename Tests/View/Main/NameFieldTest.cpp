@@ -109,9 +109,8 @@ TEST_P(NameFieldRefuses, AndShowsTheOldNameAgain) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, NameFieldRefuses,
-                         testing::Values("", "a/b", "a:b", "m\xC3\xBCll", "tab\there", "del\x7F",
-                                         std::string(66, 'x'), "profile#1", "Profile#1",
-                                         "PROFILE#10", "pROFILE#7"));
+                         testing::Values("", "a/b", "a:b", "\xF0\x9F\x8E\xAE", "profile#1",
+                                         "Profile#1", "PROFILE#10", "pROFILE#7"));
 
 TEST_P(NameFieldTakes, AndTheMouseHasIt) {
   startNamed();
@@ -124,6 +123,60 @@ TEST_P(NameFieldTakes, AndTheMouseHasIt) {
 INSTANTIATE_TEST_SUITE_P(Names, NameFieldTakes,
                          testing::Values("profile#11", "Profile#0", "Profile#", "x", "!#$%~ (1)",
                                          std::string(65, 'x'), "NewPF_1"));
+
+TEST_F(NameField, WhatTheMouseCannotHoldIsSpelledAndTheUserSeesIt) {
+  startNamed();
+  const std::pair<std::string, std::string> spellings[] = {
+      {"m\xC3\xBCll", "mull"},
+      {"\xD0\x98\xD0\xB3\xD1\x80\xD0\xB0", "Igra"},
+      {"tab\there", "tabhere"},
+      {std::string(66, 'x'), std::string(65, 'x')}};
+  for (const auto& [typed, spelled] : spellings) {
+    typeName(typed);
+    EXPECT_EQ(shownName(), spelled);
+    EXPECT_EQ(mouse().slotName(0), spelled);
+    EXPECT_EQ(library().currProfile()->name(), spelled);
+    EXPECT_THAT(status(), testing::EndsWith("is now " + spelled));
+    EXPECT_THAT(status(), testing::HasSubstr(typed));
+  }
+  setPreferredLanguage("de");
+  typeName("B\xC3\xBCro");
+  EXPECT_EQ(shownName(), "Buero");
+}
+
+TEST_F(NameField, AnotherWindowIsNoCommitAndCancelIsNone) {
+  startNamed();
+  type("Office");
+  nameField().clearFocus();  // as the window system does it
+  QTest::keyClick(&nameField(), Qt::Key_Escape);
+  typeName("NewPF_1");
+  clearTrace();
+  type("Office");
+  QFocusEvent leaves(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+  QApplication::sendEvent(&nameField(), &leaves);
+  EXPECT_THAT(trace(), IsEmpty());
+  EXPECT_EQ(mouse().slotName(0), "NewPF_1");
+  for (const char* name : {"cancelBtn", "closeBtn"}) {
+    nameField().setFocus(Qt::MouseFocusReason);
+    type("Office");
+    button(name).setFocus(Qt::MouseFocusReason);
+    EXPECT_THAT(trace(), IsEmpty()) << name;
+  }
+}
+
+TEST_F(NameField, EscapeTakesBackWhatIsTypedAndOnlyThenGoesOn) {
+  startNamed();
+  type("Office");
+  QKeyEvent first(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+  QApplication::sendEvent(&nameField(), &first);
+  EXPECT_TRUE(first.isAccepted());
+  EXPECT_EQ(shownName(), "NewPF_1");
+  QKeyEvent second(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+  second.ignore();
+  QApplication::sendEvent(&nameField(), &second);
+  EXPECT_THAT(trace(), IsEmpty());
+  EXPECT_EQ(mouse().slotName(0), "NewPF_1");
+}
 
 TEST_F(NameField, ALowerCaseTwinIsRefusedInAnyCase) {
   startNamed();

@@ -147,7 +147,8 @@ TEST_F(MainViewPresence, TheMouseThatComesBackIsReadAnew) {
   EXPECT_EQ(m_asked.size(), 1U);
   EXPECT_FALSE(termination::isTerminating());
   EXPECT_FALSE(view().isOutPlus());
-  EXPECT_FALSE(editState->isNeedSave());
+  EXPECT_TRUE(editState->isNeedSave()) << "the edit is back";
+  EXPECT_EQ(library().currFWProfileName(), "NewPF_1");
   EXPECT_FALSE(trace().empty());
   EXPECT_FALSE(hasSent("c407"));
 }
