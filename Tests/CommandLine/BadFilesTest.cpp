@@ -39,6 +39,7 @@ TEST(NerinctlFiles, ThatAreMissingOrFoldersAreNamed) {
     expectComplaint(user.runWithMouse({"read", "--slot", "1", "--output", target}), 1,
                     "could not be written");
   }
+  expectComplaint(user.run({"profiles", "import", "folder"}), 1, "Profile data destruction");
   EXPECT_EQ(user.library(), before);
   EXPECT_TRUE(fs::is_empty(user.files / "folder"));
 }
@@ -53,7 +54,8 @@ TEST(NerinctlFiles, ThatAreNoProfilesOrMacrosAreRefused) {
   writeFile(user.files / "cut", keyedarchive::archive(clickMacro("Reload")).substr(0, 100));
   ASSERT_EQ(mkfifo((user.files / "pipe").c_str(), 0600), 0);
   for (const std::string& file : Words{"empty", "text", "short", "cut", "pipe", "/dev/zero"}) {
-    expectComplaint(user.run({"profiles", "import", file}), 1, "no profile file");
+    expectComplaint(user.run({"profiles", "import", file}), 1,
+                    "Profile data destruction: no profile file");
     expectComplaint(user.run({"show", file}), 1, "no profile file");
     expectComplaint(user.run({"macros", "import", file}), 1, "no macro file");
   }

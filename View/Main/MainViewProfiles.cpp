@@ -127,6 +127,9 @@ void MainView::importProfile() {
       case ProfieController::NoFile:
         LXAction::showInfoMessage(brokenProfile);
         break;
+      case ProfieController::Full:
+        LXAction::showInfoMessage(tooManyProfiles);
+        break;
       case ProfieController::NameTaken:
         break;
     }
