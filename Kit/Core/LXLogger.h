@@ -34,6 +34,7 @@ class LXLogger {
   // empty path stops logging. A line is in the file when the call returns, so that a kill loses
   // none. Ignores a file that cannot be opened, because a missing log is no reason to stop.
   static void setFile(const std::filesystem::path& file);
-  // Receives every line, whatever its level; an empty function turns this off.
+  // Receives every line, whatever its level: for tests, and for a program that keeps no log; an
+  // empty function turns this off.
   static void setObserver(Observer observer);
 };
