@@ -11,6 +11,7 @@
 #include <malloc.h>
 #endif
 
+#include "Action/Texts/CatalogueUpdate.h"
 #include "App/AboutConnortller.h"
 #include "Kit/Widgets/ButtonAccessibility.h"
 #include "View/Main/MainView.h"
@@ -143,6 +144,7 @@ void prepareApplication(QApplication& application) {
 }
 
 int runApplication(AppDelegate& delegate) {
+  NerinAction::bringCataloguesUpToDate();
   delegate.start();
   return termination::isTerminating() ? 0 : QApplication::exec();
 }

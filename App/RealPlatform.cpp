@@ -20,6 +20,7 @@ LXPlatform realPlatform(std::shared_ptr<LXDeviceRequester> requester,
     TransferProgress::reportDone();
     std::this_thread::sleep_for(time);
   };
+  platform.documentsFolder = desktopservices::documentsFolder;
   platform.open = desktopservices::open;
   platform.showInfoMessage = plainmessage::show;
   platform.chooseInfoMessage = plainmessage::ask;

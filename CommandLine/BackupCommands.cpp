@@ -1,11 +1,12 @@
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <memory>
 
+#include "Action/Device/SlotReportTransfer.h"
 #include "Action/NerinAction.h"
 #include "Action/Record/EditState.h"
+#include "CommandLine/BackupFiles.h"
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
 #include "Kit/Core/DurableFile.h"
@@ -15,126 +16,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The content of one slot of the mouse, and its files.
-struct SlotBackup {
-  ProfileValue profile;
-  std::map<int, std::shared_ptr<MacroInfo>> macros;  // by button index
-};
-
-std::string profileFile(int slot) {
-  char name[32];
-  std::snprintf(name, sizeof name, "slot-%02d.pro", slot + 1);
-  return name;
-}
-
-std::string macroFile(int slot, int button) {
-  char name[48];
-  std::snprintf(name, sizeof name, "slot-%02d-button-%02d.mac", slot + 1, button + 1);
-  return name;
-}
-
-std::string place(int slot, int button) {
-  return "slot " + std::to_string(slot + 1) + ", button " + std::to_string(button + 1);
-}
-
-bool playsMacro(const _BTN_INFO& button) {
-  return button.FuncTableId == NerinAction::FunctionMacro && button.btnType == ButtonTypeMacro;
-}
-
-// A backup keeps mouse buttons, unlike reading a slot for editing. They get the codes that macros
-// of the library use.
-std::shared_ptr<MacroInfo> macroOf(const NerinAction::MacroStream& stream) {
-  auto macro = std::make_shared<MacroInfo>();
-  macro->setNameStr(stream.name.value_or(NerinAction::generatedMacroName));
-  for (const auto& event : stream.events) {
-    const bool isMouse = event.isMouseButton();
-    const std::int32_t code =
-        isMouse ? event.code : static_cast<std::int32_t>(NerinAction::GetKeyCodeByFW(event.code));
-    const std::int32_t press = isMouse ? MacroKeyInfo::MousePress : MacroKeyInfo::KeyPress;
-    macro->keyInfoArr().push_back(
-        std::make_shared<MacroKeyInfo>(code, press + (event.isRelease ? 1 : 0), event.delay));
-  }
-  return macro;
-}
-
-bool isKept(const NerinAction::MacroStreamEvent& event) {
-  return event.isMouseButton() ||
-         NerinAction::GetFWKeyCode(NerinAction::GetKeyCodeByFW(event.code)) == event.code;
-}
-
-Outcome readMacro(int slot, int index, _BTN_INFO& button, SlotBackup& backup,
-                  std::vector<std::string>& notes) {
-  const auto [outcome, stream] =
-      NerinAction::readMacroStream(static_cast<std::uint8_t>(slot), index);
-  if (!stream) {
-    notes.push_back(place(slot, index) + ": the mouse holds no macro for it");
-    return outcome;
-  }
-  // Keep equivalent parameters of the image, so that a restore writes the same bytes.
-  std::uint8_t type = 0;
-  std::uint8_t count = 0;
-  NerinAction::getMacroRepeatType(type, count, button);
-  if (type != stream->repeatType || count != stream->repeatCount) {
-    button.KeyBit[0] =
-        NerinAction::getMacroRepeatTypeFromFW(stream->repeatType, stream->repeatCount);
-    button.KeyBit[1] = NerinAction::getMacroRepeatCountFromFW(stream->repeatCount);
-  }
-  if (!std::all_of(stream->events.begin(), stream->events.end(), isKept)) {
-    notes.push_back(place(slot, index) + ": its macro has keys that a macro file cannot name");
-  }
-  backup.macros[index] = macroOf(*stream);
-  return outcome;
-}
-
-NerinAction::ReadResult<SlotBackup> readSlotBackup(int slot, std::vector<std::string>& notes) {
-  const auto number = static_cast<std::uint8_t>(slot);
-  NerinAction::ReadResult<SlotBackup> result;
-  SlotBackup& backup = result.value;
-  const auto [nameOutcome, name] = NerinAction::getFWProfileName(number);
-  result.outcome += nameOutcome;
-  if (!name) {
-    notes.push_back("slot " + std::to_string(slot + 1) + ": its name is not ASCII and is left out");
-  }
-  backup.profile.setName(name.value_or(""));
-  _Nerin_PROFILE record{};
-  const auto [imageOutcome, image] = NerinAction::readProfileImage(number);
-  result.outcome += imageOutcome;
-  const auto macros =
-      NerinAction::decodeProfileImage(image, record, NerinAction::singleFunctionIdOf);
-  for (std::size_t index = 0; index < buttonCount; ++index) {
-    if (macros[index]) {
-      result.outcome +=
-          readMacro(slot, static_cast<int>(index), record.btnInfo[index], backup, notes);
-    }
-  }
-  backup.profile.setProfileData(record);
-  return result;
-}
-
-std::vector<durable::FolderEntry> filesOf(int slot, SlotBackup& backup) {
-  const ConfigBytes bytes = backup.profile.fileBytes();
-  std::vector<durable::FolderEntry> files{
-      {profileFile(slot), std::string(bytes.data(), bytes.size())}};
-  for (const auto& [index, macro] : backup.macros) {
-    files.push_back({macroFile(slot, index), keyedarchive::archive(*macro)});
-  }
-  return files;
-}
-
-// Writes all files to the folder, or none.
-void writeFiles(const fs::path& folder, const std::vector<durable::FolderEntry>& files) {
-  std::vector<fs::path> written;
-  for (const auto& file : files) {
-    written.push_back(folder / file.name);
-    if (const auto failure = durable::writeFile(written.back(), file.bytes)) {
-      for (const fs::path& path : written) {
-        std::error_code ignored;
-        fs::remove(path, ignored);
-      }
-      require(failure, "the backup could not be written to " + printable(folder.string()));
-    }
-  }
-}
+using backupfiles::place;
+using backupfiles::SlotBackup;
+using Slots = std::map<int, std::unique_ptr<SlotBackup>>;
 
 void requireEmptyFolder(const fs::path& folder) {
   std::error_code error;
@@ -150,23 +34,62 @@ void requireEmptyFolder(const fs::path& folder) {
   }
 }
 
+// The folder of a backup. Unless it is kept, what was written into it goes again, and the folder
+// itself if it is new: half a backup is none.
+class BackupFolder {
+ public:
+  explicit BackupFolder(fs::path folder) : m_folder(std::move(folder)) {
+    std::error_code error;
+    m_isNew = !fs::exists(m_folder, error);
+    requireEmptyFolder(m_folder);
+  }
+  ~BackupFolder() {
+    std::error_code ignored;
+    if (!m_isKept) {
+      for (const fs::path& file : m_written) {
+        fs::remove(file, ignored);
+      }
+      if (m_isNew) {
+        fs::remove(m_folder, ignored);
+      }
+    }
+  }
+  BackupFolder(const BackupFolder&) = delete;
+  BackupFolder& operator=(const BackupFolder&) = delete;
+
+  void write(const std::vector<durable::FolderEntry>& files) {
+    for (const auto& file : files) {
+      m_written.push_back(m_folder / file.name);
+      require(durable::writeFile(m_written.back(), file.bytes),
+              "the backup could not be written to " + printable(m_folder.string()));
+    }
+  }
+  void keep() { m_isKept = true; }
+
+ private:
+  fs::path m_folder;
+  std::vector<fs::path> m_written;
+  bool m_isNew = false;
+  bool m_isKept = false;
+};
+
 void backup(Session& session, const std::string& folder) {
   session.openMouse();
-  requireEmptyFolder(folder);
+  BackupFolder target(folder);
   std::vector<durable::FolderEntry> files;
   std::vector<std::string> notes;
   std::size_t macros = 0;
-  Outcome outcome;
   for (int slot = 0; slot < ProfieController::slotCount; ++slot) {
-    auto [slotOutcome, slotBackup] = readSlotBackup(slot, notes);
-    outcome += slotOutcome;
-    macros += slotBackup.macros.size();
-    for (auto& file : filesOf(slot, slotBackup)) {
+    const auto read = NerinAction::readSlotReports(static_cast<std::uint8_t>(slot));
+    session.require(read.outcome);
+    SlotBackup slotBackup = backupfiles::fromReports(slot, read.value, notes);
+    macros += slotBackup.macroCount();
+    for (auto& file : backupfiles::filesOf(slot, slotBackup)) {
       files.push_back(std::move(file));
     }
   }
-  session.require(outcome);
-  writeFiles(folder, files);
+  target.write(files);
+  target.keep();
   std::vector<std::string> lines{"10 slots and " + std::to_string(macros) + " macros are in " +
                                  printable(folder)};
   lines.insert(lines.end(), notes.begin(), notes.end());
@@ -174,44 +97,12 @@ void backup(Session& session, const std::string& folder) {
                        {{"folder", folder}, {"slots", 10}, {"macros", macros}, {"notes", notes}});
 }
 
-std::shared_ptr<MacroInfo> loadMacro(const fs::path& file) {
-  std::error_code error;
-  if (!fs::exists(file, error)) {
-    return nullptr;
-  }
-  auto macro = LXAction::CopyObject<MacroInfo>(file);
-  if (!macro) {
-    throw CommandError(ExitCode::Failed, "no macro file: " + printable(file.string()));
-  }
-  return macro;
-}
-
-// The backup of a slot; null when the folder has none.
-std::unique_ptr<SlotBackup> loadSlotBackup(const fs::path& folder, int slot) {
-  const fs::path file = folder / profileFile(slot);
-  std::error_code error;
-  if (!fs::exists(file, error)) {
-    return nullptr;
-  }
-  const auto profile = profileInFile(file.string());
-  auto backup = std::make_unique<SlotBackup>();
-  backup->profile = *profile;
-  for (int index = 0; index < static_cast<int>(buttonCount); ++index) {
-    if (playsMacro(profile->profileData().btnInfo[index])) {
-      if (auto macro = loadMacro(folder / macroFile(slot, index))) {
-        backup->macros[index] = std::move(macro);
-      }
-    }
-  }
-  return backup;
-}
-
 // Adds the macros to the catalogue as hidden for this run, so that the slot's buttons can refer to
 // them.
-Outcome writeSlotBackup(int slot, const SlotBackup& backup) {
+Outcome writeRecords(int slot, const SlotBackup& backup) {
   _Nerin_PROFILE record = backup.profile.profileData();
   for (_BTN_INFO& button : record.btnInfo) {
-    if (playsMacro(button)) {
+    if (backupfiles::playsMacro(button)) {
       button.MacroID = ~std::uint32_t{0};
     }
   }
@@ -221,6 +112,7 @@ Outcome writeSlotBackup(int slot, const SlotBackup& backup) {
     NerinAction::macroStore->macroListArrs.push_back(macro);
     record.btnInfo[index].MacroID = static_cast<std::uint32_t>(macro->macroId());
   }
+  const NerinAction::TransferSeries series;
   const auto number = static_cast<std::uint8_t>(slot);
   editState->currFWProfile() = record;
   Outcome outcome = NerinAction::setFWProfileName(number, backup.profile.name());
@@ -229,44 +121,99 @@ Outcome writeSlotBackup(int slot, const SlotBackup& backup) {
   return outcome;
 }
 
-std::vector<std::string> missingMacros(int slot, const SlotBackup& backup) {
-  std::vector<std::string> notes;
+void noteMissingMacros(int slot, const SlotBackup& backup, std::vector<std::string>& notes) {
   for (int index = 0; index < static_cast<int>(buttonCount); ++index) {
-    if (playsMacro(backup.profile.profileData().btnInfo[index]) && !backup.macros.contains(index)) {
+    if (backupfiles::playsMacro(backup.profile.profileData().btnInfo[index]) &&
+        !backup.macros.contains(index)) {
       notes.push_back(place(slot, index) + ": disabled, since the backup has no macro for it");
     }
   }
-  return notes;
 }
 
-void restore(Session& session, const std::string& folder) {
-  session.openLibrary();
+// Notes each byte of a report that the mouse holds otherwise.
+template <typename Report>
+void compare(const std::string& what, const Report& kept, const Report& held,
+             std::vector<std::string>& notes) {
+  std::string bytes;
+  for (std::size_t at = 0; at < kept.size(); ++at) {
+    if (kept[at] != held[at]) {
+      bytes += (bytes.empty() ? "" : ", ") + std::to_string(at);
+    }
+  }
+  if (!bytes.empty()) {
+    notes.push_back(what + ": the mouse did not take these bytes: " + bytes);
+  }
+}
+
+// Reads the slot again, because the mouse drops without an answer what it does not like.
+Outcome verify(int slot, const NerinAction::SlotReports& kept, std::vector<std::string>& notes) {
+  const auto read = NerinAction::readSlotReports(static_cast<std::uint8_t>(slot));
+  if (!read.outcome.isDone()) {
+    return read.outcome;
+  }
+  const std::string name = "slot " + std::to_string(slot + 1);
+  compare(name + ", name", kept.name, read.value.name, notes);
+  compare(name + ", image", kept.image, read.value.image, notes);
+  for (const auto& [index, macro] : kept.macros) {
+    const auto held = read.value.macros.find(index);
+    if (held == read.value.macros.end()) {
+      notes.push_back(place(slot, index) + ": the mouse did not take its macro");
+    } else {
+      compare(place(slot, index) + ", macro", macro, held->second, notes);
+    }
+  }
+  for (const auto& [index, macro] : read.value.macros) {
+    if (!kept.macros.contains(index)) {
+      notes.push_back(place(slot, index) +
+                      ": plays the macro that the mouse had there, since the backup has none");
+    }
+  }
+  return {};
+}
+
+Outcome writeSlot(int slot, const SlotBackup& backup, std::vector<std::string>& notes) {
+  if (!backup.reports) {
+    noteMissingMacros(slot, backup, notes);
+    return writeRecords(slot, backup);
+  }
+  Outcome outcome = NerinAction::writeSlotReports(static_cast<std::uint8_t>(slot), *backup.reports);
+  if (outcome.isDone()) {
+    outcome += verify(slot, *backup.reports, notes);
+  }
+  return outcome;
+}
+
+// Everything is read before anything is written.
+Slots loadSlots(const fs::path& folder, std::vector<std::string>& notes) {
   std::error_code error;
   if (!fs::is_directory(folder, error)) {
-    throw CommandError(ExitCode::Failed, "no such folder: " + printable(folder));
+    throw CommandError(ExitCode::Failed, "no such folder: " + printable(folder.string()));
   }
-  // Read everything before writing anything.
-  std::map<int, std::unique_ptr<SlotBackup>> slots;
-  std::size_t macros = 0;
+  Slots slots;
   for (int slot = 0; slot < ProfieController::slotCount; ++slot) {
-    if (auto slotBackup = loadSlotBackup(folder, slot)) {
-      macros += slotBackup->macros.size();
+    if (auto slotBackup = backupfiles::load(folder, slot, notes)) {
       slots[slot] = std::move(slotBackup);
     }
   }
   if (slots.empty()) {
-    throw CommandError(ExitCode::Failed, "no backup in " + printable(folder));
+    throw CommandError(ExitCode::Failed, "no backup in " + printable(folder.string()));
+  }
+  return slots;
+}
+
+void restore(Session& session, const std::string& folder) {
+  session.openLibrary();
+  std::vector<std::string> notes;
+  const Slots slots = loadSlots(folder, notes);
+  std::size_t macros = 0;
+  for (const auto& [slot, slotBackup] : slots) {
+    macros += slotBackup->macroCount();
   }
   session.openMouse();
   session.showProgress(macros);
-  std::vector<std::string> notes;
-  Outcome outcome;
   for (const auto& [slot, slotBackup] : slots) {
-    outcome += writeSlotBackup(slot, *slotBackup);
-    const auto missing = missingMacros(slot, *slotBackup);
-    notes.insert(notes.end(), missing.begin(), missing.end());
+    session.require(writeSlot(slot, *slotBackup, notes));
   }
-  session.require(outcome);
   NerinAction::sendMessageToDaemon(NerinAction::MessageProfileApplied);
   std::vector<std::string> lines{std::to_string(slots.size()) + " slots and " +
                                  std::to_string(macros) + " macros are on the mouse again"};

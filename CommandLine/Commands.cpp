@@ -67,9 +67,8 @@ void requireReadableFile(const std::string& path) {
 
 ProfieController::Profile profileInFile(const std::string& path) {
   requireReadableFile(path);
-  std::error_code error;
-  auto profile = ProfileValue::initWithPath(path);
-  if (!profile || std::filesystem::file_size(path, error) < sizeof(_Nerin_CONFIG) || error) {
+  auto profile = ProfileValue::initWithWholeFile(path);
+  if (!profile) {
     throw CommandError(ExitCode::Failed, "no profile file: " + printable(path));
   }
   return profile;

@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr const char* brokenProfile = "Profile data destruction";
+
 Json summary(const ProfileValue& profile) {
   return {{"id", profile.profileId()},
           {"name", profile.name().value_or("")},
@@ -75,9 +77,14 @@ void remove(Session& session, const std::string& name) {
 
 void import(Session& session, const std::string& file) {
   ProfieController& library = session.openLibrary();
-  profileInFile(file);
+  try {
+    profileInFile(file);
+  } catch (const CommandError& error) {
+    throw CommandError(error.code(), std::string(brokenProfile) + ": " + error.what());
+  }
+  requireRoom(library);
   if (library.addByPath(file, true) != ProfieController::Added) {
-    throw CommandError(ExitCode::Failed, "Profile data destruction");
+    throw CommandError(ExitCode::Failed, brokenProfile);
   }
   const auto profile = library.profileArr().back();
   save(library);

@@ -11,6 +11,7 @@
 
 #include "Action/Catalogue/CatalogueFile.h"
 #include "Action/NerinAction.h"
+#include "Action/Texts/CatalogueUpdate.h"
 #include "Action/Texts/TooltipManager.h"
 #include "CommandLine/CommandError.h"
 #include "Kit/Bus/SessionBusNotificationCenter.h"
@@ -133,6 +134,7 @@ ProfieController& Session::openLibrary() {
   if (!m_libraryLock) {
     throw CommandError(ExitCode::Failed, "the library is in use by another program");
   }
+  NerinAction::bringCataloguesUpToDate();
   NerinAction::initMenuList();
   NerinAction::refreshMenuList();
   ProfieController& library = ProfieController::getShareProCon();
@@ -153,11 +155,7 @@ ProfieController& Session::openLibraryWithMacros() {
         std::filesystem::path(NerinAction::getSysPath()) / "MenuInfo.xml";
     std::error_code error;
     throw CommandError(ExitCode::Failed,
-                       std::filesystem::exists(file, error)
-                           ? "the macros cannot be read from " + printable(file.string()) +
-                                 " (moved away, it is made anew without them)"
-                           : "there are no macros, since this file could not be made: " +
-                                 printable(file.string()));
+                       "the macros cannot be read from " + printable(file.string()));
   }
   return library;
 }

@@ -10,6 +10,7 @@
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
 #include "CommandLine/Session.h"
+#include "CommandLine/Warnings.h"
 #include "Kit/Core/LXPlatform.h"
 
 namespace {
@@ -81,14 +82,20 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   occupyStandardStreams();
-  ExitCode code = ExitCode::Failed;
+  const Warnings warnings;
+  std::string message;
+  int code = static_cast<int>(ExitCode::Failed);
   try {
-    return run(argc, argv);
+    code = run(argc, argv);
   } catch (const CommandError& error) {
-    complain(error.what());
-    code = error.code();
+    message = error.what();
+    code = static_cast<int>(error.code());
   } catch (const std::exception& error) {
-    complain(error.what());
+    message = error.what();
   }
-  return static_cast<int>(code);
+  warnings.print(message);
+  if (!message.empty()) {
+    complain(message);
+  }
+  return code;
 }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Kit/Core/LXLogger.h"
+#include "Kit/Core/TransferLog.h"
 #include "VirtualMouse/MouseReport.h"
 
 namespace {
@@ -16,7 +17,7 @@ void logTransfer(const SetupPacket& setup, const TransferResult& result,
   line += hexText(setup.value) + ' ' + std::to_string(setup.index) + ' ';
   switch (result.status) {
     case TransferStatus::Done:
-      line += hexText(data.first(result.bytes));
+      line += transferlog::textOf(data.first(result.bytes));
       break;
     case TransferStatus::Stalled:
       line += "stalled";

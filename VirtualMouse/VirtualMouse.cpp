@@ -29,7 +29,8 @@ struct VirtualMouse::State {
   bool isPluggedIn = true;
   std::uint64_t attachments = 1;
   std::minstd_rand noise;
-  std::vector<TransferRecord> transcript;
+  std::deque<TransferRecord> transcript;
+  std::size_t transcriptLimit = VirtualMouse::transcriptLimit;
   // The memory holds no whole image, but imageReport() must return a view of one.
   std::array<std::array<std::uint8_t, imageReportSize>, slotCount> images{};
 
@@ -48,6 +49,13 @@ struct VirtualMouse::State {
     } catch (const std::system_error& error) {
       firmware.addFault(error.what());
     }
+  }
+
+  void record(TransferRecord transfer) {
+    while (!transcript.empty() && transcript.size() >= transcriptLimit) {
+      transcript.pop_front();
+    }
+    transcript.push_back(std::move(transfer));
   }
 
   TransferStatus perform(const SetupPacket& setup, std::span<const std::uint8_t> sent,
@@ -108,7 +116,7 @@ TransferResult VirtualMouse::controlTransfer(const SetupPacket& setup,
   if (!isToHost) {
     answer.assign(data.begin(), data.end());
   }
-  m_state->transcript.push_back({setup, std::move(answer), result.status});
+  m_state->record({setup, std::move(answer), result.status});
 
   if (m_state->scenario.kind == MouseScenario::Kind::UnpluggedAfter &&
       --m_state->transfersLeft == 0) {
@@ -216,7 +224,11 @@ bool VirtualMouse::hasUnrefreshedWrites() const {
   return m_state->firmware.hasUnrefreshedWrites();
 }
 
-const std::vector<TransferRecord>& VirtualMouse::transcript() const {
+void VirtualMouse::setTranscriptLimit(std::size_t limit) {
+  m_state->transcriptLimit = limit;
+}
+
+const std::deque<TransferRecord>& VirtualMouse::transcript() const {
   return m_state->transcript;
 }
 

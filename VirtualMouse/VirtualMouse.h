@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -119,8 +120,12 @@ class VirtualMouse {
   // Whether a name, image or macro was written without a refresh command since.
   bool hasUnrefreshedWrites() const;
 
-  // Every transfer that reached the mouse, including stalled ones.
-  const std::vector<TransferRecord>& transcript() const;
+  // The latest transfers that reached the mouse, including stalled ones, oldest first. A mouse that
+  // runs for days forgets the older ones: the last `transcriptLimit` are kept, unless a
+  // test asks for more.
+  static constexpr std::size_t transcriptLimit = 4096;
+  void setTranscriptLimit(std::size_t limit);
+  const std::deque<TransferRecord>& transcript() const;
   void clearTranscript();
   // What the host did wrong, in words: a wrong checksum, an unknown command, a short transfer. Also
   // reports a memory file that could not be written; such a transfer stalls and changes nothing.

@@ -5,7 +5,8 @@
 // "MenuInfo.xml" of the support folder as a document: load it, change one section, save it.
 class CatalogueFile {
  public:
-  // False when the file is missing or is not XML; the document is then empty.
+  // A file that is not XML is repaired, see UserCatalogue.h. False when the file is missing, or
+  // when nothing came with the program to repair it with; the document is then empty.
   [[nodiscard]] bool load();
   // Replaces the file and keeps its encoding, comments, unknown attributes and other sections.
   // False, and logged, when the file cannot be written, or when the document defines entities,

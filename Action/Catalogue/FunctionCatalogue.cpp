@@ -8,13 +8,12 @@
 #include "Action/Catalogue/CatalogueFile.h"
 #include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Library/ProfieController.h"
-#include "Action/Library/SupportFolder.h"
 #include "Action/Texts/TooltipManager.h"
+#include "Action/Texts/UserCatalogue.h"
 #include "Action/Wire/KeyCodes.h"
 #include "Action/Wire/MacroImage.h"
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXKey.h"
-#include "Kit/Core/LXLogger.h"
 
 namespace {
 
@@ -101,9 +100,7 @@ std::string launchCaption(const _BTN_INFO& btnInfo, int index) {
 void NerinAction::initMenuList() {
   macroStore->macroListArrs.clear();
   *functionMenus = {};
-  if (!LXAction::checkAddCopyFileFromResourceWithPath(getSysPath(), "MenuInfo.xml")) {
-    LXLogger::warning(getSysPath() + " has no MenuInfo.xml");
-  }
+  usercatalogue::provide("MenuInfo.xml");
   CatalogueFile file;
   if (!file.load()) {
     return;

@@ -153,9 +153,13 @@ ProfieController::AddResult ProfieController::addByPath(const fs::path& path) {
 }
 
 ProfieController::AddResult ProfieController::addByPath(const fs::path& path, bool isCreate) {
-  Profile profile = ProfileValue::initWithPath(path);
+  Profile profile =
+      isCreate ? ProfileValue::initWithWholeFile(path) : ProfileValue::initWithPath(path);
   if (!profile) {
     return NoFile;
+  }
+  if (isCreate && getProfileCount() >= limits::profiles) {
+    return Full;
   }
   if (!checkProfileName(profile->name(), nullptr)) {
     if (!isCreate) {

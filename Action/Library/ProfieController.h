@@ -59,9 +59,12 @@ class ProfieController {
 
   // --- Import, saving, export --------------------------------------------------------------
 
-  enum AddResult { Added = 0, NoFile = 1, NameTaken = 2 };
+  enum AddResult { Added = 0, NoFile = 1, NameTaken = 2, Full = 3 };
+  // Takes in a file of the library's folder. No number of them is too large, because what lies
+  // there is not lost, and a short file is a profile whose rest is zero.
   [[nodiscard]] AddResult addByPath(const std::filesystem::path& path);
-  // With `isCreate`, a profile whose name is taken gets a new name and is added.
+  // With `isCreate`, imports a file from elsewhere: a profile whose name is taken gets a new name
+  // and is added. The file must hold a whole profile, and the library must have room for it.
   [[nodiscard]] AddResult addByPath(const std::filesystem::path& path, bool isCreate);
   // Writes each profile to the folder, under a file name made from its name.
   [[nodiscard]] std::error_code saveToPath(const std::filesystem::path& folder);

@@ -43,6 +43,12 @@ std::shared_ptr<ProfileValue> ProfileValue::initWithPath(const fs::path& path) {
   return profile;
 }
 
+std::shared_ptr<ProfileValue> ProfileValue::initWithWholeFile(const fs::path& path) {
+  std::error_code error;
+  return fs::file_size(path, error) >= sizeof(_Nerin_CONFIG) && !error ? initWithPath(path)
+                                                                       : nullptr;
+}
+
 void ProfileValue::setName(std::optional<std::string> name) {
   m_name = std::move(name);
   if (m_name) {

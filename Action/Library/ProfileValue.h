@@ -18,6 +18,9 @@ class ProfileValue {
   // Loads a file; null if there is none at the path, or if it cannot be read. Bytes missing from a
   // short file are zero; bytes beyond 5264 are ignored.
   static std::shared_ptr<ProfileValue> initWithPath(const std::filesystem::path& path);
+  // The same for a file that comes from elsewhere: null as well if the file is shorter than a
+  // profile, since only part of one arrived.
+  static std::shared_ptr<ProfileValue> initWithWholeFile(const std::filesystem::path& path);
   // Writes the whole file or nothing. A failure is logged.
   [[nodiscard]] std::error_code saveToPath(const std::filesystem::path& path);
   // The bytes that saveToPath writes.

@@ -1,13 +1,11 @@
 #include "Action/Texts/TooltipManager.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <utility>
 
 #include <pugixml.hpp>
 
-#include "Action/Library/SupportFolder.h"
-#include "Kit/Core/DurableFile.h"
+#include "Action/Texts/UserCatalogue.h"
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXLogger.h"
 #include "Kit/Core/ProcessWide.h"
@@ -54,6 +52,11 @@ const TooltipData* firstIn(const LanData* language, Matches matches) {
   return found != language->tooltips.end() ? &*found : nullptr;
 }
 
+pugi::xml_parse_result parse(pugi::xml_document& document, const std::string& bytes) {
+  return document.load_buffer(bytes.data(), bytes.size(),
+                              pugi::parse_default | pugi::parse_ws_pcdata);
+}
+
 }  // namespace
 
 TooltipManager& TooltipManager::shareTooltipManager() {
@@ -77,17 +80,19 @@ void TooltipManager::initData() {
   m_infoList.clear();
   m_currLan = nullptr;
   m_engLan = nullptr;
-  const std::string& folder = NerinAction::getSysPath();
-  if (!LXAction::checkAddCopyFileFromResourceWithPath(folder, catalogueFile)) {
-    LXLogger::warning(folder + " has no " + catalogueFile);
-  }
-  const auto bytes = durable::readFile(std::filesystem::path(folder) / catalogueFile);
+  usercatalogue::provide(catalogueFile);
+  auto bytes = usercatalogue::bytesOf(catalogueFile);
   if (!bytes) {
     return;
   }
   pugi::xml_document document;
-  const auto result = document.load_buffer(bytes->data(), bytes->size(),
-                                           pugi::parse_default | pugi::parse_ws_pcdata);
+  auto result = parse(document, *bytes);
+  if (!result) {
+    bytes = usercatalogue::repaired(catalogueFile, *bytes);
+    if (bytes) {
+      result = parse(document, *bytes);
+    }
+  }
   if (!result) {
     LXLogger::error(std::string(catalogueFile) + " is damaged: " + result.description());
     return;

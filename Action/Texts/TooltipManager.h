@@ -22,7 +22,8 @@ class TooltipManager {
   TooltipManager(const TooltipManager&) = delete;
   TooltipManager& operator=(const TooltipManager&) = delete;
 
-  // A file that is not XML or has no languages leaves the catalogue empty.
+  // A file that is not XML is repaired, see UserCatalogue.h. One without languages leaves the
+  // catalogue empty.
   void initData();
   // The catalogue's name for the system's language; no value for an unknown language.
   static std::optional<std::string> getSysLanName();

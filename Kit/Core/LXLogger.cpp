@@ -1,10 +1,14 @@
 #include "Kit/Core/LXLogger.h"
 
 #include <memory>
+#include <system_error>
 #include <utility>
 
+#include <fcntl.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/spdlog.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -32,6 +36,25 @@ spdlog::level::level_enum levelOf(LXLogger::Level level) {
       break;
   }
   return spdlog::level::err;
+}
+
+// The log names files and profiles of the user, so nobody else may read it: a file is made so, and
+// one of an older version becomes so.
+void makePrivate(const std::filesystem::path& file, int flags) {
+  constexpr mode_t ownersOnly = 0600;
+  const int descriptor =
+      ::open(file.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC | flags, ownersOnly);
+  if (descriptor >= 0) {
+    static_cast<void>(::fchmod(descriptor, ownersOnly));
+    ::close(descriptor);
+  }
+}
+
+// Called before the log is opened at first, and anew after each rotation.
+void prepareFile(const std::filesystem::path& file) {
+  std::error_code ignored;
+  std::filesystem::create_directories(file.parent_path(), ignored);
+  makePrivate(file, O_CREAT);
 }
 
 void write(LXLogger::Level level, std::string_view line, const LXSourcePlace& where) {
@@ -69,12 +92,18 @@ void LXLogger::setFile(const std::filesystem::path& file) {
     return;
   }
   try {
-    auto sink =
-        std::make_shared<spdlog::sinks::rotating_file_sink_st>(file.string(), fileSize, oldFiles);
+    using Sink = spdlog::sinks::rotating_file_sink_st;
+    for (std::size_t old = 1; old <= oldFiles; ++old) {
+      makePrivate(Sink::calc_filename(file.string(), old), 0);
+    }
+    spdlog::file_event_handlers events;
+    events.before_open = [](const spdlog::filename_t& name) { prepareFile(name); };
+    auto sink = std::make_shared<Sink>(file.string(), fileSize, oldFiles, false, events);
     auto logger = std::make_shared<spdlog::logger>("NerinOption", std::move(sink));
     logger->set_pattern("%Y-%m-%d %H:%M:%S.%e [%l] %s:%# %v");
     logger->set_level(spdlog::level::debug);
-    logger->flush_on(spdlog::level::warn);
+    // The last lines before a kill are the ones that explain it.
+    logger->flush_on(spdlog::level::debug);
     // A full disk must not cause an exception or a line on the user's terminal.
     logger->set_error_handler([](const std::string&) {});
     theLog().file = std::move(logger);

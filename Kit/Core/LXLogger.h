@@ -17,7 +17,8 @@ struct LXSourcePlace {
 };
 
 // The program's log, for one thread. Every line shows its source file and line number. Until a file
-// is set, lines go nowhere except to the observer of a test.
+// is set, lines go nowhere except to the observer. No line may hold what the user typed: no keys of
+// macros or buttons.
 class LXLogger {
  public:
   enum class Level { Debug, Warning, Error };
@@ -29,9 +30,11 @@ class LXLogger {
 
   // Lines below this level are dropped. The initial level is Debug.
   static void setLevel(Level level);
-  // Logs to this file, rotated at 1 MiB with two old ones kept; an empty path stops logging.
-  // Ignores a file that cannot be opened, because a missing log is no reason to stop.
+  // Logs to this file, rotated at 1 MiB with two old ones kept, readable by the user alone; an
+  // empty path stops logging. A line is in the file when the call returns, so that a kill loses
+  // none. Ignores a file that cannot be opened, because a missing log is no reason to stop.
   static void setFile(const std::filesystem::path& file);
-  // Receives every line, whatever its level; an empty function turns this off.
+  // Receives every line, whatever its level: for tests, and for a program that keeps no log; an
+  // empty function turns this off.
   static void setObserver(Observer observer);
 };

@@ -31,6 +31,9 @@ LXPlatform withHarmlessDefaults(LXPlatform platform) {
   if (!platform.sleep) {
     platform.sleep = [](std::chrono::microseconds) {};
   }
+  if (!platform.documentsFolder) {
+    platform.documentsFolder = [home = platform.homeFolder] { return home; };
+  }
   if (!platform.open) {
     platform.open = [](const std::string&) { return false; };
   }

@@ -25,6 +25,8 @@ struct LXPlatform {
   std::shared_ptr<LXNotificationCenter> notificationCenter;
   // Waits between two reports.
   std::function<void(std::chrono::microseconds)> sleep;
+  // The folder where the user keeps documents, asked anew for each panel, because it can be moved.
+  std::function<std::filesystem::path()> documentsFolder;
   // Opens a file or a web address with its default application.
   std::function<bool(const std::string&)> open;
   // Shows a text and waits until the user has read it.

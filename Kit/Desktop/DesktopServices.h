@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 namespace desktopservices {
@@ -7,5 +8,9 @@ namespace desktopservices {
 // Opens a web address or the file at a path with its default application. False if there is no such
 // application or the file is missing.
 bool open(const std::string& address);
+
+// Where the user keeps documents, as the desktop's settings name it. If that folder does not exist,
+// "Documents" in the home folder, and if there is none, the home folder itself.
+std::filesystem::path documentsFolder();
 
 }  // namespace desktopservices

@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include "Kit/Core/LXLogger.h"
+#include "Kit/Core/TransferLog.h"
 #include "Kit/Device/HidNodes.h"
 #include "Kit/Device/HidPresenceMonitor.h"
 
@@ -28,7 +29,6 @@ constexpr std::uint8_t getReport = 0x01;
 constexpr unsigned featureReport = 3;
 // The hidraw call encodes the size in 14 bits.
 constexpr std::size_t maximumReportSize = 0x3FFF;
-constexpr std::size_t loggedBytes = 64;
 constexpr auto lookInterval = std::chrono::milliseconds(500);
 constexpr const char* ruleFile = "/etc/udev/rules.d/60-nerin.rules";
 
@@ -44,14 +44,6 @@ std::string hex(unsigned value, std::size_t digits) {
     *digit = symbols[value & 0xFU];
   }
   return text;
-}
-
-std::string hex(std::span<const std::uint8_t> bytes) {
-  std::string text;
-  for (const std::uint8_t byte : bytes.first(std::min(bytes.size(), loggedBytes))) {
-    text += hex(byte, 2);
-  }
-  return bytes.size() > loggedBytes ? text + "..." : text;
 }
 
 std::string errorText(int error) {
@@ -125,9 +117,10 @@ void logTransfer(const LXDeviceRequest& request) {
   const std::string name = (isSet(request) ? "SET " : "GET ") + hex(request.wValue, 4) + " " +
                            std::to_string(request.wIndex) + " ";
   const std::span<const std::uint8_t> bytes(request.data);
-  LXLogger::debug(request.error
-                      ? name + "failed: " + errorText(request.error.value())
-                      : name + hex(isSet(request) ? bytes : bytes.first(request.wLenDone)));
+  LXLogger::debug(
+      request.error
+          ? name + "failed: " + errorText(request.error.value())
+          : name + transferlog::textOf(isSet(request) ? bytes : bytes.first(request.wLenDone)));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <random>
 #include <set>
 
 #include <gmock/gmock.h>
@@ -125,6 +126,109 @@ TEST(NerinctlBackup, BringsTenSlotsWithTheirMacrosBackByteForByte) {
   EXPECT_TRUE(user.json({"macros", "list"}).empty());
 }
 
+// Every byte of names, images and macros is noise; only their headers are right.
+void fillWithNoise(const fs::path& file, unsigned seed) {
+  std::mt19937 random(seed);
+  const auto noise = [&](int id, int slot) {
+    MouseHost::Bytes report(MouseHost::sizeOf(id));
+    std::generate(report.begin(), report.end(),
+                  [&] { return static_cast<std::uint8_t>(random() >> 8U); });
+    report[0] = static_cast<std::uint8_t>(id);
+    report[1] = 0;
+    report[2] = static_cast<std::uint8_t>(slot);
+    return report;
+  };
+  VirtualMouse mouse(file);
+  for (int slot = 0; slot < VirtualMouse::slotCount; ++slot) {
+    auto name = noise(6, slot);
+    name[4] %= 66;
+    MouseHost::write(mouse, MouseHost::sealed(name));
+    auto image = noise(5, slot);
+    for (const std::size_t button : {2U, 9U}) {
+      constexpr std::size_t buttons = 58;
+      constexpr std::uint8_t playMacro = 6;
+      image[buttons + 5 * button] = playMacro;
+      const auto macroSlot =
+          NerinAction::macroSlotOf(static_cast<std::uint8_t>(slot), static_cast<int>(button));
+      MouseHost::announceMacro(mouse, macroSlot);
+      MouseHost::write(mouse, MouseHost::sealed(noise(4, macroSlot)));
+    }
+    MouseHost::write(mouse, MouseHost::sealed(image));
+  }
+  ASSERT_THAT(mouse.faults(), testing::IsEmpty());
+}
+
+TEST(NerinctlBackup, BringsEveryByteOfAnyMouseBack) {
+  for (unsigned seed = 1; seed <= 2; ++seed) {
+    const TestHome user;
+    fillWithNoise(user.mouseFile, seed);
+    const Lines before = reportsOf(user.mouseFile);
+    user.prepare({"backup", "kept"});
+    fs::remove(user.mouseFile);
+    user.prepare({"status"});
+    ASSERT_NE(reportsOf(user.mouseFile), before);
+    const RunResult result = user.runWithMouse({"restore", "kept"});
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    EXPECT_EQ(linesOf(result.output).size(), 1U) << result.output;
+    EXPECT_EQ(reportsOf(user.mouseFile), before);
+  }
+}
+
+TEST(NerinctlBackup, FallsBackToTheProfileWhereTheBytesAreDamaged) {
+  const TestHome user;
+  fillMouse(user.mouseFile);
+  user.prepare({"backup", "kept"});
+  const fs::path file = user.files / "kept" / "slot-02.raw";
+  const std::string whole = readFile(file);
+  std::string flipped = whole;
+  flipped[100] = static_cast<char>(flipped[100] ^ 1);
+  for (const std::string& bytes : {std::string(), flipped}) {
+    writeFile(file, bytes);
+    const json answer = user.json({"restore", "kept"});
+    ASSERT_EQ(answer["notes"].size(), 1U) << answer;
+    EXPECT_THAT(answer["notes"][0].get<std::string>(),
+                testing::StartsWith("slot 2: written from slot-02.pro, since slot-02.raw is "
+                                    "damaged"));
+    EXPECT_EQ(user.json({"read", "--slot", "2"})["name"], "Slot 2");
+  }
+  fs::remove(user.files / "kept" / "slot-02.pro");
+  expectComplaint(user.runWithMouse({"restore", "kept"}), 1, "slot-02.raw is damaged");
+}
+
+TEST(NerinctlBackup, ThatFailsLeavesNothingBehind) {
+  const TestHome user;
+  fillMouse(user.mouseFile);
+  for (const char* scenario : {"short", "random", "unplugged-after=5", "unplugged-after=60"}) {
+    const RunResult result = user.runWithMouse({"--scenario", scenario, "backup", "kept"});
+    EXPECT_NE(result.exitCode, 0) << scenario;
+    EXPECT_EQ(result.output, "");
+    EXPECT_FALSE(fs::exists(user.files / "kept")) << scenario;
+  }
+  fs::create_directories(user.files / "mine");
+  EXPECT_NE(user.runWithMouse({"--scenario", "short", "backup", "mine"}).exitCode, 0);
+  EXPECT_TRUE(fs::is_empty(user.files / "mine"));
+}
+
+TEST(NerinctlBackup, SaysWhichMacroTheMouseKeepsAgainstIt) {
+  const TestHome user;
+  ProfileValue profile = profileNamed("");
+  setMacro(profile, 2, 1, 1);
+  {
+    VirtualMouse mouse(user.mouseFile);
+    MouseHost::write(
+        mouse, MouseHost::copyOf(NerinAction::encodeProfileImage(1, profile.profileData(), {})));
+  }
+  user.prepare({"backup", "kept"});
+  {
+    VirtualMouse mouse(user.mouseFile);
+    fillSlot(mouse, 1, "Later", profile, {{2, busyMacro("M", 1)}});
+  }
+  EXPECT_THAT(user.lines({"restore", "kept"}),
+              ElementsAre("10 slots and 0 macros are on the mouse again",
+                          "slot 2, button 3: plays the macro that the mouse had there, since the "
+                          "backup has none"));
+}
+
 TEST(NerinctlBackup, WritesFilesThatTheLibraryTakes) {
   const TestHome user;
   fillMouse(user.mouseFile);
@@ -133,8 +237,9 @@ TEST(NerinctlBackup, WritesFilesThatTheLibraryTakes) {
   for (const auto& entry : fs::directory_iterator(user.files / "kept")) {
     names.insert(entry.path().filename().string());
   }
-  EXPECT_EQ(names.size(), 22U);
-  EXPECT_THAT(names, testing::IsSupersetOf({"slot-01.pro", "slot-10.pro", "slot-01-button-01.mac",
+  EXPECT_EQ(names.size(), 32U);
+  EXPECT_THAT(names, testing::IsSupersetOf({"slot-01.raw", "slot-10.raw", "slot-01.pro",
+                                            "slot-10.pro", "slot-01-button-01.mac",
                                             "slot-06-button-11.mac", "slot-10-button-15.mac"}));
   EXPECT_EQ(user.json({"profiles", "import", "kept/slot-02.pro"})["name"], "Slot 2");
   user.prepare({"macros", "import", "kept/slot-02-button-15.mac"});
@@ -174,6 +279,9 @@ class NerinctlRestore : public testing::Test {
   }
 
   TestHome user;
+  const std::string fromTheProfile =
+      "slot 5: written from slot-05.pro, since slot-05.raw is missing; bytes that only the mouse "
+      "knows are not restored";
   fs::path folder = user.files / "kept";
   fs::path macroFile = folder / "slot-05-button-09.mac";
 };
@@ -186,7 +294,7 @@ TEST_F(NerinctlRestore, WritesTheSlotsThatTheFolderHas) {
   settings.environment["DBUS_SESSION_BUS_ADDRESS"] = getenv("DBUS_SESSION_BUS_ADDRESS");
   const RunResult result = user.runWithMouse({"restore", folder.string()}, settings);
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(result.output, "1 slots and 1 macros are on the mouse again\n");
+  EXPECT_EQ(result.output, "1 slots and 1 macros are on the mouse again\n" + fromTheProfile + "\n");
   EXPECT_EQ(result.errors, "writing name\r\nwriting macro 1 of 1\r\nwriting image\r\n");
   const auto message = bus.nextNotification();
   ASSERT_TRUE(message);
@@ -200,7 +308,7 @@ TEST_F(NerinctlRestore, WritesTheSlotsThatTheFolderHas) {
 TEST_F(NerinctlRestore, SaysWhichMacroTheBackupLacks) {
   fs::remove(macroFile);
   EXPECT_THAT(user.lines({"restore", folder.string()}),
-              ElementsAre("1 slots and 0 macros are on the mouse again",
+              ElementsAre("1 slots and 0 macros are on the mouse again", fromTheProfile,
                           "slot 5, button 9: disabled, since the backup has no macro for it"));
   EXPECT_EQ(user.json({"read", "--slot", "5"})["buttons"][8]["type"], "disabled");
 }
@@ -248,7 +356,7 @@ TEST(NerinctlBackup, NotesWhatNoFileCanHold) {
   }
   EXPECT_THAT(user.lines({"backup", "kept"}),
               ElementsAre("10 slots and 11 macros are in kept",
-                          "slot 1: its name is not ASCII and is left out",
+                          "slot 1: its name is not ASCII and is left out of the profile file",
                           "slot 2, button 3: the mouse holds no macro for it"));
 }
 

@@ -54,7 +54,7 @@ class TestHome {
   void addMacro(const std::string& name, const MacroInfo& macro) const;
 };
 
-// Expects a failure with one line for the user and no other output.
+// Expects a failure with one line for the user, apart from warnings, and no other output.
 void expectComplaint(const RunResult& result, int exitCode, const std::string& part = {});
 // Expects that no byte of the text can control a terminal.
 void expectHarmless(const std::string& text);

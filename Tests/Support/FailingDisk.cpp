@@ -17,9 +17,10 @@ LogLines::~LogLines() {
   LXLogger::setObserver({});
 }
 
-bool LogLines::has(std::string_view part) const {
-  return std::any_of(m_lines.begin(), m_lines.end(),
-                     [&](const std::string& line) { return line.find(part) != std::string::npos; });
+std::size_t LogLines::count(std::string_view part) const {
+  return static_cast<std::size_t>(
+      std::count_if(m_lines.begin(), m_lines.end(),
+                    [&](const std::string& line) { return line.find(part) != std::string::npos; }));
 }
 
 bool python(const std::string& command, const fs::path& file) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -18,7 +19,9 @@ class LogLines {
   LogLines& operator=(const LogLines&) = delete;
 
   const std::vector<std::string>& lines() const { return m_lines; }
-  bool has(std::string_view part) const;
+  bool has(std::string_view part) const { return count(part) > 0; }
+  // How many lines contain the part.
+  std::size_t count(std::string_view part) const;
 
  private:
   std::vector<std::string> m_lines;

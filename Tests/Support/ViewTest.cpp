@@ -28,6 +28,7 @@ void ViewTest::installSeams() {
     m_shown.push_back(text);
     return m_answer;
   };
+  platform.documentsFolder = [this] { return home() / "Documents"; };
   platform.open = [this](const std::string& address) {
     m_opened.push_back(address);
     return true;

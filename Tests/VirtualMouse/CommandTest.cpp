@@ -250,6 +250,21 @@ TEST(VirtualMouse, AnswersNoMoreThanItHas) {
   EXPECT_EQ(Bytes(data.begin() + 70, data.end()), Bytes(30, 0x44));
 }
 
+TEST(VirtualMouse, ForgetsTheOldestTransfersOfALongLife) {
+  VirtualMouse mouse;
+  for (std::size_t count = 0; count < VirtualMouse::transcriptLimit; ++count) {
+    command(mouse, {0xC4, 0x07, 2});
+  }
+  command(mouse, {0xC4, 0x07, 3});
+  EXPECT_EQ(mouse.transcript().size(), VirtualMouse::transcriptLimit);
+  EXPECT_EQ(mouse.transcript().back().data[2], 3);
+  mouse.setTranscriptLimit(2);
+  command(mouse, {0xC4, 0x07, 4});
+  ASSERT_EQ(mouse.transcript().size(), 2U);
+  EXPECT_EQ(mouse.transcript()[0].data[2], 3);
+  EXPECT_EQ(mouse.transcript()[1].data[2], 4);
+}
+
 TEST(VirtualMouse, KeepsATranscript) {
   VirtualMouse mouse;
   command(mouse, {0xC4, 0x07, 2});

@@ -144,3 +144,16 @@ TEST_F(Requester, LogsTransfersWhenAsked) {
             (std::vector<std::string>{"SET 0300 0 df19000000000000", "GET 0300 0 df190000a0000000",
                                       "SET 0300 0 stalled"}));
 }
+
+TEST_F(Requester, LogsNoKeysOfAMacro) {
+  listen();
+  m_requester.setIsPrintMsg(true);
+  const LogLines log;
+  Bytes macro(VirtualMouse::macroReportSize, 0x2C);
+  macro[0] = 4;
+  LXDeviceRequest request = setRequest(macro);
+  request.wValue = 0x0304;
+  request.wIndex = 1;
+  m_requester.sendDeviceRequest(request);
+  EXPECT_EQ(log.lines(), (std::vector<std::string>{"SET 0304 1 042c2c... (2053 bytes)"}));
+}

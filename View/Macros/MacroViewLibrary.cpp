@@ -23,10 +23,6 @@ namespace {
 
 constexpr const char* tooManyMacros = "Maximum number of macros reached";
 
-fs::path documentsFolder() {
-  return LXPlatform::current().homeFolder / "Documents";
-}
-
 }  // namespace
 
 void MacroView::setSelMacroByNode(const std::shared_ptr<LXTreeNode>& node) {
@@ -157,7 +153,7 @@ void MacroView::extentMacro() {
   const std::shared_ptr<MacroInfo> macro = m_currMacroInfo;
   const auto chosen =
       filepanel::saveFile(this, {.isSave = true,
-                                 .folder = documentsFolder(),
+                                 .folder = LXPlatform::current().documentsFolder(),
                                  .name = macromenulist::titleOf(*macro).toStdString()});
   if (!chosen || termination::isTerminating()) {
     return;
@@ -179,8 +175,8 @@ void MacroView::extentMacro() {
 void MacroView::importMacro() {
   const NestedLoop scope;
   const QPointer<MacroView> self = this;
-  const auto chosen =
-      filepanel::openFile(this, {.folder = documentsFolder(), .patterns = {"*.mac"}});
+  const auto chosen = filepanel::openFile(
+      this, {.folder = LXPlatform::current().documentsFolder(), .patterns = {"*.mac"}});
   if (!chosen || !self || termination::isTerminating()) {
     return;
   }

@@ -35,10 +35,6 @@ ProfieController& library() {
   return ProfieController::getShareProCon();
 }
 
-fs::path documentsFolder() {
-  return LXPlatform::current().homeFolder / "Documents";
-}
-
 }  // namespace
 
 bool MainView::hasRoomForProfile() const {
@@ -94,8 +90,8 @@ void MainView::extentProfile() {
     return;
   }
   const NestedLoop scope;
-  const auto chosen = filepanel::saveFile(
-      this, {.folder = documentsFolder(), .name = profile->name().value_or("")});
+  const auto chosen = filepanel::saveFile(this, {.folder = LXPlatform::current().documentsFolder(),
+                                                 .name = profile->name().value_or("")});
   if (!chosen || termination::isTerminating()) {
     return;
   }
@@ -114,8 +110,8 @@ void MainView::extentProfile() {
 
 void MainView::importProfile() {
   const NestedLoop scope;
-  const auto chosen =
-      filepanel::openFile(this, {.folder = documentsFolder(), .patterns = {"*.pro", "*.PRO"}});
+  const auto chosen = filepanel::openFile(
+      this, {.folder = LXPlatform::current().documentsFolder(), .patterns = {"*.pro", "*.PRO"}});
   if (termination::isTerminating()) {
     return;
   }
@@ -126,6 +122,9 @@ void MainView::importProfile() {
         break;
       case ProfieController::NoFile:
         LXAction::showInfoMessage(brokenProfile);
+        break;
+      case ProfieController::Full:
+        LXAction::showInfoMessage(tooManyProfiles);
         break;
       case ProfieController::NameTaken:
         break;

@@ -250,9 +250,16 @@ TEST_F(FunctionCatalogue, ANodeIsAppendedAndGivenBack) {
   EXPECT_EQ(node->parent(), &root);
 }
 
-TEST_F(FunctionCatalogue, BrokenAndForeignFilesAreEmptyCatalogues) {
-  for (const char* text :
-       {"", "x", "<R><SingleMenu>", "<SingleMenu><Item/></SingleMenu>", "<a><b/></a><c/>"}) {
+TEST_F(FunctionCatalogue, BrokenFilesGiveWayToTheShippedOne) {
+  for (const char* text : {"", "x", "<R><SingleMenu>"}) {
+    begin(text);
+    EXPECT_NE(NerinAction::getSingleById(1), nullptr) << text;
+    endProgram();
+  }
+}
+
+TEST_F(FunctionCatalogue, ForeignFilesAreEmptyCatalogues) {
+  for (const char* text : {"<SingleMenu><Item/></SingleMenu>", "<a><b/></a><c/>"}) {
     begin(text);
     EXPECT_EQ(NerinAction::functionMenus->singleMenuNode, nullptr) << text;
     endProgram();
@@ -265,7 +272,7 @@ TEST_F(FunctionCatalogue, ADeepFileDoesNoHarm) {
     deep += "<a>";
   }
   begin("<R>" + deep);
-  EXPECT_EQ(NerinAction::functionMenus->singleMenuNode, nullptr);
+  EXPECT_NE(NerinAction::getSingleById(1), nullptr);
 }
 
 }  // namespace

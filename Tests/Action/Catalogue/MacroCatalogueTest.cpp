@@ -344,7 +344,8 @@ TEST_F(MacroCatalogue, WithoutTheFileNothingIsWritten) {
   EXPECT_FALSE(fs::exists(file()));
 }
 
-TEST_F(MacroCatalogue, ABrokenFileIsNotReplaced) {
+TEST_F(MacroCatalogue, ABrokenFileIsNotReplacedWhereNothingCanRepairIt) {
+  setResourceFolder(home());
   for (const char* broken :
        {"", "no xml", "<R><MacroList></R>", "<R><MacroList/></R", "\xFF\xFE"}) {
     begin(broken);

@@ -155,16 +155,31 @@ TEST_F(Library, ImportingATakenIdGivesANewOne) {
   EXPECT_THAT(ids(), ElementsAre(9, 10));
 }
 
-TEST_F(Library, ImportingPastTheLimitOfTheViewsIsPossible) {
-  for (std::size_t n = 0; n < limits::profiles; ++n) {
+TEST_F(Library, ImportingStopsAtFiftyButWhatLiesInTheFolderIsTakenIn) {
+  for (std::size_t n = 1; n < limits::profiles; ++n) {
     library().addProfile();
   }
-  EXPECT_EQ(library().addByPath(outside(profileBytes(999, "Game"))), ProfieController::Added);
-  EXPECT_EQ(library().getProfileCount(), 51U);
+  const auto path = outside(profileBytes(999, "Game"));
+  EXPECT_EQ(library().addByPath(path, true), ProfieController::Added);
+  EXPECT_EQ(library().addByPath(path, true), ProfieController::Full);
+  EXPECT_EQ(library().getProfileCount(), limits::profiles);
+  EXPECT_EQ(library().addByPath(outside(profileBytes(998, "Other"))), ProfieController::Added);
+  EXPECT_EQ(library().getProfileCount(), limits::profiles + 1);
 }
 
-TEST_F(Library, ImportingGarbageMakesANamelessProfile) {
-  EXPECT_EQ(library().addByPath(outside(""), true), ProfieController::Added);
+TEST_F(Library, ImportingLessThanAWholeProfileAddsNothing) {
+  const std::string whole = profileBytes(9, "Game");
+  EXPECT_EQ(library().addByPath(outside(""), true), ProfieController::NoFile);
+  EXPECT_EQ(library().addByPath(outside(whole.substr(0, whole.size() - 1)), true),
+            ProfieController::NoFile);
+  EXPECT_EQ(library().addByPath(home(), true), ProfieController::NoFile);
+  EXPECT_EQ(library().addByPath("/dev/zero", true), ProfieController::NoFile);
+  EXPECT_THAT(names(), IsEmpty());
+  EXPECT_EQ(library().addByPath(outside(whole + "more"), true), ProfieController::Added);
+}
+
+TEST_F(Library, AShortFileOfTheFolderMakesANamelessProfile) {
+  EXPECT_EQ(library().addByPath(outside("")), ProfieController::Added);
   EXPECT_EQ(library().profileArr().back()->profileId(), 0U);
   EXPECT_EQ(library().profileArr().back()->name(), "");
 }

@@ -166,9 +166,16 @@ TEST_F(Tooltips, WithoutAnyFileAreNone) {
   EXPECT_EQ(manager().engLan(), nullptr);
 }
 
-TEST_F(Tooltips, BrokenAndForeignFilesAreNone) {
-  for (const char* xml : {"", "x", "<T><Lan name='US'>", "<T/>", "<T><Language name='US'/></T>",
-                          "<Lan name='US'><Item name='a' text='b'/></Lan>"}) {
+TEST_F(Tooltips, BrokenFilesGiveWayToTheShippedOne) {
+  for (const char* xml : {"", "x", "<T><Lan name='US'>"}) {
+    begin(xml);
+    EXPECT_EQ(manager().getTooltip("Disable"), "Disable") << xml;
+  }
+}
+
+TEST_F(Tooltips, ForeignFilesAreNone) {
+  for (const char* xml :
+       {"<T/>", "<T><Language name='US'/></T>", "<Lan name='US'><Item name='a' text='b'/></Lan>"}) {
     begin(xml);
     EXPECT_THAT(manager().infoList(), IsEmpty()) << xml;
     EXPECT_EQ(manager().getTooltip("a"), std::nullopt);

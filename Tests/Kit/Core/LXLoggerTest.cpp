@@ -81,6 +81,38 @@ TEST_F(Logger, KeepsTheLatestMebibyteAndTwoOlderOnes) {
   EXPECT_NE(textOfFile(m_file).find("the last line"), std::string::npos);
 }
 
+TEST_F(Logger, HasEveryLineInTheFileAtOnceSoThatAKillLosesNone) {
+  LXLogger::setFile(m_file);
+  LXLogger::debug("just happened");
+  EXPECT_NE(textOfFile(m_file).find("just happened"), std::string::npos);
+}
+
+TEST_F(Logger, IsReadableByTheUserAlone) {
+  using std::filesystem::perms;
+  const auto modeOf = [](const std::filesystem::path& file) {
+    return std::filesystem::status(file).permissions();
+  };
+  const perms ownersOnly = perms::owner_read | perms::owner_write;
+  const perms everybodys = ownersOnly | perms::group_read | perms::others_read;
+  LXLogger::setFile(m_scratch / "new folder" / "program.log");
+  EXPECT_EQ(modeOf(m_scratch / "new folder" / "program.log"), ownersOnly);
+  for (const char* name : {"program.log", "program.1.log", "program.2.log"}) {
+    writeText(m_scratch / name, "of an older version");
+    std::filesystem::permissions(m_scratch / name, everybodys);
+  }
+  LXLogger::setFile(m_file);
+  for (const char* name : {"program.log", "program.1.log", "program.2.log"}) {
+    EXPECT_EQ(modeOf(m_scratch / name), ownersOnly) << name;
+  }
+  const std::string longLine(1000, 'x');
+  for (int line = 0; line < 3000; ++line) {
+    LXLogger::debug(longLine);
+  }
+  for (const char* name : {"program.log", "program.1.log", "program.2.log"}) {
+    EXPECT_EQ(modeOf(m_scratch / name), ownersOnly) << name << " after a rotation";
+  }
+}
+
 TEST_F(Logger, GoesOnWithoutAFileThatCannotBeOpened) {
   writeText(m_scratch / "file", "");
   LXLogger::setFile(m_scratch / "file" / "program.log");

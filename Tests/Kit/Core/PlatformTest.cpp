@@ -72,5 +72,6 @@ TEST_F(Platform, FillsUpWhatWasLeftEmpty) {
   EXPECT_FALSE(LXPlatform::current().deviceRequester->isDevOn());
   ASSERT_TRUE(LXPlatform::current().notificationCenter);
   LXPlatform::current().sleep(std::chrono::hours(1));
+  EXPECT_EQ(LXPlatform::current().documentsFolder(), "/home/somebody");
   EXPECT_FALSE(LXPlatform::current().open("it"));
 }

@@ -11,6 +11,7 @@
 
 #include <gmock/gmock.h>
 
+#include "App/RealPlatform.h"
 #include "Kit/Desktop/DesktopServices.h"
 #include "Tests/Support/ViewTest.h"
 
@@ -252,3 +253,32 @@ TEST_F(FilePanel, FilesAndPagesAreOpenedByTheDesktop) {
 }
 
 #include "FilePanelTest.moc"
+
+TEST_F(FilePanel, StartsInTheUsersDocumentsWhereverTheyAre) {
+  const QByteArray homeBefore = qgetenv("HOME");
+  const QByteArray settingsBefore = qgetenv("XDG_CONFIG_HOME");
+  const fs::path user = home() / "user";
+  fs::create_directories(user / "settings");
+  qputenv("HOME", QByteArray::fromStdString(user.string()));
+  qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString((user / "settings").string()));
+  const auto folder = realPlatform(nullptr, nullptr).documentsFolder;
+
+  EXPECT_EQ(folder(), user) << "no such folder was made yet";
+  fs::create_directories(user / "Documents");
+  EXPECT_EQ(folder(), user / "Documents");
+  writeText(user / "settings/user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"$HOME/Meine Dokumente\"\n");
+  EXPECT_EQ(folder(), user / "Documents") << "the folder that is named does not exist";
+  fs::create_directories(user / "Meine Dokumente");
+  EXPECT_EQ(folder(), user / "Meine Dokumente");
+  writeText(user / "settings/user-dirs.dirs",
+            "XDG_DOCUMENTS_DIR=\"" + (home() / "elsewhere").string() + "\"\n");
+  fs::create_directories(home() / "elsewhere");
+  EXPECT_EQ(folder(), home() / "elsewhere");
+
+  qputenv("HOME", homeBefore);
+  if (settingsBefore.isNull()) {
+    qunsetenv("XDG_CONFIG_HOME");
+  } else {
+    qputenv("XDG_CONFIG_HOME", settingsBefore);
+  }
+}

@@ -56,6 +56,12 @@ TEST_F(MainViewProfiles, FiftyAreTheMost) {
   library().setSelectByName("p1");
   click("profileSaveBtn");
   EXPECT_EQ(m_shown.size(), 2U);
+  writeText(home() / "one more.pro", profileBytes(900, "One more"));
+  m_chosen = home() / "one more.pro";
+  click("profileImportBtn");
+  ASSERT_EQ(m_shown.size(), 3U);
+  EXPECT_EQ(m_shown[2], "Maximum number of profiles reached");
+  EXPECT_EQ(library().getProfileCount(), 50U);
 }
 
 TEST_F(MainViewProfiles, DuplicateTakesAFreeNameAndKeepsTheEdit) {
@@ -133,6 +139,17 @@ TEST_F(MainViewProfiles, ImportAddsAndTellsOfABrokenFile) {
   EXPECT_EQ(library().getProfileCount(), 2U);
   EXPECT_THAT(m_shown, IsEmpty());
   m_chosen = home() / "missing.pro";
+  click("profileImportBtn");
+  EXPECT_THAT(m_shown, ElementsAre("Profile data destruction"));
+  for (const std::string& bytes : {std::string(), profileBytes(9, "Cut").substr(0, 5263)}) {
+    m_shown.clear();
+    writeText(home() / "broken.pro", bytes);
+    m_chosen = home() / "broken.pro";
+    click("profileImportBtn");
+    EXPECT_THAT(m_shown, ElementsAre("Profile data destruction"));
+  }
+  m_shown.clear();
+  m_chosen = home();
   click("profileImportBtn");
   EXPECT_THAT(m_shown, ElementsAre("Profile data destruction"));
   m_chosen.reset();
