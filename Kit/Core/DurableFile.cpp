@@ -135,6 +135,16 @@ void removeQuietly(const fs::path& path) {
   fs::remove_all(path, ignored);
 }
 
+// Like removeQuietly, for a folder of ours: one that was read-only, as the folder that it replaced,
+// cannot be emptied before.
+void removeFolder(const fs::path& folder) {
+  std::error_code ignored;
+  if (fs::is_directory(fs::symlink_status(folder, ignored))) {
+    fs::permissions(folder, fs::perms::owner_all, fs::perm_options::add, ignored);
+  }
+  removeQuietly(folder);
+}
+
 // Where a path finally leads, whether or not that exists; nothing for a cycle of links.
 std::optional<fs::path> withoutLinks(fs::path path) {
   std::error_code error;
@@ -179,6 +189,44 @@ fs::path oldFolderOf(const fs::path& folder) {
   return sibling(folder, ".old");
 }
 
+// A folder that cannot be removed, because it holds what belongs to someone else, must not be in
+// the way of later saves for ever.
+constexpr std::string_view leftoverSuffix = ".left-";
+
+bool isFree(const fs::path& path) {
+  std::error_code error;
+  return fs::symlink_status(path, error).type() == fs::file_type::not_found;
+}
+
+// Frees a path beside the folder. What stays there in spite of it is told by the next step.
+void clearAway(const fs::path& path) {
+  removeFolder(path);
+  for (int n = 1; n < 1000 && !isFree(path); ++n) {
+    fs::path leftover = path;
+    leftover += std::string(leftoverSuffix) + std::to_string(n);
+    if (isFree(leftover) && std::rename(path.c_str(), leftover.c_str()) != 0) {
+      return;
+    }
+  }
+}
+
+// Perhaps now they can be removed.
+void sweepLeftovers(const fs::path& folder) {
+  const std::string start = "." + folder.filename().string() + ".";
+  std::vector<fs::path> leftovers;
+  std::error_code error;
+  for (fs::directory_iterator entry(parentOf(folder), error), end; !error && entry != end;
+       entry.increment(error)) {
+    const std::string name = entry->path().filename().string();
+    if (name.starts_with(start) && name.find(leftoverSuffix) != std::string::npos) {
+      leftovers.push_back(entry->path());
+    }
+  }
+  for (const fs::path& leftover : leftovers) {
+    removeFolder(leftover);
+  }
+}
+
 std::error_code renameFolder(const char* stepName, const fs::path& from, const fs::path& to) {
   return step(stepName, [&] { return std::rename(from.c_str(), to.c_str()); });
 }
@@ -194,7 +242,7 @@ std::error_code takePlaceInTwoSteps(const fs::path& fresh, const fs::path& folde
     std::rename(old.c_str(), folder.c_str());
     return error;
   }
-  removeQuietly(old);
+  removeFolder(old);
   return {};
 }
 
@@ -232,8 +280,9 @@ std::error_code finishInterrupted(const fs::path& folder) {
   } else if (status.type() != fs::file_type::not_found && !fs::is_directory(status)) {
     return error ? error : std::make_error_code(std::errc::not_a_directory);
   }
-  removeQuietly(fresh);
-  removeQuietly(old);
+  clearAway(fresh);
+  clearAway(old);
+  sweepLeftovers(folder);
   return {};
 }
 
@@ -373,7 +422,7 @@ std::error_code durable::replaceFolder(const fs::path& folder,
   if (!error) {
     syncAfterwards(parentOf(target));
   }
-  removeQuietly(fresh);
+  removeFolder(fresh);
   return error;
 }
 
