@@ -20,7 +20,11 @@ void requireRoom(const ProfieController& library) {
 }
 
 void save(ProfieController& library) {
-  require(library.saveToSys(), "the library could not be saved and is as it was");
+  const auto error = library.saveToSys();
+  if (error == std::errc::device_or_resource_busy) {
+    throw CommandError(ExitCode::Failed, "the library is in use by another program");
+  }
+  require(error, "the library could not be saved and is as it was");
 }
 
 void report(Session& session, const std::string& what, const ProfileValue& profile) {

@@ -63,7 +63,7 @@ NerinAction::ReadResult<bool> NerinAction::loadSlot(int slot) {
     editState->load(editState->currFWProfile());
     // Only a profile that is linked to the slot may stay selected.
     library().setCurrProfile(library().getProfileByFWProIndex(slot));
-    library().saveSelProfileToData();
+    library().takeSelProfileFromMouse();
   } else {
     editState->forgetBase();
     // What is shown stays. An Apply makes a new profile of it: the one that the slot was linked to

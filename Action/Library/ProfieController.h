@@ -68,8 +68,13 @@ class ProfieController {
   // Makes the library's folder hold the list, in one step: a crash or a full disk leaves the old or
   // the new library. What others did in the folder is taken in first: new profiles join the list,
   // deleted ones leave it unless they were edited here, and what the library cannot take is set
-  // aside. A failure is logged.
+  // aside. A failure is logged; the list then still has to be saved. Fails with
+  // device_or_resource_busy when another program keeps the library longer than a window may wait.
   [[nodiscard]] std::error_code saveToSys();
+  // Takes in what others did in the folder, without a save. What only a save can settle waits for
+  // one. Does not wait for another program that is at work there.
+  enum class FolderNews { None, Taken, Busy };
+  [[nodiscard]] FolderNews takeInFromDisk();
   // Empties the library's folder. Refuses any other folder.
   void clearAllProfile();
   // Copies selProfile into the selected profile and writes it. Does nothing without a selection.
@@ -78,6 +83,9 @@ class ProfieController {
   // Copy between selProfile and the selected profile's record. Do nothing without a selection.
   void saveSelProfileToData();
   void refreshSelProfileFromData();
+  // saveSelProfileToData for a record that was read from the mouse. That is no edit of the user: if
+  // another program deletes or changes the profile, its doing counts.
+  void takeSelProfileFromMouse();
 
   // --- Selection and lookup ----------------------------------------------------------------
 
@@ -163,8 +171,13 @@ class ProfieController {
   void setCurrIsActive(bool isActive) { m_currIsActive = isActive; }
 
  private:
+  static constexpr const char* libraryFolder = "Profiles";
+
   void loadDefaults();
-  void takeInChanges();
+  LibraryFolder::Changes takeInChanges();
+  bool takeOver(const LibraryFolder::Change& change);
+  std::error_code keepAside(const LibraryFolder::Changes& changes) const;
+  void relink(std::uint64_t from, std::uint64_t to);
   std::string freeName(const std::string& stem) const;
   std::ptrdiff_t positionOf(const Profile& profile) const;
 

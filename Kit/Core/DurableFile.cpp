@@ -176,9 +176,6 @@ fs::path lockOf(const fs::path& folder) {
   return sibling(folder, ".lock");
 }
 
-// Saving a large library on a slow disk can take this long.
-constexpr std::chrono::seconds lockLimit(10);
-
 // The new folder while it is written, then the old one while it is removed.
 fs::path newFolderOf(const fs::path& folder) {
   return sibling(folder, ".new");
@@ -399,14 +396,14 @@ void durable::sweepTemporaries(const fs::path& folder) {
   }
 }
 
-std::error_code durable::replaceFolder(const fs::path& folder,
-                                       std::span<const FolderEntry> entries) {
+std::error_code durable::replaceFolder(const fs::path& folder, std::span<const FolderEntry> entries,
+                                       std::chrono::milliseconds limit) {
   const auto leadsTo = withoutLinks(folder);
   if (!leadsTo) {
     return std::make_error_code(std::errc::too_many_symbolic_link_levels);
   }
   const fs::path& target = *leadsTo;
-  const auto lock = FileLock::acquire(lockOf(target), lockLimit);
+  const auto lock = FileLock::acquire(lockOf(target), limit);
   if (!lock) {
     return std::make_error_code(std::errc::device_or_resource_busy);
   }

@@ -1,5 +1,7 @@
 #include "View/Windows/FailureMessage.h"
 
+#include <system_error>
+
 #include "Kit/Core/LXAction.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Windows/NestedLoop.h"
@@ -37,7 +39,11 @@ void show(const char* key) {
 }  // namespace
 
 void failuremessage::tell(const Outcome& outcome) {
-  if (const auto& failure = outcome.failure()) {
+  const auto& failure = outcome.failure();
+  if (failure && failure->step == SlotStep::SaveLibrary &&
+      failure->error == std::errc::device_or_resource_busy) {
+    show("Another program is using the profile library. Try again.");
+  } else if (failure) {
     show(wordsFor(failure->step));
   }
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "Action/Record/EditState.h"
+#include "Kit/Core/FileLock.h"
 #include "Tests/Support/ViewTest.h"
 
 namespace {
@@ -53,6 +54,13 @@ TEST_F(Failures, ALibraryThatCannotBeSavedIsTold) {
   writeText(supportFolder(), "in the way");
   click("profileNewBtn");
   EXPECT_THAT(m_shown, ElementsAre("The profile library could not be saved"));
+}
+
+TEST_F(Failures, ALibraryThatAnotherProgramUsesIsTold) {
+  start();
+  const auto other = FileLock::acquire(supportFolder() / ".lock", std::chrono::milliseconds(0));
+  click("profileNewBtn");
+  EXPECT_THAT(m_shown, ElementsAre("Another program is using the profile library. Try again"));
 }
 
 }  // namespace
