@@ -229,6 +229,16 @@ void ProfieController::delProByName(const std::optional<std::string>& name) {
   }
 }
 
+void ProfieController::restoreProfile(const Profile& profile) {
+  if (!checkProfileName(profile->name(), nullptr)) {
+    profile->setName(getNewProfileNameByData(*profile));
+  }
+  if (!checkProfileId(profile->profileId(), nullptr)) {
+    profile->setProfileId(getNewProfileId());
+  }
+  m_profileArr.push_back(profile);
+}
+
 ProfieController::Profile ProfieController::getNextProfie(const Profile& profile) const {
   const std::ptrdiff_t position = positionOf(profile);
   if (m_profileArr.size() < 2 || position < 0) {

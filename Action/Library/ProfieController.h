@@ -71,6 +71,10 @@ class ProfieController {
   // aside. A failure is logged; the list then still has to be saved. Fails with
   // device_or_resource_busy when another program keeps the library longer than a window may wait.
   [[nodiscard]] std::error_code saveToSys();
+  // Puts copies of these profiles in place of the list, such as those of an earlier state. Each
+  // name and each id is there once afterwards; a slot whose profile is gone is not linked. The next
+  // saveToSys stores it.
+  void replaceProfiles(const Profiles& profiles);
   // Takes in what others did in the folder, without a save. What only a save can settle waits for
   // one. Does not wait for another program that is at work there.
   enum class FolderNews { None, Taken, Busy };
@@ -102,6 +106,11 @@ class ProfieController {
   // The next saveToSys deletes the file.
   void delProfile(const Profile& profile);
   void delProByName(const std::optional<std::string>& name);
+  // Adds a profile that was deleted, under its name and id where they are free.
+  void restoreProfile(const Profile& profile);
+  // Slots that are linked to the one id are then linked to the other, or to none: an id that is
+  // free again must not be found by a slot.
+  void relink(std::uint64_t from, std::uint64_t to);
 
   // --- Rarely used -------------------------------------------------------------------------
 
@@ -177,7 +186,6 @@ class ProfieController {
   LibraryFolder::Changes takeInChanges();
   bool takeOver(const LibraryFolder::Change& change);
   std::error_code keepAside(const LibraryFolder::Changes& changes) const;
-  void relink(std::uint64_t from, std::uint64_t to);
   std::string freeName(const std::string& stem) const;
   std::ptrdiff_t positionOf(const Profile& profile) const;
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <utility>
 
+#include "Action/Library/LibraryHistory.h"
 #include "Action/Library/LibraryLock.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Library/ProfileFileNames.h"
@@ -60,6 +61,9 @@ std::error_code ProfieController::saveToSys() {
   if (const auto error = keepAside(takeInChanges())) {
     return notSaved(error);
   }
+  const LibraryHistory history(m_sysProPath);
+  // Also what was never saved here, such as a library of before there was a history.
+  history.add();
   std::vector<durable::FolderEntry> entries;
   std::vector<ConfigBytes> contents;
   entries.reserve(m_profileArr.size());
@@ -76,7 +80,28 @@ std::error_code ProfieController::saveToSys() {
   for (std::size_t i = 0; i < entries.size(); ++i) {
     m_files.remember(entries[i].name, m_profileArr[i], contents[i]);
   }
+  history.add();
   return {};
+}
+
+void ProfieController::replaceProfiles(const Profiles& profiles) {
+  m_profileArr.clear();
+  for (const Profile& profile : profiles) {
+    const Profile copy = std::make_shared<ProfileValue>(*profile);
+    if (checkProfileName(copy->name(), nullptr)) {
+      if (copy->profileId() == notLinked || !checkProfileId(copy->profileId(), nullptr)) {
+        copy->setProfileId(getNewProfileId());
+      }
+      m_profileArr.push_back(copy);
+    }
+  }
+  sortProfile();
+  m_currProfile = m_currProfile ? getProfileByName(m_currProfile->name()) : nullptr;
+  for (std::uint64_t& link : m_fwProfileID) {
+    if (!getProValueByProid(link)) {
+      link = notLinked;
+    }
+  }
 }
 
 ProfieController::FolderNews ProfieController::takeInFromDisk() {
@@ -143,7 +168,6 @@ bool ProfieController::takeOver(const LibraryFolder::Change& change) {
   return true;
 }
 
-// The slots that are linked to a profile follow it. An id that is free again must find none.
 void ProfieController::relink(std::uint64_t from, std::uint64_t to) {
   std::replace(m_fwProfileID.begin(), m_fwProfileID.end(), from, to);
 }

@@ -318,6 +318,32 @@ std::error_code writeFolder(const fs::path& folder, const fs::path& oldFolder,
   return syncFolder(folder);
 }
 
+std::error_code linkOrCopy(const fs::path& file, const fs::path& target) {
+  if (!step("link a copy", [&] { return ::link(file.c_str(), target.c_str()); })) {
+    return {};
+  }
+  const auto bytes = durable::readFile(file);
+  return bytes ? writeNew(target, *bytes) : std::make_error_code(std::errc::io_error);
+}
+
+std::error_code fillCopy(const fs::path& folder, const fs::path& copy) {
+  std::error_code error = step("make a copy", [&] { return ::mkdir(copy.c_str(), 0777); });
+  if (error) {
+    return error;
+  }
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    std::error_code ignored;
+    if (!fs::is_regular_file(entry->symlink_status(ignored))) {
+      continue;
+    }
+    if (const auto failed = linkOrCopy(entry->path(), copy / entry->path().filename())) {
+      return failed;
+    }
+  }
+  return error;
+}
+
 }  // namespace
 
 void durable::setFaultInjector(FaultInjector injector) {
@@ -420,6 +446,18 @@ std::error_code durable::replaceFolder(const fs::path& folder, std::span<const F
     syncAfterwards(parentOf(target));
   }
   removeFolder(fresh);
+  return error;
+}
+
+std::error_code durable::copyFolder(const fs::path& folder, const fs::path& copy) {
+  const fs::path fresh = parentOf(copy) / temporaryName();
+  std::error_code error = fillCopy(folder, fresh);
+  if (!error) {
+    error = renameFolder("name a copy", fresh, copy);
+  }
+  if (error) {
+    removeFolder(fresh);
+  }
   return error;
 }
 

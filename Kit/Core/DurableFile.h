@@ -50,6 +50,11 @@ struct FolderEntry {
 // process is replacing the folder.
 void recoverFolder(const std::filesystem::path& folder);
 
+// Makes `copy` a folder with the files of `folder`, linked where the file system can do that. It is
+// complete or, on an error, not there; it is not synced. Other things in the folder are left out.
+[[nodiscard]] std::error_code copyFolder(const std::filesystem::path& folder,
+                                         const std::filesystem::path& copy);
+
 // For tests: called with the name of each step before the step touches the disk. A nonzero result
 // is the errno with which the step fails. An empty function turns this off.
 using FaultInjector = std::function<int(const char* step)>;
