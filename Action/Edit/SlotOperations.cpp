@@ -1,17 +1,35 @@
 #include "Action/Edit/SlotOperations.h"
 
+#include <bitset>
+#include <utility>
+
 #include "Action/Device/SlotTransfer.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Record/EditState.h"
 #include "Action/Record/Limits.h"
 #include "Action/Service/DaemonMessages.h"
+#include "Kit/Core/ProcessWide.h"
 
 namespace {
 
 constexpr int lastResetSlot = 4;
 
+struct DeletedProfile {
+  ProfieController::Profile profile;
+  std::bitset<ProfieController::slotCount> slots;  // that were linked to it
+};
+ProcessWide<DeletedProfile> lastDeleted;
+
 ProfieController& library() {
   return ProfieController::getShareProCon();
+}
+
+std::bitset<ProfieController::slotCount> linkedSlots(std::uint64_t id) {
+  std::bitset<ProfieController::slotCount> slots;
+  for (std::size_t slot = 0; slot < slots.size(); ++slot) {
+    slots[slot] = library().fwProfileID()[slot] == id;
+  }
+  return slots;
 }
 
 // The mouse stores its active slot in four bits, so it can name slots that do not exist.
@@ -120,8 +138,37 @@ Outcome NerinAction::beginProfile(const std::string& name) {
 }
 
 Outcome NerinAction::deleteSelectedProfile() {
-  library().delProfile(library().currProfile());
-  library().setFwProfileId(-1, library().currFWProfileIndex());
+  const auto profile = library().currProfile();
+  const auto slot = static_cast<std::size_t>(library().currFWProfileIndex());
+  if (profile) {
+    *lastDeleted = {profile, linkedSlots(profile->profileId())};
+    lastDeleted->slots.set(slot);
+    library().relink(profile->profileId(), ProfieController::notLinked);
+  }
+  library().delProfile(profile);
+  library().fwProfileID()[slot] = ProfieController::notLinked;
+  return {SlotStep::SaveLibrary, library().saveToSys()};
+}
+
+bool NerinAction::canUndoDelete() {
+  return lastDeleted->profile != nullptr && library().getProfileCount() < limits::profiles;
+}
+
+Outcome NerinAction::undoDelete() {
+  if (!canUndoDelete()) {
+    return {};
+  }
+  const DeletedProfile deleted = std::exchange(*lastDeleted, {});
+  library().restoreProfile(deleted.profile);
+  auto& links = library().fwProfileID();
+  for (std::size_t slot = 0; slot < links.size(); ++slot) {
+    if (deleted.slots[slot] && links[slot] == ProfieController::notLinked) {
+      links[slot] = deleted.profile->profileId();
+      if (static_cast<int>(slot) == library().currFWProfileIndex()) {
+        library().setCurrProfile(deleted.profile);
+      }
+    }
+  }
   return {SlotStep::SaveLibrary, library().saveToSys()};
 }
 
