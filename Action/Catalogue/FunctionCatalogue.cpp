@@ -100,6 +100,7 @@ std::string launchCaption(const _BTN_INFO& btnInfo, int index) {
 
 void NerinAction::initMenuList() {
   macroStore->macroListArrs.clear();
+  macroStore->known.clear();
   *functionMenus = {};
   if (!LXAction::checkAddCopyFileFromResourceWithPath(getSysPath(), "MenuInfo.xml")) {
     LXLogger::warning(getSysPath() + " has no MenuInfo.xml");
@@ -114,6 +115,7 @@ void NerinAction::initMenuList() {
     }
   };
   load("MacroList", initMacroList);
+  macromerge::remember();
   load("MacroInsertMenu", initMacroInsertMenulist);
   load("KeyAssignMenu", initKeyAssignMenulist);
   load("SingleMenu", initSingleMenulist);
