@@ -1,6 +1,10 @@
+#include <algorithm>
+#include <ctime>
 #include <filesystem>
 #include <memory>
+#include <optional>
 
+#include "Action/Library/LibraryHistory.h"
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
 #include "CommandLine/RecordOutput.h"
@@ -22,7 +26,11 @@ void requireRoom(const ProfieController& library) {
 }
 
 void save(ProfieController& library) {
-  require(library.saveToSys(), "the library could not be saved and is as it was");
+  const auto error = library.saveToSys();
+  if (error == std::errc::device_or_resource_busy) {
+    throw CommandError(ExitCode::Failed, "the library is in use by another program");
+  }
+  require(error, "the library could not be saved and is as it was");
 }
 
 void report(Session& session, const std::string& what, const ProfileValue& profile) {
@@ -124,6 +132,116 @@ void show(Session& session, const std::string& nameOrFile) {
   session.output.print(lines, document);
 }
 
+// --- The history -------------------------------------------------------------------------------
+
+std::string timeText(std::time_t time, const char* format,
+                     std::tm* (*split)(const std::time_t*, std::tm*)) {
+  std::tm parts{};
+  split(&time, &parts);
+  char text[32];
+  return {text, std::strftime(text, sizeof text, format, &parts)};
+}
+
+std::string shortly(const LibraryHistory::Differences& differences) {
+  std::string text;
+  const auto append = [&](char sign, const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+      text += (text.empty() ? "" : " ") + (sign + printable(name));
+    }
+  };
+  append('+', differences.added);
+  append('-', differences.removed);
+  append('~', differences.changed);
+  return text.empty() ? "as now" : text;
+}
+
+void history(Session& session) {
+  const ProfieController& library = session.openLibrary();
+  std::vector<std::vector<std::string>> rows;
+  Json document = Json::array();
+  for (const auto& state : LibraryHistory(library.sysProPath()).states()) {
+    const auto profiles = LibraryHistory::profilesIn(state);
+    const auto differences = LibraryHistory::differences(profiles, library.profileArr());
+    rows.push_back(
+        {std::to_string(state.number), timeText(state.time, "%Y-%m-%d %H:%M:%S", ::localtime_r),
+         std::to_string(profiles.size()) + (profiles.size() == 1 ? " profile" : " profiles"),
+         shortly(differences)});
+    document.push_back({{"number", state.number},
+                        {"time", timeText(state.time, "%Y-%m-%dT%H:%M:%SZ", ::gmtime_r)},
+                        {"profiles", profiles.size()},
+                        {"added", differences.added},
+                        {"removed", differences.removed},
+                        {"changed", differences.changed}});
+  }
+  session.output.print(table(rows), document);
+}
+
+LibraryHistory::State stateOfNumber(const ProfieController& library, int number) {
+  const auto states = LibraryHistory(library.sysProPath()).states();
+  const auto found = std::find_if(states.begin(), states.end(), [&](const auto& state) {
+    return number > 0 && state.number == static_cast<std::uint64_t>(number);
+  });
+  if (found == states.end()) {
+    throw CommandError(ExitCode::NotFound,
+                       "no such state of the library: " + std::to_string(number) +
+                           " (see nerinctl profiles history)");
+  }
+  return *found;
+}
+
+void recoverAll(Session& session, int number) {
+  ProfieController& library = session.openLibrary();
+  const auto profiles = LibraryHistory::profilesIn(stateOfNumber(library, number));
+  library.replaceProfiles(profiles);
+  save(library);
+  Json document = Json::array();
+  for (const auto& profile : library.profileArr()) {
+    document.push_back(summary(*profile));
+  }
+  session.output.print({"recovered " + std::to_string(document.size()) +
+                        (document.size() == 1 ? " profile" : " profiles")},
+                       document);
+}
+
+void recoverOne(Session& session, int number, const std::string& name) {
+  ProfieController& library = session.openLibrary();
+  const auto profiles = LibraryHistory::profilesIn(stateOfNumber(library, number));
+  const auto found = std::find_if(profiles.begin(), profiles.end(), [&](const auto& profile) {
+    return profile->name().value_or("") == name;
+  });
+  if (found == profiles.end()) {
+    throw CommandError(ExitCode::NotFound,
+                       "no such profile in this state of the library: " + printable(name));
+  }
+  requireRoom(library);
+  library.restoreProfile(*found);
+  save(library);
+  report(session, "recovered", **found);
+}
+
+void addHistoryCommands(GrammarCommand group, Command& chosen) {
+  group.addCommand("history", "The last ten states of the library", "profiles history")
+      .onGiven([&chosen] { chosen = history; });
+  GrammarCommand command = group.addCommand(
+      "recover", "Bring back a state of the library, or one profile of it", "profiles recover 12");
+  struct Words {
+    int number = 0;
+    std::optional<std::string> name;
+  };
+  auto words = std::make_shared<Words>();
+  command.addOption("number", words->number).required();
+  command.addOption("name", words->name);
+  command.onGiven([&chosen, words] {
+    chosen = [words](Session& session) {
+      if (words->name) {
+        recoverOne(session, words->number, *words->name);
+      } else {
+        recoverAll(session, words->number);
+      }
+    };
+  });
+}
+
 }  // namespace
 
 void addProfileCommands(GrammarCommand program, Command& chosen) {
@@ -144,6 +262,7 @@ void addProfileCommands(GrammarCommand program, Command& chosen) {
               "profiles import office.pro", "file", import);
   addWithWords(group, chosen, "export", "Write a profile to a file",
                "profiles export Office office.pro", "name", "file", exportTo);
+  addHistoryCommands(group, chosen);
 }
 
 void addShowCommand(GrammarCommand program, Command& chosen) {

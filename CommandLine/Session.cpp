@@ -130,7 +130,7 @@ ProfieController& Session::openLibrary() {
     throw CommandError(ExitCode::Failed,
                        "the folder cannot be made: " + printable(support.string()));
   }
-  m_libraryLock = FileLock::acquire(support / ".lock", lockLimit);
+  m_libraryLock = librarylock::acquire(lockLimit);
   if (!m_libraryLock) {
     throw CommandError(ExitCode::Failed, "the library is in use by another program");
   }

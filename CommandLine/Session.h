@@ -6,10 +6,10 @@
 #include <optional>
 #include <string>
 
+#include "Action/Library/LibraryLock.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Record/Outcome.h"
 #include "CommandLine/Output.h"
-#include "Kit/Core/FileLock.h"
 #include "Kit/Core/LXDeviceRequester.h"
 #include "Kit/Device/HidDeviceRequester.h"
 
@@ -57,7 +57,7 @@ class Session {
   void didSend(const LXDeviceRequest& request, bool isDone);
   void traceSleep(std::int64_t milliseconds);
 
-  std::unique_ptr<FileLock> m_libraryLock;
+  librarylock::Handle m_libraryLock;
   bool m_isVirtual = false;
   std::shared_ptr<HidDeviceRequester> m_usbMouse;
   std::ofstream m_trace;

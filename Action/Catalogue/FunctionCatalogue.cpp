@@ -99,6 +99,7 @@ std::string launchCaption(const _BTN_INFO& btnInfo, int index) {
 
 void NerinAction::initMenuList() {
   macroStore->macroListArrs.clear();
+  macroStore->known.clear();
   *functionMenus = {};
   usercatalogue::provide("MenuInfo.xml");
   CatalogueFile file;
@@ -111,6 +112,7 @@ void NerinAction::initMenuList() {
     }
   };
   load("MacroList", initMacroList);
+  macromerge::remember();
   load("MacroInsertMenu", initMacroInsertMenulist);
   load("KeyAssignMenu", initKeyAssignMenulist);
   load("SingleMenu", initSingleMenulist);

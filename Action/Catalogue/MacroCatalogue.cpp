@@ -8,9 +8,11 @@
 #include "Action/Catalogue/CatalogueFile.h"
 #include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MenuInfo.h"
+#include "Action/Library/LibraryLock.h"
 #include "Action/Record/Limits.h"
 #include "Action/Wire/KeyCodes.h"
 #include "Kit/Core/LXAction.h"
+#include "Kit/Core/LXLogger.h"
 
 namespace {
 
@@ -161,6 +163,11 @@ pugi::xml_node NerinAction::addElementByNode(const MacroInfo& macro, pugi::xml_n
 }
 
 bool NerinAction::saveMenuList() {
+  const auto lock = librarylock::acquire();
+  if (!lock) {
+    LXLogger::error("the macros were not saved: another program is using the library");
+    return false;
+  }
   CatalogueFile file;
   if (!file.load()) {
     return false;
@@ -169,13 +176,20 @@ bool NerinAction::saveMenuList() {
   if (!section) {
     return false;
   }
+  if (macromerge::takeIn(section) && macroStore->macroNode) {
+    refreshMenuList();
+  }
   section.remove_children();
   for (const auto& macro : macroStore->macroListArrs) {
     if (!macro->isNoDisplay()) {
       addElementByNode(*macro, section);
     }
   }
-  return file.save();
+  if (!file.save()) {
+    return false;
+  }
+  macromerge::remember();
+  return true;
 }
 
 void NerinAction::refreshMenuList() {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Action/Catalogue/MacroInfo.h"
+#include "Action/Catalogue/MacroMerge.h"
 #include "Action/Record/Records.h"
 #include "Action/Wire/MacroImage.h"
 #include "Kit/Core/LXTreeNode.h"
@@ -25,6 +26,7 @@ struct MacroStore {
   std::vector<std::shared_ptr<MacroInfo>> macroListArrs;
   // The root of the macro menu: one child per macro that is shown. Null until refreshMenuList.
   std::shared_ptr<LXTreeNode> macroNode;
+  macromerge::KnownMacros known;
   // refreshMenuList calls this with the new menu, so that the open pop-up list can show it.
   std::function<void(const std::shared_ptr<LXTreeNode>&)> macroMenuRebuilt;
 };
@@ -52,8 +54,9 @@ void SaveMacroInfoToEle(pugi::xml_node item, const MacroInfo& selData);
 // Appends an element for the macro; its name is "Item" by default.
 pugi::xml_node addElementByNode(const MacroInfo& macro, pugi::xml_node parNode,
                                 const std::string& itemName = {});
-// Writes the macros that are not hidden to their section and keeps the rest of the file. False when
-// the file or the section is missing, or when writing fails, which is logged.
+// Writes the macros that are not hidden to their section and keeps the rest of the file, after what
+// other programs did in the section was taken in. False when the file or the section is missing,
+// when another program keeps the library, or when writing fails, which is logged.
 [[nodiscard]] bool saveMenuList();
 void refreshMenuList();
 

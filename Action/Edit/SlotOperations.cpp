@@ -1,5 +1,8 @@
 #include "Action/Edit/SlotOperations.h"
 
+#include <bitset>
+#include <utility>
+
 #include "Action/Device/SlotTransfer.h"
 #include "Action/Edit/Drafts.h"
 #include "Action/Library/ProfieController.h"
@@ -7,13 +10,28 @@
 #include "Action/Record/EditState.h"
 #include "Action/Record/Limits.h"
 #include "Action/Service/DaemonMessages.h"
+#include "Kit/Core/ProcessWide.h"
 
 namespace {
 
 constexpr int lastResetSlot = 4;
 
+struct DeletedProfile {
+  ProfieController::Profile profile;
+  std::bitset<ProfieController::slotCount> slots;  // that were linked to it
+};
+ProcessWide<DeletedProfile> lastDeleted;
+
 ProfieController& library() {
   return ProfieController::getShareProCon();
+}
+
+std::bitset<ProfieController::slotCount> linkedSlots(std::uint64_t id) {
+  std::bitset<ProfieController::slotCount> slots;
+  for (std::size_t slot = 0; slot < slots.size(); ++slot) {
+    slots[slot] = library().fwProfileID()[slot] == id;
+  }
+  return slots;
 }
 
 // The mouse stores its active slot in four bits, so it can name slots that do not exist.
@@ -106,7 +124,7 @@ NerinAction::ReadResult<bool> NerinAction::loadSlot(int slot) {
   if (read.value) {
     // Only a profile that is linked to the slot may stay selected.
     library().setCurrProfile(library().getProfileByFWProIndex(slot));
-    library().saveSelProfileToData();
+    library().takeSelProfileFromMouse();
   }
   beginSlot(slot);
   restoreDraft(slot);
@@ -159,8 +177,37 @@ Outcome NerinAction::beginProfile(const std::string& name) {
 }
 
 Outcome NerinAction::deleteSelectedProfile() {
-  library().delProfile(library().currProfile());
-  library().setFwProfileId(-1, library().currFWProfileIndex());
+  const auto profile = library().currProfile();
+  const auto slot = static_cast<std::size_t>(library().currFWProfileIndex());
+  if (profile) {
+    *lastDeleted = {profile, linkedSlots(profile->profileId())};
+    lastDeleted->slots.set(slot);
+    library().relink(profile->profileId(), ProfieController::notLinked);
+  }
+  library().delProfile(profile);
+  library().fwProfileID()[slot] = ProfieController::notLinked;
+  return {SlotStep::SaveLibrary, library().saveToSys()};
+}
+
+bool NerinAction::canUndoDelete() {
+  return lastDeleted->profile != nullptr && library().getProfileCount() < limits::profiles;
+}
+
+Outcome NerinAction::undoDelete() {
+  if (!canUndoDelete()) {
+    return {};
+  }
+  const DeletedProfile deleted = std::exchange(*lastDeleted, {});
+  library().restoreProfile(deleted.profile);
+  auto& links = library().fwProfileID();
+  for (std::size_t slot = 0; slot < links.size(); ++slot) {
+    if (deleted.slots[slot] && links[slot] == ProfieController::notLinked) {
+      links[slot] = deleted.profile->profileId();
+      if (static_cast<int>(slot) == library().currFWProfileIndex()) {
+        library().setCurrProfile(deleted.profile);
+      }
+    }
+  }
   return {SlotStep::SaveLibrary, library().saveToSys()};
 }
 

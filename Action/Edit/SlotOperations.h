@@ -33,8 +33,15 @@ void bindSlot(std::uint64_t profileId);
 // Begins a profile of that name on the current slot, with the edited record. The next Apply adds it
 // to the library.
 Outcome beginProfile(const std::string& name);
-// Deletes the selected profile from the library and unlinks the current slot.
+// Deletes the selected profile from the library and unlinks its slots and the current one.
 Outcome deleteSelectedProfile();
+// Whether deleteSelectedProfile can be undone: it was used in this run and not undone yet, and the
+// library has room.
+bool canUndoDelete();
+// Brings back the profile that was deleted last, under its name where that is free. Slots that were
+// linked to it and are still unlinked are linked to it again; if the current slot is one of them,
+// the profile is selected. The edited record stays. Does nothing where canUndoDelete is false.
+Outcome undoDelete();
 
 // Saves the slot's linked program in the profile and in the preferences.
 Outcome saveLinkApp();

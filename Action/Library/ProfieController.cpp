@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "Action/Library/LibraryLock.h"
 #include "Action/Library/ProfileFileNames.h"
 #include "Action/Library/SupportFolder.h"
 #include "Action/Record/EditState.h"
@@ -17,8 +18,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr const char* libraryFolder = "Profiles";
 
 ProcessWide<std::unique_ptr<ProfieController>> sharedController;
 
@@ -56,6 +55,8 @@ void ProfieController::loadDefaults() {
 }
 
 void ProfieController::refreshProfile() {
+  // Not while another program replaces it. One that takes long leaves a library that is whole.
+  const auto lock = librarylock::acquire();
   m_currProfile = nullptr;
   m_profileArr.clear();
   m_loadError.clear();
@@ -175,121 +176,6 @@ ProfieController::AddResult ProfieController::addByPath(const fs::path& path, bo
   return Added;
 }
 
-std::error_code ProfieController::saveToPath(const fs::path& folder) {
-  std::error_code first;
-  ProfileFileNames names;
-  for (const Profile& profile : m_profileArr) {
-    const auto error = profile->saveToPath(folder / names.next(profile->name()));
-    if (error && !first) {
-      first = error;
-    }
-  }
-  return first;
-}
-
-std::error_code ProfieController::saveToSys() {
-  if (m_loadError) {
-    // Saving would delete the files that could not be listed.
-    LXLogger::error("the library is not saved, since it was not read: " + m_loadError.message());
-    return m_loadError;
-  }
-  takeInChanges();
-  std::vector<durable::FolderEntry> entries;
-  std::vector<ConfigBytes> contents;
-  entries.reserve(m_profileArr.size());
-  contents.reserve(m_profileArr.size());
-  ProfileFileNames names;
-  for (const Profile& profile : m_profileArr) {
-    const ConfigBytes& bytes = contents.emplace_back(profile->fileBytes());
-    entries.push_back({names.next(profile->name()), {bytes.data(), bytes.size()}});
-  }
-  const auto error = durable::replaceFolder(m_sysProPath, entries);
-  if (error) {
-    LXLogger::error("the library was not saved: " + error.message());
-    return error;
-  }
-  m_files.forget();
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    m_files.remember(entries[i].name, m_profileArr[i], contents[i]);
-  }
-  return error;
-}
-
-// A save makes the folder hold exactly the list, so that what others did there comes first.
-void ProfieController::takeInChanges() {
-  const LibraryFolder::Changes changes = m_files.changes();
-  for (const Profile& profile : changes.deleted) {
-    LXLogger::warning("deleted by another program: " + profile->name().value_or(""));
-    delProfile(profile);
-  }
-  for (const auto& [fileName, profile] : changes.changed) {
-    const Profile stored = ProfileValue::initWithPath(m_sysProPath / fileName);
-    if (stored && checkProfileName(stored->name(), profile) &&
-        checkProfileId(stored->profileId(), profile)) {
-      *profile = *stored;
-    }
-  }
-  for (const fs::path& file : changes.appeared) {
-    if (addByPath(file) != Added) {
-      static_cast<void>(m_files.setAside(file));
-    }
-  }
-  for (const auto* files : {&changes.conflicting, &changes.foreign}) {
-    for (const fs::path& file : *files) {
-      static_cast<void>(m_files.setAside(file));
-    }
-  }
-}
-
-void ProfieController::clearAllProfile() {
-  const fs::path support = NerinAction::getSysPath();
-  if (support.empty() || m_sysProPath != support / libraryFolder) {
-    LXLogger::error("not emptied, since it is not the library: " + m_sysProPath.string());
-    return;
-  }
-  std::error_code error;
-  fs::remove_all(m_sysProPath, error);
-  m_files.forget();
-  if (error || !LXAction::creatDirectoryPro(m_sysProPath)) {
-    LXLogger::error("the folder cannot be emptied: " + m_sysProPath.string());
-  }
-}
-
-std::error_code ProfieController::saveSeltoPath(const fs::path& folder) {
-  if (!m_currProfile) {
-    return {};
-  }
-  saveSelProfileToData();
-  ProfileFileNames names;
-  for (const Profile& profile : m_profileArr) {
-    const std::string name = names.next(profile->name());
-    if (profile == m_currProfile) {
-      const auto error = profile->saveToPath(folder / name);
-      if (!error && folder == m_sysProPath) {
-        m_files.remember(folder / name, profile);
-      }
-      return error;
-    }
-  }
-  return m_currProfile->saveToPath(folder / names.next(m_currProfile->name()));
-}
-
-std::error_code ProfieController::saveSelProfile() {
-  return saveSeltoPath(m_sysProPath);
-}
-
-void ProfieController::saveSelProfileToData() {
-  if (m_currProfile) {
-    m_currProfile->setProfileData(editState->selProfile());
-  }
-}
-
-void ProfieController::refreshSelProfileFromData() {
-  if (m_currProfile) {
-    editState->bind(m_currProfile->profileData());
-  }
-}
-
 void ProfieController::setSelectByName(const std::optional<std::string>& name) {
   m_currProfile = getProfileByName(name);
 }
@@ -345,6 +231,16 @@ void ProfieController::delProByName(const std::optional<std::string>& name) {
   if (const Profile profile = getProfileByName(name)) {
     delProfile(profile);
   }
+}
+
+void ProfieController::restoreProfile(const Profile& profile) {
+  if (!checkProfileName(profile->name(), nullptr)) {
+    profile->setName(getNewProfileNameByData(*profile));
+  }
+  if (!checkProfileId(profile->profileId(), nullptr)) {
+    profile->setProfileId(getNewProfileId());
+  }
+  m_profileArr.push_back(profile);
 }
 
 ProfieController::Profile ProfieController::getNextProfie(const Profile& profile) const {

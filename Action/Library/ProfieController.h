@@ -71,8 +71,17 @@ class ProfieController {
   // Makes the library's folder hold the list, in one step: a crash or a full disk leaves the old or
   // the new library. What others did in the folder is taken in first: new profiles join the list,
   // deleted ones leave it unless they were edited here, and what the library cannot take is set
-  // aside. A failure is logged.
+  // aside. A failure is logged; the list then still has to be saved. Fails with
+  // device_or_resource_busy when another program keeps the library longer than a window may wait.
   [[nodiscard]] std::error_code saveToSys();
+  // Puts copies of these profiles in place of the list, such as those of an earlier state. Each
+  // name and each id is there once afterwards; a slot whose profile is gone is not linked. The next
+  // saveToSys stores it.
+  void replaceProfiles(const Profiles& profiles);
+  // Takes in what others did in the folder, without a save. What only a save can settle waits for
+  // one. Does not wait for another program that is at work there.
+  enum class FolderNews { None, Taken, Busy };
+  [[nodiscard]] FolderNews takeInFromDisk();
   // Empties the library's folder. Refuses any other folder.
   void clearAllProfile();
   // Copies selProfile into the selected profile and writes it. Does nothing without a selection.
@@ -81,6 +90,9 @@ class ProfieController {
   // Copy between selProfile and the selected profile's record. Do nothing without a selection.
   void saveSelProfileToData();
   void refreshSelProfileFromData();
+  // saveSelProfileToData for a record that was read from the mouse. That is no edit of the user: if
+  // another program deletes or changes the profile, its doing counts.
+  void takeSelProfileFromMouse();
 
   // --- Selection and lookup ----------------------------------------------------------------
 
@@ -97,6 +109,11 @@ class ProfieController {
   // The next saveToSys deletes the file.
   void delProfile(const Profile& profile);
   void delProByName(const std::optional<std::string>& name);
+  // Adds a profile that was deleted, under its name and id where they are free.
+  void restoreProfile(const Profile& profile);
+  // Slots that are linked to the one id are then linked to the other, or to none: an id that is
+  // free again must not be found by a slot.
+  void relink(std::uint64_t from, std::uint64_t to);
 
   // --- Rarely used -------------------------------------------------------------------------
 
@@ -166,8 +183,12 @@ class ProfieController {
   void setCurrIsActive(bool isActive) { m_currIsActive = isActive; }
 
  private:
+  static constexpr const char* libraryFolder = "Profiles";
+
   void loadDefaults();
-  void takeInChanges();
+  LibraryFolder::Changes takeInChanges();
+  bool takeOver(const LibraryFolder::Change& change);
+  std::error_code keepAside(const LibraryFolder::Changes& changes) const;
   std::string freeName(const std::string& stem) const;
   std::ptrdiff_t positionOf(const Profile& profile) const;
 

@@ -65,6 +65,10 @@ std::error_code ProfieController::saveCurrFWProfileToList() {
   }
   // saveToSys also writes the selected profile. A kill between two writes would lose the library.
   saveSelProfileToData();
+  if (m_currProfile) {
+    // The user wants it as it is now, whatever others did to it.
+    m_files.rememberAsChanged(m_currProfile);
+  }
   return saveToSys();
 }
 

@@ -135,6 +135,16 @@ void removeQuietly(const fs::path& path) {
   fs::remove_all(path, ignored);
 }
 
+// Like removeQuietly, for a folder of ours: one that was read-only, as the folder that it replaced,
+// cannot be emptied before.
+void removeFolder(const fs::path& folder) {
+  std::error_code ignored;
+  if (fs::is_directory(fs::symlink_status(folder, ignored))) {
+    fs::permissions(folder, fs::perms::owner_all, fs::perm_options::add, ignored);
+  }
+  removeQuietly(folder);
+}
+
 // Where a path finally leads, whether or not that exists; nothing for a cycle of links.
 std::optional<fs::path> withoutLinks(fs::path path) {
   std::error_code error;
@@ -166,9 +176,6 @@ fs::path lockOf(const fs::path& folder) {
   return sibling(folder, ".lock");
 }
 
-// Saving a large library on a slow disk can take this long.
-constexpr std::chrono::seconds lockLimit(10);
-
 // The new folder while it is written, then the old one while it is removed.
 fs::path newFolderOf(const fs::path& folder) {
   return sibling(folder, ".new");
@@ -177,6 +184,44 @@ fs::path newFolderOf(const fs::path& folder) {
 // The old folder between the two renames, on file systems that cannot exchange folders.
 fs::path oldFolderOf(const fs::path& folder) {
   return sibling(folder, ".old");
+}
+
+// A folder that cannot be removed, because it holds what belongs to someone else, must not be in
+// the way of later saves for ever.
+constexpr std::string_view leftoverSuffix = ".left-";
+
+bool isFree(const fs::path& path) {
+  std::error_code error;
+  return fs::symlink_status(path, error).type() == fs::file_type::not_found;
+}
+
+// Frees a path beside the folder. What stays there in spite of it is told by the next step.
+void clearAway(const fs::path& path) {
+  removeFolder(path);
+  for (int n = 1; n < 1000 && !isFree(path); ++n) {
+    fs::path leftover = path;
+    leftover += std::string(leftoverSuffix) + std::to_string(n);
+    if (isFree(leftover) && std::rename(path.c_str(), leftover.c_str()) != 0) {
+      return;
+    }
+  }
+}
+
+// Perhaps now they can be removed.
+void sweepLeftovers(const fs::path& folder) {
+  const std::string start = "." + folder.filename().string() + ".";
+  std::vector<fs::path> leftovers;
+  std::error_code error;
+  for (fs::directory_iterator entry(parentOf(folder), error), end; !error && entry != end;
+       entry.increment(error)) {
+    const std::string name = entry->path().filename().string();
+    if (name.starts_with(start) && name.find(leftoverSuffix) != std::string::npos) {
+      leftovers.push_back(entry->path());
+    }
+  }
+  for (const fs::path& leftover : leftovers) {
+    removeFolder(leftover);
+  }
 }
 
 std::error_code renameFolder(const char* stepName, const fs::path& from, const fs::path& to) {
@@ -194,7 +239,7 @@ std::error_code takePlaceInTwoSteps(const fs::path& fresh, const fs::path& folde
     std::rename(old.c_str(), folder.c_str());
     return error;
   }
-  removeQuietly(old);
+  removeFolder(old);
   return {};
 }
 
@@ -232,8 +277,9 @@ std::error_code finishInterrupted(const fs::path& folder) {
   } else if (status.type() != fs::file_type::not_found && !fs::is_directory(status)) {
     return error ? error : std::make_error_code(std::errc::not_a_directory);
   }
-  removeQuietly(fresh);
-  removeQuietly(old);
+  clearAway(fresh);
+  clearAway(old);
+  sweepLeftovers(folder);
   return {};
 }
 
@@ -270,6 +316,32 @@ std::error_code writeFolder(const fs::path& folder, const fs::path& oldFolder,
     }
   }
   return syncFolder(folder);
+}
+
+std::error_code linkOrCopy(const fs::path& file, const fs::path& target) {
+  if (!step("link a copy", [&] { return ::link(file.c_str(), target.c_str()); })) {
+    return {};
+  }
+  const auto bytes = durable::readFile(file);
+  return bytes ? writeNew(target, *bytes) : std::make_error_code(std::errc::io_error);
+}
+
+std::error_code fillCopy(const fs::path& folder, const fs::path& copy) {
+  std::error_code error = step("make a copy", [&] { return ::mkdir(copy.c_str(), 0777); });
+  if (error) {
+    return error;
+  }
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    std::error_code ignored;
+    if (!fs::is_regular_file(entry->symlink_status(ignored))) {
+      continue;
+    }
+    if (const auto failed = linkOrCopy(entry->path(), copy / entry->path().filename())) {
+      return failed;
+    }
+  }
+  return error;
 }
 
 }  // namespace
@@ -350,14 +422,14 @@ void durable::sweepTemporaries(const fs::path& folder) {
   }
 }
 
-std::error_code durable::replaceFolder(const fs::path& folder,
-                                       std::span<const FolderEntry> entries) {
+std::error_code durable::replaceFolder(const fs::path& folder, std::span<const FolderEntry> entries,
+                                       std::chrono::milliseconds limit) {
   const auto leadsTo = withoutLinks(folder);
   if (!leadsTo) {
     return std::make_error_code(std::errc::too_many_symbolic_link_levels);
   }
   const fs::path& target = *leadsTo;
-  const auto lock = FileLock::acquire(lockOf(target), lockLimit);
+  const auto lock = FileLock::acquire(lockOf(target), limit);
   if (!lock) {
     return std::make_error_code(std::errc::device_or_resource_busy);
   }
@@ -373,7 +445,19 @@ std::error_code durable::replaceFolder(const fs::path& folder,
   if (!error) {
     syncAfterwards(parentOf(target));
   }
-  removeQuietly(fresh);
+  removeFolder(fresh);
+  return error;
+}
+
+std::error_code durable::copyFolder(const fs::path& folder, const fs::path& copy) {
+  const fs::path fresh = parentOf(copy) / temporaryName();
+  std::error_code error = fillCopy(folder, fresh);
+  if (!error) {
+    error = renameFolder("name a copy", fresh, copy);
+  }
+  if (error) {
+    removeFolder(fresh);
+  }
   return error;
 }
 

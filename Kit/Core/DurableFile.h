@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <functional>
@@ -38,14 +39,21 @@ struct FolderEntry {
 
 // Makes the folder contain exactly these files. Writes and syncs a new folder beside it, which then
 // replaces the old one in one step. Reuses existing files with the same bytes. On an error the old
-// folder is untouched. Waits for another process that is replacing the same folder.
-[[nodiscard]] std::error_code replaceFolder(const std::filesystem::path& folder,
-                                            std::span<const FolderEntry> entries);
+// folder is untouched. Waits up to `limit` for another process that is replacing the same folder,
+// then fails with device_or_resource_busy.
+[[nodiscard]] std::error_code replaceFolder(
+    const std::filesystem::path& folder, std::span<const FolderEntry> entries,
+    std::chrono::milliseconds limit = std::chrono::milliseconds(200));
 
 // Cleans up after an interrupted replaceFolder: the folder is then either the old or the new one,
 // and nothing of the other is left. Call it before reading the folder. Does nothing while another
 // process is replacing the folder.
 void recoverFolder(const std::filesystem::path& folder);
+
+// Makes `copy` a folder with the files of `folder`, linked where the file system can do that. It is
+// complete or, on an error, not there; it is not synced. Other things in the folder are left out.
+[[nodiscard]] std::error_code copyFolder(const std::filesystem::path& folder,
+                                         const std::filesystem::path& copy);
 
 // For tests: called with the name of each step before the step touches the disk. A nonzero result
 // is the errno with which the step fails. An empty function turns this off.

@@ -1,10 +1,12 @@
 #include "Kit/Core/PreferenceFile.h"
 
 #include <algorithm>
+#include <chrono>
 #include <system_error>
 #include <utility>
 
 #include "Kit/Core/DurableFile.h"
+#include "Kit/Core/FileLock.h"
 #include "Kit/Core/LXLogger.h"
 #include "Kit/Core/PropertyList.h"
 #include "Kit/Core/Utf8.h"
@@ -55,6 +57,14 @@ bool isStorable(const PreferenceFile::Value& value) {
          (utf8::isValid(*text) && std::none_of(text->begin(), text->end(), [](char byte) {
             return static_cast<unsigned char>(byte) < 0x20U && byte != '\t' && byte != '\n';
           }));
+}
+
+// A window waits no longer.
+constexpr std::chrono::milliseconds lockLimit(200);
+
+// Beside the file, since the file itself is replaced.
+fs::path lockOf(const fs::path& file) {
+  return file.parent_path() / ("." + file.filename().string() + ".lock");
 }
 
 // Moves a file that is not a property list out of the way, so that the user still has it.
@@ -141,6 +151,13 @@ bool PreferenceFile::setValues(const std::string& dictionary,
 
 bool PreferenceFile::change(const std::function<void(void* root)>& edit) {
   std::error_code error;
+  fs::create_directories(m_path.parent_path(), error);
+  // Otherwise the change of another program, between the read and the write, would be lost.
+  const auto lock = FileLock::acquire(lockOf(m_path), lockLimit);
+  if (!lock) {
+    LXLogger::warning("the preference file was not written: another program is changing it");
+    return false;
+  }
   auto form = propertylist::Form::Xml;
   propertylist::Handle root;
   if (fs::exists(m_path, error)) {
@@ -160,7 +177,6 @@ bool PreferenceFile::change(const std::function<void(void* root)>& edit) {
     }
   }
   if (!root) {
-    fs::create_directories(m_path.parent_path(), error);
     root.reset(plist_new_dict());
   }
   edit(root.get());

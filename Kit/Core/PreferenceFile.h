@@ -10,7 +10,8 @@
 
 // The preference file that this program and the background service share. Both write it, so nothing
 // is cached: every read reads the file, and every write reads it again, changes only its own keys
-// and replaces the whole file, synced. XML and binary files keep their form.
+// and replaces the whole file, synced, under a lock beside it. XML and binary files keep their
+// form.
 class PreferenceFile {
  public:
   // A value that this program stores under a key.
@@ -28,7 +29,8 @@ class PreferenceFile {
   std::optional<bool> boolFor(const std::string& dictionary, const std::string& key) const;
   std::optional<std::string> stringFor(const std::string& dictionary, const std::string& key) const;
 
-  // Stores one value. False if the file could not be written, or if the value is not a text that a
+  // Stores one value. False if the file could not be written, if another program keeps its lock
+  // longer than 200 ms, or if the value is not a text that a
   // property list can hold (UTF-8 without control characters); the old file then remains. A file
   // that is not a property list is first set aside under another name.
   [[nodiscard]] bool setValue(const std::string& key, const Value& value);

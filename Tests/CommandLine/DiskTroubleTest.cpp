@@ -125,6 +125,43 @@ TEST(NerinctlReadOnlyHome, IsNoReasonToForgetALibraryThatCannotBeRead) {
   EXPECT_EQ(user.library(), before);
 }
 
+TEST(NerinctlReadOnlyLibrary, DoesNotBlockTheSavesAfterIt) {
+  const TestHome user;
+  fillLibrary(user);
+  RunSettings settings;
+  settings.obeysPermissions = true;
+  fs::permissions(user.profileFolder(), fs::perms::owner_read | fs::perms::owner_exec);
+  static_cast<void>(user.run({"profiles", "add", "One"}, settings));
+  fs::permissions(user.profileFolder(), fs::perms::owner_all);
+  for (const char* name : {"Two", "Three"}) {
+    const RunResult result = user.run({"profiles", "add", name}, settings);
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+  }
+  EXPECT_TRUE(fs::exists(user.profileFolder() / "Three.pro"));
+  EXPECT_TRUE(fs::exists(user.profileFolder() / "Office.pro"));
+  EXPECT_FALSE(fs::exists(user.supportFolder() / ".Profiles.new"));
+}
+
+TEST(NerinctlReadOnlyLibrary, LeavesNothingThatBlocksASaveEvenIfItCannotBeRemoved) {
+  const TestHome user;
+  fillLibrary(user);
+  RunSettings settings;
+  settings.obeysPermissions = true;
+  const fs::path leftover = user.supportFolder() / ".Profiles.new";
+  writeText(leftover / "folder" / "file", "");
+  fs::permissions(leftover / "folder", fs::perms::owner_read | fs::perms::owner_exec);
+  for (const char* name : {"Two", "Three"}) {
+    const RunResult result = user.run({"profiles", "add", name}, settings);
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+  }
+  EXPECT_TRUE(fs::exists(user.profileFolder() / "Three.pro"));
+  EXPECT_FALSE(fs::exists(leftover));
+  EXPECT_TRUE(fs::exists(user.supportFolder() / ".Profiles.new.left-1"));
+  fs::permissions(user.supportFolder() / ".Profiles.new.left-1" / "folder", fs::perms::owner_all);
+  EXPECT_EQ(user.run({"profiles", "add", "Four"}, settings).exitCode, 0);
+  EXPECT_FALSE(fs::exists(user.supportFolder() / ".Profiles.new.left-1"));
+}
+
 TEST(NerinctlFileThatMayNotBeRead, IsNamed) {
   const TestHome user;
   fillLibrary(user);

@@ -10,6 +10,7 @@
 namespace {
 
 using nlohmann::json;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -182,6 +183,45 @@ TEST(NerinctlProfiles, LosesNothingToASecondOneAtWork) {
     EXPECT_EQ(status, 0);
   }
   EXPECT_EQ(user.json({"profiles", "list"}).size(), 4U);
+}
+
+TEST(NerinctlProfiles, ShowsTheHistoryOfTheLibrary) {
+  const TestHome user;
+  EXPECT_EQ(user.json({"profiles", "history"}), json::array());
+  user.prepare({"profiles", "add", "Office"});
+  user.prepare({"profiles", "rename", "Office", "Work"});
+  const json states = user.json({"profiles", "history"});
+  ASSERT_EQ(states.size(), 2U);
+  EXPECT_EQ(states[0]["number"], 2);
+  EXPECT_EQ(states[1]["number"], 1);
+  EXPECT_EQ(states[1]["profiles"], 1);
+  EXPECT_EQ(states[1]["added"], json::array({"Office"}));
+  EXPECT_EQ(states[1]["removed"], json::array({"Work"}));
+  EXPECT_EQ(states[0]["changed"], json::array());
+  EXPECT_EQ(states[0]["time"].get<std::string>().size(), 20U);
+  EXPECT_THAT(
+      user.lines({"profiles", "history"}),
+      ElementsAre(AllOf(testing::StartsWith("2 "), HasSubstr("1 profile"), HasSubstr("as now")),
+                  AllOf(testing::StartsWith("1 "), HasSubstr("+Office -Work"))));
+}
+
+TEST(NerinctlProfiles, RecoversAStateOrOneProfileOfIt) {
+  const TestHome user;
+  user.prepare({"profiles", "add", "Office"});
+  user.prepare({"profiles", "add", "Game"});
+  user.prepare({"profiles", "delete", "Office"});
+  EXPECT_THAT(user.lines({"profiles", "recover", "2", "Office"}), ElementsAre("recovered Office"));
+  EXPECT_THAT(namesIn(user.json({"profiles", "list"})),
+              testing::UnorderedElementsAre("Office", "Game"));
+  EXPECT_THAT(user.lines({"profiles", "recover", "1", "Office"}),
+              ElementsAre("recovered Office_1"));
+  EXPECT_THAT(user.lines({"profiles", "recover", "1"}), ElementsAre("recovered 1 profile"));
+  EXPECT_THAT(namesIn(user.json({"profiles", "list"})), ElementsAre("Office"));
+  // The state before it is there too.
+  const json states = user.json({"profiles", "history"});
+  EXPECT_EQ(states[1]["profiles"], 3);
+  expectComplaint(user.run({"profiles", "recover", "99"}), 4, "no such state");
+  expectComplaint(user.run({"profiles", "recover", "1", "Game"}), 4, "no such profile");
 }
 
 }  // namespace

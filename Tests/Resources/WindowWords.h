@@ -91,6 +91,7 @@ inline constexpr const char* plainWords[] = {
     "The mouse did not answer.",
     "The mouse did not take all of it. Try again.",
     "The profile library could not be saved.",
+    "Another program is using the profile library. Try again.",
     "The settings could not be saved.",
     "The macros could not be saved.",
     "Applied to slot %1.",

@@ -122,7 +122,9 @@ fs::path ActionTest::supportFolder() const {
 
 std::vector<std::string> ActionTest::supportNames() const {
   std::vector<std::string> names = namesIn(supportFolder());
-  std::erase(names, ".Profiles.lock");
+  for (const char* name : {".lock", ".Profiles.lock", "History"}) {
+    std::erase(names, name);
+  }
   return names;
 }
 

@@ -74,7 +74,7 @@ class ActionTest : public testing::Test {
   const std::filesystem::path& home() const { return m_home.folder(); }
   std::filesystem::path supportFolder() const;
   std::filesystem::path libraryFolder() const { return supportFolder() / "Profiles"; }
-  // The content of the support folder without the lock of the library.
+  // The content of the support folder without the locks and the history of the library.
   std::vector<std::string> supportNames() const;
   std::filesystem::path preferenceFile() const;
 

@@ -57,6 +57,8 @@ class MainView : public TavImageView,
   void fillSettingData() override;
   void fillBtnCaption(int index);
   void refreshProfileMenu();
+  // Shows what others did in the library's folder.
+  void followLibrary();
   void refreshApplyBtn();
 
   // --- The slot ----------------------------------------------------------------------------

@@ -3,6 +3,7 @@
 #include "Action/Device/DeviceSettings.h"
 #include "Action/NerinAction.h"
 #include "Kit/Core/LXPlatform.h"
+#include "View/Main/LibraryWatch.h"
 #include "View/Main/MainView.h"
 #include "View/Windows/LocalNotifications.h"
 #include "View/Windows/NestedLoop.h"
@@ -36,6 +37,7 @@ void MainView::initNotify() {
   notifications.observe(NerinAction::notifyShowTip, this, [this] { ShowToolTip(); });
   notifications.observe(NerinAction::notifyHideTip, this, [this] { HideToolTip(); });
   notifications.observe(NerinAction::notifyOutPlusEnd, this, [this] { subWindowEndOutplus(); });
+  connect(new LibraryWatch(this), &LibraryWatch::libraryChanged, this, &MainView::followLibrary);
   checkDevPro();
   m_isFirstOpen = false;
 }

@@ -13,6 +13,7 @@
 #include "Kit/Core/LXPlatform.h"
 #include "Kit/Core/Utf8.h"
 #include "Kit/Desktop/FilePanel.h"
+#include "Kit/Widgets/LXButton.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Main/MainView.h"
 #include "View/Screen/ControlFactory.h"
@@ -54,6 +55,20 @@ void MainView::beginProfile(const std::string& name) {
   showTitle(std::nullopt);
   refreshApplyBtn();
   statusline::tell(outcome);
+}
+
+void MainView::followLibrary() {
+  refreshProfileMenu();
+  const std::string shown = m_currProfileBtn->title().toStdString();
+  if (shown.empty() || library().getProfileByName(shown)) {
+    return;
+  }
+  // It was renamed, or it is gone.
+  const auto profile = library().currProfile();
+  showTitle(profile ? profile->name() : std::nullopt);
+  if (!m_profileNameTxt->hasFocus()) {
+    showName();
+  }
 }
 
 void MainView::addProfile() {

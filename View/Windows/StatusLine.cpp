@@ -65,6 +65,9 @@ QString wordsFor(const Failure& failure) {
     case SlotStep::ReadMacro:
       return words("The slot could not be read. Nothing was changed.");
     case SlotStep::SaveLibrary:
+      if (failure.error == std::errc::device_or_resource_busy) {
+        return words("Another program is using the profile library. Try again.");
+      }
       return words("The library could not be saved: %1.").arg(words(reasonOf(failure.error)));
     case SlotStep::SavePreferences:
       return words("The settings could not be saved.");

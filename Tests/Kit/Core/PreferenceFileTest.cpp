@@ -1,8 +1,11 @@
 #include <cerrno>
+#include <chrono>
+#include <thread>
 
 #include <gtest/gtest.h>
 
 #include "Kit/Core/DurableFile.h"
+#include "Kit/Core/FileLock.h"
 #include "Kit/Core/PreferenceFile.h"
 #include "Kit/Core/PropertyList.h"
 #include "Tests/Support/FailingDisk.h"
@@ -16,6 +19,13 @@ constexpr const char* xmlHead = R"(<?xml version="1.0" encoding="UTF-8"?><plist 
 class Preferences : public testing::Test {
  protected:
   void put(const std::string& content) const { writeText(m_path, xmlHead + content + "</plist>"); }
+
+  // What is there beside the lock.
+  std::vector<std::string> files() const {
+    std::vector<std::string> names = namesIn(m_scratch.folder());
+    std::erase(names, ".com.example.plist.lock");
+    return names;
+  }
 
   Scratch m_scratch;
   fs::path m_path = m_scratch / "com.example.plist";
@@ -113,7 +123,7 @@ TEST_F(Preferences, ReadNothingFromABrokenFileAndLeaveItThere) {
 TEST_F(Preferences, TakeAnEmptyFileForANewOne) {
   writeText(m_path, "");
   EXPECT_TRUE(m_file.setValue("OSDTag", true));
-  EXPECT_EQ(namesIn(m_scratch.folder()), std::vector<std::string>{"com.example.plist"});
+  EXPECT_EQ(files(), std::vector<std::string>{"com.example.plist"});
 }
 
 TEST_F(Preferences, AreNotWrittenOverWhatCannotBeRead) {
@@ -145,7 +155,7 @@ TEST_F(Preferences, AreTheOldOnesOrTheNewOnesWhicheverStepFails) {
       [&](const std::string& step) {
         EXPECT_TRUE(m_file.boolFor("OSDTag").has_value()) << step;
         EXPECT_EQ(m_file.stringFor("service"), "s") << step;
-        EXPECT_EQ(namesIn(m_scratch.folder()), std::vector<std::string>{"com.example.plist"});
+        EXPECT_EQ(files(), std::vector<std::string>{"com.example.plist"});
       });
   EXPECT_GE(steps, 9);
   EXPECT_EQ(m_file.boolFor("OSDTag"), true);
@@ -157,4 +167,39 @@ TEST_F(Preferences, StayBehindASymbolicLink) {
   EXPECT_TRUE(m_file.setValue("OSDTag", false));
   EXPECT_TRUE(fs::is_symlink(m_path));
   EXPECT_EQ(PreferenceFile(m_scratch / "real.plist").boolFor("OSDTag"), false);
+}
+
+TEST_F(Preferences, OfTwoProgramsThatChangeDifferentKeysAtOnceAreAllKept) {
+  constexpr int changes = 40;
+  const auto changeFrom = [this](const std::string& program) {
+    for (int n = 0; n < changes; ++n) {
+      // Where the other one is at work too long, the caller hears it and can try again.
+      while (!PreferenceFile(m_path).setValue(program + std::to_string(n), true)) {
+      }
+    }
+  };
+  std::thread one(changeFrom, "one");
+  std::thread other(changeFrom, "other");
+  one.join();
+  other.join();
+  int lost = 0;
+  for (int n = 0; n < changes; ++n) {
+    for (const char* program : {"one", "other"}) {
+      lost += m_file.boolFor(program + std::to_string(n)) ? 0 : 1;
+    }
+  }
+  EXPECT_EQ(lost, 0);
+}
+
+TEST_F(Preferences, AreNotWaitedForWhenAnotherProgramKeepsThem) {
+  EXPECT_TRUE(m_file.setValue("OSDTag", false));
+  {
+    const auto other =
+        FileLock::acquire(m_scratch / ".com.example.plist.lock", std::chrono::milliseconds(0));
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_FALSE(m_file.setValue("OSDTag", true));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
+    EXPECT_EQ(m_file.boolFor("OSDTag"), false);
+  }
+  EXPECT_TRUE(m_file.setValue("OSDTag", true));
 }

@@ -8,6 +8,7 @@
 
 #include "Action/Record/EditState.h"
 #include "Kit/Core/DurableFile.h"
+#include "Kit/Core/FileLock.h"
 #include "Tests/Support/ViewTest.h"
 #include "View/Windows/StatusLine.h"
 #include "View/Windows/Termination.h"
@@ -108,6 +109,13 @@ TEST_F(Status, ALibraryThatCannotBeSavedIsTold) {
   writeText(supportFolder(), "in the way");
   click("profileNewBtn");
   EXPECT_THAT(status(), testing::StartsWith("The library could not be saved: "));
+}
+
+TEST_F(Status, ALibraryThatAnotherProgramUsesIsTold) {
+  start();
+  const auto other = FileLock::acquire(supportFolder() / ".lock", std::chrono::milliseconds(0));
+  click("profileNewBtn");
+  EXPECT_EQ(status(), "Another program is using the profile library. Try again");
 }
 
 TEST_F(Status, AChildWindowSaysItToo) {
