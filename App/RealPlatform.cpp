@@ -12,6 +12,7 @@ LXPlatform realPlatform(std::shared_ptr<LXDeviceRequester> requester,
                         std::shared_ptr<LXNotificationCenter> center) {
   LXPlatform platform;
   platform.homeFolder = hostenvironment::homeFolder();
+  platform.runtimeFolder = hostenvironment::runtimeFolder();
   platform.resourceFolder = hostenvironment::resourceFolder();
   platform.preferredLanguage = hostenvironment::preferredLanguage();
   platform.deviceRequester = std::move(requester);

@@ -20,6 +20,17 @@ struct Series {
 };
 ProcessWide<Series> series;
 
+// A deed of the user may be several series, and waits only once for another program.
+constexpr auto deedLimit = 1s;
+
+struct Hold {
+  int depth = 0;
+  std::chrono::steady_clock::time_point refusedUntil{};
+  LXDeviceRequester::Claim claim;
+  std::error_code error;
+};
+ProcessWide<Hold> hold;
+
 std::error_code sendToMouse(std::uint8_t requestType, std::uint8_t request, std::uint16_t reportId,
                             std::uint16_t interface, std::span<std::uint8_t> buffer) {
   const auto& requester = *NerinAction::sysDeviceReq;
@@ -42,12 +53,11 @@ std::error_code sendToMouse(std::uint8_t requestType, std::uint8_t request, std:
   return setup.error ? setup.error : std::make_error_code(std::errc::io_error);
 }
 
-// Inside a series, what follows the first failure does not reach the mouse.
+// What follows the first failure of a series does not reach the mouse.
 std::error_code transfer(std::uint8_t requestType, std::uint8_t request, std::uint16_t reportId,
                          std::uint16_t interface, std::span<std::uint8_t> buffer) {
-  if (series->depth == 0) {
-    return sendToMouse(requestType, request, reportId, interface, buffer);
-  }
+  // A single transfer is a series, too: it must not fall between two transfers of another program.
+  const NerinAction::TransferSeries own;
   const auto& requester = *NerinAction::sysDeviceReq;
   // Whether the mouse is on is asked first, since that may open another one.
   if (!series->ended && requester && requester->isDevOn() &&
@@ -76,9 +86,31 @@ std::error_code emptyReport() {
 
 }  // namespace
 
+NerinAction::MouseHold::MouseHold() {
+  if (hold->depth++ == 0 && *sysDeviceReq) {
+    const LXPlatform& platform = LXPlatform::current();
+    const bool hasWaited = platform.now() < hold->refusedUntil;
+    hold->claim = (*sysDeviceReq)->claim(hasWaited ? 0ms : platform.mouseWait, hold->error);
+    if (hold->error && !hasWaited) {
+      hold->refusedUntil = platform.now() + deedLimit;
+    }
+  }
+}
+
+NerinAction::MouseHold::~MouseHold() {
+  if (--hold->depth == 0) {
+    hold->claim.reset();
+    hold->error.clear();
+  }
+}
+
+std::error_code NerinAction::MouseHold::error() {
+  return hold->error;
+}
+
 NerinAction::TransferSeries::TransferSeries() {
   if (series->depth++ == 0) {
-    series->ended.clear();
+    series->ended = MouseHold::error();
     const auto& requester = *sysDeviceReq;
     // Notices a mouse that came or went before the series begins.
     series->connection = requester && requester->isDevOn() ? requester->connection() : 0;
@@ -91,7 +123,7 @@ NerinAction::TransferSeries::~TransferSeries() {
 
 bool NerinAction::isMouseGone(const std::error_code& error) {
   return error == std::errc::no_such_device || error == std::errc::timed_out ||
-         error == std::errc::protocol_error;
+         error == std::errc::protocol_error || error == std::errc::device_or_resource_busy;
 }
 
 void NerinAction::startListenDev() {
@@ -121,6 +153,8 @@ std::error_code NerinAction::SetCommand2(std::span<std::uint8_t> buffer) {
 }
 
 Outcome NerinAction::sendCommand(std::span<const std::uint8_t> bytes, SlotStep step) {
+  // The pause belongs to the command, also where the command failed.
+  const MouseHold hold;
   std::array<std::uint8_t, commandSize> command{};
   std::copy_n(bytes.begin(), std::min(bytes.size(), command.size()), command.begin());
   const Outcome outcome(step, SetCommand(command));
@@ -160,6 +194,7 @@ Outcome NerinAction::setAdrrData(std::uint8_t value, std::uint16_t addr, SlotSte
 
 NerinAction::ReadResult<std::uint8_t> NerinAction::getAdrrDataWithAddr(std::uint16_t addr,
                                                                        SlotStep step) {
+  const TransferSeries series;
   std::array<std::uint8_t, commandSize> buffer{0xDF, static_cast<std::uint8_t>(addr),
                                                static_cast<std::uint8_t>(addr >> 8U)};
   Outcome outcome(step, SetCommand(buffer));

@@ -31,19 +31,37 @@ struct [[nodiscard]] ReadResult {
   Value value{};
 };
 
+// Holds the mouse for this program: another program of this user waits until it is let go. One
+// inside another one belongs to that one. Waits as long as the platform says; does not hold if
+// another program keeps the mouse longer.
+class MouseHold {
+ public:
+  MouseHold();
+  ~MouseHold();
+  MouseHold(const MouseHold&) = delete;
+  MouseHold& operator=(const MouseHold&) = delete;
+
+  // device_or_resource_busy while another program has the mouse.
+  static std::error_code error();
+};
+
 // A series of transfers that belong together. Its first failure ends it: what follows fails with
 // the same error at once, and nothing of it reaches this mouse or one that is plugged in meanwhile.
-// A series inside another one belongs to that one.
+// A series inside another one belongs to that one. It holds the mouse, and is ended from the start
+// with device_or_resource_busy if another program has it.
 class TransferSeries {
  public:
   TransferSeries();
   ~TransferSeries();
   TransferSeries(const TransferSeries&) = delete;
   TransferSeries& operator=(const TransferSeries&) = delete;
+
+ private:
+  MouseHold m_hold;
 };
 
-// Whether the error says that the mouse is gone, or does not answer at all: trying again is
-// useless.
+// Whether the error says that the mouse is gone, does not answer at all, or belongs to another
+// program: trying again is useless.
 bool isMouseGone(const std::error_code& error);
 
 void startListenDev();

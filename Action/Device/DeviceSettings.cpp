@@ -68,6 +68,7 @@ Outcome NerinAction::setSettingToDevice() {
 }
 
 Outcome NerinAction::setRateToDevice(std::uint32_t poRate) {
+  const TransferSeries series;
   const Outcome outcome = setImageByte(imagelayout::atRate, rateByteOf(poRate));
   pauseAfterReport();
   return outcome;

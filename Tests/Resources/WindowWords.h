@@ -89,6 +89,7 @@ inline constexpr const char* plainWords[] = {
     "A file of this name is there already. Replace it?",
     "The file could not be written.",
     "The mouse did not answer.",
+    "Another program is using the mouse. Try again.",
     "The mouse did not take all of it. Try again.",
     "The profile library could not be saved.",
     "The settings could not be saved.",

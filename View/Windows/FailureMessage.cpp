@@ -6,8 +6,11 @@
 
 namespace {
 
-const char* wordsFor(SlotStep step) {
-  switch (step) {
+const char* wordsFor(const Failure& failure) {
+  if (failure.error == std::errc::device_or_resource_busy) {
+    return "Another program is using the mouse. Try again.";
+  }
+  switch (failure.step) {
     case SlotStep::ReadActiveSlot:
     case SlotStep::ReadName:
     case SlotStep::ReadImage:
@@ -38,7 +41,7 @@ void show(const char* key) {
 
 void failuremessage::tell(const Outcome& outcome) {
   if (const auto& failure = outcome.failure()) {
-    show(wordsFor(failure->step));
+    show(wordsFor(*failure));
   }
 }
 
