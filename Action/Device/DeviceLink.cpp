@@ -17,10 +17,17 @@ struct Series {
   int depth = 0;
   std::error_code ended;
   std::uint64_t connection = 0;
+  std::chrono::steady_clock::time_point silentUntil{};
+  // The last transfer timed out, on this connection (0 until it is known).
+  bool isSilent = false;
+  std::uint64_t silentConnection = 0;
+  bool wasRefused = false;  // another program had the mouse
 };
 ProcessWide<Series> series;
 
-// A deed of the user may be several series, and waits only once for another program.
+// A deed of the user may be several series. It waits only once for another program, and only once
+// for a mouse that does not answer, which takes five seconds. Without a new transfer the rest of it
+// is over at once, so that this is longer than the rest and shorter than the way to another deed.
 constexpr auto deedLimit = 1s;
 
 struct Hold {
@@ -66,6 +73,11 @@ std::error_code transfer(std::uint8_t requestType, std::uint8_t request, std::ui
   }
   if (!series->ended) {
     series->ended = sendToMouse(requestType, request, reportId, interface, buffer);
+    series->isSilent = series->ended == std::errc::timed_out;
+    if (series->isSilent) {
+      series->silentUntil = LXPlatform::current().now() + deedLimit;
+      series->silentConnection = 0;
+    }
   }
   return series->ended;
 }
@@ -111,6 +123,10 @@ std::error_code NerinAction::MouseHold::error() {
 NerinAction::TransferSeries::TransferSeries() {
   if (series->depth++ == 0) {
     series->ended = MouseHold::error();
+    series->wasRefused = static_cast<bool>(series->ended);
+    if (!series->ended && LXPlatform::current().now() < series->silentUntil) {
+      series->ended = std::make_error_code(std::errc::timed_out);
+    }
     const auto& requester = *sysDeviceReq;
     // Notices a mouse that came or went before the series begins.
     series->connection = requester && requester->isDevOn() ? requester->connection() : 0;
@@ -127,6 +143,7 @@ bool NerinAction::isMouseGone(const std::error_code& error) {
 }
 
 void NerinAction::startListenDev() {
+  series->silentUntil = {};
   *sysDeviceReq = LXDeviceRequester::shareDeviceReq();
   (*sysDeviceReq)->setIsPrintMsg(true);
   (*sysDeviceReq)->listenDevWithVid(mouseVid, mousePid);
@@ -134,6 +151,30 @@ void NerinAction::startListenDev() {
 
 bool NerinAction::checkListenDev() {
   return *sysDeviceReq && (*sysDeviceReq)->isDevOn();
+}
+
+LXDeviceAbsence NerinAction::mouseAbsence() {
+  if (!checkListenDev()) {
+    series->isSilent = false;
+    return *sysDeviceReq ? (*sysDeviceReq)->absence() : LXDeviceAbsence::NotFound;
+  }
+  if (series->isSilent) {
+    // Being opened anew after the timeout is not being plugged in.
+    const std::uint64_t connection = (*sysDeviceReq)->connection();
+    if (series->silentConnection == 0) {
+      series->silentConnection = connection;
+    }
+    if (series->silentConnection == connection) {
+      return LXDeviceAbsence::DoesNotAnswer;
+    }
+    series->isSilent = false;
+  }
+  if (series->wasRefused && hold->depth == 0) {
+    std::error_code error;
+    const auto probe = (*sysDeviceReq)->claim(0ms, error);
+    series->wasRefused = static_cast<bool>(error);
+  }
+  return series->wasRefused ? LXDeviceAbsence::InUse : LXDeviceAbsence::None;
 }
 
 std::error_code NerinAction::GetCommand(std::span<std::uint8_t> buffer) {

@@ -48,7 +48,9 @@ class MouseHold {
 // A series of transfers that belong together. Its first failure ends it: what follows fails with
 // the same error at once, and nothing of it reaches this mouse or one that is plugged in meanwhile.
 // A series inside another one belongs to that one. It holds the mouse, and is ended from the start
-// with device_or_resource_busy if another program has it.
+// with device_or_resource_busy if another program has it. After a transfer that timed out, each
+// series of the next second ends with timed_out before it begins: what a user does in one go waits
+// only once for a mouse that does not answer.
 class TransferSeries {
  public:
   TransferSeries();
@@ -66,6 +68,9 @@ bool isMouseGone(const std::error_code& error);
 
 void startListenDev();
 bool checkListenDev();
+// Why the mouse cannot be used now. A mouse that did not answer counts as silent until it answers
+// or is plugged in anew; it is not asked here.
+LXDeviceAbsence mouseAbsence();
 
 // The four transfers: feature report 0 of interface 0, and the numbered reports of interface 1,
 // whose number is the first byte of the buffer. A transfer of fewer bytes is an error.
