@@ -3,6 +3,8 @@
 #include <thread>
 #include <utility>
 
+#include "App/Relaunch.h"
+#include "Kit/Bus/SingleInstance.h"
 #include "Kit/Core/HostEnvironment.h"
 #include "Kit/Desktop/DesktopServices.h"
 #include "View/Windows/PlainMessage.h"
@@ -21,6 +23,10 @@ LXPlatform realPlatform(std::shared_ptr<LXDeviceRequester> requester,
     TransferProgress::reportDone();
     std::this_thread::sleep_for(time);
   };
+  platform.hasService = [] {
+    return isOnTheSessionBus("com.corvex.NerinOption.Companion", std::chrono::milliseconds(300));
+  };
+  platform.relaunch = relaunch::request;
   platform.open = desktopservices::open;
   platform.showInfoMessage = plainmessage::show;
   platform.chooseInfoMessage = plainmessage::ask;
