@@ -219,6 +219,23 @@ class Removal(DemoTest):
         self.assertEnds(self.program)
 
 
+class SecondStart(DemoTest):
+    def testBringsTheFirstToTheFrontAndEnds(self):
+        self.waitForRed("profile1Btn")
+        self.desktop.activate(self.panel)
+        second = self.desktop.start(os.path.join(BINARIES, DEMO))
+        self.assertEnds(second)
+        wait_until(lambda: self.desktop.activeWindow() == self.window, 30,
+                   "the window to be in front")
+        self.assertEqual(len([one for one in self.desktop.windowsTitled(DEMO)]), 1)
+        self.click("closeBtn")
+        self.assertEnds(self.program)
+        # The name is free again.
+        self.start()
+        self.click("closeBtn")
+        self.assertEnds(self.program)
+
+
 class SlotOfTheMouse(DemoTest):
     def testIsFollowedWithoutAQuestion(self):
         self.click("profileNewBtn")
