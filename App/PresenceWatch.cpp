@@ -7,7 +7,7 @@ constexpr int lookMilliseconds = 500;
 
 }  // namespace
 
-PresenceWatch::PresenceWatch(std::function<void()> whenChanged) : m_monitor(udevControl) {
+PresenceWatch::PresenceWatch(const std::function<void()>& whenChanged) : m_monitor(udevControl) {
   if (m_monitor.descriptor() >= 0) {
     m_notifier = std::make_unique<QSocketNotifier>(m_monitor.descriptor(), QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),

@@ -11,7 +11,7 @@
 // the requester's may have taken the news during a transfer, of which the window hears nothing.
 class PresenceWatch {
  public:
-  explicit PresenceWatch(std::function<void()> whenChanged);
+  explicit PresenceWatch(const std::function<void()>& whenChanged);
 
  private:
   HidPresenceMonitor m_monitor;

@@ -28,8 +28,8 @@ int main(int argc, char** argv) {
     }
     LXPlatform platform = realPlatform(std::make_shared<HidDeviceRequester>(),
                                        std::make_shared<SessionBusNotificationCenter>());
-    platform.watchPresence = [](std::function<void()> whenChanged) {
-      return std::make_shared<PresenceWatch>(std::move(whenChanged));
+    platform.watchPresence = [](const std::function<void()>& whenChanged) {
+      return std::make_shared<PresenceWatch>(whenChanged);
     };
     LXPlatform::install(std::move(platform));
     code = runApplication(delegate);
