@@ -117,6 +117,25 @@ void AppDelegate::showAboutPro() {
   AboutConnortller::shareAboutController().runModal(m_window.get());
 }
 
+void AppDelegate::bringToFront(const std::string& token) {
+  if (!m_window) {
+    return;
+  }
+  if (!token.empty()) {
+    // The Wayland part of Qt takes it from there.
+    qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(token));
+  }
+  QWidget* modal = QApplication::activeModalWidget();
+  for (QWidget* widget : {static_cast<QWidget*>(m_window.get()), modal}) {
+    if (widget != nullptr) {
+      widget->setWindowState(widget->windowState() & ~Qt::WindowMinimized);
+      widget->show();
+      widget->raise();
+      widget->activateWindow();
+    }
+  }
+}
+
 void AppDelegate::windowWillClose(LXNoTitleWindow& /*window*/) {
   MainView::cancelPro();
 }

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <memory>
+#include <string>
 
 #include "Kit/Widgets/LXNoTitleWindow.h"
 
@@ -26,6 +27,10 @@ class AppDelegate : public LXWindowDelegate {
   static void didDecodeRestorableState() {}
   void showAboutPro();
   void windowWillClose(LXNoTitleWindow& window) override;
+
+  // Shows the window above all others, for the user who started the program a second time. `token`
+  // is the desktop's permission for that; it may be empty.
+  void bringToFront(const std::string& token);
 
   LXNoTitleWindow& window() { return *m_window; }
 

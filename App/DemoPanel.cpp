@@ -120,6 +120,7 @@ QString DemoPanel::describe(int slot) const {
 }
 
 void DemoPanel::refresh() {
+  m_mouse->refresh();
   m_unplugBtn->setEnabled(m_mouse->isAttached());
   m_slotBtn->setEnabled(m_mouse->isAttached());
   m_plugBtn->setEnabled(!m_mouse->isAttached());

@@ -3,6 +3,8 @@
 #include <thread>
 #include <utility>
 
+#include "App/Relaunch.h"
+#include "Kit/Bus/SingleInstance.h"
 #include "Kit/Core/HostEnvironment.h"
 #include "Kit/Desktop/DesktopServices.h"
 #include "View/Windows/PlainMessage.h"
@@ -12,6 +14,7 @@ LXPlatform realPlatform(std::shared_ptr<LXDeviceRequester> requester,
                         std::shared_ptr<LXNotificationCenter> center) {
   LXPlatform platform;
   platform.homeFolder = hostenvironment::homeFolder();
+  platform.runtimeFolder = hostenvironment::runtimeFolder();
   platform.resourceFolder = hostenvironment::resourceFolder();
   platform.preferredLanguage = hostenvironment::preferredLanguage();
   platform.deviceRequester = std::move(requester);
@@ -21,6 +24,10 @@ LXPlatform realPlatform(std::shared_ptr<LXDeviceRequester> requester,
     std::this_thread::sleep_for(time);
   };
   platform.documentsFolder = desktopservices::documentsFolder;
+  platform.hasService = [] {
+    return isOnTheSessionBus("com.corvex.NerinOption.Companion", std::chrono::milliseconds(300));
+  };
+  platform.relaunch = relaunch::request;
   platform.open = desktopservices::open;
   platform.showInfoMessage = plainmessage::show;
   platform.chooseInfoMessage = plainmessage::ask;

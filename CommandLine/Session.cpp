@@ -61,6 +61,7 @@ std::shared_ptr<LXDeviceRequester> virtualMouse(const SessionOptions& options) {
 }  // namespace
 
 Session::~Session() {
+  m_mouseHold.reset();
   // The platform refers to this session, and the bus must close before Qt destroys its globals.
   NerinAction::sysDeviceReq->reset();
   LXPlatform::install({});
@@ -84,6 +85,10 @@ void Session::begin(const SessionOptions& options) {
   }
   LXPlatform platform;
   platform.homeFolder = hostenvironment::homeFolder();
+  if (!m_isVirtual) {
+    platform.runtimeFolder = hostenvironment::runtimeFolder();
+  }
+  platform.mouseWait = lockLimit;
   platform.resourceFolder = hostenvironment::resourceFolder();
   platform.preferredLanguage = hostenvironment::preferredLanguage();
   platform.deviceRequester = observed(std::move(requester));
@@ -162,11 +167,14 @@ ProfieController& Session::openLibraryWithMacros() {
 
 void Session::openMouse() {
   NerinAction::startListenDev();
-  if (NerinAction::checkListenDev()) {
-    return;
+  if (!NerinAction::checkListenDev()) {
+    throw CommandError(ExitCode::NoMouse, m_usbMouse ? m_usbMouse->explainAbsence()
+                                                     : "the virtual mouse is not plugged in");
   }
-  throw CommandError(ExitCode::NoMouse, m_usbMouse ? m_usbMouse->explainAbsence()
-                                                   : "the virtual mouse is not plugged in");
+  m_mouseHold = std::make_unique<NerinAction::MouseHold>();
+  if (NerinAction::MouseHold::error()) {
+    throw CommandError(ExitCode::Failed, "another program is using the mouse");
+  }
 }
 
 void Session::require(const Outcome& outcome) {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "Action/Device/DeviceLink.h"
 #include "Action/Library/LibraryLock.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Record/Outcome.h"
@@ -39,7 +40,8 @@ class Session {
   // openLibrary for commands that need the macros: throws CommandError if the macro file is
   // damaged.
   ProfieController& openLibraryWithMacros();
-  // Does not wait: throws CommandError if the mouse is not there.
+  // Holds the mouse until the end of the run, since a command may read, change and write back.
+  // Throws CommandError if the mouse is not there, or if another program keeps it.
   void openMouse();
   // Throws CommandError with a message for the user if the operation failed.
   void require(const Outcome& outcome);
@@ -58,6 +60,7 @@ class Session {
   void traceSleep(std::int64_t milliseconds);
 
   librarylock::Handle m_libraryLock;
+  std::unique_ptr<NerinAction::MouseHold> m_mouseHold;
   bool m_isVirtual = false;
   std::shared_ptr<HidDeviceRequester> m_usbMouse;
   std::ofstream m_trace;

@@ -310,6 +310,12 @@ class DesktopSession:
             "xdotool", "search", "--onlyvisible", "--pid", str(owner.pid)).split()]
         return [window for window in map(self._look, ids) if window]
 
+    def windowsTitled(self, title):
+        """The visible windows with this title, also those of programs that the session did not
+        start itself."""
+        ids = self._run("xdotool", "search", "--onlyvisible", "--name", "^%s$" % title).split()
+        return [window for window in map(self._look, ids) if window]
+
     def _look(self, window):
         """What the display knows about a window; None if it is gone."""
         answer = self._run("xwininfo", "-int", "-id", str(window))
@@ -443,6 +449,10 @@ class DesktopSession:
                            arguments=GLib.Variant("(s)", (name,)))[0]
         except GLib.Error:
             return None
+
+    def own(self, name):
+        """Owns a name on the bus until the end, as a running service does."""
+        callBus(self._connection, "RequestName", arguments=GLib.Variant("(su)", (name, 0)))
 
     def listen(self):
         listener = Listener(self.address)

@@ -63,6 +63,18 @@ MouseMemory::MouseMemory() : m_bytes(memorySize) {
   }
 }
 
+MouseMemory::Turn::Turn(MouseMemory& memory) : m_file(memory.m_file.get()) {
+  if (m_file != nullptr) {
+    m_file->begin(memory.m_bytes);
+  }
+}
+
+MouseMemory::Turn::~Turn() {
+  if (m_file != nullptr) {
+    m_file->end();
+  }
+}
+
 void MouseMemory::keepIn(const std::filesystem::path& file) {
   m_file = std::make_unique<MouseMemoryFile>(file, m_bytes);
 }

@@ -31,6 +31,20 @@ class MouseMemory {
   // A memory that was never written: no names, no macros, settings all 0, slot 0 active.
   MouseMemory();
 
+  // One process's turn at a memory that several have: begins with what the others wrote, and the
+  // others wait until it ends. Nothing without a file. Throws std::system_error if the others take
+  // longer than a second or the file cannot be read.
+  class Turn {
+   public:
+    explicit Turn(MouseMemory& memory);
+    ~Turn();
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+   private:
+    MouseMemoryFile* m_file;
+  };
+
   // Keeps the memory in this file from now on. An existing file replaces the contents of the
   // memory; a missing one is created from them. Throws like MouseMemoryFile.
   void keepIn(const std::filesystem::path& file);

@@ -62,6 +62,24 @@ int writeAll(int descriptor, std::size_t offset, std::span<const std::uint8_t> b
   return 0;
 }
 
+// The number of bytes read; fewer at the end of the file, with errno 0, or after an error.
+std::size_t readAll(int descriptor, std::size_t offset, std::span<std::uint8_t> bytes) {
+  std::size_t held = 0;
+  while (held < bytes.size()) {
+    errno = 0;
+    const ssize_t got = ::pread(descriptor, bytes.data() + held, bytes.size() - held,
+                                static_cast<off_t>(offset + held));
+    if (got < 0 && errno == EINTR) {
+      continue;
+    }
+    if (got <= 0) {
+      break;
+    }
+    held += static_cast<std::size_t>(got);
+  }
+  return held;
+}
+
 // Renames the finished file without replacing another one. 0 or an error number.
 int nameWithoutReplacing(const std::string& from, const std::string& to) {
   if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
@@ -88,9 +106,11 @@ MouseMemoryFile::MouseMemoryFile(const std::filesystem::path& path,
     for (int attempt = 0; attempt < 3; ++attempt) {
       if (openExisting()) {
         load(contents);
+        end();
         return;
       }
       if (createFrom(contents)) {
+        end();
         return;
       }
     }
@@ -103,6 +123,27 @@ MouseMemoryFile::MouseMemoryFile(const std::filesystem::path& path,
 
 MouseMemoryFile::~MouseMemoryFile() {
   closeFile();
+}
+
+void MouseMemoryFile::begin(std::span<std::uint8_t> contents) {
+  lock();
+  const std::size_t held = readAll(m_descriptor, header.size(), contents);
+  if (held != contents.size()) {
+    const int error = errno != 0 ? errno : EIO;
+    end();
+    failWith(error, "cannot read the memory file", m_path);
+  }
+}
+
+void MouseMemoryFile::end() {
+  ::flock(m_descriptor, LOCK_UN);
+}
+
+void MouseMemoryFile::lock() const {
+  // Where the file system has no locks, this program may well be the only one.
+  if (!lockSoon(m_descriptor) && errno == EWOULDBLOCK) {
+    failWith(errno, "another program is using the memory file", m_path);
+  }
 }
 
 void MouseMemoryFile::write(std::size_t offset, std::span<const std::uint8_t> bytes) {
@@ -160,28 +201,12 @@ void MouseMemoryFile::load(std::span<std::uint8_t> contents) const {
   if (!S_ISREG(status.st_mode)) {
     refuse(m_path, "it is not a regular file");
   }
-  if (!lockSoon(m_descriptor)) {
-    failWith(errno,
-             errno == EWOULDBLOCK ? "another program is using the memory file"
-                                  : "cannot lock the memory file",
-             m_path);
-  }
+  lock();
   // One byte more than the right size is enough to detect a file that is too long.
   std::vector<std::uint8_t> whole(header.size() + contents.size() + 1);
-  std::size_t held = 0;
-  while (held < whole.size()) {
-    const ssize_t got =
-        ::pread(m_descriptor, whole.data() + held, whole.size() - held, static_cast<off_t>(held));
-    if (got < 0 && errno == EINTR) {
-      continue;
-    }
-    if (got < 0) {
-      failWith(errno, "cannot read the memory file", m_path);
-    }
-    if (got == 0) {
-      break;
-    }
-    held += static_cast<std::size_t>(got);
+  const std::size_t held = readAll(m_descriptor, 0, whole);
+  if (held < whole.size() && errno != 0) {
+    failWith(errno, "cannot read the memory file", m_path);
   }
   const std::span<const std::uint8_t> bytes(whole.data(), held);
   if (held < header.size() ||

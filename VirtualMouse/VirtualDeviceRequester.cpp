@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "Kit/Core/FileLock.h"
 #include "Kit/Core/LXLogger.h"
 #include "Kit/Core/TransferLog.h"
 #include "VirtualMouse/MouseReport.h"
@@ -68,6 +69,20 @@ bool VirtualDeviceRequester::sendDeviceRequest(LXDeviceRequest& request) {
 
 std::uint64_t VirtualDeviceRequester::connection() const {
   return m_mouse->attachments();
+}
+
+LXDeviceRequester::Claim VirtualDeviceRequester::claim(std::chrono::milliseconds limit,
+                                                       std::error_code& error) {
+  error.clear();
+  std::filesystem::path file = m_mouse->memoryFile();
+  if (file.empty() || !isDevOn()) {
+    return nullptr;
+  }
+  Claim held = FileLock::acquire(file += ".lock", limit);
+  if (!held) {
+    error = std::make_error_code(std::errc::device_or_resource_busy);
+  }
+  return held;
 }
 
 void VirtualDeviceRequester::resetCurrDevice() {

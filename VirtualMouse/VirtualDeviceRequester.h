@@ -17,6 +17,8 @@ class VirtualDeviceRequester final : public LXDeviceRequester {
   bool isDevOn() override;
   bool sendDeviceRequest(LXDeviceRequest& request) override;
   std::uint64_t connection() const override;
+  // The lock of a mouse with a memory file lies beside that file: "mouse.lock".
+  Claim claim(std::chrono::milliseconds limit, std::error_code& error) override;
   void resetCurrDevice() override;
 
  private:

@@ -21,6 +21,8 @@ void requireBelow(int count, int slot) {
 }  // namespace
 
 struct VirtualMouse::State {
+  std::function<void()> presenceObserver;
+  std::filesystem::path file;
   MouseMemory kept;
   std::optional<MouseMemory> garbage;
   MouseFirmware firmware;
@@ -39,12 +41,20 @@ struct VirtualMouse::State {
   void unplug() {
     isPluggedIn = false;
     firmware.losePower();
+    tellPresence();
+  }
+
+  void tellPresence() const {
+    if (presenceObserver) {
+      presenceObserver();
+    }
   }
 
   // Changes the memory from the mouse's side, where no transfer can report a failure.
   template <typename Change>
   void changeAtTheMouse(const Change& change) {
     try {
+      const MouseMemory::Turn turn(kept);
       change(memory());
     } catch (const std::system_error& error) {
       firmware.addFault(error.what());
@@ -65,15 +75,17 @@ struct VirtualMouse::State {
 TransferStatus VirtualMouse::State::perform(const SetupPacket& setup,
                                             std::span<const std::uint8_t> sent,
                                             std::vector<std::uint8_t>& answer) {
-  if ((setup.requestType & 0x80U) == 0) {
-    try {
+  TransferStatus status = TransferStatus::Stalled;
+  try {
+    const MouseMemory::Turn turn(kept);
+    if ((setup.requestType & 0x80U) == 0) {
       return firmware.receive(memory(), setup, sent);
-    } catch (const std::system_error& error) {
-      firmware.addFault(error.what());
-      return TransferStatus::Stalled;
     }
+    status = firmware.answer(memory(), setup, answer);
+  } catch (const std::system_error& error) {
+    firmware.addFault(error.what());
+    return TransferStatus::Stalled;
   }
-  const TransferStatus status = firmware.answer(memory(), setup, answer);
   if (scenario.kind == MouseScenario::Kind::AnswersShort) {
     answer.resize(std::min(answer.size(), shortAnswerSize));
   } else if (scenario.kind == MouseScenario::Kind::AnswersRandom) {
@@ -89,6 +101,7 @@ VirtualMouse::VirtualMouse() : m_state(std::make_unique<State>()) {
 
 VirtualMouse::VirtualMouse(const std::filesystem::path& memoryFile) : VirtualMouse() {
   m_state->kept.keepIn(memoryFile);
+  m_state->file = memoryFile;
 }
 
 VirtualMouse::~VirtualMouse() = default;
@@ -171,6 +184,19 @@ void VirtualMouse::attach() {
       (kind == MouseScenario::Kind::UnpluggedAfter && m_state->transfersLeft == 0)) {
     m_state->scenario = {};
   }
+  m_state->tellPresence();
+}
+
+void VirtualMouse::setPresenceObserver(std::function<void()> observer) {
+  m_state->presenceObserver = std::move(observer);
+}
+
+std::filesystem::path VirtualMouse::memoryFile() const {
+  return m_state->file;
+}
+
+void VirtualMouse::refresh() {
+  m_state->changeAtTheMouse([](MouseMemory&) {});
 }
 
 std::uint64_t VirtualMouse::attachments() const {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -77,8 +78,9 @@ class VirtualMouse {
   // A mouse as it leaves the factory, with its memory in this process only.
   VirtualMouse();
   // A mouse whose memory is the file at `memoryFile`, which is created if missing. Every change is
-  // in the file before the transfer that made it returns. Throws std::system_error if the file
-  // cannot be opened for writing, cannot be created, or is used by another mouse (EWOULDBLOCK), and
+  // in the file before the transfer that made it returns. Several processes can have one file: each
+  // transfer is one step for all of them, and finds what the others wrote. Throws std::system_error
+  // if the file cannot be opened for writing, cannot be created, or stays in use (EWOULDBLOCK), and
   // std::runtime_error if it is not the memory of a mouse.
   explicit VirtualMouse(const std::filesystem::path& memoryFile);
   ~VirtualMouse();
@@ -98,6 +100,12 @@ class VirtualMouse {
   // Plugs the mouse in, which also ends a scenario that took it off the bus.
   void attach();
 
+  // The file of the memory; empty without one.
+  std::filesystem::path memoryFile() const;
+
+  // Called after the mouse was plugged in or unplugged, on that thread, even within a transfer.
+  void setPresenceObserver(std::function<void()> observer);
+
   // How often the mouse was plugged in, the first time included.
   std::uint64_t attachments() const;
 
@@ -107,14 +115,17 @@ class VirtualMouse {
   // Resets a slot to its state before any write: no name, settings 0, no macros.
   void clearSlot(int slot);
 
-  // What the mouse holds, for tests and displays. Slots 0..9, macro slots 0..189; other numbers
-  // throw std::out_of_range. The spans point into the mouse: copy what must last.
+  // What the mouse holds, for tests and displays, as of the last transfer or refresh(). Slots 0..9,
+  // macro slots 0..189; other numbers throw std::out_of_range. The spans point into the mouse: copy
+  // what must last.
   int activeSlot() const;                                     // 10..15 if the host has written that
   std::span<const std::uint8_t> nameReport(int slot) const;   // 70 bytes, as a read returns
   std::span<const std::uint8_t> imageReport(int slot) const;  // 154 bytes
   // 2053 bytes; byte 0 is 0xB0 if the slot holds a macro, otherwise 4 and followed by zeros.
   std::span<const std::uint8_t> macroReport(int macroSlot) const;
   std::string slotName(int slot) const;
+  // Takes in what other processes wrote.
+  void refresh();
   // What the mouse sends when a button with this macro is pressed. Without a macro: no events.
   MacroPlayback playMacro(int macroSlot) const;
   // Whether a name, image or macro was written without a refresh command since.

@@ -31,26 +31,49 @@ struct [[nodiscard]] ReadResult {
   Value value{};
 };
 
+// Holds the mouse for this program: another program of this user waits until it is let go. One
+// inside another one belongs to that one. Waits as long as the platform says; does not hold if
+// another program keeps the mouse longer.
+class MouseHold {
+ public:
+  MouseHold();
+  ~MouseHold();
+  MouseHold(const MouseHold&) = delete;
+  MouseHold& operator=(const MouseHold&) = delete;
+
+  // device_or_resource_busy while another program has the mouse.
+  static std::error_code error();
+};
+
 // A series of transfers that belong together. Its first failure ends it: what follows fails with
 // the same error at once, and nothing of it reaches this mouse or one that is plugged in meanwhile.
-// A series inside another one belongs to that one.
+// A series inside another one belongs to that one. It holds the mouse, and is ended from the start
+// with device_or_resource_busy if another program has it. After a transfer that timed out, each
+// series of the next second ends with timed_out before it begins: what a user does in one go waits
+// only once for a mouse that does not answer.
 class TransferSeries {
  public:
   TransferSeries();
   ~TransferSeries();
   TransferSeries(const TransferSeries&) = delete;
   TransferSeries& operator=(const TransferSeries&) = delete;
+
+ private:
+  MouseHold m_hold;
 };
 
 // How many reports the latest series has begun to write, with the one that failed.
 int reportsInSeries();
 
-// Whether the error says that the mouse is gone, or does not answer at all: trying again is
-// useless.
+// Whether the error says that the mouse is gone, does not answer at all, or belongs to another
+// program: trying again is useless.
 bool isMouseGone(const std::error_code& error);
 
 void startListenDev();
 bool checkListenDev();
+// Why the mouse cannot be used now. A mouse that did not answer counts as silent until it answers
+// or is plugged in anew; it is not asked here.
+LXDeviceAbsence mouseAbsence();
 
 // The four transfers: feature report 0 of interface 0, and the numbered reports of interface 1,
 // whose number is the first byte of the buffer. A transfer of fewer bytes is an error.

@@ -82,6 +82,7 @@ Outcome NerinAction::setRateToDevice(std::uint32_t poRate) {
   if (Outcome held = admitLiveCommand(); !held.isDone()) {
     return held;
   }
+  const TransferSeries series;
   const Outcome outcome = setImageByte(imagelayout::atRate, rateByteOf(poRate));
   pauseAfterReport();
   return outcome;

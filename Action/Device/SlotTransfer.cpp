@@ -108,6 +108,7 @@ NerinAction::ReadResult<bool> readOnce(std::uint8_t slot) {
 
 NerinAction::ReadResult<std::optional<std::string>> NerinAction::getFWProfileName(
     std::uint8_t slot) {
+  const TransferSeries series;
   Outcome outcome = setReadyPro(slot, readyProfile, SlotStep::ReadName);
   NameReport report{reportlayout::name, 0, slot};
   outcome += Outcome(SlotStep::ReadName, GetCommand2(report));
@@ -136,6 +137,7 @@ Outcome NerinAction::setFWProfileName(std::uint8_t slot, const std::optional<std
 
 NerinAction::ReadResult<NerinAction::ProfileImage> NerinAction::readProfileImage(
     std::uint8_t slot) {
+  const TransferSeries series;
   Outcome outcome = setReadyPro(slot, readyProfile, SlotStep::ReadImage);
   ProfileImage image{reportlayout::image};
   outcome += Outcome(SlotStep::ReadImage, GetCommand2(image));
@@ -204,6 +206,7 @@ Outcome NerinAction::setFWProfileData(std::uint8_t slot) {
 
 NerinAction::ReadResult<std::optional<NerinAction::MacroStream>> NerinAction::readMacroStream(
     std::uint8_t slot, int btnIndex) {
+  const TransferSeries series;
   Outcome outcome = setReadyPro(macroSlotOf(slot, btnIndex), readyMacro, SlotStep::ReadMacro);
   MacroReport report{reportlayout::macro};
   outcome += Outcome(SlotStep::ReadMacro, GetCommand2(report));
@@ -212,6 +215,7 @@ NerinAction::ReadResult<std::optional<NerinAction::MacroStream>> NerinAction::re
 }
 
 NerinAction::ReadResult<bool> NerinAction::setFWMacroData(std::uint8_t slot, int btnIndex) {
+  const TransferSeries series;
   if (!isButton(btnIndex)) {
     return {};
   }
@@ -257,6 +261,7 @@ Outcome NerinAction::resetDevPro() {
   if (!checkListenDev()) {
     return {SlotStep::SelectSlot, std::make_error_code(std::errc::no_such_device)};
   }
+  const MouseHold hold;
   (*sysDeviceReq)->resetCurrDevice();
   LXPlatform::current().sleep(std::chrono::milliseconds(500));
   const auto active = getProfileIndexByDevice();

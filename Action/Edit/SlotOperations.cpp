@@ -151,6 +151,7 @@ Outcome NerinAction::changeSlot(int slot, const std::function<Outcome()>& whenSe
   if (!isSlot(slot)) {
     return noSuchSlot(SlotStep::SelectSlot);
   }
+  const MouseHold hold;
   Outcome outcome = setProfileIndexToDevice(static_cast<std::uint8_t>(slot));
   const bool isSelected = outcome.isDone();
   if (whenSelected) {

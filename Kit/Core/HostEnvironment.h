@@ -11,6 +11,11 @@ namespace hostenvironment {
 std::filesystem::path homeFolder();
 // The files that came with the program: beside the build, or where it was installed.
 std::filesystem::path resourceFolder();
+// A folder for what lasts as long as the user's session, made if missing: the program's own in
+// $XDG_RUNTIME_DIR, else one in /tmp. Only the user can enter it; empty if that cannot be had.
+std::filesystem::path runtimeFolder();
+// The desktop's permission for this start to come to the front; empty if it gave none.
+std::string activationToken();
 // The language of the user's messages, as the locale names it.
 std::optional<std::string> preferredLanguage();
 

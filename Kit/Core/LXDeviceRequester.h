@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -17,6 +18,16 @@ struct LXDeviceRequest {
   std::uint32_t wLenDone = 0;
   // Why the transfer failed, as far as the requester knows.
   std::error_code error = {};
+};
+
+// Why a device cannot be used.
+enum class LXDeviceAbsence : std::uint8_t {
+  None,           // it can be used
+  NotFound,       // none is plugged in
+  NoPermission,   // this user may not open it, and no rule of this product is installed
+  NeedsReplug,    // it cannot be opened as it is plugged in now
+  DoesNotAnswer,  // it is open, but a transfer timed out
+  InUse,          // another program has it
 };
 
 // The port to the mouse. The program knows nothing of USB beyond this class; the real requester
@@ -38,6 +49,11 @@ class LXDeviceRequester {
   // Whether the device is there and open right now: the call notices arrival and removal.
   virtual bool isDevOn() = 0;
 
+  // Why the device is not on; None if it is.
+  virtual LXDeviceAbsence absence() {
+    return isDevOn() ? LXDeviceAbsence::None : LXDeviceAbsence::NotFound;
+  }
+
   // Performs the transfer and returns when it is done. If it fails or no device is open, returns
   // false and leaves the data stage unchanged.
   virtual bool sendDeviceRequest(LXDeviceRequest& request) = 0;
@@ -45,6 +61,18 @@ class LXDeviceRequester {
   // A number that changes whenever the device is opened, so that a caller can tell the mouse that
   // it began with from one that was plugged in since. 0 for a requester that does not know.
   virtual std::uint64_t connection() const { return 0; }
+
+  // What holds the device for one program while it exists. Null if there is nothing to hold.
+  using Claim = std::shared_ptr<void>;
+
+  // Holds the device for this program and waits for another one that holds it, up to `limit`.
+  // `error` is device_or_resource_busy if that one keeps it longer, else it is cleared. Holds
+  // nothing without a device, and where this system cannot tell its programs apart. Asking twice in
+  // one program is asking two programs: keep one claim.
+  virtual Claim claim(std::chrono::milliseconds /*limit*/, std::error_code& error) {
+    error.clear();
+    return nullptr;
+  }
 
   // Closes the device and opens it again.
   virtual void resetCurrDevice() = 0;

@@ -28,6 +28,18 @@ LXPlatform withHarmlessDefaults(LXPlatform platform) {
   if (!platform.notificationCenter) {
     platform.notificationCenter = std::make_shared<NoNotificationCenter>();
   }
+  if (!platform.watchPresence) {
+    platform.watchPresence = [](const std::function<void()>&) { return nullptr; };
+  }
+  if (!platform.hasService) {
+    platform.hasService = [] { return false; };
+  }
+  if (!platform.relaunch) {
+    platform.relaunch = [] {};
+  }
+  if (!platform.now) {
+    platform.now = std::chrono::steady_clock::now;
+  }
   if (!platform.sleep) {
     platform.sleep = [](std::chrono::microseconds) {};
   }

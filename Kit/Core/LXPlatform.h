@@ -17,12 +17,26 @@ struct LXPlatform {
   std::filesystem::path homeFolder;
   // The folder of the files that came with the program.
   std::filesystem::path resourceFolder;
+  // The folder of this user for what lasts as long as the session, private to the user; empty if
+  // there is none.
+  std::filesystem::path runtimeFolder;
   // Names the support folder and the preference file.
   std::string bundleIdentifier = "com.corvex.NerinOption";
   // The user's first preferred language as the system names it ("de_AT.UTF-8", "pt-BR"), or none.
   std::optional<std::string> preferredLanguage;
   std::shared_ptr<LXDeviceRequester> deviceRequester;
   std::shared_ptr<LXNotificationCenter> notificationCenter;
+  // Calls back on the main thread whenever the mouse may have come or gone, as long as the result
+  // lives. A null result: nobody watches, and only the background service can tell.
+  std::function<std::shared_ptr<void>(std::function<void()>)> watchPresence;
+  // Whether the background service runs, which starts the program anew when asked.
+  std::function<bool()> hasService;
+  // Starts the program anew, with the same arguments, as soon as this one has ended.
+  std::function<void()> relaunch;
+  // How long to wait for another program that uses the mouse. A window must not stand still longer.
+  std::chrono::milliseconds mouseWait{200};
+  // A clock that only goes forward.
+  std::function<std::chrono::steady_clock::time_point()> now;
   // Waits between two reports.
   std::function<void(std::chrono::microseconds)> sleep;
   // The folder where the user keeps documents, asked anew for each panel, because it can be moved.

@@ -22,6 +22,7 @@ class ObservedDeviceRequester final : public LXDeviceRequester {
     m_requester->listenDevWithVid(vid, pid);
   }
   bool isDevOn() override { return m_requester->isDevOn(); }
+  LXDeviceAbsence absence() override { return m_requester->absence(); }
   bool sendDeviceRequest(LXDeviceRequest& request) override {
     if (m_observer.willSend) {
       m_observer.willSend(request);
@@ -33,6 +34,9 @@ class ObservedDeviceRequester final : public LXDeviceRequester {
     return isDone;
   }
   std::uint64_t connection() const override { return m_requester->connection(); }
+  Claim claim(std::chrono::milliseconds limit, std::error_code& error) override {
+    return m_requester->claim(limit, error);
+  }
   void resetCurrDevice() override { m_requester->resetCurrDevice(); }
 
  private:

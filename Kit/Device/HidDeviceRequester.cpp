@@ -14,7 +14,9 @@
 #include <hidapi.h>
 #include <unistd.h>
 
+#include "Kit/Core/FileLock.h"
 #include "Kit/Core/LXLogger.h"
+#include "Kit/Core/LXPlatform.h"
 #include "Kit/Core/TransferLog.h"
 #include "Kit/Device/HidNodes.h"
 #include "Kit/Device/HidPresenceMonitor.h"
@@ -31,6 +33,7 @@ constexpr unsigned featureReport = 3;
 constexpr std::size_t maximumReportSize = 0x3FFF;
 constexpr auto lookInterval = std::chrono::milliseconds(500);
 constexpr const char* ruleFile = "/etc/udev/rules.d/60-nerin.rules";
+constexpr const char* ruleName = "60-nerin.rules";
 
 struct CloseHid {
   void operator()(hid_device* device) const { hid_close(device); }
@@ -141,7 +144,8 @@ struct HidDeviceRequester::State {
     bool operator==(const Absence&) const = default;
   };
 
-  explicit State(std::filesystem::path udevControl) : monitor(std::move(udevControl)) {}
+  State(std::filesystem::path udevControl, std::vector<std::filesystem::path> folders)
+      : monitor(std::move(udevControl)), ruleFolders(std::move(folders)) {}
 
   bool isOn() const { return absence.reason == Absence::Reason::None; }
   void refresh();
@@ -151,9 +155,11 @@ struct HidDeviceRequester::State {
   Absence openAll(const Nodes& nodes);
   std::string foundNames() const;
   std::string explanation() const;
+  bool hasRule() const;
   std::string idText() const { return hex(vid, 4) + ":" + hex(pid, 4); }
 
   HidPresenceMonitor monitor;
+  std::vector<std::filesystem::path> ruleFolders;
   bool isPrintMsg = false;
   std::uint16_t vid = 0;
   std::uint16_t pid = 0;
@@ -290,6 +296,14 @@ HidDeviceRequester::State::Absence HidDeviceRequester::State::openAll(const Node
   return result;
 }
 
+bool HidDeviceRequester::State::hasRule() const {
+  return std::any_of(ruleFolders.begin(), ruleFolders.end(),
+                     [](const std::filesystem::path& folder) {
+                       std::error_code ignored;
+                       return std::filesystem::exists(folder / ruleName, ignored);
+                     });
+}
+
 std::string HidDeviceRequester::State::foundNames() const {
   std::string names;
   for (const std::optional<HidNode>& node : absence.found) {
@@ -321,14 +335,19 @@ std::string HidDeviceRequester::State::explanation() const {
     return found + " cannot be opened: " + errorText(absence.error) +
            ". Unplug the mouse and plug it in again.";
   }
+  if (hasRule()) {
+    return found + " may not be opened by this user, although the rule " + ruleName +
+           " is installed. Unplug the mouse and plug it in again.";
+  }
   return found + " may not be opened by this user. Write this line into " + ruleFile + ":\n" +
          udevRule(vid, pid) +
          "\nand then run: sudo udevadm control --reload-rules && sudo udevadm trigger "
          "--subsystem-match=hidraw";
 }
 
-HidDeviceRequester::HidDeviceRequester(std::filesystem::path udevControl)
-    : m_state(std::make_unique<State>(std::move(udevControl))) {}
+HidDeviceRequester::HidDeviceRequester(std::filesystem::path udevControl,
+                                       std::vector<std::filesystem::path> ruleFolders)
+    : m_state(std::make_unique<State>(std::move(udevControl), std::move(ruleFolders))) {}
 
 HidDeviceRequester::~HidDeviceRequester() = default;
 
@@ -358,6 +377,27 @@ bool HidDeviceRequester::isDevOn() {
   return m_state->isOn();
 }
 
+LXDeviceAbsence HidDeviceRequester::absence() {
+  m_state->refresh();
+  switch (m_state->absence.reason) {
+    case State::Absence::Reason::None:
+      return LXDeviceAbsence::None;
+    case State::Absence::Reason::NotListening:
+    case State::Absence::Reason::NothingFound:
+      return LXDeviceAbsence::NotFound;
+    case State::Absence::Reason::HalfFound:
+      return LXDeviceAbsence::NeedsReplug;
+    case State::Absence::Reason::CannotOpen:
+      break;
+  }
+  if (m_state->absence.error == EBUSY) {
+    return LXDeviceAbsence::InUse;
+  }
+  // A rule acts on what is plugged in after it was installed.
+  return isDenied(m_state->absence.error) && !m_state->hasRule() ? LXDeviceAbsence::NoPermission
+                                                                 : LXDeviceAbsence::NeedsReplug;
+}
+
 void HidDeviceRequester::resetCurrDevice() {
   if (m_state->absence.reason == State::Absence::Reason::NotListening) {
     return;
@@ -368,6 +408,22 @@ void HidDeviceRequester::resetCurrDevice() {
 
 std::uint64_t HidDeviceRequester::connection() const {
   return m_state->connection;
+}
+
+LXDeviceRequester::Claim HidDeviceRequester::claim(std::chrono::milliseconds limit,
+                                                   std::error_code& error) {
+  error.clear();
+  const std::filesystem::path& folder = LXPlatform::current().runtimeFolder;
+  if (folder.empty() || !isDevOn()) {
+    return nullptr;
+  }
+  // The kernel names a device by the port that it is plugged into: "1-4.2".
+  const std::filesystem::path device(m_state->absence.found[0]->usbDevice);
+  Claim held = FileLock::acquire(folder / ("mouse-" + device.filename().string() + ".lock"), limit);
+  if (!held) {
+    error = std::make_error_code(std::errc::device_or_resource_busy);
+  }
+  return held;
 }
 
 bool HidDeviceRequester::sendDeviceRequest(LXDeviceRequest& request) {

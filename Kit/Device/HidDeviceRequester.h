@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "Kit/Core/LXDeviceRequester.h"
 
@@ -16,7 +17,12 @@ class HidDeviceRequester final : public LXDeviceRequester {
  public:
   // udevd reports arrivals and removals; it listens on `udevControl` while it runs. Without udevd
   // the requester looks for itself, no more than every half second.
-  explicit HidDeviceRequester(std::filesystem::path udevControl = "/run/udev/control");
+  // `ruleFolders` are where udev reads its rules.
+  explicit HidDeviceRequester(std::filesystem::path udevControl = "/run/udev/control",
+                              std::vector<std::filesystem::path> ruleFolders = {
+                                  "/etc/udev/rules.d", "/run/udev/rules.d",
+                                  "/usr/local/lib/udev/rules.d", "/usr/lib/udev/rules.d",
+                                  "/lib/udev/rules.d"});
   ~HidDeviceRequester() override;
   HidDeviceRequester(const HidDeviceRequester&) = delete;
   HidDeviceRequester& operator=(const HidDeviceRequester&) = delete;
@@ -24,8 +30,11 @@ class HidDeviceRequester final : public LXDeviceRequester {
   void setIsPrintMsg(bool isPrintMsg) override;
   void listenDevWithVid(std::uint16_t vid, std::uint16_t pid) override;
   bool isDevOn() override;
+  LXDeviceAbsence absence() override;
   bool sendDeviceRequest(LXDeviceRequest& request) override;
   std::uint64_t connection() const override;
+  // Each USB device has its own lock in the runtime folder.
+  Claim claim(std::chrono::milliseconds limit, std::error_code& error) override;
   void resetCurrDevice() override;
 
   // An explanation for the user in plain sentences: what was looked for, what was found, and what

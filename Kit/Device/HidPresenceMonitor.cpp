@@ -57,6 +57,10 @@ bool HidPresenceMonitor::isReliable() const {
   return m_state->monitor && std::filesystem::exists(m_state->udevControl, ignored);
 }
 
+int HidPresenceMonitor::descriptor() const {
+  return m_state->monitor ? udev_monitor_get_fd(m_state->monitor.get()) : -1;
+}
+
 HidPresenceMonitor::News HidPresenceMonitor::takeNews() {
   News news;
   if (!m_state->monitor) {

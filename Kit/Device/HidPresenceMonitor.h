@@ -23,6 +23,9 @@ class HidPresenceMonitor {
   // stays silent.
   bool isReliable() const;
 
+  // Becomes readable when there is news; -1 if there can be none. Belongs to the monitor.
+  int descriptor() const;
+
   // What happened since the last call.
   News takeNews();
 

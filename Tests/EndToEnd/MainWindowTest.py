@@ -6,7 +6,7 @@ import os
 import unittest
 
 from window_test import (ATTACHED, BINARIES, DEMO, MAIN_SIZE, NOWHERE, PLUG_IN, REMOVED,
-                         SLOT_BUTTON, SLOT_CHANGED, DemoTest, WindowTest, wait_until)
+                         SLOT_BUTTON, SLOT_CHANGED, UNPLUG, DemoTest, WindowTest, wait_until)
 
 MACRO_SIZE = (1048, 633)
 # More than there are Tab stops.
@@ -166,9 +166,18 @@ class Removal(DemoTest):
     def testUnderAChildWindowEndsWithARelaunch(self):
         self.click("MacroSettingBtn")
         self.desktop.window("Macro editor", size=MACRO_SIZE)
-        self.desktop.signal("NerinDevStatus", type=REMOVED, value=0)
+        self.clickPanel(UNPLUG)
         self.assertTold(("121", None))
         self.assertEnds(self.program)
+        # No service runs here, so that the program starts itself anew.
+        def newWindow():
+            return next((one.id for one in self.desktop.windowsTitled(DEMO)
+                         if (one.width, one.height) == MAIN_SIZE), None)
+
+        self.window = wait_until(newWindow, 30, "the new program")
+        self.waitForRed("profile1Btn")
+        self.click("closeBtn")
+        wait_until(lambda: not self.desktop.windowsTitled(DEMO), 30, "the new program to end")
 
     def testCanBeDeclined(self):
         self.unplug()
@@ -177,36 +186,53 @@ class Removal(DemoTest):
         self.assertTold()
 
     def testEndsWhenTheMouseIsNotBack(self):
-        self.desktop.signal("NerinDevStatus", type=REMOVED, value=0)
+        self.unplug()
         self.answer("okBtn", "WarningNoDevice")
         self.assertEnds(self.program)
         self.assertTold()
 
     def testGoesOnWithTheMouseThatIsBack(self):
         self.waitForRed("profile1Btn")
+        self.clickPanel(SLOT_BUTTON)
+        self.waitForRed("profile2Btn")
+        self.assertTold(("111", {"value1": 1, "value2": 1}))
         self.unplug()
         self.clickPanel(PLUG_IN)
-        # The program misses this while the dialog is open, so it must read the slot again.
-        self.clickPanel(SLOT_BUTTON)
-        wait_until(lambda: self.mouse.activeSlot() == 2, 30, "the mouse to be in slot 2")
-        self.assertTrue(self.isRed("profile1Btn"))
-        self.answer("okBtn", "WarningNoDevice")
+        # Nobody has to answer the dialog.
+        wait_until(lambda: not self.isAsking(), 30, "the dialog to go")
         self.waitForRed("profile2Btn")
         self.assertTold()
         self.click("profile7Btn")
         self.assertTold(("111", {"value1": 1, "value2": 6}))
         self.assertEqual(self.mouse.activeSlot(), 7)
 
-    def testGoesOnWhenTheServiceReportsTheMouse(self):
+    def testOfWhichTheServiceTellsButTheWindowSeesNothingChangesNothing(self):
+        self.waitForRed("profile1Btn")
         self.desktop.signal("NerinDevStatus", type=REMOVED, value=0)
-        self.dialog()
         self.desktop.signal("NerinDevStatus", type=ATTACHED, value=0)
-        self.answer("okBtn", "WarningNoDevice")
         self.click("profile3Btn")
         self.assertTold(("111", {"value1": 1, "value2": 2}))
-        # Another removal is reported again.
+        self.assertFalse(self.isAsking())
+        # A real removal is seen.
         self.unplug()
         self.answer("cancelBtn", "WarningNoDevice")
+        self.assertEnds(self.program)
+
+
+class SecondStart(DemoTest):
+    def testBringsTheFirstToTheFrontAndEnds(self):
+        self.waitForRed("profile1Btn")
+        self.desktop.activate(self.panel)
+        second = self.desktop.start(os.path.join(BINARIES, DEMO))
+        self.assertEnds(second)
+        wait_until(lambda: self.desktop.activeWindow() == self.window, 30,
+                   "the window to be in front")
+        self.assertEqual(len([one for one in self.desktop.windowsTitled(DEMO)]), 1)
+        self.click("closeBtn")
+        self.assertEnds(self.program)
+        # The name is free again.
+        self.start()
+        self.click("closeBtn")
         self.assertEnds(self.program)
 
 

@@ -45,7 +45,7 @@ def listSize(width, count):
 
 
 class Mouse:
-    """Reads the memory of a virtual mouse from a copy, because a program has it locked."""
+    """Reads the memory of a virtual mouse from a copy, so that no program waits for the reader."""
 
     def __init__(self, memory, folder):
         self._memory = memory

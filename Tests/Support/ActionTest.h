@@ -69,6 +69,7 @@ class ActionTest : public testing::Test {
 
   static ProfieController& library() { return ProfieController::getShareProCon(); }
   VirtualMouse& mouse() { return *m_mouse; }
+  const std::shared_ptr<VirtualMouse>& sharedMouse() const { return m_mouse; }
   const std::vector<RecordingNotificationCenter::Post>& posts() const;
 
   const std::filesystem::path& home() const { return m_home.folder(); }

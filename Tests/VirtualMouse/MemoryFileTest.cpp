@@ -3,7 +3,9 @@
 #include <iterator>
 #include <system_error>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -147,25 +149,35 @@ TEST(MemoryFile, HasEachChangeBeforeTheTransferReturns) {
   EXPECT_EQ(changed().front(), 11 * 256U + 700 + 2053);
 }
 
-TEST(MemoryFile, WritesOnlyWhatChanged) {
+TEST(MemoryFile, IsSharedByTwoMice) {
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
+  VirtualMouse one(path);
+  VirtualMouse other(path);
+  write(one, nameReport(2, "of one"));
+  writeMemory(other, 100, 7);
+  EXPECT_EQ(readMemory(one, 100), 7);
+  EXPECT_EQ(other.slotName(2), "of one");
+  command(one, {0xC4, 0x07, 3});
+  other.refresh();
+  EXPECT_EQ(other.activeSlot(), 3);
+  // A write keeps what the other one wrote beside it.
+  write(other, nameReport(3, "of other"));
+  write(one, nameReport(2, "of one again"));
+  EXPECT_EQ(VirtualMouse(path).slotName(3), "of other");
+}
+
+TEST(MemoryFile, ThatAnotherProgramKeepsMakesATransferFail) {
   const Scratch folder;
   const auto path = folder.folder() / "mouse";
   VirtualMouse mouse(path);
-  write(mouse, nameReport(2, "same"));
-  // Bytes that the mouse does not change stay as another program wrote them.
-  Bytes marked = contentsOf(path);
-  const std::size_t name = headerSize + 11UL * 256 + 2UL * 70;
-  for (std::size_t index = 0; index < 70; ++index) {
-    marked[name + index] = 0xEE;
-  }
-  put(path, marked);
-  write(mouse, nameReport(2, "same"));
-  EXPECT_EQ(contentsOf(path), marked);
-  write(mouse, nameReport(2, "sane"));
-  const Bytes after = contentsOf(path);
-  EXPECT_EQ(after[name + 7], 'n');
-  EXPECT_EQ(after[name + 2], 0xEE);
-  EXPECT_EQ(after[name + 8], 0xEE);
+  const int descriptor = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_EQ(::flock(descriptor, LOCK_EX), 0);
+  EXPECT_EQ(command(mouse, {0xC4, 0x07, 3}), TransferStatus::Stalled);
+  ASSERT_EQ(mouse.faults().size(), 1U);
+  EXPECT_NE(mouse.faults()[0].find("another program is using"), std::string::npos);
+  ::close(descriptor);
+  EXPECT_EQ(command(mouse, {0xC4, 0x07, 3}), TransferStatus::Done);
 }
 
 TEST(MemoryFile, SurvivesAKill) {
@@ -261,23 +273,14 @@ TEST(MemoryFile, OfAnyContentIsHeldWithoutHarm) {
   EXPECT_EQ(contentsOf(path), bytes);
 }
 
-TEST(MemoryFile, ServesOneMouseAtATime) {
+TEST(MemoryFile, ThatAnotherProgramKeepsIsRefused) {
   const Scratch folder;
   const auto path = folder.folder() / "mouse";
-  {
-    const VirtualMouse made(path);
-    EXPECT_EQ(refusalOf(path), EWOULDBLOCK);
-  }
-  {
-    const VirtualMouse opened(path);
-    EXPECT_EQ(refusalOf(path), EWOULDBLOCK);
-    try {
-      const VirtualMouse second(path);
-      ADD_FAILURE();
-    } catch (const std::system_error& error) {
-      EXPECT_NE(std::string(error.what()).find("another program is using"), std::string::npos);
-    }
-  }
+  { const VirtualMouse made(path); }
+  const int descriptor = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_EQ(::flock(descriptor, LOCK_EX), 0);
+  EXPECT_EQ(refusalOf(path), EWOULDBLOCK);
+  ::close(descriptor);
   EXPECT_EQ(refusalOf(path), 0);
 }
 
@@ -292,27 +295,25 @@ TEST(MemoryFile, IsMadeByOneOfSeveralAtOnce) {
       int code = 1;
       try {
         VirtualMouse mouse(path);
-        // Adds one, so that the next process finds what this one wrote.
-        writeMemory(mouse, 100, static_cast<std::uint8_t>(readMemory(mouse, 100) + 1));
+        writeMemory(mouse, static_cast<std::uint16_t>(100 + index), 1);
         code = 0;
-      } catch (const std::system_error& error) {
-        code = error.code().value() == EWOULDBLOCK ? 2 : 3;
+      } catch (const std::system_error&) {
+        code = 3;
       }
       ::_exit(code);
     }
     children.push_back(child);
   }
-  int successes = 0;
   for (const pid_t child : children) {
     int status = 0;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_TRUE(WEXITSTATUS(status) == 0 || WEXITSTATUS(status) == 2) << WEXITSTATUS(status);
-    successes += WEXITSTATUS(status) == 0 ? 1 : 0;
+    EXPECT_EQ(WEXITSTATUS(status), 0);
   }
-  EXPECT_GE(successes, 1);
   VirtualMouse mouse(path);
-  EXPECT_EQ(readMemory(mouse, 100), successes);
+  for (std::uint16_t index = 0; index < children.size(); ++index) {
+    EXPECT_EQ(readMemory(mouse, static_cast<std::uint16_t>(100 + index)), 1) << index;
+  }
   EXPECT_EQ(entriesIn(folder.folder()), 1U);
 }
 

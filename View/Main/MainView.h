@@ -177,6 +177,11 @@ class MainView : public TavImageView,
   void handOver(void (MainView::*work)(std::int32_t), std::int32_t value);
   void outPlusReported(std::int32_t value);
   void takeReportedSlot(std::int32_t value);
+  // Looks for the mouse, and reports what changed since the last look.
+  void lookForMouse();
+  // Shows why the mouse cannot be used until it can. False to quit.
+  bool waitForMouse();
+  void resumeWithMouse();
 
   LXButton* m_reDefBtn = nullptr;
   LXButton* m_homeBtn = nullptr;
@@ -235,6 +240,11 @@ class MainView : public TavImageView,
   std::atomic<bool> m_isDevOnTag = false;
   // The message about the missing mouse is open.
   std::atomic<bool> m_isAskingForMouse = false;
+  // Tells when to look for the mouse; null where only the background service can.
+  std::shared_ptr<void> m_presenceWatch;
+  bool m_isMouseSeen = false;
+  // The mouse was seen to go, and has not been read anew since.
+  bool m_hasGone = false;
   bool m_isFWChangeProfile = false;
   bool m_isFillSetting = false;
   bool m_isFirstOpen = false;

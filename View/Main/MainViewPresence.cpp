@@ -1,10 +1,15 @@
 // Connecting and removing the mouse, and the reports of the background service.
 
+#include <QClipboard>
+#include <QFile>
+#include <QGuiApplication>
+
 #include "Action/Device/DeviceSettings.h"
 #include "Action/NerinAction.h"
 #include "Kit/Core/LXPlatform.h"
 #include "View/Main/LibraryWatch.h"
 #include "View/Main/MainView.h"
+#include "View/Screen/ControlFactory.h"
 #include "View/Windows/LocalNotifications.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/PopDialogView.h"
@@ -25,6 +30,41 @@ std::optional<std::int32_t> numberIn(const LXUserInfo& userInfo, const char* key
   return std::visit([](auto value) { return static_cast<std::int32_t>(value); }, entry->second);
 }
 
+// The message for each reason.
+const char* messageFor(LXDeviceAbsence absence) {
+  switch (absence) {
+    case LXDeviceAbsence::NoPermission:
+      return "WarningNoPermission";
+    case LXDeviceAbsence::NeedsReplug:
+      return "WarningNeedsReplug";
+    case LXDeviceAbsence::DoesNotAnswer:
+      return "WarningSilentMouse";
+    case LXDeviceAbsence::InUse:
+      return "WarningMouseInUse";
+    case LXDeviceAbsence::None:
+    case LXDeviceAbsence::NotFound:
+      break;
+  }
+  return "WarningNoDevice";
+}
+
+bool isMouseUsable() {
+  return NerinAction::mouseAbsence() == LXDeviceAbsence::None;
+}
+
+// The mouse is plugged in, but a read would fail.
+bool isMouseThereInVain() {
+  return NerinAction::checkListenDev() && !isMouseUsable();
+}
+
+void copyRule() {
+  const std::filesystem::path file = LXPlatform::current().resourceFolder / "60-nerin.rules";
+  QFile rule(QString::fromStdString(file.string()));
+  if (rule.open(QIODevice::ReadOnly)) {
+    QGuiApplication::clipboard()->setText(QString::fromUtf8(rule.readAll()));
+  }
+}
+
 }  // namespace
 
 void MainView::initNotify() {
@@ -38,11 +78,27 @@ void MainView::initNotify() {
   notifications.observe(NerinAction::notifyHideTip, this, [this] { HideToolTip(); });
   notifications.observe(NerinAction::notifyOutPlusEnd, this, [this] { subWindowEndOutplus(); });
   connect(new LibraryWatch(this), &LibraryWatch::libraryChanged, this, &MainView::followLibrary);
+  m_isMouseSeen = NerinAction::checkListenDev();
+  m_presenceWatch = LXPlatform::current().watchPresence([this] { lookForMouse(); });
   checkDevPro();
   m_isFirstOpen = false;
 }
 
+void MainView::lookForMouse() {
+  if (termination::isTerminating()) {
+    return;
+  }
+  const bool isThere = NerinAction::checkListenDev();
+  if (isThere == m_isMouseSeen) {
+    return;
+  }
+  m_isMouseSeen = isThere;
+  m_hasGone = m_hasGone || !isThere;
+  devReportPro({{"type", isThere ? Attached : Removed}, {"value", 0}});
+}
+
 void MainView::deallocNotify() {
+  m_presenceWatch.reset();
   LXPlatform::current().notificationCenter->removeObserver(deviceStatus);
 }
 
@@ -87,6 +143,13 @@ void MainView::handOver(void (MainView::*work)(std::int32_t), std::int32_t value
 }
 
 void MainView::outPlusReported(std::int32_t /*value*/) {
+  lookForMouse();
+  // The service tells of a removal a second time, maybe after the mouse is back and in use again.
+  if (m_presenceWatch && !m_hasGone) {
+    m_isOutPlus = false;
+    m_isDevOnTag = true;
+    return;
+  }
   outPlusePro();
 }
 
@@ -120,6 +183,9 @@ void MainView::dpiChangePro(std::int32_t /*value*/) {}
 void MainView::checkDevPro() {
   if (!NerinAction::checkListenDev()) {
     m_isDevOnTag = false;
+    m_hasGone = true;
+    outPlusePro();
+  } else if (m_isFirstOpen && isMouseThereInVain()) {
     outPlusePro();
   }
 }
@@ -138,22 +204,61 @@ void MainView::outPlusePro() {
   if (m_isAskingForMouse) {
     return;
   }
+  do {
+    if (!waitForMouse()) {
+      if (!termination::isTerminating()) {
+        closeAppPro();
+      }
+      return;
+    }
+    resumeWithMouse();
+  } while (!termination::isTerminating() && isMouseThereInVain());
+}
+
+bool MainView::waitForMouse() {
+  // A mouse that came back while another question was open needs none of its own.
+  if (m_presenceWatch && m_hasGone && isMouseUsable()) {
+    return true;
+  }
+  std::string shown = "WarningNoDevice";
+  const auto update = [&](PopDialogView& dialog) {
+    lookForMouse();
+    const std::string message = messageFor(NerinAction::mouseAbsence());
+    if (message == shown) {
+      return;
+    }
+    shown = message;
+    dialog.showMessage(message);
+    if (message == "WarningNoPermission") {
+      dialog.addLink(NerinAction::tooltipText("Copy the rule"), copyRule);
+    } else {
+      dialog.removeLink();
+    }
+  };
   m_isAskingForMouse = true;
-  const bool waits = NerinAction::showPopView("WarningNoDevice", true);
+  const bool waits = NerinAction::showPopView("WarningNoDevice", true, {update, isMouseUsable});
   m_isAskingForMouse = false;
-  if (termination::isTerminating()) {
-    return;
+  if (!waits || termination::isTerminating()) {
+    return false;
   }
-  if (!waits || !m_isDevOnTag) {
-    closeAppPro();
-    return;
-  }
+  // Nobody may have told that the mouse is back.
+  NerinAction::startListenDev();
+  return m_isDevOnTag || NerinAction::checkListenDev();
+}
+
+void MainView::resumeWithMouse() {
   m_isOutPlus = false;
+  m_hasGone = false;
+  m_isMouseSeen = true;
   m_profileStep->resetSetp();
   NerinAction::startListenDev();
   refreshData();
 }
 
 void MainView::reluanchAppPro() {
+  // Without the service nobody would carry out what the message asks for.
+  if (!LXPlatform::current().hasService()) {
+    LXPlatform::current().relaunch();
+  }
   NerinAction::sendRelaunchDaemon();
 }

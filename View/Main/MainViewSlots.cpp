@@ -92,8 +92,8 @@ void MainView::selectSlot(int newIndex, int oldIndex) {
         m_progressBar, slotChangeReports + reportsOf(editState->selProfile()) + modeReports);
     outcome = isChange ? NerinAction::changeSlot(slot, show) : show();
   }
-  // At startup, another message reports a missing mouse.
-  if (isChange || NerinAction::checkListenDev()) {
+  // At startup, another message reports a mouse that cannot be used.
+  if (isChange || NerinAction::mouseAbsence() == LXDeviceAbsence::None) {
     sayHowSlotIs(outcome);
   }
   refreshApplyBtn();

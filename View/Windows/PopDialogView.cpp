@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QEventLoop>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QTimer>
 #include <utility>
 
 #include "Action/Texts/TooltipManager.h"
@@ -12,6 +14,7 @@
 #include "Kit/Widgets/LXNoTitleWindow.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
+#include "View/Screen/Pictures.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/Termination.h"
 
@@ -20,6 +23,8 @@ namespace {
 using frames = Artwork::WarningNoDevice;
 constexpr QSize dialogSize(frames::screenWidth, frames::screenHeight);
 constexpr int dragStrip = 50;
+constexpr int followMilliseconds = 200;
+constexpr qreal linkSize = 12;
 
 ProcessWide<std::function<bool(const std::string&, bool)>> answererInUse;
 
@@ -39,6 +44,11 @@ PopDialogView::PopDialogView(const QSize& frame, std::string imageNameStr,
       m_isChoose(isChoose) {}
 
 void PopDialogView::initData2() {
+  showMessage(m_imageNameStr);
+}
+
+void PopDialogView::showMessage(const std::string& imageNameStr) {
+  m_imageNameStr = imageNameStr;
   setImageByName(QString::fromStdString(m_imageNameStr) + QStringLiteral("_Normal.png"));
   // Screen readers cannot read the words in the picture.
   setAccessibleName(QString::fromStdString(
@@ -66,6 +76,29 @@ void PopDialogView::addOkBtnByRect(const QRect& rect) {
 void PopDialogView::addCancelBtnByRect(const QRect& rect) {
   m_cancelBtn = addButton(rect, cancelTag, "cancelBtn", "NO");
   setDrawnName(*m_cancelBtn, "Cancel");
+}
+
+void PopDialogView::addLink(const QString& words, std::function<void()> action) {
+  removeLink();
+  m_linkLbl = new QLabel(this);
+  m_linkLbl->setObjectName(QStringLiteral("linkLbl"));
+  m_linkLbl->setTextFormat(Qt::RichText);
+  m_linkLbl->setText(QStringLiteral("<a href=\"#\">%1</a>").arg(words.toHtmlEscaped()));
+  m_linkLbl->setAccessibleName(words);
+  m_linkLbl->setFont(pictures::font(linkSize, QFont::Normal));
+  m_linkLbl->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+  m_linkLbl->setFocusPolicy(Qt::TabFocus);
+  const QRect ok = m_okBtn->geometry();
+  const int left = m_inPutTxt->x();
+  m_linkLbl->setGeometry(left, ok.y(), ok.x() - left, ok.height());
+  connect(m_linkLbl, &QLabel::linkActivated, this,
+          [act = std::move(action)](const QString& /*address*/) { act(); });
+  m_linkLbl->show();
+}
+
+void PopDialogView::removeLink() {
+  delete m_linkLbl;
+  m_linkLbl = nullptr;
 }
 
 void PopDialogView::setTextRect(const QRect& rect) {
@@ -119,6 +152,10 @@ QWidget* NerinAction::messageOwner() {
 }
 
 bool NerinAction::showPopView(const std::string& key, bool isChoose) {
+  return showPopView(key, isChoose, {});
+}
+
+bool NerinAction::showPopView(const std::string& key, bool isChoose, const PopFollower& follower) {
   if (termination::isTerminating()) {
     return !isChoose;
   }
@@ -134,21 +171,38 @@ bool NerinAction::showPopView(const std::string& key, bool isChoose) {
   auto* view = new PopDialogView(dialogSize, key, std::nullopt, isChoose);
   view->construct();
   window.setWindowTitle(QCoreApplication::applicationName());
-  window.setAccessibleName(view->accessibleName());
-  window.setAccessibleDescription(view->accessibleDescription());
   window.setContentView(view);
-  int code = 0;
+  std::optional<int> code;
   QEventLoop loop;
   QObject::connect(view, &PopDialogView::ended, &loop, [&](int endCode) {
     code = endCode;
     loop.quit();
   });
   QObject::connect(&window, &LXNoTitleWindow::closed, &loop, &QEventLoop::quit);
+  const auto follow = [&] {
+    if (follower.update) {
+      follower.update(*view);
+    }
+    window.setAccessibleName(view->accessibleName());
+    window.setAccessibleDescription(view->accessibleDescription());
+    if (follower.isSettled && follower.isSettled()) {
+      emit view->ended(1);
+    }
+  };
+  QTimer timer;
+  QObject::connect(&timer, &QTimer::timeout, &loop, follow);
+  if (follower.update || follower.isSettled) {
+    timer.start(followMilliseconds);
+  }
+  follow();
   window.center(parent);
   window.show();
   view->okBtn()->showFocus();
-  loop.exec();
-  return !isChoose || code != 0;
+  // It may have been settled before it was shown.
+  if (!code) {
+    loop.exec();
+  }
+  return !isChoose || code.value_or(0) != 0;
 }
 
 void NerinAction::setPopViewAnswerer(std::function<bool(const std::string&, bool)> answerer) {

@@ -7,6 +7,7 @@
 #include "View/Screen/TavImageView.h"
 
 class LXTextField;
+class QLabel;
 
 // A message whose words are part of its picture, with OK and, for a choice, Cancel.
 class PopDialogView : public TavImageView {
@@ -22,7 +23,15 @@ class PopDialogView : public TavImageView {
   LXButton* okBtn() const { return m_okBtn; }
   LXButton* cancelBtn() const { return m_cancelBtn; }  // null without a choice
   LXTextField* inPutTxt() const { return m_inPutTxt; }
+  // A link below the message; null unless it was added.
+  QLabel* linkLbl() const { return m_linkLbl; }
   bool isChoose() const { return m_isChoose; }
+
+  // Shows another message in this window. The choice stays.
+  void showMessage(const std::string& imageNameStr);
+  // Adds words that act when they are clicked.
+  void addLink(const QString& words, std::function<void()> action);
+  void removeLink();
 
   void setTextRect(const QRect& rect);
   void setOkBtnRect(const QRect& rect);
@@ -52,6 +61,7 @@ class PopDialogView : public TavImageView {
   LXButton* m_okBtn = nullptr;
   LXButton* m_cancelBtn = nullptr;
   LXTextField* m_inPutTxt = nullptr;
+  QLabel* m_linkLbl = nullptr;
 };
 
 namespace NerinAction {
@@ -62,6 +72,16 @@ QWidget* messageOwner();
 // Shows the message of that key over the program and waits for the answer: true for OK. Closing a
 // message without a choice means OK, otherwise Cancel.
 bool showPopView(const std::string& key, bool isChoose);
+
+// A message that follows what happens while it is shown.
+struct PopFollower {
+  // Brings the view up to date.
+  std::function<void(PopDialogView&)> update;
+  // Whether the message has become pointless; it then ends as with OK.
+  std::function<bool()> isSettled;
+};
+// Like the other one, and asks the follower at once and every fifth of a second.
+bool showPopView(const std::string& key, bool isChoose, const PopFollower& follower);
 
 // For tests: answers every message from now on without showing it. An empty function ends that.
 void setPopViewAnswerer(std::function<bool(const std::string& key, bool isChoose)> answerer);

@@ -9,11 +9,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <hidapi.h>
+#include <poll.h>
 
 #include "Kit/Core/LXLogger.h"
+#include "Kit/Core/LXPlatform.h"
 #include "Kit/Device/HidDeviceRequester.h"
 #include "Kit/Device/HidNodes.h"
+#include "Kit/Device/HidPresenceMonitor.h"
 #include "Tests/Support/EmulatedMouse.h"
+#include "Tests/Support/Scratch.h"
 
 namespace {
 
@@ -294,7 +298,7 @@ TEST(HidDeviceRequester, NamesTheRuleThatHelpsWhenAccessIsDenied) {
   EmulatedMouse mouse;
   mouse.plug();
   mouse.setIsAccessAllowed(false);
-  HidDeviceRequester requester(mouse.udevControl());
+  HidDeviceRequester requester(mouse.udevControl(), {});
   requester.listenDevWithVid(vid, pid);
   EXPECT_FALSE(requester.isDevOn());
   EXPECT_FALSE(sendCommand(requester));
@@ -314,7 +318,7 @@ TEST(HidDeviceRequester, WarnsOfDeniedAccessOncePerChange) {
   EmulatedMouse mouse;
   mouse.plug();
   mouse.setIsAccessAllowed(false);
-  HidDeviceRequester requester(mouse.udevControl());
+  HidDeviceRequester requester(mouse.udevControl(), {});
   requester.listenDevWithVid(vid, pid);
   for (int look = 0; look < 3; ++look) {
     mouse.announceChange();
@@ -342,11 +346,87 @@ TEST(HidDeviceRequester, OpensTheMouseSoonAfterItsRightsWereGivenByHand) {
   EmulatedMouse mouse;
   mouse.plug();
   mouse.setIsAccessAllowed(false);
-  HidDeviceRequester requester(mouse.udevControl());
+  HidDeviceRequester requester(mouse.udevControl(), {});
   requester.listenDevWithVid(vid, pid);
   EXPECT_FALSE(requester.isDevOn());
   mouse.setIsAccessAllowed(true);
   EXPECT_TRUE(comesTrue([&] { return requester.isDevOn(); }));
+}
+
+TEST(HidDeviceRequester, SaysWhyTheMouseCannotBeUsed) {
+  EmulatedMouse mouse;
+  const Scratch rules;
+  HidDeviceRequester requester(mouse.udevControl(), {rules.folder()});
+  EXPECT_EQ(requester.absence(), LXDeviceAbsence::NotFound);
+  requester.listenDevWithVid(vid, pid);
+  EXPECT_EQ(requester.absence(), LXDeviceAbsence::NotFound);
+  mouse.plug();
+  EXPECT_EQ(requester.absence(), LXDeviceAbsence::None);
+  mouse.unplug();
+  EXPECT_EQ(requester.absence(), LXDeviceAbsence::NotFound);
+  mouse.plugInterface({.number = 0, .node = 6});
+  EXPECT_EQ(requester.absence(), LXDeviceAbsence::NeedsReplug);
+}
+
+TEST(HidDeviceRequester, TellsAMissingRuleFromOneThatCameTooLate) {
+  EmulatedMouse mouse;
+  mouse.plug();
+  mouse.setIsAccessAllowed(false);
+  const Scratch rules;
+  HidDeviceRequester requester(mouse.udevControl(), {"/nowhere", rules.folder()});
+  requester.listenDevWithVid(vid, pid);
+  EXPECT_EQ(requester.absence(), LXDeviceAbsence::NoPermission);
+  std::ofstream(rules.folder() / "60-nerin.rules") << rule << '\n';
+  EXPECT_EQ(requester.absence(), LXDeviceAbsence::NeedsReplug);
+  EXPECT_THAT(requester.explainAbsence(), HasSubstr("plug it in again"));
+}
+
+TEST(HidDeviceRequester, HoldsEachMouseByALockOfItsOwn) {
+  EmulatedMouse mouse;
+  const Scratch runtime;
+  LXPlatform platform;
+  platform.runtimeFolder = runtime.folder();
+  LXPlatform::install(platform);
+  HidDeviceRequester requester(mouse.udevControl());
+  requester.listenDevWithVid(vid, pid);
+  std::error_code error;
+  EXPECT_EQ(requester.claim(std::chrono::milliseconds(0), error), nullptr);
+  EXPECT_FALSE(error);
+  mouse.plug();
+  {
+    const auto held = requester.claim(std::chrono::milliseconds(0), error);
+    EXPECT_NE(held, nullptr);
+    EXPECT_EQ(namesIn(runtime.folder()), std::vector<std::string>{"mouse-1-4.lock"});
+    EXPECT_EQ(requester.claim(std::chrono::milliseconds(20), error), nullptr);
+    EXPECT_EQ(error, std::errc::device_or_resource_busy);
+  }
+  EXPECT_NE(requester.claim(std::chrono::milliseconds(0), error), nullptr);
+  EXPECT_FALSE(error);
+  LXPlatform::install({});
+}
+
+TEST(HidDeviceRequester, GoesOnWithoutALockWhereThereIsNoFolderForIt) {
+  EmulatedMouse mouse;
+  mouse.plug();
+  HidDeviceRequester requester(mouse.udevControl());
+  requester.listenDevWithVid(vid, pid);
+  std::error_code error = std::make_error_code(std::errc::io_error);
+  EXPECT_EQ(requester.claim(std::chrono::milliseconds(0), error), nullptr);
+  EXPECT_FALSE(error);
+}
+
+TEST(HidPresenceMonitor, HasADescriptorThatBecomesReadable) {
+  EmulatedMouse mouse;
+  HidPresenceMonitor monitor(mouse.udevControl());
+  ASSERT_GE(monitor.descriptor(), 0);
+  pollfd ready{.fd = monitor.descriptor(), .events = POLLIN, .revents = 0};
+  EXPECT_EQ(poll(&ready, 1, 0), 0);
+  mouse.plug();
+  EXPECT_EQ(poll(&ready, 1, 5000), 1);
+  EXPECT_TRUE(monitor.takeNews().isAny);
+  EXPECT_EQ(poll(&ready, 1, 0), 0);
+  mouse.unplug();
+  EXPECT_EQ(poll(&ready, 1, 5000), 1);
 }
 
 TEST(HidDeviceRequester, GivesTheRuleThatIsPackaged) {
