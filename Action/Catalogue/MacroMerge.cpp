@@ -96,6 +96,7 @@ bool isMadeAnew(const Macros& theirs, const macromerge::KnownMacros& known) {
 
 void macromerge::remember() {
   knownMacros().clear();
+  knownMacros().reserve(catalogue().size());
   for (const Macro& macro : catalogue()) {
     if (!macro->isNoDisplay()) {
       knownMacros().push_back({macro, textOf(*macro)});
@@ -111,6 +112,7 @@ bool macromerge::takeIn(const pugi::xml_node& section) {
   }
   bool isChanged = false;
   std::vector<const KnownMacro*> gone;
+  gone.reserve(known.size());
   for (const KnownMacro& one : known) {
     gone.push_back(&one);
   }

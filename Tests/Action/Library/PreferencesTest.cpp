@@ -43,6 +43,13 @@ std::string binaryList(std::uint64_t osd) {
 
 class Preferences : public ActionTest {
  protected:
+  // What is there beside the lock.
+  std::vector<std::string> preferenceNames() const {
+    std::vector<std::string> names = namesIn(preferenceFile().parent_path());
+    std::erase(names, ".com.corvex.NerinOption.plist.lock");
+    return names;
+  }
+
   std::string text() const { return textOfFile(preferenceFile()); }
   PreferenceFile file() const { return PreferenceFile(preferenceFile()); }
 };
@@ -196,7 +203,7 @@ TEST_F(Preferences, ABrokenFileIsSetAsideBeforeItIsReplaced) {
     EXPECT_EQ(text(), broken) << "reading must not change it";
     EXPECT_TRUE(library().setLaunchPath("/bin/x", 1, 2));
     EXPECT_EQ(library().getLaunchPath(1, 2), "/bin/x");
-    const auto names = namesIn(preferenceFile().parent_path());
+    const auto names = preferenceNames();
     ASSERT_EQ(names.size(), 2U) << broken;
     EXPECT_EQ(textOfFile(preferenceFile().parent_path() / names.back()), broken);
   }
@@ -207,7 +214,7 @@ TEST_F(Preferences, EveryBrokenFileIsKept) {
     writeText(preferenceFile(), "broken " + std::to_string(n));
     EXPECT_TRUE(library().setIsOSD(true));
   }
-  const auto names = namesIn(preferenceFile().parent_path());
+  const auto names = preferenceNames();
   EXPECT_EQ(names.size(), 4U);
   for (int n = 0; n < 3; ++n) {
     std::vector<std::string> texts;
