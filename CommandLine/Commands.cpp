@@ -40,9 +40,13 @@ void require(const std::error_code& error, const std::string& what) {
 void requireProfileName(const ProfieController& library, const std::string& name,
                         const ProfieController::Profile& profile) {
   if (!profilenames::isStorable(name)) {
+    const std::string spelled = profilenames::forMouse(name);
     throw CommandError(ExitCode::Usage,
                        "a profile's name has 1 to 65 ASCII characters, as the mouse keeps it, and "
-                       "neither / nor :");
+                       "neither / nor :" +
+                           (spelled != name && profilenames::isStorable(spelled)
+                                ? " (the nearest is " + spelled + ")"
+                                : std::string()));
   }
   if (profilenames::isFactoryName(name)) {
     throw CommandError(ExitCode::Failed, name + " is the name of a factory profile");

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 
+#include "Action/Edit/SlotOperations.h"
 #include "Action/Library/LibraryHistory.h"
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
@@ -91,12 +92,19 @@ void import(Session& session, const std::string& file) {
     throw CommandError(error.code(), std::string(brokenProfile) + ": " + error.what());
   }
   requireRoom(library);
-  if (library.addByPath(file, true) != ProfieController::Added) {
+  const auto imported = NerinAction::importProfile(file);
+  if (imported.result != ProfieController::Added) {
     throw CommandError(ExitCode::Failed, brokenProfile);
   }
   const auto profile = library.profileArr().back();
   save(library);
-  report(session, "imported", *profile);
+  std::vector<std::string> lines{"imported " + printable(profile->name().value_or(""))};
+  Json document = summary(*profile);
+  if (imported.name != imported.wanted) {
+    lines.push_back("its name was " + printable(imported.wanted) + ", which the mouse cannot hold");
+    document["wanted"] = imported.wanted;
+  }
+  session.output.print(lines, document);
 }
 
 void exportTo(Session& session, const std::string& name, const std::string& file) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "Action/Edit/PrimaryClick.h"
 #include "Action/NerinAction.h"
 #include "Action/Record/EditState.h"
 #include "CommandLine/CommandError.h"
@@ -81,13 +82,15 @@ std::size_t macrosOf(const _Nerin_PROFILE& profile) {
 }
 
 // The parts of the profile that the mouse cannot store.
-std::vector<std::string> lossesOf(const std::string& name, const _Nerin_PROFILE& profile) {
+std::vector<std::string> lossesOf(const std::string& name, const std::string& given,
+                                  const _Nerin_PROFILE& profile) {
   std::vector<std::string> losses;
-  if (!utf8::isAscii(name)) {
-    losses.push_back("the slot keeps its old name, since the mouse knows only ASCII");
-  } else if (name.size() > limits::nameCharacters) {
-    losses.push_back("the mouse keeps only " + std::to_string(limits::nameCharacters) +
-                     " characters of the name");
+  if (given != name) {
+    losses.push_back("it is called " + given + " now, since the mouse holds up to " +
+                     std::to_string(limits::nameCharacters) + " plain letters");
+  }
+  if (NerinAction::primaryClicksOf(profile) == 0) {
+    losses.emplace_back("no button has the left click");
   }
   for (std::size_t index = 0; index < buttonCount; ++index) {
     const _BTN_INFO& button = profile.btnInfo[index];
@@ -110,7 +113,8 @@ void apply(Session& session, const std::string& name, int slot) {
   NerinAction::bindSlot(profile->profileId());
   session.showProgress(macrosOf(editState->selProfile()));
   session.require(NerinAction::applySlot());
-  const auto losses = lossesOf(name, editState->selProfile());
+  const auto losses =
+      lossesOf(name, library.currFWProfileName().value_or(""), editState->selProfile());
   std::vector<std::string> lines{printable(name) + " is in slot " + std::to_string(slot + 1)};
   lines.insert(lines.end(), losses.begin(), losses.end());
   session.output.print(lines, {{"profile", name}, {"slot", slot + 1}, {"notes", losses}});

@@ -70,6 +70,10 @@ void settleName() {
   }
 }
 
+Outcome libraryIsFull() {
+  return {SlotStep::MakeProfile, std::make_error_code(std::errc::value_too_large)};
+}
+
 void unlink(int slot) {
   library().fwProfileID()[static_cast<std::size_t>(slot)] = ProfieController::notLinked;
 }
@@ -242,7 +246,34 @@ Outcome NerinAction::writeSlot(int slot) {
   return outcome;
 }
 
+NerinAction::Import NerinAction::importProfile(const std::filesystem::path& file) {
+  Import import;
+  import.result = library().addByPath(file, true);
+  if (import.result != ProfieController::Added) {
+    return import;
+  }
+  const auto profile = library().profileArr().back();
+  import.wanted = profile->name().value_or("");
+  import.name = import.wanted;
+  if (!import.wanted.empty() && !profilenames::isHeldByMouse(import.wanted)) {
+    const std::string spelled = profilenames::forMouse(import.wanted);
+    import.name = spelled.empty()                                ? library().getNewProfileName()
+                  : library().checkProfileName(spelled, profile) ? spelled
+                                                                 : numbered(spelled);
+    profile->setName(import.name);
+  }
+  return import;
+}
+
+bool NerinAction::hasRoomForSlot() {
+  return library().getProfileByFWProIndex(library().currFWProfileIndex()) != nullptr ||
+         library().getProfileCount() < limits::profiles;
+}
+
 Outcome NerinAction::applySlot() {
+  if (!hasRoomForSlot()) {
+    return libraryIsFull();
+  }
   settleName();
   const Outcome link = saveLinkApp();
   Outcome outcome = commit();
@@ -259,6 +290,9 @@ Outcome NerinAction::resetSlot() {
   if (!factory || !canResetSlot(library().currFWProfileIndex())) {
     return {};
   }
+  if (!hasRoomForSlot()) {
+    return libraryIsFull();
+  }
   library().setCurrFWProfileName(factory->name());
   editState->bind(factory->profileData());
   settleName();
@@ -266,6 +300,9 @@ Outcome NerinAction::resetSlot() {
 }
 
 Outcome NerinAction::renameSlot(const std::string& name) {
+  if (!hasRoomForSlot()) {
+    return libraryIsFull();
+  }
   const auto before = library().currFWProfileName();
   library().setCurrFWProfileName(name);
   settleName();

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
 
 #include "Action/Device/DeviceLink.h"
+#include "Action/Library/ProfieController.h"
 #include "Action/Record/Outcome.h"
 
 // The user's operations on a slot. The window and the command line both call these functions and
@@ -43,11 +45,25 @@ bool canUndoDelete();
 // the profile is selected. The edited record stays. Does nothing where canUndoDelete is false.
 Outcome undoDelete();
 
+// Adds a profile file to the library, under a name that is free and that the mouse can hold. The
+// library is not saved.
+struct Import {
+  ProfieController::AddResult result = ProfieController::NoFile;
+  std::string wanted;  // the name in the file
+  std::string name;    // the name in the library
+};
+Import importProfile(const std::filesystem::path& file);
+
+// Whether the current slot's profile is in the library, or the library has room for it.
+bool hasRoomForSlot();
+
 // Saves the slot's linked program in the profile and in the preferences.
 Outcome saveLinkApp();
 // Writes the edited profile, its name and its macros to the slot of the mouse.
 Outcome writeSlot(int slot);
 // Commits the edit: saves the linked program, writes the mouse and the library, tells the service.
+// This, a reset and a rename fail with SlotStep::MakeProfile, and change nothing, where
+// hasRoomForSlot is false.
 Outcome applySlot();
 
 // Whether the slot can be reset: only the first five have factory settings.

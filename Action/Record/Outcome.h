@@ -21,6 +21,7 @@ enum class SlotStep : std::uint8_t {
   HeldBack,
   SavePreferences,
   SaveLibrary,
+  MakeProfile,
 };
 
 // The step that failed, and why.

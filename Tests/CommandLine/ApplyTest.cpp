@@ -167,17 +167,30 @@ TEST_F(NerinctlApply, SaysWhichButtonHasLostItsMacro) {
   EXPECT_EQ(user.json({"read", "--slot", "2"})["buttons"][3]["type"], "disabled");
 }
 
-TEST_F(NerinctlApply, SaysWhatTheMouseDoesNotKeepOfAName) {
-  user.addProfile(profileNamed("M\xC3\xBCnchen"));
-  EXPECT_THAT(user.lines({"apply", "M\xC3\xBCnchen", "--slot", "2"}),
-              ElementsAre("M\xC3\xBCnchen is in slot 2",
-                          "the slot keeps its old name, since the mouse knows only ASCII"));
-  EXPECT_EQ(VirtualMouse(user.mouseFile).slotName(1), "Profile#2");
+TEST_F(NerinctlApply, SaysHowTheMouseSpellsAName) {
   const std::string longName(70, 'x');
-  user.addProfile(profileNamed(longName));
-  EXPECT_THAT(user.lines({"apply", longName, "--slot", "2"}),
-              testing::Contains("the mouse keeps only 65 characters of the name"));
+  for (const std::string& name : {std::string("M\xC3\xBCnchen"), longName}) {
+    auto profile = profileNamed(name);
+    ASSERT_FALSE(profile.saveToPath(user.profileFolder() / (name + ".pro")));
+  }
+  EXPECT_THAT(
+      user.lines({"apply", "M\xC3\xBCnchen", "--slot", "2"}),
+      ElementsAre("M\xC3\xBCnchen is in slot 2",
+                  "it is called Munchen now, since the mouse holds up to 65 plain letters"));
+  EXPECT_EQ(VirtualMouse(user.mouseFile).slotName(1), "Munchen");
+  EXPECT_THAT(user.lines({"profiles", "list"}), testing::Contains(testing::HasSubstr("Munchen")));
+  EXPECT_THAT(
+      user.lines({"apply", longName, "--slot", "2"}),
+      testing::Contains(testing::StartsWith("it is called " + std::string(65, 'x') + " now")));
   EXPECT_EQ(VirtualMouse(user.mouseFile).slotName(1), std::string(65, 'x'));
+}
+
+TEST_F(NerinctlApply, AnImportSpellsANameForTheMouse) {
+  auto profile = profileNamed("B\xC3\xBCro");
+  ASSERT_FALSE(profile.saveToPath(user.files / "b.pro"));
+  EXPECT_THAT(
+      user.lines({"profiles", "import", (user.files / "b.pro").string()}),
+      ElementsAre("imported Buro", "its name was B\xC3\xBCro, which the mouse cannot hold"));
 }
 
 }  // namespace

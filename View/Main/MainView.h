@@ -78,6 +78,7 @@ class MainView : public TavImageView,
   void addProfile();
   void copyProfile();
   void delProfile();
+  void undoDelete();
   void extentProfile();
   void importProfile();
   void reNamePro();
@@ -159,7 +160,7 @@ class MainView : public TavImageView,
   void selectMode(int newIndex, int oldIndex);
   void raiseNeedSave();
   void sayHowSlotIs(const Outcome& outcome);
-  void sayIfSpelled(const std::string& wanted);
+  void sayIfSpelled(const std::string& wanted, const std::string& name);
   void showDraftMarks();
   void catchUp();
   void beginProfile(const std::string& name);

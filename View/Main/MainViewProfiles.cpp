@@ -92,9 +92,21 @@ void MainView::delProfile() {
   if (!library().currProfile()) {
     return;
   }
+  const QString name = QString::fromStdString(library().currProfile()->name().value_or(""));
   const Outcome outcome = NerinAction::deleteSelectedProfile();
   refreshProfileMenu();
   showTitle(std::nullopt);
+  statusline::tell(outcome);
+  if (outcome.isDone() && NerinAction::canUndoDelete()) {
+    statusline::say(NerinAction::tooltipText("Deleted: %1").arg(name), StatusLine::Tone::Done,
+                    StatusLine::Offer{NerinAction::tooltipText("Undo"), [this] { undoDelete(); }});
+  }
+}
+
+void MainView::undoDelete() {
+  const Outcome outcome = NerinAction::undoDelete();
+  refreshProfileMenu();
+  showSlotTitle();
   statusline::tell(outcome);
 }
 
@@ -130,8 +142,10 @@ void MainView::importProfile() {
   if (termination::isTerminating()) {
     return;
   }
+  NerinAction::Import imported;
   if (chosen) {
-    switch (library().addByPath(*chosen, true)) {
+    imported = NerinAction::importProfile(*chosen);
+    switch (imported.result) {
       case ProfieController::Added:
         refreshProfileMenu();
         break;
@@ -149,6 +163,9 @@ void MainView::importProfile() {
   // A save takes in what other programs did in the folder.
   refreshProfileMenu();
   statusline::tell(outcome);
+  if (outcome.isDone() && imported.result == ProfieController::Added) {
+    sayIfSpelled(imported.wanted, imported.name);
+  }
 }
 
 void MainView::onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) {
@@ -191,7 +208,7 @@ void MainView::reNamePro() {
   showName();
   statusline::tell(outcome);
   if (isRenamed && outcome.isDone()) {
-    sayIfSpelled(typed);
+    sayIfSpelled(typed, library().currFWProfileName().value_or(""));
   }
 }
 

@@ -129,8 +129,7 @@ void MainView::readSlotAgain() {
 }
 
 // For a name that the mouse cannot hold.
-void MainView::sayIfSpelled(const std::string& wanted) {
-  const std::string& name = library().currFWProfileName().value_or("");
+void MainView::sayIfSpelled(const std::string& wanted, const std::string& name) {
   if (!wanted.empty() && !profilenames::isHeldByMouse(wanted)) {
     statusline::say(NerinAction::tooltipText("The mouse holds plain letters only: %1 is now %2.")
                         .arg(QString::fromStdString(wanted), QString::fromStdString(name)));
@@ -190,7 +189,7 @@ void MainView::applyPro() {
   statusline::tellApplied(outcome, reports,
                           NerinAction::tooltipText("Applied to slot %1.").arg(currentSlot() + 1));
   if (outcome.isDone()) {
-    sayIfSpelled(wanted);
+    sayIfSpelled(wanted, library().currFWProfileName().value_or(""));
   }
 }
 

@@ -69,6 +69,8 @@ QString wordsFor(const Failure& failure) {
         return words("Another program is using the profile library. Try again.");
       }
       return words("The library could not be saved: %1.").arg(words(reasonOf(failure.error)));
+    case SlotStep::MakeProfile:
+      return words("Maximum number of profiles reached");
     case SlotStep::SavePreferences:
       return words("The settings could not be saved.");
     case SlotStep::HeldBack:
@@ -89,7 +91,8 @@ QString wordsFor(const Failure& failure) {
 }
 
 bool isOfMouse(SlotStep step) {
-  return step != SlotStep::SaveLibrary && step != SlotStep::SavePreferences;
+  return step != SlotStep::SaveLibrary && step != SlotStep::SavePreferences &&
+         step != SlotStep::MakeProfile;
 }
 
 }  // namespace

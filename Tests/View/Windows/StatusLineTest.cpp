@@ -172,6 +172,51 @@ TEST_F(Status, ANameFromTheLibraryIsSpelledWhenItIsApplied) {
   EXPECT_THAT(status(), HasSubstr("Buro"));
 }
 
+TEST_F(Status, ADeletedProfileCanBeBroughtBack) {
+  start();
+  click("profileNewBtn");
+  click("applyBtn");
+  click("profileDelBtn");
+  EXPECT_EQ(status(), "Deleted: NewPF_1");
+  EXPECT_EQ(library().getProfileCount(), 0U);
+  EXPECT_EQ(title(), "");
+  takeOffer();
+  EXPECT_EQ(status(), "");
+  EXPECT_EQ(title(), "NewPF_1");
+  EXPECT_THAT(namesIn(libraryFolder()), ElementsAre("NewPF_1.pro"));
+  EXPECT_EQ(library().currProfile(), library().getProfileByName("NewPF_1"));
+}
+
+TEST_F(Status, AnImportedNameIsSpelledAndSaidSo) {
+  start();
+  writeText(home() / "import.pro", profileBytes(9, "B\xC3\xBCro"));
+  m_chosen = (home() / "import.pro").string();
+  click("profileImportBtn");
+  EXPECT_THAT(status(), testing::EndsWith("B\xC3\xBCro is now Buro"));
+  EXPECT_THAT(namesOf(library().profileArr()), ElementsAre("Buro"));
+}
+
+TEST_F(Status, AFullLibraryTakesNoNewProfileByAnyRoad) {
+  start();
+  for (int n = 1; n <= 50; ++n) {
+    library().addProfileByName("P" + std::to_string(n), nullptr);
+  }
+  edit();
+  clearTrace();
+  click("applyBtn");
+  EXPECT_EQ(status(), "Maximum number of profiles reached");
+  EXPECT_TRUE(button("applyBtn").isEnabled());
+  click("reDefBtn");
+  typeName("Fresh");
+  EXPECT_THAT(trace(), IsEmpty()) << "the mouse would hold a profile that is in no library";
+  EXPECT_EQ(library().getProfileCount(), 50U);
+  EXPECT_EQ(status(), "Maximum number of profiles reached");
+  view().setSelectedProfileProById(library().getProfileByName("P7")->profileId(), "P7");
+  edit();
+  click("applyBtn");
+  EXPECT_EQ(status(), "Applied to slot 1");
+}
+
 TEST_F(Status, TextsOfUsersAreNoMarkup) {
   start();
   statusline::say(QStringLiteral("<b>Deleted</b>"));
