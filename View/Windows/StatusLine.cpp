@@ -20,6 +20,8 @@ constexpr qreal typeSize = 12;
 constexpr std::array<qreal, 3> smallerTypes{12, 11.5, 11};
 constexpr int markWidth = 3;
 constexpr int gap = 10;
+constexpr QColor footerColor(0x15, 0x17, 0x1C);
+constexpr QColor wordColor(0xD5, 0xD9, 0xE0);
 
 ProcessWide<std::vector<StatusLine*>> openLines;
 // The number of the slot that the mouse has moved to, for the words of HeldBack.
@@ -104,6 +106,9 @@ StatusLine::StatusLine(QWidget* parent)
   // Names of profiles come from anywhere.
   m_label->setTextFormat(Qt::PlainText);
   m_label->setWordWrap(true);
+  QPalette colors = m_label->palette();
+  colors.setColor(QPalette::WindowText, wordColor);
+  m_label->setPalette(colors);
   m_label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   m_button->setObjectName(QStringLiteral("statusOffer"));
   m_button->setFont(pictures::font(typeSize, QFont::DemiBold));
@@ -183,7 +188,10 @@ void StatusLine::layOut() {
 
 void StatusLine::paintEvent(QPaintEvent* /*event*/) {
   if (!m_label->text().isEmpty()) {
-    QPainter(this).fillRect(QRect(0, 4, markWidth, height() - 8), colorOf(m_tone));
+    QPainter painter(this);
+    // A window's own hint may stand here while there is nothing to say.
+    painter.fillRect(rect(), footerColor);
+    painter.fillRect(QRect(0, 4, markWidth, height() - 8), colorOf(m_tone));
   }
 }
 
