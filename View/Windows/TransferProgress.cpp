@@ -1,8 +1,11 @@
 #include "View/Windows/TransferProgress.h"
 
+#include <QElapsedTimer>
+#include <QEvent>
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPointer>
+#include <QTimer>
 #include <algorithm>
 
 #include "Kit/Core/ProcessWide.h"
@@ -15,6 +18,7 @@ struct Work {
   QPointer<ProgressLine> line;
   int reports = 0;
   int done = 0;
+  QElapsedTimer time;
 };
 
 ProcessWide<Work> currentWork;
@@ -22,6 +26,39 @@ ProcessWide<Work> currentWork;
 Work& work() {
   return *currentWork;
 }
+
+// Shorter work leaves no time to click into it.
+constexpr int noticedMilliseconds = 100;
+// By then the window system has handed over what it had queued.
+constexpr int handOverMilliseconds = 60;
+
+// Drops the input that waited while the program did not answer.
+class QueuedInputFilter : public QObject {
+ public:
+  QueuedInputFilter() : QObject(qApp) {
+    qApp->installEventFilter(this);
+    QTimer::singleShot(handOverMilliseconds, this, [this] {
+      // Runs when no event is waiting any more.
+      QTimer::singleShot(0, this, &QObject::deleteLater);
+    });
+  }
+
+ protected:
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    switch (event->type()) {
+      case QEvent::MouseButtonPress:
+      case QEvent::MouseButtonRelease:
+      case QEvent::MouseButtonDblClick:
+      case QEvent::KeyPress:
+      case QEvent::KeyRelease:
+      case QEvent::ShortcutOverride:
+      case QEvent::Wheel:
+        return event->spontaneous();
+      default:
+        return false;
+    }
+  }
+};
 
 }  // namespace
 
@@ -43,7 +80,8 @@ void ProgressLine::paintEvent(QPaintEvent* /*event*/) {
 TransferProgress::TransferProgress(ProgressLine* line, int reports)
     : m_isOutermost(work().reports == 0) {
   if (m_isOutermost) {
-    work() = {line, std::max(1, reports), 0};
+    work() = {line, std::max(1, reports), 0, {}};
+    work().time.start();
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
   }
 }
@@ -54,7 +92,12 @@ TransferProgress::~TransferProgress() {
     if (work().line) {
       work().line->showFraction(-1);
     }
+    const bool isNoticed = work().time.elapsed() > noticedMilliseconds;
     work() = {};
+    if (isNoticed) {
+      // The application owns it, and it goes by itself.
+      new QueuedInputFilter;
+    }
   }
 }
 

@@ -1,12 +1,15 @@
 // What the user sees while the mouse is written or read, and in which order.
 
 #include <QApplication>
+#include <QTest>
 #include <QTimer>
+#include <thread>
 
 #include <gmock/gmock.h>
 
 #include "Action/NerinAction.h"
 #include "Tests/Support/ViewTest.h"
+#include "View/Windows/Termination.h"
 #include "View/Windows/TransferProgress.h"
 
 using testing::Each;
@@ -79,6 +82,23 @@ TEST_F(Transfer, CountsTheMacrosOfTheButtons) {
   EXPECT_LE(m_fractions.back(), 1);
   EXPECT_TRUE(std::is_sorted(m_fractions.begin(), m_fractions.end()));
   EXPECT_EQ(std::count(m_fractions.begin(), m_fractions.end(), 1.0), 1);
+}
+
+TEST_F(Transfer, WhatWasClickedMeanwhileIsDropped) {
+  start();
+  click("profileNewBtn");
+  setOnPause([] { std::this_thread::sleep_for(std::chrono::milliseconds(40)); });
+  click("applyBtn");
+  setOnPause({});
+  const auto count = library().getProfileCount();
+  QTest::mouseClick(window().windowHandle(), Qt::LeftButton, {},
+                    button("cancelBtn").mapTo(&window(), QPoint(20, 20)));
+  EXPECT_FALSE(termination::isTerminating()) << "it was queued while the mouse was written";
+  QTest::qWait(150);
+  QTest::mouseClick(window().windowHandle(), Qt::LeftButton, {},
+                    button("cancelBtn").mapTo(&window(), QPoint(20, 20)));
+  EXPECT_TRUE(termination::isTerminating());
+  EXPECT_EQ(library().getProfileCount(), count);
 }
 
 TEST_F(Transfer, NothingElseHappensMeanwhile) {
