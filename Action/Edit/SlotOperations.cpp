@@ -78,11 +78,12 @@ void unlink(int slot) {
   library().fwProfileID()[static_cast<std::size_t>(slot)] = ProfieController::notLinked;
 }
 
-// Whether the mouse was not there, or not free, before the first report.
+// Whether the mouse was not there, silent or not free before the first report.
 bool isNothingSent(const Outcome& outcome) {
   const std::error_code error = outcome.failure()->error;
-  return NerinAction::reportsInSeries() <= 1 &&
-         (error == std::errc::no_such_device || error == std::errc::device_or_resource_busy);
+  const int reports = NerinAction::reportsInSeries();
+  return reports == 0 || (reports == 1 && (error == std::errc::no_such_device ||
+                                           error == std::errc::device_or_resource_busy));
 }
 
 Outcome saveSlotToLibrary() {

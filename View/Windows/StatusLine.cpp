@@ -222,7 +222,8 @@ void statusline::tellApplied(const Outcome& outcome, int reports, const QString&
     say(words("Applied, but the library could not be saved: %1.")
             .arg(words(reasonOf(failure->error))),
         StatusLine::Tone::Failure);
-  } else if (isOfMouse(failure->step) && failure->error != std::errc::device_or_resource_busy) {
+  } else if (isOfMouse(failure->step) && NerinAction::reportsInSeries() > 0 &&
+             failure->error != std::errc::device_or_resource_busy) {
     say(words("Not applied: the mouse did not take report %1 of %2.")
             .arg(NerinAction::reportsInSeries())
             .arg(std::max(reports, NerinAction::reportsInSeries())),

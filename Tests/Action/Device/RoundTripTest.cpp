@@ -56,6 +56,8 @@ class RoundTrip : public ActionTest {
 
   // The button after a write and a read.
   _BTN_INFO roundTrip(const _BTN_INFO& info) {
+    // The library has room for fifty.
+    library().removeAllNoDefault();
     editState->edit() = wholeRecord(0);
     editState->edit().btnInfo[3] = info;
     applyAndRead();
