@@ -7,6 +7,7 @@
 #include "Kit/Bus/SingleInstance.h"
 #include "Kit/Core/HostEnvironment.h"
 #include "Kit/Desktop/DesktopServices.h"
+#include "Kit/Desktop/InstalledPrograms.h"
 #include "View/Windows/PlainMessage.h"
 #include "View/Windows/TransferProgress.h"
 
@@ -28,6 +29,7 @@ LXPlatform realPlatform(std::shared_ptr<LXDeviceRequester> requester,
     return isOnTheSessionBus("com.corvex.NerinOption.Companion", std::chrono::milliseconds(300));
   };
   platform.relaunch = relaunch::request;
+  platform.programName = installedprograms::nameOf;
   platform.open = desktopservices::open;
   platform.showInfoMessage = plainmessage::show;
   platform.chooseInfoMessage = plainmessage::ask;

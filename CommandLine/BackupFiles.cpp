@@ -12,7 +12,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using backupfiles::place;
 using backupfiles::SlotBackup;
 
 std::string slotFile(int slot, const char* extension) {

@@ -2,7 +2,7 @@
 
 build_packages=(
   cmake fonts-inter g++ librsvg2-bin ninja-build pkg-config python3
-  libcli11-dev libfontconfig-dev libhidapi-dev libicu-dev libplist-dev libpng-dev libpugixml-dev
+  libcli11-dev libfontconfig-dev libglib2.0-dev libhidapi-dev libicu-dev libplist-dev libpng-dev libpugixml-dev
   libspdlog-dev libudev-dev nlohmann-json3-dev qt6-base-dev
 )
 test_packages=(

@@ -14,6 +14,7 @@
 #include "Action/Wire/MacroImage.h"
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXKey.h"
+#include "Kit/Core/LXPlatform.h"
 
 namespace {
 
@@ -77,7 +78,7 @@ std::string singleCaption(const _BTN_INFO& btnInfo) {
 }
 
 std::string programName(const std::string& path) {
-  return std::filesystem::path(path).stem().string();
+  return LXPlatform::current().programName(path);
 }
 
 std::string launchCaption(const _BTN_INFO& btnInfo, int index) {

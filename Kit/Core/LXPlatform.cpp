@@ -46,6 +46,11 @@ LXPlatform withHarmlessDefaults(LXPlatform platform) {
   if (!platform.documentsFolder) {
     platform.documentsFolder = [home = platform.homeFolder] { return home; };
   }
+  if (!platform.programName) {
+    platform.programName = [](const std::string& path) {
+      return std::filesystem::path(path).stem().string();
+    };
+  }
   if (!platform.open) {
     platform.open = [](const std::string&) { return false; };
   }

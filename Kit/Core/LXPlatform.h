@@ -41,6 +41,8 @@ struct LXPlatform {
   std::function<void(std::chrono::microseconds)> sleep;
   // The folder where the user keeps documents, asked anew for each panel, because it can be moved.
   std::function<std::filesystem::path()> documentsFolder;
+  // The name of a program by its path, as the desktop's menus show it.
+  std::function<std::string(const std::string&)> programName;
   // Opens a file or a web address with its default application.
   std::function<bool(const std::string&)> open;
   // Shows a text and waits until the user has read it.

@@ -219,6 +219,8 @@ class AssignedFunction(Roads):
         def pick(panel):
             before = panel.picture("pathTxt", LAUNCH_PANEL)
             panel.click("launchProBtn", LAUNCH_PANEL)
+            self.desktop.activate(self.desktop.window("Choose a program"))
+            self.desktop.key("ctrl+o")
             files = self.desktop.window("Open")
             self.desktop.activate(files)
             self.desktop.type(tool)

@@ -76,6 +76,8 @@ class MainJob(DemoTest):
             file.write("[Desktop Entry]\n")
         self.click("linkProChk")
         self.click("linkProBtn")
+        self.desktop.activate(self.desktop.window("Choose a program"))
+        self.desktop.key("ctrl+o")
         panel = self.desktop.window("Open")
         self.desktop.activate(panel)
         self.desktop.type(game)

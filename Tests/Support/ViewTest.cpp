@@ -11,6 +11,7 @@
 #include "Kit/Widgets/LXMenulist.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Windows/PopDialogView.h"
+#include "View/Windows/ProgramPanel.h"
 #include "View/Windows/StatusLine.h"
 #include "View/Windows/Termination.h"
 
@@ -41,6 +42,11 @@ void ViewTest::installSeams() {
     }
     return !isChoose || m_answer;
   });
+  // The panel of programs leads to that of files.
+  programpanel::setAnswerer([](QWidget* parent) { return filepanel::openProgram(parent); });
+  LXPlatform named = LXPlatform::current();
+  named.programName = installedprograms::nameOf;
+  LXPlatform::install(named);
   filepanel::setAnswerer([this](const filepanel::Request& request) {
     m_panels.push_back(request);
     if (m_duringPanel) {
@@ -55,6 +61,7 @@ ViewTest::~ViewTest() {
   process();
   NerinAction::setPopViewAnswerer({});
   filepanel::setAnswerer({});
+  programpanel::setAnswerer({});
 }
 
 void ViewTest::endProgram() {

@@ -3,12 +3,12 @@
 #include "Action/Library/ProfieController.h"
 #include "Action/Wire/KeyCodes.h"
 #include "ArtworkFrames.h"
-#include "Kit/Desktop/FilePanel.h"
 #include "Kit/Widgets/LXButton.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
 #include "View/Windows/NestedLoop.h"
+#include "View/Windows/ProgramPanel.h"
 #include "View/Windows/StatusLine.h"
 #include "View/Windows/Termination.h"
 
@@ -74,7 +74,7 @@ void SubLaunchProgramView::buttonAction(LXButton& sender) {
 
 void SubLaunchProgramView::choose() {
   const NestedLoop scope;
-  const auto chosen = filepanel::openProgram(this);
+  const auto chosen = programpanel::choose(this);
   if (chosen && !termination::isTerminating()) {
     m_currLaunchPath = chosen->string();
     showPath(QString::fromStdString(m_currLaunchPath));

@@ -2,7 +2,6 @@
 
 #include "View/Main/MainView.h"
 
-#include <QFileInfo>
 #include <algorithm>
 #include <utility>
 
@@ -23,6 +22,7 @@
 #include "View/Main/MainViewTags.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Windows/ChildView.h"
+#include "View/Windows/ProgramPanel.h"
 #include "View/Windows/StatusLine.h"
 #include "View/Windows/Termination.h"
 
@@ -125,7 +125,7 @@ void MainView::showLinkPath() {
   const QString words = NerinAction::tooltipText("Link this profile to the program you selected.");
   m_linkProBtn->setToolTip(path.isEmpty() ? words : words + u'\n' + path);
   m_linkProBtn->setTitle(path.isEmpty() ? NerinAction::tooltipText("Choose program")
-                                        : QFileInfo(path).fileName());
+                                        : programpanel::shownName(path.toStdString()));
 }
 
 void MainView::refreshProfileMenu() {

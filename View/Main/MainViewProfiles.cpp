@@ -19,6 +19,7 @@
 #include "View/Screen/ControlFactory.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/PopDialogView.h"
+#include "View/Windows/ProgramPanel.h"
 #include "View/Windows/StatusLine.h"
 #include "View/Windows/Termination.h"
 #include "View/Windows/TransferProgress.h"
@@ -214,7 +215,7 @@ void MainView::reNamePro() {
 
 void MainView::showLaunchPro() {
   const NestedLoop scope;
-  const auto chosen = filepanel::openProgram(this);
+  const auto chosen = programpanel::choose(this);
   if (!chosen || termination::isTerminating()) {
     return;
   }

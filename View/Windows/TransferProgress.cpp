@@ -29,18 +29,14 @@ Work& work() {
 
 // Shorter work leaves no time to click into it.
 constexpr int noticedMilliseconds = 100;
-// By then the window system has handed over what it had queued.
-constexpr int handOverMilliseconds = 60;
 
 // Drops the input that waited while the program did not answer.
 class QueuedInputFilter : public QObject {
  public:
   QueuedInputFilter() : QObject(qApp) {
     qApp->installEventFilter(this);
-    QTimer::singleShot(handOverMilliseconds, this, [this] {
-      // Runs when no event is waiting any more.
-      QTimer::singleShot(0, this, &QObject::deleteLater);
-    });
+    // Runs when no event is waiting any more.
+    QTimer::singleShot(0, this, &QObject::deleteLater);
   }
 
  protected:
