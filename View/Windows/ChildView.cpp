@@ -1,6 +1,9 @@
 #include "View/Windows/ChildView.h"
 
+#include <QElapsedTimer>
+
 #include "Kit/Widgets/LXButton.h"
+#include "View/Windows/QueuedInput.h"
 #include "View/Windows/StatusLine.h"
 
 namespace {
@@ -10,6 +13,8 @@ constexpr int footerGap = 8;
 constexpr int lineHeight = 4;
 // The narrow windows need three lines of words.
 constexpr int extraHeight = 7;
+// Shorter work leaves no time to click into it.
+constexpr int noticedMilliseconds = 100;
 
 }  // namespace
 
@@ -49,8 +54,18 @@ void ChildView::buttonAction(LXButton& sender) {
   }
 }
 
-void ChildView::cancelAndEnd() {
+void ChildView::undoEdit() {
+  QElapsedTimer time;
+  time.start();
   cancelEdit();
+  if (time.elapsed() > noticedMilliseconds) {
+    // A click that waited for this window must not reach the one below.
+    queuedinput::drop();
+  }
+}
+
+void ChildView::cancelAndEnd() {
+  undoEdit();
   endWindow(0);
 }
 
@@ -66,5 +81,5 @@ void ChildView::windowCloses() {
   }
   m_hasEnded = true;
   m_endTag = 0;
-  cancelEdit();
+  undoEdit();
 }

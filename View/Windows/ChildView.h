@@ -57,6 +57,8 @@ class ChildView : public TavImageView {
   void endWindow(int endTag);
 
  private:
+  void undoEdit();
+
   static constexpr int noTag = -1;
 
   ProgressLine* m_progressLine = nullptr;

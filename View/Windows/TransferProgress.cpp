@@ -1,11 +1,8 @@
 #include "View/Windows/TransferProgress.h"
 
-#include <QElapsedTimer>
-#include <QEvent>
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPointer>
-#include <QTimer>
 #include <algorithm>
 
 #include "Kit/Core/ProcessWide.h"
@@ -18,7 +15,6 @@ struct Work {
   QPointer<ProgressLine> line;
   int reports = 0;
   int done = 0;
-  QElapsedTimer time;
 };
 
 ProcessWide<Work> currentWork;
@@ -26,35 +22,6 @@ ProcessWide<Work> currentWork;
 Work& work() {
   return *currentWork;
 }
-
-// Shorter work leaves no time to click into it.
-constexpr int noticedMilliseconds = 100;
-
-// Drops the input that waited while the program did not answer.
-class QueuedInputFilter : public QObject {
- public:
-  QueuedInputFilter() : QObject(qApp) {
-    qApp->installEventFilter(this);
-    // Runs when no event is waiting any more.
-    QTimer::singleShot(0, this, &QObject::deleteLater);
-  }
-
- protected:
-  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
-    switch (event->type()) {
-      case QEvent::MouseButtonPress:
-      case QEvent::MouseButtonRelease:
-      case QEvent::MouseButtonDblClick:
-      case QEvent::KeyPress:
-      case QEvent::KeyRelease:
-      case QEvent::ShortcutOverride:
-      case QEvent::Wheel:
-        return event->spontaneous();
-      default:
-        return false;
-    }
-  }
-};
 
 }  // namespace
 
@@ -76,8 +43,7 @@ void ProgressLine::paintEvent(QPaintEvent* /*event*/) {
 TransferProgress::TransferProgress(ProgressLine* line, int reports)
     : m_isOutermost(work().reports == 0) {
   if (m_isOutermost) {
-    work() = {line, std::max(1, reports), 0, {}};
-    work().time.start();
+    work() = {line, std::max(1, reports), 0};
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
   }
 }
@@ -88,12 +54,7 @@ TransferProgress::~TransferProgress() {
     if (work().line) {
       work().line->showFraction(-1);
     }
-    const bool isNoticed = work().time.elapsed() > noticedMilliseconds;
     work() = {};
-    if (isNoticed) {
-      // The application owns it, and it goes by itself.
-      new QueuedInputFilter;
-    }
   }
 }
 

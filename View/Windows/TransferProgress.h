@@ -22,8 +22,7 @@ class ProgressLine : public QWidget {
 };
 
 // Shows a wait cursor and fills the line with every report while the mouse is read or written. A
-// nested one counts for the outer one. What the user clicks and types meanwhile is dropped: it was
-// meant for what the window showed before.
+// nested one counts for the outer one.
 class TransferProgress {
  public:
   // `reports`: the expected number of reports.
