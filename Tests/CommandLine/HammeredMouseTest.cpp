@@ -212,6 +212,7 @@ class Window {
         return;
       }
       ++m_count.busy;
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
   }
 
