@@ -114,8 +114,11 @@ const Deed reads[] = {
      .act = [] { return NerinAction::loadSlot(slotOfWork).outcome; },
      .triesAgain = TriesAgain::Always,
      .prepare = changeAsAnotherProgram},
-    {.name = "backup", .act = backUp, .triesAgain = TriesAgain::Always},
     {.name = "slot change", .act = changeSlot, .triesAgain = TriesAgain::Partly},
+};
+
+const Deed backups[] = {
+    {.name = "backup", .act = backUp, .triesAgain = TriesAgain::Always},
 };
 
 const Deed applies[] = {
@@ -390,6 +393,7 @@ TEST_P(EveryTransfer, ThatFailsLeavesTheLibraryBeforeOrAfterAndTheEditToBeApplie
 }
 
 INSTANTIATE_TEST_SUITE_P(OfReads, EveryTransfer, testing::ValuesIn(reads), nameOfDeed);
+INSTANTIATE_TEST_SUITE_P(OfBackups, EveryTransfer, testing::ValuesIn(backups), nameOfDeed);
 INSTANTIATE_TEST_SUITE_P(OfApplies, EveryTransfer, testing::ValuesIn(applies), nameOfDeed);
 INSTANTIATE_TEST_SUITE_P(OfSettings, EveryTransfer, testing::ValuesIn(settings), nameOfDeed);
 

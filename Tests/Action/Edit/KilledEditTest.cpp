@@ -245,6 +245,7 @@ class KilledEdit : public testing::Test {
     button.btnType = ButtonTypeMacro;
     button.KeyBit[0] = 1;
     button.MacroID = static_cast<std::uint32_t>(macro->macroId());
+    setNumber(editState->edit(), m_world.number);
     ASSERT_TRUE(NerinAction::applySlot().isDone());
     end();
     for (const char* name : {"Keep1.pro", "Keep2.pro", "Keep3.pro"}) {
