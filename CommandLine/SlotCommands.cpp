@@ -8,7 +8,6 @@
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
 #include "CommandLine/RecordOutput.h"
-#include "Kit/Core/Utf8.h"
 
 namespace {
 
@@ -105,14 +104,14 @@ std::size_t macrosOf(const _Nerin_PROFILE& profile) {
       }));
 }
 
-// The parts of the profile that the mouse cannot store.
+// What the mouse cannot store of the profile with that name.
 std::vector<std::string> lossesOf(const std::string& name, const _Nerin_PROFILE& profile) {
   std::vector<std::string> losses;
-  if (!utf8::isAscii(name)) {
-    losses.push_back("the slot keeps its old name, since the mouse knows only ASCII");
-  } else if (name.size() > limits::nameCharacters) {
-    losses.push_back("the mouse keeps only " + std::to_string(limits::nameCharacters) +
-                     " characters of the name");
+  const auto held = ProfieController::getShareProCon().currFWProfileName().value_or("");
+  if (held != name) {
+    losses.push_back("its name is " + printable(held) +
+                     " now, in the library too: the mouse holds " +
+                     std::to_string(limits::nameCharacters) + " plain letters");
   }
   for (std::size_t index = 0; index < buttonCount; ++index) {
     const _BTN_INFO& button = profile.btnInfo[index];

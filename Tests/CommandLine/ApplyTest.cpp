@@ -167,16 +167,18 @@ TEST_F(NerinctlApply, SaysWhichButtonHasLostItsMacro) {
   EXPECT_EQ(user.json({"read", "--slot", "2"})["buttons"][3]["type"], "disabled");
 }
 
-TEST_F(NerinctlApply, SaysWhatTheMouseDoesNotKeepOfAName) {
+TEST_F(NerinctlApply, SaysHowItSpellsANameThatTheMouseCannotHold) {
   user.addProfile(profileNamed("M\xC3\xBCnchen"));
   EXPECT_THAT(user.lines({"apply", "M\xC3\xBCnchen", "--slot", "2"}),
               ElementsAre("M\xC3\xBCnchen is in slot 2",
-                          "the slot keeps its old name, since the mouse knows only ASCII"));
-  EXPECT_EQ(VirtualMouse(user.mouseFile).slotName(1), "Profile#2");
+                          "its name is Munchen now, in the library too: the mouse holds 65 plain "
+                          "letters"));
+  EXPECT_EQ(VirtualMouse(user.mouseFile).slotName(1), "Munchen");
+  EXPECT_EQ(user.json({"show", "Munchen"})["name"], "Munchen");
   const std::string longName(70, 'x');
   user.addProfile(profileNamed(longName));
-  EXPECT_THAT(user.lines({"apply", longName, "--slot", "2"}),
-              testing::Contains("the mouse keeps only 65 characters of the name"));
+  EXPECT_THAT(user.lines({"apply", longName, "--slot", "2"})[1],
+              testing::StartsWith("its name is " + std::string(65, 'x') + " now"));
   EXPECT_EQ(VirtualMouse(user.mouseFile).slotName(1), std::string(65, 'x'));
 }
 
