@@ -2,8 +2,11 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <set>
+#include <string>
 
 #include "Action/Device/SlotReportTransfer.h"
+#include "Action/Edit/Drafts.h"
 #include "Action/NerinAction.h"
 #include "Action/Record/EditState.h"
 #include "CommandLine/BackupFiles.h"
@@ -171,7 +174,39 @@ Outcome verify(int slot, const NerinAction::SlotReports& kept, std::vector<std::
   return {};
 }
 
-Outcome writeSlot(int slot, const SlotBackup& backup, std::vector<std::string>& notes) {
+// What the slot is to get, for the disk: a slot whose restore is cut off holds a mixture, which
+// must not become the content of a profile.
+SlotDraft intentOf(int slot, const SlotBackup& backup) {
+  std::vector<std::string> ignored;
+  const SlotBackup records =
+      backup.reports ? backupfiles::fromReports(slot, *backup.reports, ignored) : SlotBackup();
+  const SlotBackup& source = backup.reports ? records : backup;
+  SlotDraft intent;
+  intent.slot = slot;
+  intent.isMouseOnly = true;
+  intent.content.profile = source.profile.profileData();
+  intent.content.profileId = ProfieController::notLinked;
+  setText(intent.content.profileName, source.profile.name().value_or(""));
+  bool isActive = false;
+  const ProfieController& library = ProfieController::getShareProCon();
+  setText(intent.content.activeAppPath, library.getLinkAppPath(slot, isActive).value_or(""));
+  intent.content.isActiveApp = isActive ? 1 : 0;
+  // Macros of a draft are known by their names, and a backup can hold several of one name.
+  std::set<std::string> names{NerinAction::generatedMacroName};
+  for (const auto& [index, macro] : source.macros) {
+    auto& copy = intent.macros.emplace_back(LXAction::CopyObject(*macro));
+    if (!names.insert(macro->nameStr().value_or(NerinAction::generatedMacroName)).second) {
+      copy->setNameStr(std::string(NerinAction::generatedMacroName) + "_" + std::to_string(slot) +
+                       "_" + std::to_string(index));
+    }
+    copy->setMacroId(index + 1);
+    copy->setIsNoDisplay(true);
+    intent.content.profile.btnInfo[index].MacroID = static_cast<std::uint32_t>(index) + 1;
+  }
+  return intent;
+}
+
+Outcome writeReports(int slot, const SlotBackup& backup, std::vector<std::string>& notes) {
   if (!backup.reports) {
     noteMissingMacros(slot, backup, notes);
     return writeRecords(slot, backup);
@@ -179,6 +214,15 @@ Outcome writeSlot(int slot, const SlotBackup& backup, std::vector<std::string>& 
   Outcome outcome = NerinAction::writeSlotReports(static_cast<std::uint8_t>(slot), *backup.reports);
   if (outcome.isDone()) {
     outcome += verify(slot, *backup.reports, notes);
+  }
+  return outcome;
+}
+
+Outcome writeSlot(int slot, const SlotBackup& backup, std::vector<std::string>& notes) {
+  NerinAction::beginApply(intentOf(slot, backup));
+  Outcome outcome = writeReports(slot, backup, notes);
+  if (outcome.isDone()) {
+    NerinAction::forgetApply(slot);
   }
   return outcome;
 }

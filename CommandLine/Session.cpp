@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "Action/Catalogue/CatalogueFile.h"
+#include "Action/Edit/Drafts.h"
 #include "Action/NerinAction.h"
 #include "Action/Texts/CatalogueUpdate.h"
 #include "Action/Texts/TooltipManager.h"
@@ -139,6 +140,7 @@ ProfieController& Session::openLibrary() {
   if (!m_libraryLock) {
     throw CommandError(ExitCode::Failed, "the library is in use by another program");
   }
+  NerinAction::leaveDraftsAlone();
   NerinAction::bringCataloguesUpToDate();
   NerinAction::initMenuList();
   NerinAction::refreshMenuList();

@@ -1,13 +1,14 @@
 #include <algorithm>
 #include <memory>
 
+#include "Action/Edit/Drafts.h"
+#include "Action/Edit/FinishApply.h"
 #include "Action/Edit/PrimaryClick.h"
 #include "Action/NerinAction.h"
 #include "Action/Record/EditState.h"
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
 #include "CommandLine/RecordOutput.h"
-#include "Kit/Core/Utf8.h"
 
 namespace {
 
@@ -23,24 +24,43 @@ bool isInLibrary(const ProfieController& library, const std::optional<std::strin
   return library.getProfileByName(name) != nullptr;
 }
 
+std::string offerToFinish(int slot) {
+  return "an Apply was interrupted; finish it with: nerinctl finish " + std::to_string(slot + 1);
+}
+
+void offerToFinish(int slot, std::vector<std::string>& lines) {
+  if (NerinAction::isApplyUnfinished(slot)) {
+    lines.push_back(offerToFinish(slot));
+  }
+}
+
 void status(Session& session) {
   ProfieController& library = session.openLibrary();
   session.openMouse();
   const int slot = activeSlotOf(session);
   const auto [outcome, name] = NerinAction::getFWProfileName(static_cast<std::uint8_t>(slot));
   session.require(outcome);
-  session.output.print(
-      table({{"mouse", session.isVirtual() ? "virtual" : "USB"},
-             {"active slot", std::to_string(slot + 1) + " " + shownName(name)},
-             {"in the library", isInLibrary(library, name) ? "yes" : "no"},
-             {"profiles", std::to_string(library.getProfileCount())},
-             {"macros", std::to_string(NerinAction::macroStore->macroNode->children().size())}}),
-      {{"mouse", session.isVirtual() ? "virtual" : "usb"},
-       {"activeSlot", slot + 1},
-       {"name", nameJson(name)},
-       {"inLibrary", isInLibrary(library, name)},
-       {"profiles", library.getProfileCount()},
-       {"macros", NerinAction::macroStore->macroNode->children().size()}});
+  const std::size_t macros = NerinAction::macroStore->macroNode->children().size();
+  std::vector<std::vector<std::string>> rows{
+      {"mouse", session.isVirtual() ? "virtual" : "USB"},
+      {"active slot", std::to_string(slot + 1) + " " + shownName(name)},
+      {"in the library", isInLibrary(library, name) ? "yes" : "no"},
+      {"profiles", std::to_string(library.getProfileCount())},
+      {"macros", std::to_string(macros)}};
+  Json unfinished = Json::array();
+  for (int each = 0; each < ProfieController::slotCount; ++each) {
+    if (NerinAction::isApplyUnfinished(each)) {
+      rows.push_back({"slot " + std::to_string(each + 1), offerToFinish(each)});
+      unfinished.push_back(each + 1);
+    }
+  }
+  session.output.print(table(rows), {{"mouse", session.isVirtual() ? "virtual" : "usb"},
+                                     {"activeSlot", slot + 1},
+                                     {"name", nameJson(name)},
+                                     {"inLibrary", isInLibrary(library, name)},
+                                     {"profiles", library.getProfileCount()},
+                                     {"macros", macros},
+                                     {"unfinished", unfinished}});
 }
 
 void slots(Session& session) {
@@ -53,11 +73,13 @@ void slots(Session& session) {
     const auto [nameOutcome, name] = NerinAction::getFWProfileName(static_cast<std::uint8_t>(slot));
     outcome += nameOutcome;
     rows.push_back({slot == active ? "*" : " ", std::to_string(slot + 1), shownName(name),
-                    isInLibrary(library, name) ? "in the library" : ""});
+                    isInLibrary(library, name) ? "in the library" : "",
+                    NerinAction::isApplyUnfinished(slot) ? offerToFinish(slot) : ""});
     document.push_back({{"slot", slot + 1},
                         {"active", slot == active},
                         {"name", nameJson(name)},
-                        {"inLibrary", isInLibrary(library, name)}});
+                        {"inLibrary", isInLibrary(library, name)},
+                        {"unfinished", NerinAction::isApplyUnfinished(slot)}});
   }
   session.require(outcome);
   session.output.print(table(rows), document);
@@ -66,8 +88,10 @@ void slots(Session& session) {
 void switchSlot(Session& session, int slot) {
   session.openMouse();
   session.require(NerinAction::changeSlot(slot));
-  session.output.print({"slot " + std::to_string(slot + 1) + " is active"},
-                       {{"activeSlot", slot + 1}});
+  std::vector<std::string> lines{"slot " + std::to_string(slot + 1) + " is active"};
+  offerToFinish(slot, lines);
+  session.output.print(
+      lines, {{"activeSlot", slot + 1}, {"unfinished", NerinAction::isApplyUnfinished(slot)}});
 }
 
 bool hasMacro(const _BTN_INFO& button) {
@@ -120,6 +144,25 @@ void apply(Session& session, const std::string& name, int slot) {
   session.output.print(lines, {{"profile", name}, {"slot", slot + 1}, {"notes", losses}});
 }
 
+void finish(Session& session, int slot) {
+  const ProfieController& library = session.openLibraryWithMacros();
+  const std::string place = "slot " + std::to_string(slot + 1);
+  if (!NerinAction::isApplyUnfinished(slot)) {
+    throw CommandError(ExitCode::NotFound, "no Apply to " + place + " was interrupted");
+  }
+  const auto intent = NerinAction::unfinishedApply(slot);
+  if (!intent) {
+    throw CommandError(ExitCode::NotFound,
+                       "what " + place + " was to get cannot be read; apply a profile to it");
+  }
+  session.openMouse();
+  session.showProgress(intent->macros.size());
+  session.require(NerinAction::finishApply(slot));
+  const auto name = library.currFWProfileName();
+  session.output.print({shownName(name) + " is in " + place},
+                       {{"profile", nameJson(name)}, {"slot", slot + 1}});
+}
+
 void saveReadProfile(const std::string& file, const std::string& name) {
   ProfileValue profile;
   profile.setName(name);
@@ -142,10 +185,12 @@ void read(Session& session, int slot, const std::optional<std::string>& file) {
   }
   std::vector<std::string> lines =
       table({{"slot", std::to_string(slot + 1)}, {"name", printable(name)}});
+  offerToFinish(slot, lines);
   const auto words = linesOf(
       descriptions::describe(editState->currFWProfile(), descriptions::RecordSource::Mouse));
   lines.insert(lines.end(), words.begin(), words.end());
-  Json document{{"slot", slot + 1}, {"name", name}};
+  Json document{
+      {"slot", slot + 1}, {"name", name}, {"unfinished", NerinAction::isApplyUnfinished(slot)}};
   document.update(asJson(editState->currFWProfile(), descriptions::RecordSource::Mouse));
   session.output.print(lines, document);
 }
@@ -175,6 +220,14 @@ void addSlotCommands(GrammarCommand program, Command& chosen) {
   command.addOption("--slot", *applySlotNumber, "The slot, 1 to 10").required();
   command.onGiven([&chosen, name, applySlotNumber] {
     chosen = [=](Session& session) { apply(session, *name, slotOf(*applySlotNumber)); };
+  });
+
+  command =
+      program.addCommand("finish", "Write to a slot what an interrupted Apply did not", "finish 2");
+  auto finishSlotNumber = std::make_shared<int>();
+  command.addOption("slot", *finishSlotNumber, "The slot, 1 to 10").required();
+  command.onGiven([&chosen, finishSlotNumber] {
+    chosen = [=](Session& session) { finish(session, slotOf(*finishSlotNumber)); };
   });
 
   command = program.addCommand("read", "Show what a slot of the mouse holds",

@@ -102,6 +102,30 @@ void MouseFirmware::losePower() {
   m_ready.reset();
 }
 
+MousePowerFile::State MouseFirmware::power() const {
+  MousePowerFile::State state{};
+  std::copy(m_answer.begin(), m_answer.end(), state.begin());
+  std::uint8_t* rest = state.data() + m_answer.size();
+  if (m_ready) {
+    *rest++ = 1;
+    *rest++ = m_ready->subject;
+    *rest++ = m_ready->slot;
+    *rest = m_ready->isWrite ? 1 : 0;
+  }
+  state.back() = m_hasUnrefreshedWrites ? 1 : 0;
+  return state;
+}
+
+void MouseFirmware::setPower(const MousePowerFile::State& state) {
+  std::copy_n(state.begin(), m_answer.size(), m_answer.begin());
+  const std::uint8_t* rest = state.data() + m_answer.size();
+  const Ready ready{rest[1], rest[2], rest[3] != 0};
+  const int slots =
+      ready.subject == macroSubject ? VirtualMouse::macroSlotCount : VirtualMouse::slotCount;
+  m_ready = rest[0] == 1 && ready.slot < slots ? std::optional(ready) : std::nullopt;
+  m_hasUnrefreshedWrites = state.back() != 0;
+}
+
 bool MouseFirmware::obey(MouseMemory& memory, const Command& command) {
   switch (command[0]) {
     case 0xC4:

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "VirtualMouse/MouseMemory.h"
+#include "VirtualMouse/MousePowerFile.h"
 #include "VirtualMouse/MouseReport.h"
 #include "VirtualMouse/VirtualMouse.h"
 
@@ -27,6 +28,9 @@ class MouseFirmware {
                         std::vector<std::uint8_t>& answer);
 
   void losePower();
+  // What is lost with the power, as bytes, and back.
+  MousePowerFile::State power() const;
+  void setPower(const MousePowerFile::State& state);
   bool hasUnrefreshedWrites() const { return m_hasUnrefreshedWrites; }
 
   void addFault(std::string words) { m_faults.push_back(std::move(words)); }

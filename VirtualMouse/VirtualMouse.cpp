@@ -24,6 +24,7 @@ struct VirtualMouse::State {
   std::function<void()> presenceObserver;
   std::filesystem::path file;
   MouseMemory kept;
+  MousePowerFile powerFile;
   std::optional<MouseMemory> garbage;
   MouseFirmware firmware;
   MouseScenario scenario;
@@ -40,8 +41,26 @@ struct VirtualMouse::State {
 
   void unplug() {
     isPluggedIn = false;
-    firmware.losePower();
+    losePower();
     tellPresence();
+  }
+
+  void losePower() {
+    firmware.losePower();
+    changeAtTheMouse([this](MouseMemory&) { powerFile.write(firmware.power()); });
+  }
+
+  // Does something in one turn of this program at the mouse.
+  template <typename Act>
+  auto withPower(const Act& act) {
+    auto before = firmware.power();
+    powerFile.read(before);
+    firmware.setPower(before);
+    const auto result = act();
+    if (firmware.power() != before) {
+      powerFile.write(firmware.power());
+    }
+    return result;
   }
 
   void tellPresence() const {
@@ -79,9 +98,9 @@ TransferStatus VirtualMouse::State::perform(const SetupPacket& setup,
   try {
     const MouseMemory::Turn turn(kept);
     if ((setup.requestType & 0x80U) == 0) {
-      return firmware.receive(memory(), setup, sent);
+      return withPower([&] { return firmware.receive(memory(), setup, sent); });
     }
-    status = firmware.answer(memory(), setup, answer);
+    status = withPower([&] { return firmware.answer(memory(), setup, answer); });
   } catch (const std::system_error& error) {
     firmware.addFault(error.what());
     return TransferStatus::Stalled;
@@ -102,6 +121,8 @@ VirtualMouse::VirtualMouse() : m_state(std::make_unique<State>()) {
 VirtualMouse::VirtualMouse(const std::filesystem::path& memoryFile) : VirtualMouse() {
   m_state->kept.keepIn(memoryFile);
   m_state->file = memoryFile;
+  std::filesystem::path powerFile = memoryFile;
+  m_state->powerFile.keepIn(powerFile += ".power");
 }
 
 VirtualMouse::~VirtualMouse() = default;
@@ -144,7 +165,7 @@ void VirtualMouse::setScenario(MouseScenario scenario) {
   m_state->garbage.reset();
   switch (scenario.kind) {
     case Kind::Absent:
-      m_state->firmware.losePower();
+      m_state->losePower();
       break;
     case Kind::UnpluggedAfter:
       m_state->transfersLeft = scenario.transfers;

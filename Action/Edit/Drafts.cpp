@@ -28,6 +28,7 @@ struct DraftStore {
   std::map<int, std::string> written;  // the documents on disk
   // The slot whose draft is only the working copy of an open window; -1 for none.
   int undecided = -1;
+  bool isLeftAlone = false;
 };
 ProcessWide<DraftStore> store;
 
@@ -164,6 +165,12 @@ void take(const SlotDraft& draft, bool isApply) {
   if (!library().getProValueByProid(link)) {
     link = ProfieController::notLinked;
   }
+  // The library may have got the profile of an Apply that failed: its name was free before.
+  if (const auto named = isApply && link == ProfieController::notLinked && !name.empty()
+                             ? library().getProfileByName(std::string(name))
+                             : nullptr) {
+    link = named->profileId();
+  }
   library().setCurrProfile(library().getProfileByFWProIndex(draft.slot));
   library().setCurrActivePath(std::string(textOf(draft.content.activeAppPath)));
   library().setCurrIsActive(draft.content.isActiveApp != 0);
@@ -192,7 +199,7 @@ SlotDraft NerinAction::currentDraft(int slot) {
 
 void NerinAction::keepDraft(const _Nerin_PROFILE* working) {
   const int slot = library().currFWProfileIndex();
-  if (!isSlot(slot)) {
+  if (!isSlot(slot) || store->isLeftAlone) {
     return;
   }
   DraftStore& all = loaded();
@@ -220,6 +227,15 @@ void NerinAction::keepDraft(const _Nerin_PROFILE* working) {
 
 bool NerinAction::hasDraft(int slot) {
   return loaded().drafts.contains(slot);
+}
+
+std::optional<SlotDraft> NerinAction::draftOf(int slot) {
+  const auto draft = loaded().drafts.find(slot);
+  return draft != store->drafts.end() ? std::optional(draft->second) : std::nullopt;
+}
+
+void NerinAction::leaveDraftsAlone() {
+  store->isLeftAlone = true;
 }
 
 bool NerinAction::restoreDraft(int slot) {
@@ -258,12 +274,22 @@ std::optional<SlotDraft> NerinAction::unfinishedApply(int slot) {
   return isSlot(slot) ? readDraft(applyFile(slot), slot) : std::nullopt;
 }
 
+bool NerinAction::restoreApply(int slot) {
+  const auto draft = unfinishedApply(slot);
+  if (draft) {
+    take(*draft, true);
+  }
+  return draft.has_value();
+}
+
 void NerinAction::beginApply(const SlotDraft& draft) {
   write(applyFile(draft.slot), documentOf(draft));
 }
 
 void NerinAction::endApply(int slot) {
-  forget(slot);
+  if (!store->isLeftAlone) {
+    forget(slot);
+  }
   forgetApply(slot);
 }
 

@@ -15,6 +15,10 @@ namespace NerinAction {
 // without it, such a draft is forgotten again.
 void keepDraft(const _Nerin_PROFILE* working = nullptr);
 bool hasDraft(int slot);
+std::optional<SlotDraft> draftOf(int slot);
+// For a program in which nobody edits: from now on it changes no draft, since they are another
+// program's. It still says which Applies began and ended.
+void leaveDraftsAlone();
 // Makes the slot's draft, or else its unfinished Apply, the current edit: record, name, link and
 // macros. False if there is neither.
 bool restoreDraft(int slot);
@@ -30,6 +34,9 @@ void discardDraft(int slot);
 bool isApplyUnfinished(int slot);
 // The unfinished Apply of the slot; nothing when there is none.
 std::optional<SlotDraft> unfinishedApply(int slot);
+// Makes the unfinished Apply of the slot the current edit, whatever was edited since. False if
+// there is none.
+bool restoreApply(int slot);
 // Call before the first report, and after the last one when the mouse took all of them: then the
 // slot has no draft any more either.
 void beginApply(const SlotDraft& draft);

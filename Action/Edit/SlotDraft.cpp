@@ -44,11 +44,22 @@ std::optional<ConfigBytes> bytesOfHex(std::string_view text) {
 
 }  // namespace
 
+bool isSameEdit(const SlotDraft& one, const SlotDraft& other) {
+  const auto alike = [](SlotDraft draft) {
+    draft.content.profileId = 0;
+    draft.isDiscarded = false;
+    draft.isMouseOnly = false;
+    return documentOf(draft);
+  };
+  return alike(one) == alike(other);
+}
+
 std::string documentOf(const SlotDraft& draft) {
   pugi::xml_document document;
   pugi::xml_node root = document.append_child("SlotDraft");
   root.append_attribute("slot").set_value(draft.slot + 1);
   root.append_attribute("discarded").set_value(draft.isDiscarded);
+  root.append_attribute("mouseOnly").set_value(draft.isMouseOnly);
   root.append_child("Profile").text().set(hexOf(bytesOf(draft.content)).c_str());
   pugi::xml_node macros = root.append_child("MacroList");
   for (const auto& macro : draft.macros) {
@@ -70,6 +81,7 @@ std::optional<SlotDraft> draftIn(std::string_view document) {
   SlotDraft draft;
   draft.slot = root.attribute("slot").as_int() - 1;
   draft.isDiscarded = root.attribute("discarded").as_bool();
+  draft.isMouseOnly = root.attribute("mouseOnly").as_bool();
   const auto bytes = bytesOfHex(root.child("Profile").text().get());
   if (draft.slot < 0 || draft.slot >= limits::slotCount || !bytes) {
     return std::nullopt;

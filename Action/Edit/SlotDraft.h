@@ -20,7 +20,13 @@ struct SlotDraft {
   std::vector<std::shared_ptr<MacroInfo>> macros;
   // The user gave up an Apply that did not end. The slot may still hold a mixture.
   bool isDiscarded = false;
+  // Only the mouse gets it, since it does not come from the library.
+  bool isMouseOnly = false;
 };
+
+// Whether both give a slot the same profile with the same macros. The links to the library may
+// differ.
+bool isSameEdit(const SlotDraft& one, const SlotDraft& other);
 
 // The document of a draft, and the draft of a document; nothing when it is none.
 std::string documentOf(const SlotDraft& draft);

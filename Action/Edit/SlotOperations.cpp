@@ -310,6 +310,8 @@ Outcome NerinAction::renameSlot(const std::string& name) {
   Outcome outcome = setFWProfileName(static_cast<std::uint8_t>(library().currFWProfileIndex()),
                                      library().currFWProfileName());
   if (outcome.isDone()) {
+    // A draft with the old name would take the new one back.
+    keepDraft();
     outcome += saveSlotToLibrary();
   } else {
     library().setCurrFWProfileName(before);

@@ -113,7 +113,6 @@ TEST(NerinctlNames, OfFilesAndMiceDoNotSteerTheTerminal) {
                                             {"show", "Linked"},
                                             {"profiles", "copy", evil},
                                             {"profiles", "export", evil, evil},
-                                            {"apply", evil, "--slot", "2"},
                                             {"macros", "list"},
                                             {"macros", "show", macro},
                                             {"macros", "export", macro, evil},
@@ -131,6 +130,13 @@ TEST(NerinctlNames, OfFilesAndMiceDoNotSteerTheTerminal) {
     }
   }
   EXPECT_EQ(user.json({"show", evil})["name"], evil);
+  user.prepare({"profiles", "copy", evil});
+  const std::string copied = user.json({"profiles", "list"}).back()["name"];
+  const RunResult applied = user.runWithMouse({"apply", copied, "--slot", "2"});
+  EXPECT_EQ(applied.exitCode, 0) << applied.errors;
+  expectHarmless(applied.output);
+  expectHarmless(applied.errors);
+  expectHarmless(VirtualMouse(user.mouseFile).slotName(1));
   const RunResult deleted = user.run({"profiles", "delete", evil});
   EXPECT_EQ(deleted.output, "deleted ?[2Jevil????31m\n");
 }
@@ -155,10 +161,12 @@ TEST(NerinctlVirtualMouse, KeepsItsHandsOffAFileThatIsNoMemory) {
   EXPECT_EQ(user.library(), before);
 }
 
-TEST(NerinctlVirtualMouse, IsUsedByOneAtATime) {
+TEST(NerinctlVirtualMouse, IsUsedBySeveralPrograms) {
   const TestHome user;
-  const VirtualMouse mouse(user.mouseFile);
-  expectComplaint(user.runWithMouse({"status"}), 1, "cannot be used");
+  VirtualMouse mouse(user.mouseFile);
+  user.prepare({"switch", "4"});
+  mouse.refresh();
+  EXPECT_EQ(mouse.activeSlot(), 3);
 }
 
 TEST(NerinctlTrace, ThatCannotBeWrittenStopsEverything) {

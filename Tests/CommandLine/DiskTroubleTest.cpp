@@ -259,7 +259,7 @@ TEST(NerinctlFullDisk, LosesNothingOnAVerySmallOne) {
                     "for this one";
   }
   const TestHome user;
-  constexpr std::size_t size = 512 * 1024;
+  constexpr std::size_t size = 1024 * 1024;
   onSmallDisk(user.home, size, [&] {
     fillLibrary(user);
     fillUp(user.home / "filler");

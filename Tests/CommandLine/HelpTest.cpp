@@ -15,6 +15,7 @@ const std::vector<Words> everyCommand{
     {"slots"},
     {"switch"},
     {"apply"},
+    {"finish"},
     {"read"},
     {"profiles"},
     {"profiles", "list"},

@@ -18,7 +18,8 @@ TEST(NerinctlSlots, TellsTheStateOfAMouseAsDelivered) {
                                          {"name", "Profile#1"},
                                          {"inLibrary", false},
                                          {"profiles", 0},
-                                         {"macros", 0}}));
+                                         {"macros", 0},
+                                         {"unfinished", json::array()}}));
   EXPECT_THAT(user.lines({"status"}),
               ElementsAre("mouse           virtual", "active slot     1 Profile#1",
                           "in the library  no", "profiles        0", "macros          0"));
@@ -31,12 +32,21 @@ TEST(NerinctlSlots, ListsTenSlots) {
   user.addProfile(profile);
   const json slots = user.json({"slots"});
   ASSERT_EQ(slots.size(), 10U);
-  EXPECT_EQ(slots[0],
-            json({{"slot", 1}, {"active", true}, {"name", "Profile#1"}, {"inLibrary", false}}));
-  EXPECT_EQ(slots[2],
-            json({{"slot", 3}, {"active", false}, {"name", "Profile#3"}, {"inLibrary", true}}));
-  EXPECT_EQ(slots[6],
-            json({{"slot", 7}, {"active", false}, {"name", nullptr}, {"inLibrary", false}}));
+  EXPECT_EQ(slots[0], json({{"slot", 1},
+                            {"active", true},
+                            {"name", "Profile#1"},
+                            {"inLibrary", false},
+                            {"unfinished", false}}));
+  EXPECT_EQ(slots[2], json({{"slot", 3},
+                            {"active", false},
+                            {"name", "Profile#3"},
+                            {"inLibrary", true},
+                            {"unfinished", false}}));
+  EXPECT_EQ(slots[6], json({{"slot", 7},
+                            {"active", false},
+                            {"name", nullptr},
+                            {"inLibrary", false},
+                            {"unfinished", false}}));
   const Lines lines = user.lines({"slots"});
   ASSERT_EQ(lines.size(), 10U);
   EXPECT_EQ(lines[0], "*  1   Profile#1");
@@ -65,7 +75,7 @@ TEST(NerinctlSlots, SwitchesAndTellsTheService) {
 
 TEST(NerinctlSlots, KnowsTheSlotsOneToTen) {
   const TestHome user;
-  EXPECT_EQ(user.json({"switch", "1"}), json({{"activeSlot", 1}}));
+  EXPECT_EQ(user.json({"switch", "1"}), json({{"activeSlot", 1}, {"unfinished", false}}));
   for (const std::string& slot : Words{"1", "5", "10"}) {
     EXPECT_EQ(user.json({"read", "--slot", slot})["name"], "Profile#" + slot);
   }

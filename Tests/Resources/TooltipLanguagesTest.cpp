@@ -30,7 +30,7 @@ bool isDigit(char character) {
   return std::isdigit(static_cast<unsigned char>(character)) != 0;
 }
 
-// "%d", "%@" and "%1" in the order of the text: the sign with its digits, or with one character.
+// "%d", "%@" and "%1", sorted: the sign with its digits, or with one character.
 std::vector<std::string> placeholders(const std::string& text) {
   std::vector<std::string> found;
   for (auto place = std::find(text.begin(), text.end(), '%'); place != text.end();
@@ -43,6 +43,8 @@ std::vector<std::string> placeholders(const std::string& text) {
     }
     found.emplace_back(start, place);
   }
+  // They are filled in by their numbers, so that a language may turn their order round.
+  std::sort(found.begin(), found.end());
   return found;
 }
 

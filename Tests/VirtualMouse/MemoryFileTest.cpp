@@ -167,6 +167,45 @@ TEST(MemoryFile, IsSharedByTwoMice) {
   EXPECT_EQ(VirtualMouse(path).slotName(3), "of other");
 }
 
+// All programs talk to one mouse: what one announces is answered to the other.
+TEST(MemoryFile, SharesWhatWasAnnouncedToo) {
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
+  VirtualMouse one(path);
+  VirtualMouse other(path);
+  command(one, {0xC4, 0x0C, 2, 0});
+  command(other, {0xC4, 0x0C, 5, 0});
+  Bytes report(70);
+  EXPECT_EQ(MouseHost::get(one, 0x0306, 1, report).status, TransferStatus::Done);
+  EXPECT_EQ(report[2], 5) << "the slot that the other one announced";
+  writeMemory(other, 100, 7);
+  command(one, {0xDF, 100, 0});
+  command(other, {0xDF, 25, 0});
+  EXPECT_EQ(MouseHost::answer(one)[1], 25);
+  VirtualMouse late(path);
+  EXPECT_EQ(MouseHost::get(late, 0x0305, 1, report).status, TransferStatus::Stalled)
+      << "the buffer is too small";
+  report.resize(154);
+  EXPECT_EQ(MouseHost::get(late, 0x0305, 1, report).status, TransferStatus::Done);
+  EXPECT_EQ(report[2], 5);
+  one.detach();
+  EXPECT_EQ(MouseHost::get(other, 0x0305, 1, report).status, TransferStatus::Stalled)
+      << "the power is gone for all";
+}
+
+TEST(MemoryFile, WithoutItsPowerFileIsAMouseOfEachProgram) {
+  const Scratch folder;
+  const auto path = folder.folder() / "mouse";
+  std::filesystem::create_directory(path.string() + ".power");
+  VirtualMouse one(path);
+  VirtualMouse other(path);
+  command(one, {0xC4, 0x0C, 2, 0});
+  command(other, {0xC4, 0x0C, 5, 0});
+  Bytes report(70);
+  EXPECT_EQ(MouseHost::get(one, 0x0306, 1, report).status, TransferStatus::Done);
+  EXPECT_EQ(report[2], 2);
+}
+
 TEST(MemoryFile, ThatAnotherProgramKeepsMakesATransferFail) {
   const Scratch folder;
   const auto path = folder.folder() / "mouse";
@@ -314,7 +353,8 @@ TEST(MemoryFile, IsMadeByOneOfSeveralAtOnce) {
   for (std::uint16_t index = 0; index < children.size(); ++index) {
     EXPECT_EQ(readMemory(mouse, static_cast<std::uint16_t>(100 + index)), 1) << index;
   }
-  EXPECT_EQ(entriesIn(folder.folder()), 1U);
+  // The memory, and what the mouse knows while it has power.
+  EXPECT_EQ(entriesIn(folder.folder()), 2U);
 }
 
 TEST(MemoryFile, ThatCannotBeWrittenIsRefused) {

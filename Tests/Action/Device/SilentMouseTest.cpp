@@ -1,5 +1,9 @@
 // A mouse that is plugged in and does not answer: the kernel gives up after five seconds.
 
+#include <chrono>
+#include <iostream>
+#include <thread>
+
 #include <gmock/gmock.h>
 
 #include "Action/Device/DeviceLink.h"
@@ -18,6 +22,8 @@ using std::chrono::milliseconds;
 
 constexpr auto kernelTimeout = 5s;
 constexpr auto longestBlock = 6s;
+// Of the one test on the clock of the world.
+constexpr int scale = 20;
 
 // A mouse that falls silent after some transfers, on a clock that only the test and the waiting
 // move.
@@ -38,6 +44,7 @@ class HangingRequester final : public LXDeviceRequester {
       return m_mouse.sendDeviceRequest(request);
     }
     time += kernelTimeout;
+    std::this_thread::sleep_for(realTimeout);
     // The requester opens the device anew after that.
     ++m_connection;
     request.error = std::make_error_code(std::errc::timed_out);
@@ -47,6 +54,8 @@ class HangingRequester final : public LXDeviceRequester {
   int answered = 0;
   int transfers = 0;
   std::chrono::steady_clock::time_point time{100s};
+  // On the clock of the world; nothing in most tests.
+  std::chrono::milliseconds realTimeout{0};
 
  private:
   VirtualDeviceRequester m_mouse;
@@ -163,6 +172,54 @@ TEST_F(SilentMouse, ThatWasSilentFromTheStartCostsAnApplyNotMuchMoreThanOneTimeo
   editWithMacros();
   EXPECT_LE(blockedBy([] { static_cast<void>(NerinAction::applySlot()); }, 0), longestBlock);
   EXPECT_EQ(m_requester->transfers, 1);
+}
+
+// The longest series: what the mouse did not answer costs one timeout, after the pauses that what
+// it took before needs anyway.
+TEST_F(SilentMouse, AtTheLastReportOfALongApplyAddsOneTimeout) {
+  const auto apply = [] { static_cast<void>(NerinAction::applySlot()); };
+  editWithMacros();
+  const auto healthy = blockedBy(apply, everyTransfer);
+  const int transfers = m_requester->transfers;
+  editWithMacros();
+  const auto blocked = blockedBy(apply, transfers - 1);
+  std::cout << "an Apply with 16 macros: " << healthy.count() << " ms, with a mouse that hangs at "
+            << "its last report: " << blocked.count() << " ms\n";
+  RecordProperty("milliseconds", static_cast<int>(blocked.count()));
+  EXPECT_EQ(transfers, 36);
+  constexpr auto pauseOfTheLast = 30ms;
+  EXPECT_EQ(blocked, healthy - pauseOfTheLast + kernelTimeout);
+  EXPECT_LE(blocked - healthy, longestBlock);
+}
+
+// The same on the clock of the world, at a twentieth of all times.
+TEST_F(SilentMouse, BlocksNoLongerOnTheClockOfTheWorld) {
+  editWithMacros();
+  LXPlatform platform = LXPlatform::current();
+  platform.now = [] { return std::chrono::steady_clock::now(); };
+  platform.sleep = [](std::chrono::microseconds time) {
+    std::this_thread::sleep_for(time / scale);
+  };
+  LXPlatform::install(platform);
+  NerinAction::startListenDev();
+  m_requester->realTimeout = milliseconds(kernelTimeout) / scale;
+  for (const int answered : {0, 18, 35}) {
+    editWithMacros();
+    NerinAction::startListenDev();
+    m_requester->transfers = 0;
+    m_requester->answered = answered;
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_FALSE(NerinAction::applySlot().isDone());
+    const auto blocked =
+        std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begin) * scale;
+    std::cout << "hung after " << answered << " reports: " << blocked.count() << " ms at scale\n";
+    EXPECT_GE(blocked, kernelTimeout);
+    // Another timeout would be 5 seconds more; the rest is what a busy machine takes.
+    EXPECT_LT(blocked, kernelTimeout + 4500ms);
+    EXPECT_EQ(m_requester->transfers, answered + 1);
+    m_requester->answered = everyTransfer;
+    NerinAction::startListenDev();
+  }
 }
 
 TEST_F(SilentMouse, IsAskedAgainByTheNextDeed) {

@@ -232,6 +232,17 @@ TEST_F(Drafts, AFailedRenameChangesNothing) {
   EXPECT_THAT(namesIn(libraryFolder()), ElementsAre("Work.pro"));
 }
 
+TEST_F(Drafts, ARenameIsNotTakenBackByTheDraft) {
+  putWork();
+  editState->edit().liftHeight = 7;
+  NerinAction::keepDraft();
+  EXPECT_TRUE(NerinAction::renameSlot("Desk").isDone());
+  restart();
+  EXPECT_TRUE(NerinAction::loadSlot(1).value);
+  EXPECT_EQ(editState->selProfile().liftHeight, 7U);
+  EXPECT_EQ(library().currFWProfileName(), "Desk");
+}
+
 TEST_F(Drafts, ANameThatTheMouseCannotHoldIsSpelledInItsLetters) {
   putWork();
   const auto bureau = library().addProfileByName("B\xC3\xBCro", nullptr);
