@@ -120,6 +120,7 @@ StatusLine::StatusLine(QWidget* parent)
                      "QPushButton:pressed { background: #0B0C0F; border-color: #E5262F; }"
                      "QPushButton:focus { border: 2px solid #F2F4F7; }"));
   m_button->hide();
+  m_label->hide();
   connect(m_button, &QPushButton::clicked, this, [] {
     const auto lines = *openLines;
     const auto line = std::find_if(lines.begin(), lines.end(),
@@ -142,6 +143,8 @@ void StatusLine::say(const QString& text, Tone tone, const std::optional<Offer>&
   m_label->setText(text);
   m_label->setToolTip(text);
   m_label->setAccessibleName(text);
+  // Screen readers would stop at an empty one.
+  m_label->setVisible(!text.isEmpty());
   layOut();
   update();
   if (!text.isEmpty()) {
