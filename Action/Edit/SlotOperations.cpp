@@ -5,6 +5,7 @@
 
 #include "Action/Device/SlotTransfer.h"
 #include "Action/Edit/Drafts.h"
+#include "Action/Edit/EditHistory.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Library/ProfileNames.h"
 #include "Action/Record/EditState.h"
@@ -102,6 +103,7 @@ Outcome commit() {
     editState->raiseNeedSave();
     NerinAction::keepDraft();
   }
+  NerinAction::recordWrite(outcome.isDone());
   return outcome;
 }
 
@@ -131,7 +133,9 @@ NerinAction::ReadResult<bool> NerinAction::loadSlot(int slot) {
     library().takeSelProfileFromMouse();
   }
   beginSlot(slot);
+  beginHistory(read.value && !isApplyUnfinished(slot));
   restoreDraft(slot);
+  recordEdit();
   return read;
 }
 
@@ -274,6 +278,7 @@ Outcome NerinAction::applySlot() {
   if (!hasRoomForSlot()) {
     return libraryIsFull();
   }
+  recordEdit();
   settleName();
   const Outcome link = saveLinkApp();
   Outcome outcome = commit();
@@ -293,8 +298,10 @@ Outcome NerinAction::resetSlot() {
   if (!hasRoomForSlot()) {
     return libraryIsFull();
   }
+  recordEdit();
   library().setCurrFWProfileName(factory->name());
   editState->bind(factory->profileData());
+  recordReset();
   settleName();
   return commit();
 }
@@ -303,6 +310,7 @@ Outcome NerinAction::renameSlot(const std::string& name) {
   if (!hasRoomForSlot()) {
     return libraryIsFull();
   }
+  recordEdit();
   const auto before = library().currFWProfileName();
   library().setCurrFWProfileName(name);
   settleName();
@@ -310,6 +318,7 @@ Outcome NerinAction::renameSlot(const std::string& name) {
                                      library().currFWProfileName());
   if (outcome.isDone()) {
     outcome += saveSlotToLibrary();
+    recordRename();
   } else {
     library().setCurrFWProfileName(before);
   }
