@@ -88,7 +88,13 @@ void MainView::fillSettingData() {
   m_modeStep->selectindex(static_cast<int>(editState->selProfile().modeType) + 1);
   m_linkProChk->setChecked(library().currIsActive());
   showLinkPath();
+  showLights();
   m_isFillSetting = false;
+}
+
+void MainView::showLights() {
+  m_subView1->showLights(editState->selProfile());
+  m_subView2->showLights(editState->selProfile());
 }
 
 void MainView::fillBtnCaption(int index) {
@@ -153,6 +159,7 @@ void MainView::refreshApplyBtn() {
     button->setIsEnable(isNeedSave);
   }
   m_changesBtn->setEnabled(isNeedSave);
+  showLights();
   showDraftMarks();
 }
 

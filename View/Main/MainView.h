@@ -179,6 +179,8 @@ class MainView : public TavImageView,
   void showTitle(const std::optional<std::string>& name);
   void showName();
   void showLinkPath();
+  // In the drawings of the mouse.
+  void showLights();
   bool hasRoomForProfile() const;
   static int currentSlot();
   void initChanges();

@@ -384,4 +384,37 @@ TEST_F(WindowChanges, UndoEndsAtTheSlot) {
   EXPECT_FALSE(editState->isEdited());
 }
 
+TEST_F(WindowChanges, AreSeenInTheLightsOfTheDrawings) {
+  const auto seen = [this](const char* map) {
+    return view().findChild<QWidget*>(QString::fromLatin1(map))->grab().toImage();
+  };
+  const auto has = [](const QImage& picture, const QColor& color) {
+    for (int y = 0; y < picture.height(); ++y) {
+      for (int x = 0; x < picture.width(); ++x) {
+        if (picture.pixelColor(x, y) == color) {
+          return true;
+        }
+      }
+    }
+    return false;
+  };
+  const QImage before = seen("subView1");
+  const QColor logo(1, 250, 60);
+  const QColor side(251, 2, 255);
+  EXPECT_FALSE(has(before, logo));
+  editState->edit().lightColorArr[2] = {1, 250, 60};
+  editState->edit().lightColorArr[3] = {251, 2, 255};
+  view().refreshApplyBtn();
+  EXPECT_TRUE(has(seen("subView1"), logo));
+  EXPECT_TRUE(has(seen("subView1"), side));
+  EXPECT_TRUE(has(seen("subView2"), side));
+  const QImage normal = seen("subView1");
+  click("battleModeBtn");
+  EXPECT_NE(seen("subView1"), normal) << "the Battle mode has a look of its own";
+  view().undoEdit();
+  EXPECT_EQ(seen("subView1"), normal);
+  view().undoEdit();
+  EXPECT_EQ(seen("subView1"), before);
+}
+
 }  // namespace
