@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "Action/Edit/Differences.h"
 #include "Action/Edit/Drafts.h"
 #include "Action/Edit/FinishApply.h"
 #include "Action/Edit/PrimaryClick.h"
@@ -163,6 +164,10 @@ void finish(Session& session, int slot) {
                        {{"profile", nameJson(name)}, {"slot", slot + 1}});
 }
 
+[[noreturn]] void failWithoutProfile(int slot) {
+  throw CommandError(ExitCode::NotFound, "slot " + std::to_string(slot + 1) + " holds no profile");
+}
+
 void saveReadProfile(const std::string& file, const std::string& name) {
   ProfileValue profile;
   profile.setName(name);
@@ -176,8 +181,7 @@ void read(Session& session, int slot, const std::optional<std::string>& file) {
   const auto [outcome, hasProfile] = NerinAction::readSlot(slot);
   session.require(outcome);
   if (!hasProfile) {
-    throw CommandError(ExitCode::NotFound,
-                       "slot " + std::to_string(slot + 1) + " holds no profile");
+    failWithoutProfile(slot);
   }
   const std::string name = library.currFWProfileName().value_or("");
   if (file) {
@@ -193,6 +197,63 @@ void read(Session& session, int slot, const std::optional<std::string>& file) {
       {"slot", slot + 1}, {"name", name}, {"unfinished", NerinAction::isApplyUnfinished(slot)}};
   document.update(asJson(editState->currFWProfile(), descriptions::RecordSource::Mouse));
   session.output.print(lines, document);
+}
+
+std::string shownValue(const std::string& value) {
+  return value.empty() ? "-" : printable(value);
+}
+
+Json valueJson(const std::string& value) {
+  return value.empty() ? Json(nullptr) : Json(value);
+}
+
+void printDifferences(Session& session, const std::vector<Difference>& differences, Json document) {
+  std::vector<std::vector<std::string>> rows;
+  rows.reserve(differences.size());
+  Json changes = Json::array();
+  for (const Difference& one : differences) {
+    rows.push_back({one.about, shownValue(one.before), "->", shownValue(one.after)});
+    changes.push_back(
+        {{"about", one.about}, {"before", valueJson(one.before)}, {"after", valueJson(one.after)}});
+  }
+  document["changes"] = changes;
+  session.output.print(rows.empty() ? std::vector<std::string>{"no difference"} : table(rows),
+                       document);
+}
+
+// What applying the profile to the slot would change.
+void diffProfile(Session& session, const std::string& name, std::optional<int> given) {
+  ProfieController& library = session.openLibraryWithMacros();
+  const auto profile = profileNamed(library, name);
+  session.openMouse();
+  const int slot = given ? *given : activeSlotOf(session);
+  const auto [outcome, hasProfile] = NerinAction::readSlot(slot);
+  session.require(outcome);
+  if (!hasProfile) {
+    failWithoutProfile(slot);
+  }
+  _Nerin_CONFIG before{};
+  before.profile = editState->currFWProfile();
+  setText(before.profileName, library.currFWProfileName().value_or(""));
+  _Nerin_CONFIG wanted{};
+  wanted.profile = profile->profileData();
+  setText(wanted.profileName, name);
+  printDifferences(session, differencesBetween(before, wanted),
+                   {{"slot", slot + 1}, {"profile", name}});
+}
+
+// What was edited in the slot and not applied.
+void diffDraft(Session& session, std::optional<int> given) {
+  session.openLibraryWithMacros();
+  session.openMouse();
+  const int slot = given ? *given : activeSlotOf(session);
+  const auto read = NerinAction::loadSlot(slot);
+  session.require(read.outcome);
+  if (!read.value) {
+    failWithoutProfile(slot);
+  }
+  printDifferences(session, NerinAction::pendingDifferences(),
+                   {{"slot", slot + 1}, {"profile", nullptr}});
 }
 
 }  // namespace
@@ -228,6 +289,22 @@ void addSlotCommands(GrammarCommand program, Command& chosen) {
   command.addOption("slot", *finishSlotNumber, "The slot, 1 to 10").required();
   command.onGiven([&chosen, finishSlotNumber] {
     chosen = [=](Session& session) { finish(session, slotOf(*finishSlotNumber)); };
+  });
+
+  command = program.addCommand(
+      "diff",
+      "What applying a profile to a slot would change; without a profile, what the window "
+      "has edited in the slot and not applied",
+      "diff Office --slot 2");
+  auto diffName = std::make_shared<std::optional<std::string>>();
+  auto diffSlot = std::make_shared<std::optional<int>>();
+  command.addOption("name", *diffName, "The profile");
+  command.addOption("--slot", *diffSlot, "The slot, 1 to 10; otherwise the active one");
+  command.onGiven([&chosen, diffName, diffSlot] {
+    chosen = [=](Session& session) {
+      const std::optional<int> slot = *diffSlot ? std::optional(slotOf(**diffSlot)) : std::nullopt;
+      *diffName ? diffProfile(session, **diffName, slot) : diffDraft(session, slot);
+    };
   });
 
   command = program.addCommand("read", "Show what a slot of the mouse holds",

@@ -154,29 +154,34 @@ void takeMacros(_Nerin_PROFILE& record, const SlotDraft& draft, bool isApply) {
 }
 
 void take(const SlotDraft& draft, bool isApply) {
-  _Nerin_PROFILE record = draft.content.profile;
-  takeMacros(record, draft, isApply);
-  editState->edit() = record;
-  const std::string_view name = textOf(draft.content.profileName);
-  library().setCurrFWProfileName(name.empty() ? std::nullopt
-                                              : std::optional<std::string>(std::string(name)));
-  std::uint64_t& link = library().fwProfileID()[static_cast<std::size_t>(draft.slot)];
-  link = draft.content.profileId;
-  if (!library().getProValueByProid(link)) {
-    link = ProfieController::notLinked;
+  _Nerin_CONFIG content = draft.content;
+  takeMacros(content.profile, draft, isApply);
+  const std::string name(textOf(content.profileName));
+  if (isApply && !name.empty() && !library().getProValueByProid(content.profileId)) {
+    // The library may have got the profile of an Apply that failed: its name was free before.
+    if (const auto named = library().getProfileByName(name)) {
+      content.profileId = named->profileId();
+    }
   }
-  // The library may have got the profile of an Apply that failed: its name was free before.
-  if (const auto named = isApply && link == ProfieController::notLinked && !name.empty()
-                             ? library().getProfileByName(std::string(name))
-                             : nullptr) {
-    link = named->profileId();
-  }
-  library().setCurrProfile(library().getProfileByFWProIndex(draft.slot));
-  library().setCurrActivePath(std::string(textOf(draft.content.activeAppPath)));
-  library().setCurrIsActive(draft.content.isActiveApp != 0);
+  NerinAction::takeContent(draft.slot, content);
 }
 
 }  // namespace
+
+void NerinAction::takeContent(int slot, const _Nerin_CONFIG& content) {
+  editState->edit() = content.profile;
+  const std::string_view name = textOf(content.profileName);
+  library().setCurrFWProfileName(name.empty() ? std::nullopt
+                                              : std::optional<std::string>(std::string(name)));
+  std::uint64_t& link = library().fwProfileID()[static_cast<std::size_t>(slot)];
+  link = content.profileId;
+  if (!library().getProValueByProid(link)) {
+    link = ProfieController::notLinked;
+  }
+  library().setCurrProfile(library().getProfileByFWProIndex(slot));
+  library().setCurrActivePath(std::string(textOf(content.activeAppPath)));
+  library().setCurrIsActive(content.isActiveApp != 0);
+}
 
 SlotDraft NerinAction::currentDraft(int slot) {
   SlotDraft draft;

@@ -46,5 +46,8 @@ void forgetApply(int slot);
 
 // The edited profile as the draft of a slot.
 SlotDraft currentDraft(int slot);
+// Makes a content the current edit: record, name, link and linked program. A linked profile that is
+// gone is left out.
+void takeContent(int slot, const _Nerin_CONFIG& content);
 
 }  // namespace NerinAction

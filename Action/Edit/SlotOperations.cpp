@@ -5,6 +5,7 @@
 
 #include "Action/Device/SlotTransfer.h"
 #include "Action/Edit/Drafts.h"
+#include "Action/Edit/EditHistory.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Library/ProfileNames.h"
 #include "Action/Record/EditState.h"
@@ -103,6 +104,7 @@ Outcome commit() {
     editState->raiseNeedSave();
     NerinAction::keepDraft();
   }
+  NerinAction::recordWrite(outcome.isDone());
   return outcome;
 }
 
@@ -132,7 +134,9 @@ NerinAction::ReadResult<bool> NerinAction::loadSlot(int slot) {
     library().takeSelProfileFromMouse();
   }
   beginSlot(slot);
+  beginHistory(read.value && !isApplyUnfinished(slot));
   restoreDraft(slot);
+  recordEdit();
   return read;
 }
 
@@ -275,6 +279,7 @@ Outcome NerinAction::applySlot() {
   if (!hasRoomForSlot()) {
     return libraryIsFull();
   }
+  recordEdit();
   settleName();
   const Outcome link = saveLinkApp();
   Outcome outcome = commit();
@@ -294,8 +299,10 @@ Outcome NerinAction::resetSlot() {
   if (!hasRoomForSlot()) {
     return libraryIsFull();
   }
+  recordEdit();
   library().setCurrFWProfileName(factory->name());
   editState->bind(factory->profileData());
+  recordReset();
   settleName();
   return commit();
 }
@@ -304,6 +311,7 @@ Outcome NerinAction::renameSlot(const std::string& name) {
   if (!hasRoomForSlot()) {
     return libraryIsFull();
   }
+  recordEdit();
   const auto before = library().currFWProfileName();
   library().setCurrFWProfileName(name);
   settleName();
@@ -313,6 +321,7 @@ Outcome NerinAction::renameSlot(const std::string& name) {
     // A draft with the old name would take the new one back.
     keepDraft();
     outcome += saveSlotToLibrary();
+    recordRename();
   } else {
     library().setCurrFWProfileName(before);
   }

@@ -1,6 +1,10 @@
+#include <fstream>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Action/Edit/SlotDraft.h"
+#include "Action/Library/ProfieController.h"
 #include "Tests/CommandLine/TestHome.h"
 #include "Tests/Support/PrivateBus.h"
 
@@ -10,6 +14,21 @@ namespace {
 
 using nlohmann::json;
 using testing::ElementsAre;
+
+// The record that a slot is read as.
+class VirtualSlot {
+ public:
+  explicit VirtualSlot(const TestHome& user) : m_user(user) {}
+
+  _Nerin_PROFILE record(int slot) const {
+    const auto file = m_user.files / "read.pro";
+    m_user.prepare({"read", "--slot", std::to_string(slot + 1), "--output", file.string()});
+    return configOf(readFile(file)).profile;
+  }
+
+ private:
+  const TestHome& m_user;
+};
 
 TEST(NerinctlSlots, TellsTheStateOfAMouseAsDelivered) {
   const TestHome user;
@@ -92,6 +111,70 @@ TEST(NerinctlSlots, AnswersFourForASlotWithoutAProfile) {
   const TestHome user;
   VirtualMouse(user.mouseFile).clearSlot(6);
   expectComplaint(user.runWithMouse({"read", "--slot", "7"}), 4, "slot 7 holds no profile");
+}
+
+TEST(NerinctlDiff, TellsWhatApplyingAProfileWouldChange) {
+  const TestHome user;
+  ProfileValue profile = profileNamed("Office");
+  _Nerin_PROFILE record = VirtualSlot(user).record(1);
+  record.poRate = 0;
+  record.lightColorArr[2] = {1, 2, 255};
+  profile.setProfileData(record);
+  user.addProfile(profile);
+  const auto library = user.library();
+  const std::string memory = user.mouseMemory();
+  const json diff = user.json({"diff", "Office", "--slot", "2"});
+  EXPECT_EQ(diff["slot"], 2);
+  EXPECT_EQ(diff["profile"], "Office");
+  ASSERT_EQ(diff["changes"].size(), 3U) << diff;
+  EXPECT_EQ(diff["changes"][0],
+            json({{"about", "name"}, {"before", "Profile#2"}, {"after", "Office"}}));
+  EXPECT_EQ(diff["changes"][1]["after"], "125 Hz");
+  EXPECT_EQ(diff["changes"][2]["about"], "zone 3");
+  EXPECT_EQ(diff["changes"][2]["after"], "#0102ff");
+  EXPECT_THAT(user.lines({"diff", "Office", "--slot", "2"}),
+              testing::Contains("name         Profile#2  ->  Office"));
+  EXPECT_EQ(user.library(), library);
+  EXPECT_EQ(user.mouseMemory(), memory);
+  user.prepare({"apply", "Office", "--slot", "2"});
+  EXPECT_THAT(user.json({"diff", "Office", "--slot", "2"})["changes"], testing::IsEmpty());
+  EXPECT_THAT(user.lines({"diff", "Office", "--slot", "2"}), ElementsAre("no difference"));
+}
+
+TEST(NerinctlDiff, ReadsTheActiveSlotUnlessToldAnother) {
+  const TestHome user;
+  user.prepare({"switch", "4"});
+  EXPECT_EQ(user.json({"diff"}),
+            json({{"slot", 4}, {"profile", nullptr}, {"changes", json::array()}}));
+}
+
+TEST(NerinctlDiff, TellsWhatWasEditedAndNotApplied) {
+  const TestHome user;
+  SlotDraft draft;
+  draft.slot = 1;
+  draft.content.profile = VirtualSlot(user).record(1);
+  draft.content.profile.liftHeight = 7;
+  draft.content.profileId = ProfieController::notLinked;
+  setText(draft.content.profileName, "Profile#2");
+  setText(draft.content.activeAppPath, "/usr/bin/game");
+  draft.content.isActiveApp = 1;
+  std::filesystem::create_directories(user.supportFolder() / "Drafts");
+  std::ofstream(user.supportFolder() / "Drafts" / "slot-2.xml") << documentOf(draft);
+  const json changes = user.json({"diff", "--slot", "2"})["changes"];
+  ASSERT_EQ(changes.size(), 2U) << changes;
+  EXPECT_EQ(changes[0]["about"], "lift height");
+  EXPECT_EQ(changes[0]["after"], "7");
+  EXPECT_EQ(changes[1],
+            json({{"about", "linked program"}, {"before", nullptr}, {"after", "/usr/bin/game"}}));
+  EXPECT_EQ(user.json({"diff", "--slot", "2"})["changes"], changes) << "the draft stays";
+}
+
+TEST(NerinctlDiff, AnswersFourForWhatIsNotThere) {
+  const TestHome user;
+  VirtualMouse(user.mouseFile).clearSlot(6);
+  expectComplaint(user.runWithMouse({"diff", "--slot", "7"}), 4, "slot 7 holds no profile");
+  expectComplaint(user.runWithMouse({"diff", "Nobody"}), 4);
+  expectComplaint(user.runWithMouse({"diff", "--slot=11"}), 4, "no such slot: 11");
 }
 
 TEST(NerinctlSlots, ReadsWithoutChangingAnything) {

@@ -1,6 +1,7 @@
 #include "View/Main/ButtonMapView.h"
 
 #include "Kit/Widgets/LXImageView.h"
+#include "View/Main/MapLights.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Pictures.h"
 
@@ -42,6 +43,13 @@ void ButtonMapView::initControls() {
     caption->setLeftPad(captionPad);
     caption->setRightPad(captionPad);
   }
+  // Over the markers, which show their own part of the drawing.
+  m_lights = new MapLights(QString::fromLatin1(m_map.lights), m_map.lightsPlace, this);
+  m_lights->setGeometry(0, 0, width(), height());
+}
+
+void ButtonMapView::showLights(const _Nerin_PROFILE& profile) {
+  m_lights->show(profile);
 }
 
 LXButton* ButtonMapView::addButton(const Control& control) {

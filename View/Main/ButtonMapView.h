@@ -4,10 +4,12 @@
 #include <string_view>
 #include <vector>
 
+#include "Action/Record/Records.h"
 #include "Kit/Widgets/LXButton.h"
 #include "View/Screen/TavImageView.h"
 
 class LXImageView;
+class MapLights;
 
 // A picture of the mouse with a caption button and a marker for each of its buttons. Hovering one
 // of a pair draws the line between them. The base of MainSubView1 and MainSubView2.
@@ -25,6 +27,8 @@ class ButtonMapView : public TavImageView, public LXButtonDelegate {
   // Turns the highlight of the button's pair on or off.
   void setLightSelImage(LXButton& button, bool showTag);
   void setLineImage();
+  // Shows the lights in the colors of the profile.
+  void showLights(const _Nerin_PROFILE& profile);
   // The hovered pair, from 1; 0 for none.
   int currSelectedBtn() const { return m_currSelectedBtn; }
   LXImageView* lineImgView() const { return m_lineImgView; }
@@ -50,6 +54,8 @@ class ButtonMapView : public TavImageView, public LXButtonDelegate {
     int lastCaptionTag;
     int firstMarkerTag;
     int lastMarkerTag;
+    const char* lights;  // the stem of their pictures
+    QPoint lightsPlace;
   };
 
   ButtonMapView(const QSize& frame, Map map, QWidget* parent);
@@ -65,6 +71,7 @@ class ButtonMapView : public TavImageView, public LXButtonDelegate {
   Map m_map;
   TavImageView* m_delegate = nullptr;
   LXImageView* m_lineImgView = nullptr;
+  MapLights* m_lights = nullptr;
   std::vector<LXImage> m_lineImages;  // one for each pair
   int m_currSelectedBtn = 0;
 };

@@ -46,7 +46,9 @@ ButtonMapView::Map MainSubView1::map() {
           140,
           149,
           170,
-          180};
+          180,
+          "TopLight",
+          {238, 18}};
 }
 
 void MainSubView1::setCaptionsLit(int pair, bool isLit) {

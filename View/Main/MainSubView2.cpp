@@ -40,5 +40,7 @@ ButtonMapView::Map MainSubView2::map() {
           150,
           155,
           157,
-          162};
+          162,
+          "SideLight",
+          {98, 118}};
 }

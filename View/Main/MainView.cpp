@@ -2,10 +2,12 @@
 
 #include "View/Main/MainView.h"
 
+#include <QPushButton>
 #include <algorithm>
 #include <utility>
 
 #include "Action/Edit/Drafts.h"
+#include "Action/Edit/EditHistory.h"
 #include "Action/Edit/MacroDraft.h"
 #include "Action/Library/ProfieController.h"
 #include "Action/Library/ProfileMenuData.h"
@@ -86,7 +88,13 @@ void MainView::fillSettingData() {
   m_modeStep->selectindex(static_cast<int>(editState->selProfile().modeType) + 1);
   m_linkProChk->setChecked(library().currIsActive());
   showLinkPath();
+  showLights();
   m_isFillSetting = false;
+}
+
+void MainView::showLights() {
+  m_subView1->showLights(editState->selProfile());
+  m_subView2->showLights(editState->selProfile());
 }
 
 void MainView::fillBtnCaption(int index) {
@@ -142,16 +150,30 @@ void MainView::refreshProfileMenu() {
 }
 
 void MainView::refreshApplyBtn() {
+  NerinAction::recordEdit();
   const bool isNeedSave = editState->isNeedSave();
+  if (!isNeedSave) {
+    focusAfterApply();
+  }
   for (LXButton* button : {m_applyBtn, m_okBtn}) {
-    if (!isNeedSave && button->hasFocus()) {
-      // Disabling it would hand the focus to the button that quits.
-      m_profileBtns[static_cast<std::size_t>(currentSlot())]->setFocus(
-          button->isFocusFromPointer() ? Qt::MouseFocusReason : Qt::OtherFocusReason);
-    }
     button->setIsEnable(isNeedSave);
   }
+  m_changesBtn->setEnabled(isNeedSave);
+  showLights();
   showDraftMarks();
+}
+
+void MainView::focusAfterApply() {
+  // The list of changes may be in front of the window.
+  const QWidget* focused = window()->focusWidget();
+  if (focused != m_applyBtn && focused != m_okBtn && focused != m_changesBtn) {
+    return;
+  }
+  const auto* button = qobject_cast<const LXButton*>(focused);
+  // Disabling it would hand the focus to the button that quits.
+  m_profileBtns[static_cast<std::size_t>(currentSlot())]->setFocus(
+      button != nullptr && button->isFocusFromPointer() ? Qt::MouseFocusReason
+                                                        : Qt::OtherFocusReason);
 }
 
 void MainView::showDraftMarks() {
@@ -176,6 +198,7 @@ void MainView::keepDrafts() {
   if (working && m_childBefore && isSameRecord(*working, *m_childBefore)) {
     working.reset();
   }
+  NerinAction::recordEdit();
   NerinAction::keepDraft(working ? &*working : nullptr);
 }
 

@@ -20,12 +20,14 @@
 #include "View/Screen/TavImageView.h"
 #include "View/Windows/StatusLine.h"
 
+class ChangesList;
 class ChildView;
 class LXButton;
 class LXTextField;
 class MainSubView1;
 class MainSubView2;
 class ProgressLine;
+class QPushButton;
 
 // The root of the pop-up menu of library profiles, created once and refilled.
 inline ProcessWide<std::shared_ptr<LXTreeNode>> profileNode;
@@ -60,6 +62,15 @@ class MainView : public TavImageView,
   // Shows what others did in the library's folder.
   void followLibrary();
   void refreshApplyBtn();
+  // The name of a mouse button (0..15) by its place: "Left button".
+  static QString physicalButtonName(int index);
+
+  // --- What is edited ------------------------------------------------------------------------
+
+  // Opens the list of what Apply would change.
+  void showChanges();
+  void undoEdit();
+  void redoEdit();
 
   // --- The slot ----------------------------------------------------------------------------
 
@@ -168,10 +179,17 @@ class MainView : public TavImageView,
   void showTitle(const std::optional<std::string>& name);
   void showName();
   void showLinkPath();
+  // In the drawings of the mouse.
+  void showLights();
   bool hasRoomForProfile() const;
   static int currentSlot();
-  // The name of a mouse button by its place: "Left button".
-  static QString physicalButtonName(int index);
+  void initChanges();
+  void fillChanges();
+  void takeBackChange(int row);
+  void step(bool (*go)(), const char* text, const StatusLine::Offer& back);
+  void showEdit();
+  // The focus goes to where the work goes on, since Apply is not enabled any more.
+  void focusAfterApply();
 
   // Opens a window that owns the view.
   void openChild(ChildView* view, int dragHeight, const char* titleKey);
@@ -213,6 +231,8 @@ class MainView : public TavImageView,
   MainSubView2* m_subView2 = nullptr;
   ProgressLine* m_progressBar = nullptr;
   StatusLine* m_statusLine = nullptr;
+  QPushButton* m_changesBtn = nullptr;
+  ChangesList* m_changesList = nullptr;
   // One for each slot, over its tab: the slot has edits that are not applied.
   std::array<QWidget*, slotTabs> m_draftMarks{};
   std::unique_ptr<LXMenulist> m_profileList;
@@ -248,6 +268,7 @@ class MainView : public TavImageView,
   bool m_hasGone = false;
   bool m_isFWChangeProfile = false;
   bool m_isFillSetting = false;
+  bool m_isShowingEdit = false;
   bool m_isFirstOpen = false;
   std::string m_lochelpPath;
 };

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Action/Device/DeviceSettings.h"
+#include "Action/Edit/EditHistory.h"
 #include "Action/Edit/PrimaryClick.h"
 #include "Action/Record/EditState.h"
 #include "View/Assign/KeyAssignView.h"
@@ -95,6 +96,9 @@ void MainView::windowWillClose(LXNoTitleWindow& window) {
     edited.btnInfo[m_selBtnIndex] = view->tmpBtnInfo();
     editState->take(edited);
     fillBtnCaption(m_selBtnIndex);
+  }
+  if (NerinAction::liveSettings->hasTried) {
+    NerinAction::noteTrial();
   }
   refreshApplyBtn();
   m_isModalSeron = std::max(0, m_isModalSeron - 1);

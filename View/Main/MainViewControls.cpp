@@ -1,5 +1,7 @@
 // The controls, step panels, maps, menu and shortcuts of the main window.
 
+#include <QPainter>
+#include <QPushButton>
 #include <QShortcut>
 #include <QTimer>
 
@@ -26,6 +28,9 @@ constexpr qreal programType = 12;
 constexpr int nameType = 15;
 constexpr int nameFieldPad = 8;
 constexpr int footerGap = 16;
+// The arrow beside Apply.
+constexpr int changesWidth = 28;
+constexpr int changesGap = 4;
 constexpr int markSize = 8;
 constexpr int markInset = 6;
 // Half of the time that an edit may be lost for by a kill.
@@ -54,6 +59,35 @@ constexpr std::array<Caption, buttonCount> captionOrder{{
     {"WhellUpBtn", "Wheel up"},
     {"WhellDownBtn", "Wheel down"},
 }};
+
+// An arrow that points to the list above it.
+class ArrowButton : public QPushButton {
+ public:
+  using QPushButton::QPushButton;
+
+ protected:
+  void paintEvent(QPaintEvent* /*event*/) override {
+    constexpr QColor ground(0x22, 0x25, 0x2C);
+    constexpr QColor hovered(0x2D, 0x31, 0x3A);
+    constexpr QColor edge(0x34, 0x39, 0x43);
+    constexpr QColor bright(0xF2, 0xF4, 0xF7);
+    constexpr QColor dim(0x5A, 0x62, 0x70);
+    constexpr qreal radius = 6;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const bool isFocused = hasFocus();
+    const qreal inset = isFocused ? 1 : 0.5;
+    painter.setPen(QPen(isFocused ? bright : edge, isFocused ? 2 : 1));
+    painter.setBrush(underMouse() && isEnabled() ? hovered : ground);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius, radius);
+    painter.setPen(
+        QPen(isEnabled() ? bright : dim, 1.75, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    const QPointF middle = QRectF(rect()).center();
+    const QPolygonF arrow{
+        {middle + QPointF(-5, 2.5), middle + QPointF(0, -2.5), middle + QPointF(5, 2.5)}};
+    painter.drawPolyline(arrow);
+  }
+};
 
 }  // namespace
 
@@ -122,6 +156,7 @@ void MainView::initControls() {
   initMenu();
   initShortcuts();
   initStatus();
+  initChanges();
   m_progressBar = new ProgressLine(this);
   m_progressBar->setObjectName(QStringLiteral("progressBar"));
   m_progressBar->setGeometry(frameRect(frames::progressBar));
@@ -227,9 +262,17 @@ void MainView::initMenu() {
 
 void MainView::initStatus() {
   m_statusLine = new StatusLine(this);
-  m_statusLine->setGeometry(
-      QRect(QPoint(frameRect(frames::reDefBtn).right() + footerGap, frames::applyBtn.y),
-            QPoint(frames::applyBtn.x - footerGap, frameRect(frames::applyBtn).bottom())));
+  m_statusLine->setGeometry(QRect(
+      QPoint(frameRect(frames::reDefBtn).right() + footerGap, frames::applyBtn.y),
+      QPoint(frames::applyBtn.x - footerGap - changesWidth, frameRect(frames::applyBtn).bottom())));
+  m_changesBtn = new ArrowButton(this);
+  m_changesBtn->setObjectName(QStringLiteral("changesBtn"));
+  m_changesBtn->setGeometry(frames::applyBtn.x - changesGap - changesWidth, frames::applyBtn.y,
+                            changesWidth, frames::applyBtn.height);
+  const QString words = NerinAction::tooltipText("What would Apply change?");
+  m_changesBtn->setAccessibleName(words);
+  m_changesBtn->setToolTip(words);
+  setTabOrder(m_applyBtn, m_changesBtn);
   for (std::size_t i = 0; i < m_draftMarks.size(); ++i) {
     auto* mark = new QWidget(m_profileBtns[i]);
     mark->setObjectName(QStringLiteral("draftMark%1").arg(i + 1));

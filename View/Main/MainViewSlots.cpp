@@ -162,7 +162,7 @@ void MainView::selectMode(int newIndex, int oldIndex) {
     editState->currSetProfile() = editState->selProfile();
     outcome = NerinAction::setModelToDevice();
   }
-  if (isChosen) {
+  if (isChosen || (m_isShowingEdit && !outcome.isDone())) {
     statusline::tell(outcome);
   }
 }

@@ -1,0 +1,62 @@
+#include "View/Main/MapLights.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+
+#include "View/Lights/LightColor.h"
+#include "View/Screen/Pictures.h"
+
+MapLights::MapLights(const QString& stem, const QPoint& place, QWidget* parent)
+    : QWidget(parent), m_place(place) {
+  setObjectName(QStringLiteral("mapLights"));
+  setAttribute(Qt::WA_TransparentForMouseEvents);
+  for (std::size_t zone = 0; zone < zoneCount; ++zone) {
+    m_lights[zone] = pictures::load(stem + QStringLiteral("%1.png").arg(zone + 1)).pixmap();
+  }
+}
+
+void MapLights::show(const _Nerin_PROFILE& profile) {
+  Colors colors;
+  for (std::size_t zone = 0; zone < zoneCount; ++zone) {
+    const _LightColorInfo& color = profile.lightColorArr[zone];
+    colors[zone] = LightColor::ofBytes(color.cR, color.cG, color.cB).shown();
+  }
+  const bool isBattle = profile.modeType == 1;
+  if (m_colors != colors || m_isBattle != isBattle) {
+    m_colors = colors;
+    m_isBattle = isBattle;
+    draw();
+    update();
+  }
+}
+
+void MapLights::draw() {
+  m_drawn = QPixmap();
+  for (std::size_t zone = 0; zone < zoneCount; ++zone) {
+    QPixmap light = m_lights[zone];
+    if (light.isNull()) {
+      continue;
+    }
+    QPainter tint(&light);
+    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    tint.fillRect(QRectF(QPointF(), light.deviceIndependentSize()), (*m_colors)[zone]);
+    tint.end();
+    if (m_drawn.isNull()) {
+      m_drawn = QPixmap(light.size());
+      m_drawn.setDevicePixelRatio(light.devicePixelRatio());
+      m_drawn.fill(Qt::transparent);
+    }
+    QPainter painter(&m_drawn);
+    const int times = m_isBattle ? 3 : 1;
+    for (int i = 0; i < times; ++i) {
+      // The soft edges add up, the light itself is full already.
+      painter.drawPixmap(QPointF(), light);
+    }
+  }
+}
+
+void MapLights::paintEvent(QPaintEvent* event) {
+  QPainter painter(this);
+  painter.setClipRegion(event->region());
+  painter.drawPixmap(m_place, m_drawn);
+}
