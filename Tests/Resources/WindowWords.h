@@ -59,6 +59,7 @@ inline constexpr WindowWord pictureWords[] = {
     {"Before", "Before"},
     {"After", "After"},
     {"Recent colors", "Recent colors"},
+    {"Ctrl+R", "Ctrl+R"},
     {"LightHint", "Choose a light, then give it a color."},
     {"Point at a button to find it, click it to change it",
      "Point at a button to find it, click it to change it"},

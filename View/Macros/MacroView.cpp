@@ -4,6 +4,7 @@
 
 #include <QHeaderView>
 #include <QLabel>
+#include <QShortcut>
 
 #include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MacroCatalogue.h"
@@ -27,6 +28,7 @@ constexpr int longestDelay = 5000;
 constexpr int delayDigits = 4;
 constexpr qreal smallType = 10.5;
 constexpr int nameMargin = 12 - LXTextField::ownMargin;
+constexpr auto recordShortcut = Qt::CTRL | Qt::Key_R;
 
 // Disabling a focused button would move the focus to the next control. This moves it to the table
 // of commands.
@@ -193,6 +195,12 @@ void MacroView::initButtons() {
   for (LXButton* button : allButtons()) {
     button->setLXBtnDelege(this);
   }
+  // The recording itself listens for the keys that stop it.
+  for (LXButton* button : {m_recordBtn, m_stopBtn, m_insertStopBtn}) {
+    button->setAccessibleDescription(NerinAction::tooltipText("Ctrl+R"));
+  }
+  connect(new QShortcut(recordShortcut, this), &QShortcut::activated, this,
+          &MacroView::startByShortcut);
 }
 
 void MacroView::initDelayGroups() {
@@ -260,6 +268,7 @@ void MacroView::refreshData() {
       QString::fromStdString(NerinAction::getMenuNameByFunId(
                                  m_currInsertType, NerinAction::functionMenus->macroInsertMenuNode)
                                  .value_or("")));
+  openLastMacro();
 }
 
 void MacroView::fillSettingData() {

@@ -33,6 +33,9 @@ struct MacroDelays {
 };
 inline ProcessWide<MacroDelays> macroDelays;
 
+// The macro that was open last, until the program ends. The catalogue owns it.
+inline ProcessWide<std::weak_ptr<MacroInfo>> lastOpenMacro;
+
 // The macro editor: the user's library of macros, and the commands of one macro, recorded from the
 // keyboard and the mouse. Edits the catalogue's macros directly; saving writes the catalogue's
 // file.
@@ -95,7 +98,7 @@ class MacroView : public ChildView,
   void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
   void onNumTextChange(LXNumberTextField& sender) override;
   void onMacroNameTextChange();
-  // The mouse was removed: closes the window.
+  // The mouse was removed: keeps what was recorded and closes the window.
   void devOutplusPro();
 
   // --- The library -------------------------------------------------------------------------
@@ -107,6 +110,8 @@ class MacroView : public ChildView,
   void renamePro();
   void addMacroPro(const std::shared_ptr<MacroInfo>& macro);
   void addMacorByName(const std::string& name);
+  // Named as the user has typed while no macro was open, or by the rule. The name field gets the
+  // focus.
   void newMacro();
   void copyMacro();
   void delMacro();
@@ -187,10 +192,14 @@ class MacroView : public ChildView,
   void selectionChanged();
   bool hasRoomForMacro() const;
   void findNodeAgain();
+  void openLastMacro();
 
   void startRecording();
   void startInsertRecording();
   void endRecording();
+  bool isStopShortcut(const QKeyEvent& event) const;
+  void startByShortcut();
+  void stopByShortcut();
   void takeKeyboard();
   void forgetKeys();
   bool belongsToMacro(const QKeyEvent& event, std::uint16_t keyCode);
@@ -243,10 +252,13 @@ class MacroView : public ChildView,
   std::shared_ptr<MacroKeyInfo> m_selKeyInfo;
   std::shared_ptr<MacroKeyInfo> m_lastKeyInfo;
   std::size_t m_currInsertIndex = 0;
+  // Where the recording inserted its first command.
+  std::size_t m_recordedFrom = 0;
   bool m_isRecord = false;
   bool m_isInsert = false;
   bool m_isInsertRecord = false;
   bool m_isAddDelay = false;
+  bool m_isShortcutDown = false;
   bool m_isInfoShown = false;
   // The event clock in milliseconds; no value before the first event of a recording.
   std::optional<std::uint64_t> m_oldTime;

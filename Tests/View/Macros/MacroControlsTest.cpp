@@ -249,8 +249,8 @@ TEST_F(MacroControls, EveryOpeningBeginsWithMeasuredDelaysAndTheInsertPanelOff) 
   EXPECT_EQ(control("insertBtn").title(), "Record before the Selected Line");
   EXPECT_TRUE(control("insertRecordBtn").isVisible());
   EXPECT_FALSE(control("insertIntBtn").isVisible());
-  EXPECT_EQ(name(), "");
-  EXPECT_EQ(control("macroNameBtn").title(), "");
+  EXPECT_EQ(name(), "NewMacro_1");
+  EXPECT_EQ(control("macroNameBtn").title(), "NewMacro_1");
 }
 
 TEST_F(MacroControls, WithoutAnInsertMenuTheListButtonIsEmpty) {
