@@ -12,6 +12,7 @@
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Macros/MacroMenulist.h"
+#include "View/Macros/MacroWorkbench.h"
 #include "View/Macros/UsageBar.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
@@ -127,6 +128,7 @@ void MacroView::initControls() {
   initButtons();
   initDelayGroups();
   initTable();
+  initWorkbench();
   setEndTags(TagApply, TagOk, TagCancel);
   addFooter(frameRect(frames::applyBtn));
   setInsertState(false);
@@ -239,6 +241,16 @@ void MacroView::initTable() {
           &MacroView::selectionChanged);
 }
 
+void MacroView::initWorkbench() {
+  m_workbench = new MacroWorkbench(*this);
+  connect(m_workbench, &MacroWorkbench::rowChosen, this, &MacroView::selectComByIndex);
+  connect(m_workbench, &MacroWorkbench::edited, this, &MacroView::commandsEdited);
+  connect(new QShortcut(QKeySequence::Undo, this), &QShortcut::activated, m_workbench,
+          &MacroWorkbench::undo);
+  connect(new QShortcut(QKeySequence::Redo, this), &QShortcut::activated, m_workbench,
+          &MacroWorkbench::redo);
+}
+
 void MacroView::initNotify() {
   LocalNotifications::shared().observe(NerinAction::notifyOutPlus, this,
                                        [this] { devOutplusPro(); });
@@ -279,6 +291,9 @@ void MacroView::fillSettingData() {
 }
 
 void MacroView::onNumTextChange(LXNumberTextField& sender) {
+  if (m_workbench->takePause(sender)) {
+    return;
+  }
   (&sender == m_defDelayTxt ? macroDelays->delayTime : macroDelays->defDelayTime) = sender.value();
 }
 

@@ -19,6 +19,7 @@
 #include "View/Windows/ChildView.h"
 
 class LXTextField;
+class MacroWorkbench;
 class MenuInfo;
 class QInputEvent;
 class UsageBar;
@@ -142,6 +143,9 @@ class MacroView : public ChildView,
   bool checkMouseEvent(const QMouseEvent& event) const;
   void onMouseEvent(LXButton& button, QEvent& event, int type) override;
   void onMouseEvent(RigthMouseTBView& table, QMouseEvent& event, int type) override;
+  // Delete, and Alt with an arrow, do what the buttons under the table do.
+  bool onKey(RigthMouseTBView& table, QKeyEvent& event) override;
+  void onRowDragged(RigthMouseTBView& table, int row, int gap) override;
 
   // --- What can be used --------------------------------------------------------------------
 
@@ -182,6 +186,7 @@ class MacroView : public ChildView,
   void initFields();
   void initDelayGroups();
   void initTable();
+  void initWorkbench();
   std::vector<LXButton*> allButtons() const;
 
   MacroInfo::Events* keyArrs() const;
@@ -190,6 +195,7 @@ class MacroView : public ChildView,
   void reloadTable();
   void showUsage();
   void selectionChanged();
+  void commandsEdited(int row);
   bool hasRoomForMacro() const;
   void findNodeAgain();
   void openLastMacro();
@@ -244,6 +250,7 @@ class MacroView : public ChildView,
   LXSetpPanelObj* m_insertDelaySetp = nullptr;
   RigthMouseTBView* m_table = nullptr;
   MacroCommandModel* m_commands = nullptr;
+  MacroWorkbench* m_workbench = nullptr;
   std::unique_ptr<LXMenulist> m_insertList;
 
   std::shared_ptr<LXTreeNode> m_selMacroNode;

@@ -13,6 +13,7 @@
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Macros/MacroMenulist.h"
 #include "View/Macros/MacroView.h"
+#include "View/Macros/MacroWorkbench.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/Termination.h"
@@ -39,6 +40,7 @@ void MacroView::setSelMacro(const std::shared_ptr<MenuInfo>& entry) {
   m_macroNameTxt->setText(name);
   m_selKeyInfo = nullptr;
   m_commands->setCommands(keyArrs());
+  m_workbench->setCommands(keyArrs());
   // Select the first command, if there is one.
   selectComByIndex(0);
   showUsage();

@@ -18,6 +18,8 @@
 #include "Kit/Widgets/LXNumberTextField.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Macros/MacroView.h"
+#include "View/Macros/MacroWorkbench.h"
+#include "View/Macros/TimeStrip.h"
 #include "View/Screen/ControlFactory.h"
 
 namespace {
@@ -38,6 +40,7 @@ bool keepsClicks(const QWidget& widget) {
   const auto* button = qobject_cast<const QAbstractButton*>(&widget);
   return button != nullptr ? !button->isEnabled()
                            : qobject_cast<const QLineEdit*>(&widget) != nullptr ||
+                                 qobject_cast<const TimeStrip*>(&widget) != nullptr ||
                                  qobject_cast<const QAbstractSlider*>(&widget) != nullptr;
 }
 
@@ -151,6 +154,8 @@ void MacroView::setRecState(bool isRecord, bool isInsert) {
   m_isRecord = isRecord;
   m_lastKeyInfo = nullptr;
   m_isAddDelay = true;
+  m_workbench->commandsChanged(isRecord);
+  m_workbench->setUsable(!isRecord);
   m_recordStateTxt->setText(isRecord ? NerinAction::tooltipText("Recording. Press Stop to end")
                                      : QString());
   if (isRecord) {
