@@ -12,6 +12,7 @@
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Macros/MacroMenulist.h"
+#include "View/Macros/MacroTools.h"
 #include "View/Macros/MacroWorkbench.h"
 #include "View/Macros/UsageBar.h"
 #include "View/Screen/ControlFactory.h"
@@ -87,6 +88,8 @@ const std::vector<MacroView::Control>& MacroView::controls() {
       {&MacroView::m_keyDownBtn, "keyDownBtn", TagKeyDown, "Move instruction line down",
        frameRect(frames::keyDownBtn)},
       {&MacroView::m_delKeyBtn, "delKeyBtn", TagDelKey, "DELETE", frameRect(frames::delKeyBtn)},
+      {&MacroView::m_toolsBtn, "toolsBtn", TagTools, "Tools for lines",
+       frameRect(frames::toolsBtn)},
       {&MacroView::m_insertKeyBtn, "insertKeyBtn", TagInsertKey, "Insert instructions in macro",
        frameRect(frames::insertKeyBtn)},
       {&MacroView::m_insertAutoDelayChk, "insertAutoDelayChk", TagInsertAutoDelay, "Measured delay",
@@ -245,6 +248,9 @@ void MacroView::initWorkbench() {
   m_workbench = new MacroWorkbench(*this);
   connect(m_workbench, &MacroWorkbench::rowChosen, this, &MacroView::selectComByIndex);
   connect(m_workbench, &MacroWorkbench::edited, this, &MacroView::commandsEdited);
+  m_tools = new MacroTools(this);
+  m_toolsBtn->setOpenedList(m_tools);
+  connect(m_tools, &MacroTools::edited, this, &MacroView::commandsEdited);
   connect(new QShortcut(QKeySequence::Undo, this), &QShortcut::activated, m_workbench,
           &MacroWorkbench::undo);
   connect(new QShortcut(QKeySequence::Redo, this), &QShortcut::activated, m_workbench,
@@ -359,6 +365,11 @@ void MacroView::buttonAction(LXButton& sender) {
     case TagKeyDown:
       downCom();
       return;
+    case TagTools:
+      if (keyArrs() != nullptr) {
+        m_tools->open(*keyArrs(), sender);
+      }
+      return;
     case TagInsert:
       NerinAction::showMenulistWithBtn(sender, m_insertList.get());
       return;
@@ -405,6 +416,7 @@ void MacroView::devOutplusPro() {
   endRecording();
   NerinAction::keepMacroDraft();
   macromenulist::release(this);
+  m_tools->hide();
   if (m_insertList) {
     m_insertList->hideMenulist();
   }
@@ -440,7 +452,7 @@ void MacroView::setConEnableWithKey() {
   const KeyboardToTable keyboard(m_table);
   const MacroInfo::Events* events = keyArrs();
   const bool hasCommands = events != nullptr && !events->empty();
-  for (LXButton* button : {m_delKeyBtn, m_keyUpBtn, m_keyDownBtn, m_insertKeyBtn}) {
+  for (LXButton* button : {m_delKeyBtn, m_keyUpBtn, m_keyDownBtn, m_insertKeyBtn, m_toolsBtn}) {
     button->setIsEnable(hasCommands);
   }
   if (!hasCommands) {

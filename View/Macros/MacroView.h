@@ -19,6 +19,7 @@
 #include "View/Windows/ChildView.h"
 
 class LXTextField;
+class MacroTools;
 class MacroWorkbench;
 class MenuInfo;
 class QInputEvent;
@@ -75,6 +76,7 @@ class MacroView : public ChildView,
     TagInsertStop,
     TagInsertInt,
     TagInsertCancel,
+    TagTools = 230,
   };
   // The entries of the insert list: what to record or insert, and where, relative to the selected
   // command.
@@ -226,6 +228,7 @@ class MacroView : public ChildView,
   LXButton* m_insertKeyBtn = nullptr;
   LXButton* m_keyUpBtn = nullptr;
   LXButton* m_keyDownBtn = nullptr;
+  LXButton* m_toolsBtn = nullptr;
   LXButton* m_insertBtn = nullptr;
   LXButton* m_insertRecordBtn = nullptr;
   LXButton* m_insertStopBtn = nullptr;
@@ -251,6 +254,7 @@ class MacroView : public ChildView,
   RigthMouseTBView* m_table = nullptr;
   MacroCommandModel* m_commands = nullptr;
   MacroWorkbench* m_workbench = nullptr;
+  MacroTools* m_tools = nullptr;
   std::unique_ptr<LXMenulist> m_insertList;
 
   std::shared_ptr<LXTreeNode> m_selMacroNode;

@@ -145,7 +145,8 @@ void MacroView::setRecState(bool isRecord, bool isInsert) {
                            m_insertDefDelayChk, m_insertLgnoreDelayChk,
                            m_insertRecordBtn,   m_insertIntBtn,
                            m_insertCancelBtn,   m_okBtn,
-                           m_cancelBtn,         m_applyBtn}) {
+                           m_cancelBtn,         m_applyBtn,
+                           m_toolsBtn}) {
     button->setIsEnable(!isRecord);
   }
   m_macroNameTxt->setEnabled(!isRecord);
