@@ -296,10 +296,11 @@ class Screen:
                        for number in element.get("data-padding", "8 8").split()]
             if len(box) == 4 and not control:
                 frame = Frame(*box)
-            elif control and not box and len(padding) == 2:
+            elif control and not box and len(padding) in (2, 4):
                 around = self.controlFrame(control, where)
-                frame = Frame(around.x + padding[0], around.y,
-                              around.width - padding[0] - padding[1], around.height)
+                left, right, top, bottom = (padding + [0, 0])[:4]
+                frame = Frame(around.x + left, around.y + top, around.width - left - right,
+                              around.height - top - bottom)
             else:
                 raise ArtworkError("%s needs either data-for or a data-box of x y width height" %
                                    where)

@@ -4,6 +4,7 @@
 
 #include <QHeaderView>
 #include <QLabel>
+#include <QShortcut>
 
 #include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MacroCatalogue.h"
@@ -11,6 +12,8 @@
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Macros/MacroMenulist.h"
+#include "View/Macros/MacroTools.h"
+#include "View/Macros/MacroWorkbench.h"
 #include "View/Macros/UsageBar.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
@@ -27,6 +30,7 @@ constexpr int longestDelay = 5000;
 constexpr int delayDigits = 4;
 constexpr qreal smallType = 10.5;
 constexpr int nameMargin = 12 - LXTextField::ownMargin;
+constexpr auto recordShortcut = Qt::CTRL | Qt::Key_R;
 
 // Disabling a focused button would move the focus to the next control. This moves it to the table
 // of commands.
@@ -84,6 +88,8 @@ const std::vector<MacroView::Control>& MacroView::controls() {
       {&MacroView::m_keyDownBtn, "keyDownBtn", TagKeyDown, "Move instruction line down",
        frameRect(frames::keyDownBtn)},
       {&MacroView::m_delKeyBtn, "delKeyBtn", TagDelKey, "DELETE", frameRect(frames::delKeyBtn)},
+      {&MacroView::m_toolsBtn, "toolsBtn", TagTools, "Tools for lines",
+       frameRect(frames::toolsBtn)},
       {&MacroView::m_insertKeyBtn, "insertKeyBtn", TagInsertKey, "Insert instructions in macro",
        frameRect(frames::insertKeyBtn)},
       {&MacroView::m_insertAutoDelayChk, "insertAutoDelayChk", TagInsertAutoDelay, "Measured delay",
@@ -125,6 +131,7 @@ void MacroView::initControls() {
   initButtons();
   initDelayGroups();
   initTable();
+  initWorkbench();
   setEndTags(TagApply, TagOk, TagCancel);
   addFooter(frameRect(frames::applyBtn));
   setInsertState(false);
@@ -193,6 +200,12 @@ void MacroView::initButtons() {
   for (LXButton* button : allButtons()) {
     button->setLXBtnDelege(this);
   }
+  // The recording itself listens for the keys that stop it.
+  for (LXButton* button : {m_recordBtn, m_stopBtn, m_insertStopBtn}) {
+    button->setAccessibleDescription(NerinAction::tooltipText("Ctrl+R"));
+  }
+  connect(new QShortcut(recordShortcut, this), &QShortcut::activated, this,
+          &MacroView::startByShortcut);
 }
 
 void MacroView::initDelayGroups() {
@@ -231,6 +244,19 @@ void MacroView::initTable() {
           &MacroView::selectionChanged);
 }
 
+void MacroView::initWorkbench() {
+  m_workbench = new MacroWorkbench(*this);
+  connect(m_workbench, &MacroWorkbench::rowChosen, this, &MacroView::selectComByIndex);
+  connect(m_workbench, &MacroWorkbench::edited, this, &MacroView::commandsEdited);
+  m_tools = new MacroTools(this);
+  m_toolsBtn->setOpenedList(m_tools);
+  connect(m_tools, &MacroTools::edited, this, &MacroView::commandsEdited);
+  connect(new QShortcut(QKeySequence::Undo, this), &QShortcut::activated, m_workbench,
+          &MacroWorkbench::undo);
+  connect(new QShortcut(QKeySequence::Redo, this), &QShortcut::activated, m_workbench,
+          &MacroWorkbench::redo);
+}
+
 void MacroView::initNotify() {
   LocalNotifications::shared().observe(NerinAction::notifyOutPlus, this,
                                        [this] { devOutplusPro(); });
@@ -260,6 +286,7 @@ void MacroView::refreshData() {
       QString::fromStdString(NerinAction::getMenuNameByFunId(
                                  m_currInsertType, NerinAction::functionMenus->macroInsertMenuNode)
                                  .value_or("")));
+  openLastMacro();
 }
 
 void MacroView::fillSettingData() {
@@ -270,6 +297,9 @@ void MacroView::fillSettingData() {
 }
 
 void MacroView::onNumTextChange(LXNumberTextField& sender) {
+  if (m_workbench->takePause(sender)) {
+    return;
+  }
   (&sender == m_defDelayTxt ? macroDelays->delayTime : macroDelays->defDelayTime) = sender.value();
 }
 
@@ -335,6 +365,11 @@ void MacroView::buttonAction(LXButton& sender) {
     case TagKeyDown:
       downCom();
       return;
+    case TagTools:
+      if (keyArrs() != nullptr) {
+        m_tools->open(*keyArrs(), sender);
+      }
+      return;
     case TagInsert:
       NerinAction::showMenulistWithBtn(sender, m_insertList.get());
       return;
@@ -381,6 +416,7 @@ void MacroView::devOutplusPro() {
   endRecording();
   NerinAction::keepMacroDraft();
   macromenulist::release(this);
+  m_tools->hide();
   if (m_insertList) {
     m_insertList->hideMenulist();
   }
@@ -416,7 +452,7 @@ void MacroView::setConEnableWithKey() {
   const KeyboardToTable keyboard(m_table);
   const MacroInfo::Events* events = keyArrs();
   const bool hasCommands = events != nullptr && !events->empty();
-  for (LXButton* button : {m_delKeyBtn, m_keyUpBtn, m_keyDownBtn, m_insertKeyBtn}) {
+  for (LXButton* button : {m_delKeyBtn, m_keyUpBtn, m_keyDownBtn, m_insertKeyBtn, m_toolsBtn}) {
     button->setIsEnable(hasCommands);
   }
   if (!hasCommands) {

@@ -19,6 +19,8 @@
 #include "View/Windows/ChildView.h"
 
 class LXTextField;
+class MacroTools;
+class MacroWorkbench;
 class MenuInfo;
 class QInputEvent;
 class UsageBar;
@@ -32,6 +34,9 @@ struct MacroDelays {
   std::int32_t delayType = 1;
 };
 inline ProcessWide<MacroDelays> macroDelays;
+
+// The macro that was open last, until the program ends. The catalogue owns it.
+inline ProcessWide<std::weak_ptr<MacroInfo>> lastOpenMacro;
 
 // The macro editor: the user's library of macros, and the commands of one macro, recorded from the
 // keyboard and the mouse. Edits the catalogue's macros directly; saving writes the catalogue's
@@ -71,6 +76,7 @@ class MacroView : public ChildView,
     TagInsertStop,
     TagInsertInt,
     TagInsertCancel,
+    TagTools = 230,
   };
   // The entries of the insert list: what to record or insert, and where, relative to the selected
   // command.
@@ -95,7 +101,7 @@ class MacroView : public ChildView,
   void onSelectIndex(int newIndex, int oldIndex, LXSetpPanelObj& sender) override;
   void onNumTextChange(LXNumberTextField& sender) override;
   void onMacroNameTextChange();
-  // The mouse was removed: closes the window.
+  // The mouse was removed: keeps what was recorded and closes the window.
   void devOutplusPro();
 
   // --- The library -------------------------------------------------------------------------
@@ -107,6 +113,8 @@ class MacroView : public ChildView,
   void renamePro();
   void addMacroPro(const std::shared_ptr<MacroInfo>& macro);
   void addMacorByName(const std::string& name);
+  // Named as the user has typed while no macro was open, or by the rule. The name field gets the
+  // focus.
   void newMacro();
   void copyMacro();
   void delMacro();
@@ -137,6 +145,9 @@ class MacroView : public ChildView,
   bool checkMouseEvent(const QMouseEvent& event) const;
   void onMouseEvent(LXButton& button, QEvent& event, int type) override;
   void onMouseEvent(RigthMouseTBView& table, QMouseEvent& event, int type) override;
+  // Delete, and Alt with an arrow, do what the buttons under the table do.
+  bool onKey(RigthMouseTBView& table, QKeyEvent& event) override;
+  void onRowDragged(RigthMouseTBView& table, int row, int gap) override;
 
   // --- What can be used --------------------------------------------------------------------
 
@@ -177,6 +188,7 @@ class MacroView : public ChildView,
   void initFields();
   void initDelayGroups();
   void initTable();
+  void initWorkbench();
   std::vector<LXButton*> allButtons() const;
 
   MacroInfo::Events* keyArrs() const;
@@ -185,12 +197,17 @@ class MacroView : public ChildView,
   void reloadTable();
   void showUsage();
   void selectionChanged();
+  void commandsEdited(int row);
   bool hasRoomForMacro() const;
   void findNodeAgain();
+  void openLastMacro();
 
   void startRecording();
   void startInsertRecording();
   void endRecording();
+  bool isStopShortcut(const QKeyEvent& event) const;
+  void startByShortcut();
+  void stopByShortcut();
   void takeKeyboard();
   void forgetKeys();
   bool belongsToMacro(const QKeyEvent& event, std::uint16_t keyCode);
@@ -211,6 +228,7 @@ class MacroView : public ChildView,
   LXButton* m_insertKeyBtn = nullptr;
   LXButton* m_keyUpBtn = nullptr;
   LXButton* m_keyDownBtn = nullptr;
+  LXButton* m_toolsBtn = nullptr;
   LXButton* m_insertBtn = nullptr;
   LXButton* m_insertRecordBtn = nullptr;
   LXButton* m_insertStopBtn = nullptr;
@@ -235,6 +253,8 @@ class MacroView : public ChildView,
   LXSetpPanelObj* m_insertDelaySetp = nullptr;
   RigthMouseTBView* m_table = nullptr;
   MacroCommandModel* m_commands = nullptr;
+  MacroWorkbench* m_workbench = nullptr;
+  MacroTools* m_tools = nullptr;
   std::unique_ptr<LXMenulist> m_insertList;
 
   std::shared_ptr<LXTreeNode> m_selMacroNode;
@@ -243,10 +263,13 @@ class MacroView : public ChildView,
   std::shared_ptr<MacroKeyInfo> m_selKeyInfo;
   std::shared_ptr<MacroKeyInfo> m_lastKeyInfo;
   std::size_t m_currInsertIndex = 0;
+  // Where the recording inserted its first command.
+  std::size_t m_recordedFrom = 0;
   bool m_isRecord = false;
   bool m_isInsert = false;
   bool m_isInsertRecord = false;
   bool m_isAddDelay = false;
+  bool m_isShortcutDown = false;
   bool m_isInfoShown = false;
   // The event clock in milliseconds; no value before the first event of a recording.
   std::optional<std::uint64_t> m_oldTime;

@@ -1,5 +1,6 @@
 // The commands of the edited macro: selecting, moving and deleting them, and their delays.
 
+#include <QKeyEvent>
 #include <QPointer>
 #include <algorithm>
 
@@ -7,6 +8,7 @@
 #include "Kit/Core/LXAction.h"
 #include "Kit/Widgets/LXNumberTextField.h"
 #include "View/Macros/MacroView.h"
+#include "View/Macros/MacroWorkbench.h"
 #include "View/Windows/Termination.h"
 
 // Not a copy: an edit changes the macro.
@@ -31,9 +33,38 @@ std::int32_t MacroView::indexOf(const MacroKeyInfo* command) const {
 void MacroView::reloadTable() {
   m_commands->reloadData();
   showUsage();
+  m_workbench->commandsChanged(m_isRecord);
+}
+
+void MacroView::commandsEdited(int row) {
+  m_selKeyInfo = nullptr;
+  reloadTable();
+  selectComByIndex(row);
+  setConEnableWithKey();
+}
+
+bool MacroView::onKey(RigthMouseTBView& /*table*/, QKeyEvent& event) {
+  LXButton* button = nullptr;
+  const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+  if (event.key() == Qt::Key_Delete && modifiers == Qt::NoModifier) {
+    button = m_delKeyBtn;
+  } else if (event.key() == Qt::Key_Up && modifiers == Qt::AltModifier) {
+    button = m_keyUpBtn;
+  } else if (event.key() == Qt::Key_Down && modifiers == Qt::AltModifier) {
+    button = m_keyDownBtn;
+  }
+  if (button != nullptr) {
+    button->click();
+  }
+  return button != nullptr;
+}
+
+void MacroView::onRowDragged(RigthMouseTBView& /*table*/, int row, int gap) {
+  m_workbench->moveRow(row, gap);
 }
 
 void MacroView::selectionChanged() {
+  m_workbench->setCurrentRow(selectedRow());
   const MacroInfo::Events* events = keyArrs();
   const int row = selectedRow();
   if (events == nullptr || row < 0 || row >= static_cast<int>(events->size())) {

@@ -13,6 +13,7 @@
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Macros/MacroMenulist.h"
 #include "View/Macros/MacroView.h"
+#include "View/Macros/MacroWorkbench.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/Termination.h"
@@ -33,11 +34,13 @@ void MacroView::setSelMacroByNode(const std::shared_ptr<LXTreeNode>& node) {
 void MacroView::setSelMacro(const std::shared_ptr<MenuInfo>& entry) {
   m_currMacroData = entry;
   m_currMacroInfo = entry ? entry->macroInfo() : nullptr;
+  *lastOpenMacro = m_currMacroInfo;
   const QString name = m_currMacroInfo ? macromenulist::titleOf(*m_currMacroInfo) : QString();
   m_macroNameBtn->setTitle(name);
   m_macroNameTxt->setText(name);
   m_selKeyInfo = nullptr;
   m_commands->setCommands(keyArrs());
+  m_workbench->setCommands(keyArrs());
   // Select the first command, if there is one.
   selectComByIndex(0);
   showUsage();
@@ -104,8 +107,25 @@ void MacroView::addMacorByName(const std::string& name) {
   addMacroPro(macro);
 }
 
+void MacroView::openLastMacro() {
+  if (const auto macro = lastOpenMacro->lock(); macro && !m_currMacroInfo) {
+    if (const auto node = getNodeByData(macro.get())) {
+      setSelMacroByNode(node);
+    }
+  }
+}
+
+// While a macro is open, the field holds its name.
 void MacroView::newMacro() {
-  addMacorByName(NerinAction::getNewMacroName());
+  const std::string typed =
+      m_currMacroInfo ? std::string() : m_macroNameTxt->text().trimmed().toStdString();
+  if (!typed.empty() && !NerinAction::checkMacroName(typed)) {
+    LXAction::showInfoMessage("A macro of this name already exists.");
+  } else {
+    addMacorByName(typed.empty() ? NerinAction::getNewMacroName() : typed);
+  }
+  m_macroNameTxt->setFocus(Qt::OtherFocusReason);
+  m_macroNameTxt->selectAll();
 }
 
 void MacroView::copyMacro() {

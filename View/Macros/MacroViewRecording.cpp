@@ -10,12 +10,16 @@
 #include <algorithm>
 #include <chrono>
 #include <set>
+#include <utility>
 
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXLogger.h"
+#include "Kit/Desktop/NativeKeys.h"
 #include "Kit/Widgets/LXNumberTextField.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Macros/MacroView.h"
+#include "View/Macros/MacroWorkbench.h"
+#include "View/Macros/TimeStrip.h"
 #include "View/Screen/ControlFactory.h"
 
 namespace {
@@ -36,6 +40,7 @@ bool keepsClicks(const QWidget& widget) {
   const auto* button = qobject_cast<const QAbstractButton*>(&widget);
   return button != nullptr ? !button->isEnabled()
                            : qobject_cast<const QLineEdit*>(&widget) != nullptr ||
+                                 qobject_cast<const TimeStrip*>(&widget) != nullptr ||
                                  qobject_cast<const QAbstractSlider*>(&widget) != nullptr;
 }
 
@@ -77,6 +82,21 @@ class MessageKeys : public QObject {
   std::set<quint32> m_down;
   bool m_isOver = false;
 };
+
+bool isControl(std::int32_t keyCode) {
+  constexpr std::int32_t leftControl = 59;
+  constexpr std::int32_t rightControl = 62;
+  return keyCode == leftControl || keyCode == rightControl;
+}
+
+// A layout without Latin letters has the shortcut on the same physical key.
+bool isLetterR(const QKeyEvent& event) {
+  constexpr std::uint16_t physicalR = 15;
+  constexpr int lastLatin = 0xFF;
+  const bool isLatin = event.key() > 0 && event.key() <= lastLatin;
+  const auto code = nativekeys::macKeyCode(event);
+  return isLatin ? event.key() == Qt::Key_R : code == physicalR;
+}
 
 std::uint64_t clockMilliseconds() {
   return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(
@@ -125,7 +145,8 @@ void MacroView::setRecState(bool isRecord, bool isInsert) {
                            m_insertDefDelayChk, m_insertLgnoreDelayChk,
                            m_insertRecordBtn,   m_insertIntBtn,
                            m_insertCancelBtn,   m_okBtn,
-                           m_cancelBtn,         m_applyBtn}) {
+                           m_cancelBtn,         m_applyBtn,
+                           m_toolsBtn}) {
     button->setIsEnable(!isRecord);
   }
   m_macroNameTxt->setEnabled(!isRecord);
@@ -134,9 +155,12 @@ void MacroView::setRecState(bool isRecord, bool isInsert) {
   m_isRecord = isRecord;
   m_lastKeyInfo = nullptr;
   m_isAddDelay = true;
+  m_workbench->commandsChanged(isRecord);
+  m_workbench->setUsable(!isRecord);
   m_recordStateTxt->setText(isRecord ? NerinAction::tooltipText("Recording. Press Stop to end")
                                      : QString());
   if (isRecord) {
+    m_recordedFrom = m_currInsertIndex;
     m_oldTime.reset();
     m_buttonsOnStop = {};
     m_buttonsElsewhere = {};
@@ -205,7 +229,52 @@ bool MacroView::belongsToMacro(const QKeyEvent& event, std::uint16_t keyCode) {
   return true;
 }
 
+bool MacroView::isStopShortcut(const QKeyEvent& event) const {
+  if (!m_isRecord || event.type() != QEvent::KeyPress || !isLetterR(event)) {
+    return false;
+  }
+  const std::uint32_t held = m_keys.modifierFlags();
+  const auto others = Qt::ShiftModifier | Qt::AltModifier | Qt::MetaModifier;
+  return ((held & KeyModifierControl) != 0 || event.modifiers().testFlag(Qt::ControlModifier)) &&
+         (held & (KeyModifierShift | KeyModifierOption | KeyModifierCommand)) == 0 &&
+         !event.modifiers().testAnyFlags(others);
+}
+
+// The Control key of the shortcut was recorded before anybody could know what it was for. Without
+// it, the command before it is the last one, which has no pause.
+void MacroView::stopByShortcut() {
+  MacroInfo::Events& events = *keyArrs();
+  if (m_lastKeyInfo && m_lastKeyInfo->keyFlag() == MacroKeyInfo::KeyPress &&
+      isControl(m_lastKeyInfo->keyCode())) {
+    const std::int32_t row = indexOf(m_lastKeyInfo.get());
+    events.erase(events.begin() + row);
+    if (static_cast<std::size_t>(row) > m_recordedFrom) {
+      events[static_cast<std::size_t>(row) - 1]->setDelay(0);
+    }
+    m_selKeyInfo = nullptr;
+    reloadTable();
+    selectComByIndex(std::max(0, row - 1));
+  }
+  activeStop().click();
+}
+
+// Held keys repeat as presses, and must neither start nor stop again.
+void MacroView::startByShortcut() {
+  if (!std::exchange(m_isShortcutDown, true)) {
+    m_recordBtn->click();
+  }
+}
+
 void MacroView::takeKey(const QKeyEvent& event) {
+  if (isStopShortcut(event)) {
+    if (!std::exchange(m_isShortcutDown, true)) {
+      stopByShortcut();
+    }
+    return;
+  }
+  if (event.type() == QEvent::KeyRelease && isLetterR(event)) {
+    m_isShortcutDown = false;
+  }
   rememberTime(event);
   const auto key = m_keys.take(event);
   if (!key) {
@@ -271,7 +340,8 @@ void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
     return;
   }
   if (events->size() >= maximumCommands) {
-    if (!m_isInfoShown) {
+    // Control may be the beginning of the shortcut that stops the recording.
+    if (!m_isInfoShown && !(keyFlag <= MacroKeyInfo::KeyRelease && isControl(code))) {
       m_isInfoShown = true;
       // The user may answer with a key, which the table must not grab.
       m_table->releaseKeyboard();
@@ -343,6 +413,9 @@ bool MacroView::eventFilter(QObject* watched, QEvent* event) {
 
 // Keys that are typed or held in another window do not belong to the macro.
 bool MacroView::event(QEvent* event) {
+  if (event->type() == QEvent::WindowDeactivate) {
+    m_isShortcutDown = false;
+  }
   if (m_isRecord && event->type() == QEvent::WindowActivate) {
     forgetKeys();
     takeKeyboard();

@@ -1,10 +1,16 @@
 #include "View/Macros/RigthMouseTBView.h"
 
+#include <QApplication>
 #include <QHeaderView>
 #include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
+#include <algorithm>
+#include <utility>
 
 #include "Action/Catalogue/FunctionCatalogue.h"
+#include "ArtworkFrames.h"
 #include "Kit/Core/LXKey.h"
 #include "Kit/Widgets/LXButton.h"
 #include "View/Screen/Pictures.h"
@@ -82,6 +88,11 @@ QString MacroCommandModel::describe(const MacroKeyInfo& command) {
     default:
       return key;
   }
+}
+
+QString MacroCommandModel::keyWords(const MacroKeyInfo& command) {
+  return command.keyFlag() == MacroKeyInfo::Function ? describe(command)
+                                                     : keyName(command.keyCode());
 }
 
 int MacroCommandModel::rowCount(const QModelIndex& parent) const {
@@ -195,6 +206,9 @@ void RigthMouseTBView::mousePressEvent(QMouseEvent* event) {
     // Rows ignore the right button.
     event->ignore();
   } else {
+    m_pressedAt = event->position().toPoint();
+    const bool isLeft = event->button() == Qt::LeftButton;
+    m_draggedRow = isLeft ? rowAt(m_pressedAt.y()) : none;
     QTableView::mousePressEvent(event);
     event->accept();
   }
@@ -202,9 +216,60 @@ void RigthMouseTBView::mousePressEvent(QMouseEvent* event) {
 
 void RigthMouseTBView::mouseReleaseEvent(QMouseEvent* event) {
   sendMouseMove(*event, false);
-  if (!m_isCaptureMouseEvent) {
-    QTableView::mouseReleaseEvent(event);
+  if (m_isCaptureMouseEvent) {
+    return;
   }
+  QTableView::mouseReleaseEvent(event);
+  const int row = m_draggedRow;
+  const int gap = m_dropGap;
+  endDrag();
+  if (gap != none && m_delegate != nullptr) {
+    m_delegate->onRowDragged(*this, row, gap);
+  }
+}
+
+// Moves the line that shows where the row would be dropped, and the rows at the edges.
+void RigthMouseTBView::drag(const QPoint& point) {
+  if (m_dropGap == none &&
+      (point - m_pressedAt).manhattanLength() < QApplication::startDragDistance()) {
+    return;
+  }
+  const int step = point.y() < 0 ? -1 : point.y() >= viewport()->height() ? 1 : 0;
+  verticalScrollBar()->setValue(verticalScrollBar()->value() +
+                                step * verticalScrollBar()->singleStep());
+  const int y = std::clamp(point.y(), 0, viewport()->height() - 1);
+  const int row = rowAt(y);
+  const int count = model()->rowCount();
+  m_dropGap = row < 0 ? count : row + (y >= rowViewportPosition(row) + commandHeight / 2 ? 1 : 0);
+  viewport()->update();
+}
+
+void RigthMouseTBView::endDrag() {
+  m_draggedRow = none;
+  m_dropGap = none;
+  viewport()->update();
+}
+
+void RigthMouseTBView::keyPressEvent(QKeyEvent* event) {
+  if (m_dropGap != none && event->key() == Qt::Key_Escape) {
+    endDrag();
+  } else if (m_delegate == nullptr || !m_delegate->onKey(*this, *event)) {
+    QTableView::keyPressEvent(event);
+  }
+}
+
+void RigthMouseTBView::paintEvent(QPaintEvent* event) {
+  QTableView::paintEvent(event);
+  if (m_dropGap == none) {
+    return;
+  }
+  constexpr int thickness = 2;
+  const int y = m_dropGap < model()->rowCount()
+                    ? rowViewportPosition(m_dropGap)
+                    : rowViewportPosition(m_dropGap - 1) + commandHeight;
+  QPainter(viewport())
+      .fillRect(0, std::max(0, y - thickness / 2), viewport()->width(), thickness,
+                QColor::fromRgb(Artwork::Color::emberLit));
 }
 
 // Treats a double click as a second press.
@@ -217,7 +282,12 @@ void RigthMouseTBView::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void RigthMouseTBView::mouseMoveEvent(QMouseEvent* event) {
-  if (!m_isCaptureMouseEvent) {
+  if (m_isCaptureMouseEvent) {
+    return;
+  }
+  if (m_draggedRow != none && event->buttons().testFlag(Qt::LeftButton)) {
+    drag(event->position().toPoint());
+  } else {
     QTableView::mouseMoveEvent(event);
   }
 }

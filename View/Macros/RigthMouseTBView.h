@@ -20,6 +20,10 @@ class RigthMouseTBDelegate {
   // Whether editing a cell may begin, and whether it may end.
   virtual bool textShouldBeginEditing(RigthMouseTBView& /*table*/) { return true; }
   virtual bool textShouldEndEditing(RigthMouseTBView& /*table*/) { return true; }
+  // A key of the table, before its own. True if it was used.
+  virtual bool onKey(RigthMouseTBView& /*table*/, QKeyEvent& /*event*/) { return false; }
+  // A row was dragged to the gap before another row, or after the last one.
+  virtual void onRowDragged(RigthMouseTBView& /*table*/, int /*row*/, int /*gap*/) {}
 };
 
 // The commands of a macro as rows: an icon and text for the command, an icon and time for the pause
@@ -39,6 +43,8 @@ class MacroCommandModel : public QAbstractTableModel {
   void reloadData();
   // The text for a command.
   static QString describe(const MacroKeyInfo& command);
+  // Only its key, mouse button or function.
+  static QString keyWords(const MacroKeyInfo& command);
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
@@ -82,10 +88,20 @@ class RigthMouseTBView : public QTableView {
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
 
  private:
+  static constexpr int none = -1;
+
   void sendMouseMove(QMouseEvent& event, bool isDown);
+  void drag(const QPoint& point);
+  void endDrag();
 
   RigthMouseTBDelegate* m_delegate = nullptr;
   bool m_isCaptureMouseEvent = false;
+  // The row under the pressed button, and the gap where it would be dropped.
+  int m_draggedRow = none;
+  int m_dropGap = none;
+  QPoint m_pressedAt;
 };

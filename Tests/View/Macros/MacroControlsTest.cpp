@@ -42,6 +42,7 @@ const Row controlRows[] = {
     {"stopBtn", 207, "Stop", "insert panel off"},
     {"delKeyBtn", 208, "Delete", "0 2"},
     {"insertKeyBtn", 209, "Insert instructions in macro", ""},
+    {"toolsBtn", 230, "Tools for lines", ""},
     {"keyUpBtn", 210, "Move instruction line up", "1 0 2"},
     {"keyDownBtn", 211, "Move instruction line down", "0 2 1"},
     {"autoDelayChk", 212, "Detect the delay time automatically", ""},
@@ -249,8 +250,8 @@ TEST_F(MacroControls, EveryOpeningBeginsWithMeasuredDelaysAndTheInsertPanelOff) 
   EXPECT_EQ(control("insertBtn").title(), "Record before the Selected Line");
   EXPECT_TRUE(control("insertRecordBtn").isVisible());
   EXPECT_FALSE(control("insertIntBtn").isVisible());
-  EXPECT_EQ(name(), "");
-  EXPECT_EQ(control("macroNameBtn").title(), "");
+  EXPECT_EQ(name(), "NewMacro_1");
+  EXPECT_EQ(control("macroNameBtn").title(), "NewMacro_1");
 }
 
 TEST_F(MacroControls, WithoutAnInsertMenuTheListButtonIsEmpty) {
