@@ -25,6 +25,7 @@ class MenuInfo final : public LXMenuData, public LXCoding {
   // A line follows the entry.
   bool needSepretor() const { return m_needSepretor; }
   void setNeedSepretor(bool needSepretor) { m_needSepretor = needSepretor; }
+  bool isLineAfter() const override { return m_needSepretor; }
   std::int32_t typeTag() const { return m_typeTag; }
   void setTypeTag(std::int32_t typeTag) { m_typeTag = typeTag; }
   std::int32_t KeyBit1() const { return m_keyBits[0]; }

@@ -2,10 +2,14 @@
 
 #include <QEnterEvent>
 #include <QFocusEvent>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QToolTip>
 #include <utility>
+
+#include "Kit/Widgets/PlainTip.h"
 
 namespace {
 
@@ -137,6 +141,18 @@ QSize LXButton::sizeHint() const {
   return m_images.normal.isNull() ? QSize(80, 24) : m_images.normal.size();
 }
 
+// A tooltip that repeats the caption is only shown when the caption is cut.
+bool LXButton::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) {
+    return QAbstractButton::event(event);
+  }
+  const bool isRead = !text().isEmpty() && toolTip() == text() &&
+                      fontMetrics().horizontalAdvance(text()) <= captionRoom().width();
+  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                     isRead ? QString() : plainTip(toolTip()), this);
+  return true;
+}
+
 void LXButton::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   currentImage().draw(painter, {0, 0});
@@ -151,7 +167,7 @@ void LXButton::paintEvent(QPaintEvent* /*event*/) {
       color.setAlpha(disabledAlpha);
     }
     painter.setPen(color);
-    const QRect room = rect().adjusted(m_leftPad, 0, -m_rightPad, 0);
+    const QRect room = captionRoom();
     painter.drawText(room, static_cast<int>(m_alignment | Qt::TextSingleLine),
                      fontMetrics().elidedText(text(), Qt::ElideRight, room.width()));
   }
@@ -235,8 +251,8 @@ void LXButton::keyPressEvent(QKeyEvent* event) {
 }
 
 void LXButton::focusInEvent(QFocusEvent* event) {
-  // A reactivated window shows its focus as before.
-  if (event->reason() != Qt::ActiveWindowFocusReason) {
+  // A reactivated window shows its focus as before, and so does the opener of a closed list.
+  if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason) {
     m_isFocusFromPointer = !isFromKeyboard(event->reason());
   }
   m_showsFocus = !m_isFocusFromPointer;

@@ -111,6 +111,7 @@ class LXButton : public QAbstractButton {
   QSize sizeHint() const override;
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void enterEvent(QEnterEvent* event) override;
   void leaveEvent(QEvent* event) override;
@@ -123,6 +124,8 @@ class LXButton : public QAbstractButton {
 
  private:
   bool isSelected() const;
+  // Where the caption is drawn.
+  QRect captionRoom() const { return rect().adjusted(m_leftPad, 0, -m_rightPad, 0); }
   void report(QMouseEvent& event, bool isDown);
 
   StateImages m_images;

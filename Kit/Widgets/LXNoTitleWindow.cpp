@@ -1,5 +1,6 @@
 #include "Kit/Widgets/LXNoTitleWindow.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -28,7 +29,8 @@ class Shade : public QWidget {
 }  // namespace
 
 LXNoTitleWindow::LXNoTitleWindow(const QSize& contentSize, QWidget* parent)
-    : QWidget(parent, Qt::Window | Qt::FramelessWindowHint) {
+    // Window managers keep a dialog in front of its parent, but not a plain window.
+    : QWidget(parent, (parent != nullptr ? Qt::Dialog : Qt::Window) | Qt::FramelessWindowHint) {
   setFixedSize(contentSize);
   m_shade = new Shade(this);
 }
@@ -39,6 +41,12 @@ bool LXNoTitleWindow::event(QEvent* event) {
     m_shade->show();
   } else if (event->type() == QEvent::WindowUnblocked) {
     m_shade->hide();
+  } else if (QWidget* blocker = QApplication::activeModalWidget();
+             event->type() == QEvent::WindowActivate && m_shade->isVisible() &&
+             blocker != nullptr && blocker != this) {
+    // The user clicked a window that takes no input: the one to answer comes to the front.
+    blocker->raise();
+    blocker->activateWindow();
   }
   return QWidget::event(event);
 }

@@ -40,7 +40,7 @@ class AccessibleEntry final : public QAccessibleInterface, public QAccessibleAct
   QAccessible::State state() const override {
     QAccessible::State state;
     state.invalid = !isValid();
-    state.invisible = !isValid() || !m_list->isVisible();
+    state.invisible = !isValid() || !m_list->isVisible() || m_list->isRowHidden(m_row);
     state.focusable = true;
     state.selectable = true;
     state.selected = isValid() && m_list->currentRow() == m_row;
@@ -117,6 +117,10 @@ QAccessibleInterface* AccessibleMenulist::focusChild() const {
 }
 
 QString AccessibleMenulist::text(QAccessible::Text kind) const {
+  // Without entries the list still says what to do.
+  if (kind == QAccessible::Description && !m_list.note().isEmpty()) {
+    return m_list.note();
+  }
   return kind == QAccessible::Name && m_list.opener() != nullptr ? m_list.opener()->accessibleName()
                                                                  : QAccessibleWidget::text(kind);
 }

@@ -5,6 +5,7 @@
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXButton.h"
 #include "Kit/Widgets/LXTextField.h"
+#include "Kit/Widgets/PlainTip.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
 #include "View/Windows/NestedLoop.h"
@@ -37,7 +38,7 @@ void SubLaunchProgramView::initControls() {
 
 void SubLaunchProgramView::showPath(const QString& path) {
   m_pathTxt->setText(path);
-  m_pathTxt->setToolTip(path);
+  m_pathTxt->setToolTip(plainTip(path));
   // Shows the end of a long path, which has the program's name.
   m_pathTxt->setCursorPosition(static_cast<int>(path.size()));
 }

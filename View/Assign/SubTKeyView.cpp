@@ -90,7 +90,8 @@ void SubTKeyView::closePopMenu() {
 
 void SubTKeyView::buttonAction(LXButton& sender) {
   if (sender.tag() == TagMacro) {
-    macromenulist::open(sender, this);
+    macromenulist::open(sender, this, m_selMacroInfo.get(),
+                        "No macros yet. Make one in the macro editor.");
   } else if (sender.tag() == TagRepeat) {
     NerinAction::showMenulistWithBtn(sender, m_repeatList.get());
   }

@@ -24,16 +24,27 @@ void showTitles() {
   for (int row = 0; row < shared()->count(); ++row) {
     const auto& data = nodes[static_cast<std::size_t>(row)]->nodeData();
     if (const auto entry = std::dynamic_pointer_cast<MenuInfo>(data); entry && entry->macroInfo()) {
-      QListWidgetItem* item = shared()->item(row);
-      item->setText(macromenulist::titleOf(*entry->macroInfo()));
-      item->setToolTip(item->text());
+      shared()->item(row)->setText(macromenulist::titleOf(*entry->macroInfo()));
     }
   }
 }
 
+// Not found by its title, which several macros can have.
+int rowOf(const MacroInfo* macro) {
+  const auto& nodes = shared()->menuNode()->children();
+  for (std::size_t row = 0; row < nodes.size(); ++row) {
+    const auto entry = std::dynamic_pointer_cast<MenuInfo>(nodes[row]->nodeData());
+    if (macro != nullptr && entry && entry->macroInfo()->macroId() == macro->macroId()) {
+      return static_cast<int>(row);
+    }
+  }
+  return LXMenulist::noRow;
+}
+
 }  // namespace
 
-void macromenulist::open(LXButton& button, LXMenulistDelegate* delegate) {
+void macromenulist::open(LXButton& button, LXMenulistDelegate* delegate, const MacroInfo* current,
+                         const char* emptyKey) {
   NerinAction::macroStore->macroMenuRebuilt = [](const std::shared_ptr<LXTreeNode>& node) {
     if (shared()) {
       shared()->setMenuNode(node);
@@ -43,11 +54,13 @@ void macromenulist::open(LXButton& button, LXMenulistDelegate* delegate) {
   NerinAction::refreshMenuList();
   NerinAction::refreshMenuListData(shared(), delegate, NerinAction::macroStore->macroNode,
                                    menuWidth);
-  if (shared()) {
-    shared()->setDelegate(delegate);
-    showTitles();
+  if (!shared()) {
+    return;
   }
-  NerinAction::showMenulistWithBtn(button, shared().get());
+  shared()->setDelegate(delegate);
+  shared()->setEmptyText(NerinAction::tooltipText(emptyKey));
+  showTitles();
+  NerinAction::showMenulistWithBtn(button, shared().get(), rowOf(current));
 }
 
 // Released with its user, since it must not outlive the QApplication.

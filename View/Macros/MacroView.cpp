@@ -330,7 +330,7 @@ void MacroView::buttonAction(LXButton& sender) {
   m_insertDefDelayTxt->commit();
   switch (sender.tag()) {
     case TagMacroName:
-      macromenulist::open(sender, this);
+      macromenulist::open(sender, this, m_currMacroInfo.get(), "No macros yet. Make a new one.");
       return;
     case TagNewMacro:
       newMacro();

@@ -147,6 +147,9 @@ void MainView::refreshProfileMenu() {
     (*profileNode)->addChild(entry);
   }
   NerinAction::refreshMenuListData(m_profileList, this, *profileNode, profileMenuWidth);
+  m_profileList->setEmptyText(NerinAction::tooltipText("No profiles yet. Make a new one."));
+  // The library's copy would take the place of what is edited.
+  m_profileList->setReturnKeeps(true);
 }
 
 void MainView::refreshApplyBtn() {

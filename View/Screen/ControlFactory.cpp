@@ -26,6 +26,8 @@ const char* const menuStyle =
     "QListWidget { color: white; background: #393939; border: 1px solid #7D0608; outline: 0; }"
     "QListWidget::item { border: 0; }"
     "QListWidget::item:selected { color: white; background: #7D0608; }"
+    "#filterLbl { color: white; background: #22252C; border-bottom: 1px solid #7D0608;"
+    "  padding: 0 12px; }"
     "QScrollBar:vertical { background: #393939; width: 8px; }"
     "QScrollBar::handle:vertical { background: #9AA3B2; border-radius: 4px; min-height: 24px; }"
     "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }";
@@ -134,15 +136,24 @@ void NerinAction::refreshMenuListData(std::unique_ptr<LXMenulist>& menuList,
   menuList->setStyleSheet(QString::fromLatin1(menuStyle));
   menuList->setDelegate(delegate);
   menuList->setMenuWidth(width);
+  menuList->setEmptyText(tooltipText("There is nothing to choose from yet."));
+  menuList->setNoMatchText(tooltipText("No entry matches."));
 }
 
-void NerinAction::showMenulistWithBtn(LXButton& button, LXMenulist* menuList) {
-  if (menuList != nullptr) {
-    menuList->setOpener(&button);
-    button.setOpenedList(menuList);
-    // Below the button, so that the current choice stays visible.
-    menuList->showMenulist(button.mapToGlobal(QPoint(0, button.height())));
+void NerinAction::showMenulistWithBtn(LXButton& button, LXMenulist* menuList,
+                                      std::optional<int> currentRow) {
+  if (menuList == nullptr) {
+    return;
   }
+  if (menuList->isShowMenu() && menuList->opener() == &button) {
+    menuList->hideMenulist();
+    return;
+  }
+  menuList->setOpener(&button);
+  button.setOpenedList(menuList);
+  // Below the button, so that the current choice stays visible.
+  menuList->showMenulist(button.mapToGlobal(QPoint(0, button.height())),
+                         currentRow.value_or(menuList->rowOf(button.title())));
 }
 
 LXButton* NerinAction::addListButton(const QRect& frame, TavImageView& parView, int tag,

@@ -50,8 +50,10 @@ LXButton* addListButton(const QRect& frame, TavImageView& parView, int tag, cons
 // node, nothing happens.
 void refreshMenuListData(std::unique_ptr<LXMenulist>& menuList, LXMenulistDelegate* delegate,
                          const std::shared_ptr<LXTreeNode>& node, int width);
-// Opens the list at the button.
-void showMenulistWithBtn(LXButton& button, LXMenulist* menuList);
+// Opens the list at the button, or closes it if this button has it open. `currentRow` is the
+// current choice; without it, the entry that has the button's title is.
+void showMenulistWithBtn(LXButton& button, LXMenulist* menuList,
+                         std::optional<int> currentRow = std::nullopt);
 
 // The text in the user's language; the key itself if there is no text.
 QString tooltipText(const std::string& key);

@@ -29,6 +29,8 @@ int run(const std::string& text, QMessageBox::StandardButtons buttons) {
   const NestedLoop scope;
   QMessageBox box(QMessageBox::NoIcon, QCoreApplication::applicationName(),
                   QString::fromStdString(text), buttons, NerinAction::messageOwner());
+  // It may name files and profiles.
+  box.setTextFormat(Qt::PlainText);
   box.setWindowModality(Qt::WindowModal);
   box.setWindowFlag(Qt::FramelessWindowHint);
   box.setDefaultButton(QMessageBox::Ok);

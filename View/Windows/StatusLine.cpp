@@ -10,6 +10,7 @@
 
 #include "Action/Device/DeviceLink.h"
 #include "Kit/Core/ProcessWide.h"
+#include "Kit/Widgets/PlainTip.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Pictures.h"
 
@@ -141,7 +142,7 @@ void StatusLine::say(const QString& text, Tone tone, const std::optional<Offer>&
   m_button->setText(offer ? offer->label : QString());
   m_button->setVisible(offer.has_value());
   m_label->setText(text);
-  m_label->setToolTip(text);
+  m_label->setToolTip(plainTip(text));
   m_label->setAccessibleName(text);
   // Screen readers would stop at an empty one.
   m_label->setVisible(!text.isEmpty());

@@ -215,7 +215,7 @@ TEST_F(MacroAssign, TheOneWhoOpensTheListLastHearsOfTheChoice) {
     void onMenulistSelected(LXMenulist&, const std::shared_ptr<LXTreeNode>&) override { ++heard; }
     int heard = 0;
   } other;
-  macromenulist::open(in("tkeySelBtn"), &other);
+  macromenulist::open(in("tkeySelBtn"), &other, nullptr, "No entry matches.");
   choose(*openList(), "Seven");
   EXPECT_EQ(other.heard, 1);
   EXPECT_EQ(macroTitle(), "Five");

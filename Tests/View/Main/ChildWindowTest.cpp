@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QTest>
+#include <QWindow>
 
 #include <gmock/gmock.h>
 
@@ -73,6 +74,18 @@ TEST_P(ChildWindow, TheMainWindowTakesNoInputUntilEscapeClosesIt) {
   EXPECT_EQ(QApplication::activeWindow(), &window());
   clickThroughWindow(button("profileNewBtn"));
   EXPECT_TRUE(editState->isNeedSave());
+}
+
+TEST_P(ChildWindow, StaysInFrontOfTheMainWindowAndTakesTheKeyboardBack) {
+  click(GetParam().opener);
+  ASSERT_NE(child(), nullptr);
+  // Of the kinds of windows, window managers keep this one in front.
+  EXPECT_EQ(child()->windowHandle()->type(), Qt::Dialog);
+  EXPECT_EQ(child()->windowHandle()->transientParent(), window().windowHandle());
+  // What a window manager does when the blocked window is clicked.
+  window().activateWindow();
+  process();
+  EXPECT_EQ(QApplication::activeWindow(), child());
 }
 
 TEST_P(ChildWindow, CanBeOpenedAgain) {

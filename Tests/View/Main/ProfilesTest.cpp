@@ -193,10 +193,11 @@ TEST_F(MainViewProfiles, TheListHasEveryProfileInOrderAndOnlyItsOwnEntriesCount)
   EXPECT_EQ(title(), "");
 }
 
-TEST_F(MainViewProfiles, AnEmptyLibraryHasNothingToChooseFrom) {
+TEST_F(MainViewProfiles, AnEmptyLibrarySaysHowToMakeAProfile) {
   start();
   click("currProfileBtn");
-  EXPECT_EQ(openList(), nullptr);
+  ASSERT_NE(openList(), nullptr);
+  EXPECT_EQ(openList()->note(), "No profiles yet. Make a new one");
 }
 
 TEST_F(MainViewProfiles, ResetBringsTheListUpToDate) {
