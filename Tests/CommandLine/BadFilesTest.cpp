@@ -88,7 +88,10 @@ TEST(NerinctlNames, OfFilesAndMiceDoNotSteerTheTerminal) {
   const std::string evil =
       "\x1B[2Jevil\x07\x08\x7F\xC2\x9B"
       "31m";
-  user.addProfile(profileNamed(evil));
+  // An import would spell the name in plain letters.
+  fs::create_directories(user.profileFolder());
+  ProfileValue named = profileNamed(evil);
+  ASSERT_FALSE(named.saveToPath(user.profileFolder() / "evil.pro"));
   ProfileValue linked = profileNamed("Linked");
   linked.setIsActiveApp(true);
   linked.setActiveAppPath(evil);
