@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QContextMenuEvent>
+#include <QMouseEvent>
 #include <cstdint>
 
 #include "Kit/Desktop/KeyTracker.h"

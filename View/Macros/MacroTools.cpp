@@ -57,7 +57,7 @@ void macrotools::removePausesUnder(MacroInfo::Events& commands, Rows rows,
 }
 
 bool macrotools::duplicate(MacroInfo::Events& commands, Rows rows) {
-  const auto count = static_cast<std::size_t>(rows.last - rows.first + 1);
+  const auto count = static_cast<std::size_t>(rows.last) - static_cast<std::size_t>(rows.first) + 1;
   if (commands.size() + count > limits::macroEvents) {
     return false;
   }
@@ -171,7 +171,8 @@ void MacroTools::showRows(macrotools::Rows rows) {
   m_last->setMaxNum(count);
   m_first->setValue(rows.first + 1);
   m_last->setValue(rows.last + 1);
-  const auto copied = static_cast<std::size_t>(rows.last - rows.first + 1);
+  const auto copied =
+      static_cast<std::size_t>(rows.last) - static_cast<std::size_t>(rows.first) + 1;
   m_duplicate->setEnabled(m_commands->size() + copied <= limits::macroEvents);
 }
 

@@ -1,5 +1,6 @@
 #include "View/Windows/ProgramPanel.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
