@@ -24,6 +24,7 @@ constexpr int visibleRows = 9;
 constexpr int margin = 12;
 constexpr int swatchSize = 14;
 constexpr int scrollGap = 8;
+constexpr int scrollBarWidth = 8;
 constexpr qreal headType = 14;
 constexpr qreal textType = 12;
 constexpr QColor bright(0xF2, 0xF4, 0xF7);
@@ -161,6 +162,14 @@ void ChangesList::fill(const std::vector<Row>& rows, const QString& none) {
   }
   // Deletes the rows before.
   m_scroll->setWidget(content);
+  // A row is as wide as the language needs, and must not be scrolled to the side. The buttons have
+  // their style only now.
+  int rowWidth = 0;
+  for (const QWidget* button : m_buttons) {
+    button->parentWidget()->layout()->invalidate();
+    rowWidth = std::max(rowWidth, button->parentWidget()->layout()->minimumSize().width());
+  }
+  setFixedWidth(std::max(listWidth, rowWidth + 2 * margin + scrollBarWidth));
   const int shown = std::clamp(static_cast<int>(rows.size()), 1, visibleRows);
   m_scroll->setFixedHeight(shown * rowHeight);
   m_scroll->setVerticalScrollBarPolicy(

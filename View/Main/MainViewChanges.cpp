@@ -1,6 +1,5 @@
 // What Apply would change, and undo and redo of what is edited in the slot.
 
-#include <QFileInfo>
 #include <QKeySequence>
 #include <QPushButton>
 #include <QShortcut>
@@ -13,6 +12,7 @@
 #include "Action/NerinAction.h"
 #include "Action/Record/EditState.h"
 #include "Action/Record/Limits.h"
+#include "Kit/Core/LXPlatform.h"
 #include "View/Lights/LightColor.h"
 #include "View/Main/ChangesList.h"
 #include "View/Main/MainView.h"
@@ -92,8 +92,7 @@ QString levelWords(const _Nerin_PROFILE& profile, std::size_t level) {
 
 QString programWords(const _Nerin_CONFIG& content) {
   const std::string_view path = textOf(content.activeAppPath);
-  const QString name =
-      QFileInfo(QString::fromUtf8(path.data(), static_cast<qsizetype>(path.size()))).fileName();
+  const QString name = QString::fromStdString(LXPlatform::current().programName(std::string(path)));
   if (name.isEmpty()) {
     return dash();
   }

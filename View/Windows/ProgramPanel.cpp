@@ -33,7 +33,7 @@ const char* const panelStyle =
     "QLineEdit:focus { border-color: #F2F4F7; }"
     "QListWidget { background: #0E0F13; border: 1px solid #343943; border-radius: 6px;"
     "  color: #F2F4F7; font-size: 13px; outline: none; }"
-    "QListWidget::item { height: 36px; padding: 0 8px; }"
+    "QListWidget::item { height: 36px; padding: 0 8px; background: transparent; border: none; }"
     "QListWidget::item:hover { background: #22252C; }"
     "QListWidget::item:selected { background: #7D0608; color: #F2F4F7; }"
     "QPushButton { background: #22252C; border: 1px solid #343943; border-radius: 6px;"

@@ -3,6 +3,8 @@
 #include <QAccessible>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 
 #include <gmock/gmock.h>
@@ -162,6 +164,23 @@ TEST_F(WindowChanges, AHeldReturnTakesOneBack) {
   QApplication::sendEvent(&list(), &held);
   process();
   EXPECT_THAT(rows(), testing::SizeIs(2));
+}
+
+TEST_F(WindowChanges, FitTheirListInEveryLanguage) {
+  for (const char* language : {"en", "de", "fr", "es", "it", "pt-BR", "ru", "ja", "ko"}) {
+    destroyWindow();
+    process();
+    endProgram();
+    setPreferredLanguage(language);
+    start();
+    editState->edit().liftHeight = 4;
+    view().showChanges();
+    process();
+    const auto* bar = list().findChild<QScrollArea*>()->horizontalScrollBar();
+    EXPECT_EQ(bar->maximum(), 0) << language;
+    EXPECT_EQ(bar->value(), 0) << language;
+    list().hide();
+  }
 }
 
 TEST_F(WindowChanges, SayTheNameTheLevelsTheLightsAndTheProgram) {
