@@ -16,6 +16,7 @@
 #include "Action/Texts/TooltipManager.h"
 #include "CommandLine/CommandError.h"
 #include "Kit/Bus/SessionBusNotificationCenter.h"
+#include "Kit/Core/Hex.h"
 #include "Kit/Core/HostEnvironment.h"
 #include "Kit/Core/LXPlatform.h"
 #include "Kit/Core/ObservedDeviceRequester.h"
@@ -28,16 +29,6 @@ constexpr std::chrono::seconds lockLimit(5);
 
 bool isWrite(const LXDeviceRequest& request) {
   return (request.bmRequestType & 0x80U) == 0;
-}
-
-std::string hex(std::span<const std::uint8_t> bytes) {
-  constexpr const char* digits = "0123456789abcdef";
-  std::string text;
-  for (const std::uint8_t byte : bytes) {
-    text += digits[byte >> 4U];
-    text += digits[byte & 0x0FU];
-  }
-  return text;
 }
 
 std::shared_ptr<LXDeviceRequester> virtualMouse(const SessionOptions& options) {
@@ -233,7 +224,7 @@ void Session::didSend(const LXDeviceRequest& request, bool isDone) {
     char head[32];
     std::snprintf(head, sizeof head, "%s %04x %u ", isWrite(request) ? "SET" : "GET",
                   static_cast<unsigned>(request.wValue), static_cast<unsigned>(request.wIndex));
-    m_trace << head << hex(request.data) << (isDone ? "" : " failed") << std::endl;
+    m_trace << head << hexText(request.data) << (isDone ? "" : " failed") << std::endl;
   }
 }
 

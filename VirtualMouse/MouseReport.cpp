@@ -19,17 +19,6 @@ std::uint8_t MouseReport::checksum(std::span<const std::uint8_t> report) const {
   return static_cast<std::uint8_t>(0U - sum);
 }
 
-std::string hexText(std::span<const std::uint8_t> bytes) {
-  constexpr char digits[] = "0123456789abcdef";
-  std::string text;
-  text.reserve(bytes.size() * 2);
-  for (const std::uint8_t byte : bytes) {
-    text += digits[byte >> 4U];
-    text += digits[byte & 0x0FU];
-  }
-  return text;
-}
-
 std::string hexText(std::uint16_t value) {
   const std::array<std::uint8_t, 2> bytes{static_cast<std::uint8_t>(value >> 8U),
                                           static_cast<std::uint8_t>(value & 0xFFU)};

@@ -6,6 +6,8 @@
 #include <span>
 #include <string>
 
+#include "Kit/Core/Hex.h"
+
 // One kind of long report on interface 1: id, 0, slot number, checksum, then the contents.
 struct MouseReport {
   static constexpr std::size_t headerSize = 4;
@@ -25,7 +27,5 @@ inline constexpr MouseReport mouseMacroReport{4, 2053, 2048};
 inline constexpr MouseReport mouseImageReport{5, 154, 149};
 inline constexpr MouseReport mouseNameReport{6, 70, 65};
 
-// Lower-case hex digits, two per byte, for messages.
-std::string hexText(std::span<const std::uint8_t> bytes);
 // Four lower-case hex digits.
 std::string hexText(std::uint16_t value);

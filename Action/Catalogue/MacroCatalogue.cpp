@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <sstream>
 
 #include <pugixml.hpp>
 
@@ -160,6 +161,14 @@ pugi::xml_node NerinAction::addElementByNode(const MacroInfo& macro, pugi::xml_n
   item.append_attribute("MacroID").set_value(macro.macroId());
   SaveMacroInfoToEle(item, macro);
   return item;
+}
+
+std::string NerinAction::elementText(const MacroInfo& macro) {
+  pugi::xml_document document;
+  addElementByNode(macro, document);
+  std::ostringstream text;
+  document.save(text, "", pugi::format_raw);
+  return text.str();
 }
 
 bool NerinAction::saveMenuList() {

@@ -54,6 +54,8 @@ void SaveMacroInfoToEle(pugi::xml_node item, const MacroInfo& selData);
 // Appends an element for the macro; its name is "Item" by default.
 pugi::xml_node addElementByNode(const MacroInfo& macro, pugi::xml_node parNode,
                                 const std::string& itemName = {});
+// The macro as its element: equal for macros that are the same in the file.
+std::string elementText(const MacroInfo& macro);
 // Writes the macros that are not hidden to their section and keeps the rest of the file, after what
 // other programs did in the section was taken in. False when the file or the section is missing,
 // when another program keeps the library, or when writing fails, which is logged.

@@ -1,7 +1,6 @@
 #include "Action/Catalogue/MacroMerge.h"
 
 #include <algorithm>
-#include <sstream>
 
 #include <pugixml.hpp>
 
@@ -19,15 +18,6 @@ Macros& catalogue() {
 
 macromerge::KnownMacros& knownMacros() {
   return NerinAction::macroStore->known;
-}
-
-// Equal for equal macros.
-std::string textOf(const MacroInfo& macro) {
-  pugi::xml_document document;
-  NerinAction::addElementByNode(macro, document);
-  std::ostringstream text;
-  document.save(text, "", pugi::format_raw);
-  return text.str();
 }
 
 bool isInCatalogue(const Macro& macro) {
@@ -62,20 +52,21 @@ Macros macrosIn(const pugi::xml_node& section) {
 }
 
 bool takeInOne(const Macro& theirs, const macromerge::KnownMacro* known) {
-  const std::string text = textOf(*theirs);
+  const std::string text = NerinAction::elementText(*theirs);
   if (known != nullptr && known->text == text) {
     return false;
   }
   const bool isOurs = known != nullptr && isInCatalogue(known->macro);
-  if (isOurs && textOf(*known->macro) == known->text &&
+  if (isOurs && NerinAction::elementText(*known->macro) == known->text &&
       (theirs->nameStr() == known->macro->nameStr() || isNameFree(theirs->nameStr()))) {
     known->macro->setNameStr(theirs->nameStr());
     known->macro->setLoopTime(theirs->loopTime());
     known->macro->setKeyInfoArr(theirs->keyInfoArr());
     return true;
   }
-  const bool isThere = std::any_of(catalogue().begin(), catalogue().end(),
-                                   [&](const Macro& macro) { return textOf(*macro) == text; });
+  const bool isThere = std::any_of(catalogue().begin(), catalogue().end(), [&](const Macro& macro) {
+    return NerinAction::elementText(*macro) == text;
+  });
   if (!isThere) {
     addUnderAFreeName(theirs);
   }
@@ -99,7 +90,7 @@ void macromerge::remember() {
   knownMacros().reserve(catalogue().size());
   for (const Macro& macro : catalogue()) {
     if (!macro->isNoDisplay()) {
-      knownMacros().push_back({macro, textOf(*macro)});
+      knownMacros().push_back({macro, NerinAction::elementText(*macro)});
     }
   }
 }
@@ -126,7 +117,7 @@ bool macromerge::takeIn(const pugi::xml_node& section) {
     }
   }
   for (const KnownMacro* one : gone) {
-    if (isInCatalogue(one->macro) && textOf(*one->macro) == one->text) {
+    if (isInCatalogue(one->macro) && NerinAction::elementText(*one->macro) == one->text) {
       LXLogger::warning("deleted by another program: macro " + one->macro->nameStr().value_or(""));
       std::erase(catalogue(), one->macro);
       isChanged = true;

@@ -8,8 +8,8 @@
 
 #include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Edit/DraftFiles.h"
 #include "Action/Library/ProfieController.h"
-#include "Action/Library/SupportFolder.h"
 #include "Action/Record/EditState.h"
 #include "Action/Record/Limits.h"
 #include "Action/Wire/KeyCodes.h"
@@ -17,8 +17,6 @@
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXLogger.h"
 #include "Kit/Core/ProcessWide.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -40,49 +38,26 @@ bool isSlot(int slot) {
   return slot >= 0 && slot < limits::slotCount;
 }
 
-fs::path draftsFolder() {
-  return fs::path(NerinAction::getSysPath()) / "Drafts";
+std::string fileOf(const char* kind, int slot) {
+  return kind + std::to_string(slot + 1) + ".xml";
 }
 
-fs::path fileOf(const char* kind, int slot) {
-  return draftsFolder() / (kind + std::to_string(slot + 1) + ".xml");
-}
-
-fs::path editFile(int slot) {
+std::string editFile(int slot) {
   return fileOf("slot-", slot);
 }
 
-fs::path applyFile(int slot) {
+std::string applyFile(int slot) {
   return fileOf("applying-", slot);
 }
 
-bool write(const fs::path& file, const std::string& document) {
-  if (!LXAction::creatDirectoryPro(file.parent_path())) {
-    return false;
-  }
-  const auto error = durable::writeFile(file, document);
-  if (error) {
-    LXLogger::warning(file.string() + " was not written: " + error.message());
-  }
-  return !error;
-}
-
-void removeFile(const fs::path& file) {
-  std::error_code error;
-  fs::remove(file, error);
-  if (error) {
-    LXLogger::warning(file.string() + " was not removed: " + error.message());
-  }
-}
-
-std::optional<SlotDraft> readDraft(const fs::path& file, int slot) {
-  const auto document = durable::readFile(file);
+std::optional<SlotDraft> readDraft(const std::string& file, int slot) {
+  const auto document = durable::readFile(draftfiles::pathOf(file));
   if (!document) {
     return std::nullopt;
   }
   auto draft = draftIn(*document);
   if (!draft || draft->slot != slot) {
-    LXLogger::warning(file.string() + " holds no draft");
+    LXLogger::warning(draftfiles::pathOf(file).string() + " holds no draft");
     return std::nullopt;
   }
   return draft;
@@ -106,7 +81,7 @@ void forget(int slot) {
   all.drafts.erase(slot);
   all.undecided = all.undecided == slot ? -1 : all.undecided;
   if (all.written.erase(slot) > 0) {
-    removeFile(editFile(slot));
+    draftfiles::remove(editFile(slot));
   }
 }
 
@@ -225,7 +200,7 @@ void NerinAction::keepDraft(const _Nerin_PROFILE* working) {
     macro = copyOf(*macro);
   }
   all.drafts[slot] = std::move(draft);
-  if (all.written[slot] != document && write(editFile(slot), document)) {
+  if (all.written[slot] != document && draftfiles::write(editFile(slot), document)) {
     all.written[slot] = std::move(document);
   }
 }
@@ -266,13 +241,13 @@ void NerinAction::discardDraft(int slot) {
   dropDraft(slot);
   if (auto draft = unfinishedApply(slot)) {
     draft->isDiscarded = true;
-    write(applyFile(slot), documentOf(*draft));
+    draftfiles::write(applyFile(slot), documentOf(*draft));
   }
 }
 
 bool NerinAction::isApplyUnfinished(int slot) {
   std::error_code error;
-  return isSlot(slot) && fs::exists(applyFile(slot), error);
+  return isSlot(slot) && std::filesystem::exists(draftfiles::pathOf(applyFile(slot)), error);
 }
 
 std::optional<SlotDraft> NerinAction::unfinishedApply(int slot) {
@@ -288,7 +263,7 @@ bool NerinAction::restoreApply(int slot) {
 }
 
 void NerinAction::beginApply(const SlotDraft& draft) {
-  write(applyFile(draft.slot), documentOf(draft));
+  draftfiles::write(applyFile(draft.slot), documentOf(draft));
 }
 
 void NerinAction::endApply(int slot) {
@@ -300,6 +275,6 @@ void NerinAction::endApply(int slot) {
 
 void NerinAction::forgetApply(int slot) {
   if (isApplyUnfinished(slot)) {
-    removeFile(applyFile(slot));
+    draftfiles::remove(applyFile(slot));
   }
 }

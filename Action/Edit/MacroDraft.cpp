@@ -1,7 +1,6 @@
 #include "Action/Edit/MacroDraft.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
 #include <set>
 #include <sstream>
@@ -11,15 +10,11 @@
 #include <pugixml.hpp>
 
 #include "Action/Catalogue/MacroCatalogue.h"
-#include "Action/Library/SupportFolder.h"
+#include "Action/Edit/DraftFiles.h"
 #include "Action/Record/EditState.h"
 #include "Action/Wire/KeyCodes.h"
 #include "Kit/Core/DurableFile.h"
-#include "Kit/Core/LXAction.h"
-#include "Kit/Core/LXLogger.h"
 #include "Kit/Core/ProcessWide.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -33,21 +28,7 @@ struct Editing {
 };
 ProcessWide<Editing> editing;
 
-fs::path draftFile() {
-  return fs::path(NerinAction::getSysPath()) / "Drafts" / "macros.xml";
-}
-
-std::string textOf(const pugi::xml_document& document) {
-  std::ostringstream text;
-  document.save(text, "  ");
-  return text.str();
-}
-
-std::string textOf(const MacroInfo& macro) {
-  pugi::xml_document document;
-  NerinAction::addElementByNode(macro, document);
-  return textOf(document);
-}
+constexpr const char* draftFile = "macros.xml";
 
 // All macros that are shown, and the names that the catalogue's file knew.
 std::string documentOfMacros() {
@@ -63,18 +44,9 @@ std::string documentOfMacros() {
   for (const std::string& name : editing->names) {
     known.append_child("Macro").append_attribute("title").set_value(name.c_str());
   }
-  return textOf(document);
-}
-
-void write(const std::string& document) {
-  if (!LXAction::creatDirectoryPro(draftFile().parent_path())) {
-    return;
-  }
-  if (const auto error = durable::writeFile(draftFile(), document)) {
-    LXLogger::warning(draftFile().string() + " was not written: " + error.message());
-  } else {
-    editing->written = document;
-  }
+  std::ostringstream text;
+  document.save(text, "  ");
+  return text.str();
 }
 
 bool isPlayedByEdit(const MacroInfo& macro) {
@@ -87,7 +59,7 @@ bool isPlayedByEdit(const MacroInfo& macro) {
 
 void markEdited() {
   for (const auto& macro : NerinAction::macroStore->macroListArrs) {
-    const std::string now = textOf(*macro);
+    const std::string now = NerinAction::elementText(*macro);
     std::string& before = editing->before[macro->macroId()];
     if (before == now) {
       continue;
@@ -106,7 +78,7 @@ void NerinAction::beginMacroEdit() {
   *editing = {};
   editing->isOpen = true;
   for (const auto& macro : macroStore->macroListArrs) {
-    editing->before[macro->macroId()] = textOf(*macro);
+    editing->before[macro->macroId()] = NerinAction::elementText(*macro);
     if (!macro->isNoDisplay()) {
       editing->names.insert(macro->nameStr().value_or(""));
     }
@@ -121,16 +93,14 @@ void NerinAction::keepMacroDraft() {
   markEdited();
   const std::string document = documentOfMacros();
   if (document != editing->written && (document != editing->first || !editing->written.empty())) {
-    write(document);
+    if (draftfiles::write(draftFile, document)) {
+      editing->written = document;
+    }
   }
 }
 
 void NerinAction::discardMacroDraft() {
-  std::error_code error;
-  fs::remove(draftFile(), error);
-  if (error) {
-    LXLogger::warning(draftFile().string() + " was not removed: " + error.message());
-  }
+  draftfiles::remove(draftFile);
   editing->written.clear();
   if (editing->isOpen) {
     editing->first = documentOfMacros();
@@ -138,7 +108,7 @@ void NerinAction::discardMacroDraft() {
 }
 
 bool NerinAction::restoreMacroDraft() {
-  const auto bytes = durable::readFile(draftFile());
+  const auto bytes = durable::readFile(draftfiles::pathOf(draftFile));
   pugi::xml_document document;
   if (!bytes || !document.load_buffer(bytes->data(), bytes->size()) ||
       !document.child("MacroDraft")) {

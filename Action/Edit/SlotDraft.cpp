@@ -9,20 +9,12 @@
 
 #include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Record/Limits.h"
+#include "Kit/Core/Hex.h"
 
 namespace {
 
-constexpr std::string_view hexDigits = "0123456789abcdef";
-
 std::string hexOf(const ConfigBytes& bytes) {
-  std::string text;
-  text.reserve(2 * bytes.size());
-  for (const char byte : bytes) {
-    const auto value = static_cast<unsigned char>(byte);
-    text += hexDigits[value >> 4U];
-    text += hexDigits[value & 0x0FU];
-  }
-  return text;
+  return hexText({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
 }
 
 std::optional<ConfigBytes> bytesOfHex(std::string_view text) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "Kit/Core/Hex.h"
+
 namespace {
 
 constexpr std::size_t commandSize = 8;
@@ -13,23 +15,12 @@ bool canHoldKeys(std::span<const std::uint8_t> bytes) {
   return bytes.size() > commandSize || (bytes.size() > 1 && bytes[0] == 0xC4 && bytes[1] == 0x0E);
 }
 
-std::string hex(std::span<const std::uint8_t> bytes) {
-  constexpr char digits[] = "0123456789abcdef";
-  std::string text;
-  text.reserve(bytes.size() * 2);
-  for (const std::uint8_t byte : bytes) {
-    text += digits[byte >> 4U];
-    text += digits[byte & 0x0FU];
-  }
-  return text;
-}
-
 }  // namespace
 
 std::string transferlog::textOf(std::span<const std::uint8_t> bytes) {
   if (!canHoldKeys(bytes)) {
-    return hex(bytes);
+    return hexText(bytes);
   }
-  return hex(bytes.first(std::min(bytes.size(), shownOfKeys))) + "... (" +
+  return hexText(bytes.first(std::min(bytes.size(), shownOfKeys))) + "... (" +
          std::to_string(bytes.size()) + " bytes)";
 }
