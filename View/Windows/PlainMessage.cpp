@@ -4,6 +4,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "Kit/Desktop/HeldKeys.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/PopDialogView.h"
 
@@ -38,6 +39,7 @@ int run(const std::string& text, QMessageBox::StandardButtons buttons) {
   for (QAbstractButton* button : box.buttons()) {
     button->setIcon({});
   }
+  heldkeys::dropIn(box);
   box.setStyleSheet(QString::fromLatin1(messageStyle));
   return box.exec();
 }
