@@ -58,6 +58,12 @@ void MainView::beginProfile(const std::string& name) {
   statusline::tell(outcome);
 }
 
+// A new profile wants a name of its own next.
+void MainView::focusName() {
+  m_profileNameTxt->setFocus(Qt::OtherFocusReason);
+  m_profileNameTxt->selectAll();
+}
+
 void MainView::followLibrary() {
   refreshProfileMenu();
   const std::string shown = m_currProfileBtn->title().toStdString();
@@ -67,7 +73,7 @@ void MainView::followLibrary() {
   // It was renamed, or it is gone.
   const auto profile = library().currProfile();
   showTitle(profile ? profile->name() : std::nullopt);
-  if (!m_profileNameTxt->hasFocus()) {
+  if (!m_profileNameTxt->isTypedIn()) {
     showName();
   }
 }
@@ -75,6 +81,7 @@ void MainView::followLibrary() {
 void MainView::addProfile() {
   if (hasRoomForProfile()) {
     beginProfile(library().getNewProfileName());
+    focusName();
   }
 }
 
@@ -86,6 +93,7 @@ void MainView::copyProfile() {
   }
   if (hasRoomForProfile()) {
     beginProfile(library().getNewProfileNameByData(*profile));
+    focusName();
   }
 }
 
@@ -97,6 +105,11 @@ void MainView::delProfile() {
   const Outcome outcome = NerinAction::deleteSelectedProfile();
   refreshProfileMenu();
   showTitle(std::nullopt);
+  if (m_profileDelBtn->hasFocus()) {
+    // Nothing is left to delete; the user selects another profile.
+    m_currProfileBtn->setFocus(m_profileDelBtn->isFocusFromPointer() ? Qt::MouseFocusReason
+                                                                     : Qt::OtherFocusReason);
+  }
   statusline::tell(outcome);
   if (outcome.isDone() && NerinAction::canUndoDelete()) {
     statusline::say(NerinAction::tooltipText("Deleted: %1").arg(name), StatusLine::Tone::Done,
