@@ -24,6 +24,16 @@ namespace {
 
 constexpr const char* tooManyMacros = "Maximum number of macros reached";
 
+// The catalogue's text with the closing period that lookups take off. Languages with their own full
+// stop keep that one.
+std::string sentence(const char* key) {
+  QString text = NerinAction::tooltipText(key);
+  if (!text.isEmpty() && text.back().isLetterOrNumber()) {
+    text += QLatin1Char('.');
+  }
+  return text.toStdString();
+}
+
 }  // namespace
 
 void MacroView::setSelMacroByNode(const std::shared_ptr<LXTreeNode>& node) {
@@ -93,7 +103,7 @@ bool MacroView::hasRoomForMacro() const {
       NerinAction::macroStore->macroNode->children().size() < limits::macros) {
     return true;
   }
-  LXAction::showInfoMessage(tooManyMacros);
+  LXAction::showInfoMessage(NerinAction::tooltipText(tooManyMacros).toStdString());
   return false;
 }
 
@@ -146,8 +156,9 @@ void MacroView::delMacro() {
     return;
   }
   const QPointer<MacroView> self = this;
-  if (!LXAction::ChooseInfoMessage("Are you sure you want to delete this macro?") || !self ||
-      termination::isTerminating()) {
+  if (!LXAction::ChooseInfoMessage(
+          NerinAction::tooltipText("Are you sure you want to delete this macro?").toStdString()) ||
+      !self || termination::isTerminating()) {
     return;
   }
   findNodeAgain();
@@ -207,7 +218,7 @@ void MacroView::importMacro() {
   const std::string name = chosen->stem().string();
   macro->setNameStr(name);
   if (!NerinAction::checkMacroName(name)) {
-    LXAction::showInfoMessage("A macro of this name already exists.");
+    LXAction::showInfoMessage(sentence("A macro of this name already exists."));
     return;
   }
   addMacroPro(macro);

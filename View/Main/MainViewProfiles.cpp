@@ -44,7 +44,7 @@ bool MainView::hasRoomForProfile() const {
     return true;
   }
   const NestedLoop scope;
-  LXAction::showInfoMessage(tooManyProfiles);
+  LXAction::showInfoMessage(NerinAction::tooltipText(tooManyProfiles).toStdString());
   return false;
 }
 
@@ -151,10 +151,10 @@ void MainView::importProfile() {
         refreshProfileMenu();
         break;
       case ProfieController::NoFile:
-        LXAction::showInfoMessage(brokenProfile);
+        LXAction::showInfoMessage(NerinAction::tooltipText(brokenProfile).toStdString());
         break;
       case ProfieController::Full:
-        LXAction::showInfoMessage(tooManyProfiles);
+        LXAction::showInfoMessage(NerinAction::tooltipText(tooManyProfiles).toStdString());
         break;
       case ProfieController::NameTaken:
         break;
