@@ -49,11 +49,11 @@ const std::map<std::string, std::set<std::string>> sameInEnglish{
      {"German", "French", "Italian", "Portuguese(Brazil)", "Russian", "Japanese", "Czech",
       "Polish"}},
     {"Program", {"Czech", "Polish", "Turkish"}},
-    {"Slot", {"German", "French", "Italian", "Portuguese(Brazil)", "Czech", "Polish"}},
+    {"Slot", {"German", "Italian", "Portuguese(Brazil)", "Czech", "Polish"}},
     {"Version", {"German", "French"}},
     {"ms",
-     {"German", "French", "Spanish", "Italian", "Portuguese(Brazil)", "Japanese", "Korean", "Czech",
-      "Greek", "Polish", "Turkish"}},
+     {"German", "French", "Spanish", "Italian", "Portuguese(Brazil)", "Japanese", "Korean", "TC",
+      "SC", "Czech", "Greek", "Polish", "Turkish"}},
 };
 
 bool isDigit(char character) {
@@ -237,6 +237,36 @@ TEST_P(TooltipLanguages, TranslateAllButWordsThatAreTheSame) {
     }
     const auto word = sameInEnglish.find(name);
     EXPECT_TRUE(word != sameInEnglish.end() && word->second.contains(language)) << name;
+  }
+}
+
+TEST_P(TooltipLanguages, SetAUnitApartFromItsNumber) {
+  for (const auto& item : items(m_language)) {
+    const std::string translation = text(item, "text");
+    const auto unit = translation.find("Hz");
+    if (unit != std::string::npos && unit > 0) {
+      EXPECT_FALSE(isDigit(translation[unit - 1])) << translation;
+    }
+  }
+}
+
+TEST_P(TooltipLanguages, UseNoTypewriterQuotationMarks) {
+  for (const auto& item : items(m_language)) {
+    EXPECT_EQ(text(item, "text").find_first_of("'\""), std::string::npos) << text(item, "text");
+  }
+}
+
+// A lookup takes off a period, and the window puts it back behind several sentences. Their own stop
+// is theirs to write, with the same outcome.
+TEST_P(TooltipLanguages, WriteAnEastAsianFullStopBehindSeveralSentencesOnly) {
+  const std::string stop = "\u3002";
+  for (const auto& item : items(m_language)) {
+    const std::string translation = text(item, "text");
+    const auto first = translation.find(stop);
+    if (first != std::string::npos) {
+      EXPECT_NE(first + stop.size(), translation.size()) << translation;
+      EXPECT_TRUE(translation.ends_with(stop) || translation.ends_with("\uFF1F")) << translation;
+    }
   }
 }
 

@@ -15,6 +15,7 @@
 #include "View/Macros/MacroView.h"
 #include "View/Macros/MacroWorkbench.h"
 #include "View/Screen/ControlFactory.h"
+#include "View/Screen/FullStops.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/Termination.h"
 
@@ -24,14 +25,8 @@ namespace {
 
 constexpr const char* tooManyMacros = "Maximum number of macros reached";
 
-// The catalogue's text with the closing period that lookups take off. Languages with their own full
-// stop keep that one.
 std::string sentence(const char* key) {
-  QString text = NerinAction::tooltipText(key);
-  if (!text.isEmpty() && text.back().isLetterOrNumber()) {
-    text += QLatin1Char('.');
-  }
-  return text.toStdString();
+  return fullstops::sentence(NerinAction::tooltipText(key)).toStdString();
 }
 
 }  // namespace
@@ -130,7 +125,7 @@ void MacroView::newMacro() {
   const std::string typed =
       m_currMacroInfo ? std::string() : m_macroNameTxt->text().trimmed().toStdString();
   if (!typed.empty() && !NerinAction::checkMacroName(typed)) {
-    LXAction::showInfoMessage("A macro of this name already exists.");
+    LXAction::showInfoMessage(sentence("A macro of this name already exists."));
   } else {
     addMacorByName(typed.empty() ? NerinAction::getNewMacroName() : typed);
   }
@@ -198,8 +193,7 @@ void MacroView::extentMacro() {
     return;
   }
   if (!LXAction::SaveObject(*macro, file)) {
-    LXAction::showInfoMessage(
-        NerinAction::tooltipText("The file could not be written.").toStdString());
+    LXAction::showInfoMessage(sentence("The file could not be written."));
   }
 }
 

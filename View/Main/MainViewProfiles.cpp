@@ -17,6 +17,7 @@
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Main/MainView.h"
 #include "View/Screen/ControlFactory.h"
+#include "View/Screen/FullStops.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/PopDialogView.h"
 #include "View/Windows/ProgramPanel.h"
@@ -132,7 +133,8 @@ void MainView::extentProfile() {
   }
   if (profile->saveToPath(path)) {
     LXAction::showInfoMessage(
-        NerinAction::tooltipText("The file could not be written.").toStdString());
+        fullstops::sentence(NerinAction::tooltipText("The file could not be written."))
+            .toStdString());
   }
 }
 

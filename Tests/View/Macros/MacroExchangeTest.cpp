@@ -192,7 +192,7 @@ TEST_F(MacroExchange, AFileThatCannotBeWrittenIsToldOf) {
   openOn(1, 0);
   m_chosen = file("missing folder") / "macro";
   editor().extentMacro();
-  EXPECT_THAT(m_shown, ElementsAre("The file could not be written"));
+  EXPECT_THAT(m_shown, ElementsAre("The file could not be written."));
 }
 
 TEST_F(MacroExchange, ANameInUseIsToldInTheLanguageOfTheUserAsOneSentence) {
