@@ -7,7 +7,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "Action/Texts/TooltipManager.h"
+#include "View/Screen/ControlFactory.h"
 #include "View/Screen/Pictures.h"
 #include "View/Windows/NestedLoop.h"
 
@@ -18,11 +18,6 @@ constexpr int dragStrip = 64;
 constexpr int margin = 24;
 constexpr qreal titleSize = 15;
 constexpr qreal textSize = 12;
-
-QString localized(const std::string& key) {
-  return QString::fromStdString(
-      TooltipManager::shareTooltipManager().getTooltip(key).value_or(key));
-}
 
 QLabel* label(const QString& text, qreal size, int weight, const char* color) {
   auto* made = new QLabel(text);
@@ -56,12 +51,13 @@ AboutConnortller::AboutConnortller() : m_window(aboutSize) {
   rows->setContentsMargins(margin, margin, margin, margin);
   rows->setSpacing(margin / 3);
   rows->addWidget(label(QStringLiteral("NerinOption"), titleSize, QFont::DemiBold, "#F2F4F7"));
-  rows->addWidget(label(localized("Version") + u' ' + QCoreApplication::applicationVersion(),
+  rows->addWidget(
+      label(NerinAction::tooltipText("Version") + u' ' + QCoreApplication::applicationVersion(),
+            textSize, QFont::Normal, "#9AA3B2"));
+  rows->addWidget(label(NerinAction::tooltipText("Configures the Corvex NERIN gaming mouse."),
                         textSize, QFont::Normal, "#9AA3B2"));
-  rows->addWidget(label(localized("Configures the Corvex NERIN gaming mouse."), textSize,
-                        QFont::Normal, "#9AA3B2"));
   rows->addStretch();
-  auto* close = new QPushButton(localized("Close"));
+  auto* close = new QPushButton(NerinAction::tooltipText("Close"));
   close->setObjectName(QStringLiteral("closeBtn"));
   close->setDefault(true);
   close->setAutoDefault(true);
@@ -69,7 +65,7 @@ AboutConnortller::AboutConnortller() : m_window(aboutSize) {
   QObject::connect(close, &QPushButton::clicked, &m_window, &QWidget::close);
   rows->addWidget(close, 0, Qt::AlignRight);
   m_window.setObjectName(QStringLiteral("About"));
-  m_window.setWindowTitle(localized("About NerinOption"));
+  m_window.setWindowTitle(NerinAction::tooltipText("About NerinOption"));
   m_window.setContentView(content);
   m_window.setIsCanDrag(true);
   m_window.setDragHeight(dragStrip);

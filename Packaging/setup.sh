@@ -1,7 +1,7 @@
 # Sourced by run and test: installs the Debian 12 packages and builds.
 
 build_packages=(
-  cmake fonts-inter g++ librsvg2-bin ninja-build pkg-config python3
+  cmake fonts-inter g++ librsvg2-bin ninja-build pkg-config python3 python3-polib
   libcli11-dev libfontconfig-dev libglib2.0-dev libhidapi-dev libicu-dev libplist-dev libpng-dev libpugixml-dev
   libspdlog-dev libudev-dev nlohmann-json3-dev qt6-base-dev
 )

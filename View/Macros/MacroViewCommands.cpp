@@ -9,6 +9,7 @@
 #include "Kit/Widgets/LXNumberTextField.h"
 #include "View/Macros/MacroView.h"
 #include "View/Macros/MacroWorkbench.h"
+#include "View/Screen/ControlFactory.h"
 #include "View/Windows/Termination.h"
 
 // Not a copy: an edit changes the macro.
@@ -122,8 +123,9 @@ void MacroView::delAllCommand() {
   MacroInfo::Events* events = keyArrs();
   const QPointer<MacroView> self = this;
   if (events == nullptr ||
-      !LXAction::ChooseInfoMessage("Are you sure you want to Clear Commands?") || !self ||
-      termination::isTerminating()) {
+      !LXAction::ChooseInfoMessage(
+          NerinAction::tooltipText("Are you sure you want to Clear Commands?").toStdString()) ||
+      !self || termination::isTerminating()) {
     return;
   }
   events->clear();

@@ -15,6 +15,7 @@
 #include "View/Macros/MacroView.h"
 #include "View/Macros/MacroWorkbench.h"
 #include "View/Screen/ControlFactory.h"
+#include "View/Screen/FullStops.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/Termination.h"
 
@@ -23,6 +24,10 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* tooManyMacros = "Maximum number of macros reached";
+
+std::string sentence(const char* key) {
+  return fullstops::sentence(NerinAction::tooltipText(key)).toStdString();
+}
 
 }  // namespace
 
@@ -93,7 +98,7 @@ bool MacroView::hasRoomForMacro() const {
       NerinAction::macroStore->macroNode->children().size() < limits::macros) {
     return true;
   }
-  LXAction::showInfoMessage(tooManyMacros);
+  LXAction::showInfoMessage(NerinAction::tooltipText(tooManyMacros).toStdString());
   return false;
 }
 
@@ -120,7 +125,7 @@ void MacroView::newMacro() {
   const std::string typed =
       m_currMacroInfo ? std::string() : m_macroNameTxt->text().trimmed().toStdString();
   if (!typed.empty() && !NerinAction::checkMacroName(typed)) {
-    LXAction::showInfoMessage("A macro of this name already exists.");
+    LXAction::showInfoMessage(sentence("A macro of this name already exists."));
   } else {
     addMacorByName(typed.empty() ? NerinAction::getNewMacroName() : typed);
   }
@@ -146,8 +151,9 @@ void MacroView::delMacro() {
     return;
   }
   const QPointer<MacroView> self = this;
-  if (!LXAction::ChooseInfoMessage("Are you sure you want to delete this macro?") || !self ||
-      termination::isTerminating()) {
+  if (!LXAction::ChooseInfoMessage(
+          NerinAction::tooltipText("Are you sure you want to delete this macro?").toStdString()) ||
+      !self || termination::isTerminating()) {
     return;
   }
   findNodeAgain();
@@ -187,8 +193,7 @@ void MacroView::extentMacro() {
     return;
   }
   if (!LXAction::SaveObject(*macro, file)) {
-    LXAction::showInfoMessage(
-        NerinAction::tooltipText("The file could not be written.").toStdString());
+    LXAction::showInfoMessage(sentence("The file could not be written."));
   }
 }
 
@@ -207,7 +212,7 @@ void MacroView::importMacro() {
   const std::string name = chosen->stem().string();
   macro->setNameStr(name);
   if (!NerinAction::checkMacroName(name)) {
-    LXAction::showInfoMessage("A macro of this name already exists.");
+    LXAction::showInfoMessage(sentence("A macro of this name already exists."));
     return;
   }
   addMacroPro(macro);

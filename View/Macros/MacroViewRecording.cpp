@@ -347,7 +347,8 @@ void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
       m_table->releaseKeyboard();
       auto* keys = new MessageKeys;
       const QPointer<MacroView> self = this;
-      LXAction::showInfoMessage("Maximum number of macros reached");
+      LXAction::showInfoMessage(
+          NerinAction::tooltipText("Maximum number of macros reached").toStdString());
       keys->end();
       if (!self) {
         return;

@@ -102,8 +102,7 @@ MacroKeyInfo* MacroWorkbench::selected() const {
 }
 
 void MacroWorkbench::showLength() {
-  m_length->setText(
-      QStringLiteral("%1 %2").arg(m_strip->timeline().length).arg(NerinAction::tooltipText("ms")));
+  m_length->setText(MacroCommandModel::milliseconds(m_strip->timeline().length));
 }
 
 void MacroWorkbench::showRow() {

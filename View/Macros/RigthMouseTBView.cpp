@@ -13,6 +13,7 @@
 #include "ArtworkFrames.h"
 #include "Kit/Core/LXKey.h"
 #include "Kit/Widgets/LXButton.h"
+#include "View/Screen/ControlFactory.h"
 #include "View/Screen/Pictures.h"
 
 namespace {
@@ -26,14 +27,19 @@ constexpr int typeSize = 12;
 QString keyName(std::int32_t keyCode) {
   switch (keyCode) {
     case 120:
-      return QStringLiteral("L Button");
+      return NerinAction::tooltipText("L Button");
     case 121:
-      return QStringLiteral("R Button");
+      return NerinAction::tooltipText("R Button");
     case 122:
-      return QStringLiteral("M Button");
+      return NerinAction::tooltipText("M Button");
     default:
       return QString::fromStdString(LXKey::getStrByKeycode(keyCode));
   }
+}
+
+// The text of the catalogue with the key in its place.
+QString filledIn(const char* format, const QString& key) {
+  return NerinAction::tooltipText(format).replace(QStringLiteral("%@"), key);
 }
 
 // Keeps the icons of the selected command untinted: in the selection color they would be invisible.
@@ -71,20 +77,24 @@ void MacroCommandModel::reloadData() {
   endResetModel();
 }
 
+QString MacroCommandModel::milliseconds(std::int64_t count) {
+  return QStringLiteral("%1 %2").arg(count).arg(NerinAction::tooltipText("ms"));
+}
+
 QString MacroCommandModel::describe(const MacroKeyInfo& command) {
   QString key = keyName(command.keyCode());
   switch (command.keyFlag()) {
     case MacroKeyInfo::KeyPress:
-      return QStringLiteral("Press %1").arg(key);
+      return filledIn("Press %@", key);
     case MacroKeyInfo::KeyRelease:
-      return QStringLiteral("Release %1").arg(key);
+      return filledIn("Release %@", key);
     case MacroKeyInfo::Function:
       return QString::fromStdString(
           NerinAction::getMacroMenuNameById(command.keyCode()).value_or(""));
     case MacroKeyInfo::MousePress:
-      return QStringLiteral("%1 Down").arg(key);
+      return filledIn("%@ Down", key);
     case MacroKeyInfo::MouseRelease:
-      return QStringLiteral("%1 Up").arg(key);
+      return filledIn("%@ Up", key);
     default:
       return key;
   }
@@ -125,7 +135,7 @@ QVariant MacroCommandModel::data(const QModelIndex& index, int role) const {
     return describe(command);
   }
   if (isWords && index.column() == Delay) {
-    return QStringLiteral("%1 ms").arg(command.delay());
+    return milliseconds(command.delay());
   }
   if (role == Qt::EditRole && (index.column() == Command || index.column() == Delay)) {
     return QString::number(command.delay());

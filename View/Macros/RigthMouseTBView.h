@@ -41,6 +41,8 @@ class MacroCommandModel : public QAbstractTableModel {
   // Not owned; must outlive its use here. Null for no macro.
   void setCommands(const Commands* commands);
   void reloadData();
+  // A time with its unit, "350 ms".
+  static QString milliseconds(std::int64_t count);
   // The text for a command.
   static QString describe(const MacroKeyInfo& command);
   // Only its key, mouse button or function.

@@ -52,10 +52,10 @@ void TimeStrip::say() {
     return;
   }
   const auto row = static_cast<std::size_t>(m_row);
-  setAccessibleDescription(QStringLiteral("%1, %2 ms / %3 ms")
-                               .arg(MacroCommandModel::describe(*(*m_commands)[row]))
-                               .arg(m_timeline.starts[row])
-                               .arg(m_timeline.length));
+  setAccessibleDescription(QStringLiteral("%1, %2 / %3")
+                               .arg(MacroCommandModel::describe(*(*m_commands)[row]),
+                                    MacroCommandModel::milliseconds(m_timeline.starts[row]),
+                                    MacroCommandModel::milliseconds(m_timeline.length)));
 }
 
 double TimeStrip::xOf(int row) const {

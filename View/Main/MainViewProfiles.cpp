@@ -17,6 +17,7 @@
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Main/MainView.h"
 #include "View/Screen/ControlFactory.h"
+#include "View/Screen/FullStops.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/PopDialogView.h"
 #include "View/Windows/ProgramPanel.h"
@@ -44,7 +45,7 @@ bool MainView::hasRoomForProfile() const {
     return true;
   }
   const NestedLoop scope;
-  LXAction::showInfoMessage(tooManyProfiles);
+  LXAction::showInfoMessage(NerinAction::tooltipText(tooManyProfiles).toStdString());
   return false;
 }
 
@@ -145,7 +146,8 @@ void MainView::extentProfile() {
   }
   if (profile->saveToPath(path)) {
     LXAction::showInfoMessage(
-        NerinAction::tooltipText("The file could not be written.").toStdString());
+        fullstops::sentence(NerinAction::tooltipText("The file could not be written."))
+            .toStdString());
   }
 }
 
@@ -164,10 +166,10 @@ void MainView::importProfile() {
         refreshProfileMenu();
         break;
       case ProfieController::NoFile:
-        LXAction::showInfoMessage(brokenProfile);
+        LXAction::showInfoMessage(NerinAction::tooltipText(brokenProfile).toStdString());
         break;
       case ProfieController::Full:
-        LXAction::showInfoMessage(tooManyProfiles);
+        LXAction::showInfoMessage(NerinAction::tooltipText(tooManyProfiles).toStdString());
         break;
       case ProfieController::NameTaken:
         break;

@@ -5,6 +5,7 @@
 
 #include "Action/Texts/TooltipManager.h"
 #include "Kit/Widgets/LXMenulist.h"
+#include "View/Screen/FullStops.h"
 #include "View/Screen/Pictures.h"
 #include "View/Screen/TavImageView.h"
 
@@ -170,8 +171,8 @@ LXButton* NerinAction::addListButton(const QRect& frame, TavImageView& parView, 
 }
 
 QString NerinAction::tooltipText(const std::string& key) {
-  return QString::fromStdString(
-      TooltipManager::shareTooltipManager().getTooltip(key).value_or(key));
+  return fullstops::completed(
+      QString::fromStdString(TooltipManager::shareTooltipManager().getTooltip(key).value_or(key)));
 }
 
 void NerinAction::initTooltip(LXButton& button, const QString& name,

@@ -55,7 +55,7 @@ void refreshMenuListData(std::unique_ptr<LXMenulist>& menuList, LXMenulistDelega
 void showMenulistWithBtn(LXButton& button, LXMenulist* menuList,
                          std::optional<int> currentRow = std::nullopt);
 
-// The text in the user's language; the key itself if there is no text.
+// The text in the user's language; the key itself if there is no text. See FullStops.h for its end.
 QString tooltipText(const std::string& key);
 
 // Sets the control's object name and its tooltip, which is also the text for screen readers.

@@ -20,6 +20,7 @@
 
 #include "Action/Texts/TooltipManager.h"
 #include "Kit/Core/LXPlatform.h"
+#include "View/Screen/FullStops.h"
 
 namespace {
 
@@ -116,7 +117,7 @@ QString textOf(const QJsonObject& word) {
   const QString key = word[u"key"].toString();
   if (!key.isEmpty()) {
     if (const auto text = TooltipManager::shareTooltipManager().getTooltip(key.toStdString())) {
-      return QString::fromStdString(*text);
+      return fullstops::completed(QString::fromStdString(*text));
     }
   }
   return word[u"text"].toString();

@@ -31,8 +31,7 @@ ProcessWide<std::function<bool(const std::string&, bool)>> answererInUse;
 
 // Screen readers get the words on the drawn button.
 void setDrawnName(LXButton& button, const std::string& key) {
-  button.setAccessibleName(
-      QString::fromStdString(TooltipManager::shareTooltipManager().getTooltip(key).value_or(key)));
+  button.setAccessibleName(NerinAction::tooltipText(key));
 }
 
 }  // namespace
@@ -52,10 +51,10 @@ void PopDialogView::showMessage(const std::string& imageNameStr) {
   m_imageNameStr = imageNameStr;
   setImageByName(QString::fromStdString(m_imageNameStr) + QStringLiteral("_Normal.png"));
   // Screen readers cannot read the words in the picture.
-  setAccessibleName(QString::fromStdString(
-      LXAction::getNonullStr(TooltipManager::shareTooltipManager().getTooltip(m_imageNameStr))));
-  setAccessibleDescription(QString::fromStdString(LXAction::getNonullStr(
-      TooltipManager::shareTooltipManager().getTooltip(m_imageNameStr + "Detail"))));
+  setAccessibleName(NerinAction::tooltipText(m_imageNameStr));
+  const std::string detail = m_imageNameStr + "Detail";
+  const bool hasDetail = TooltipManager::shareTooltipManager().getTooltip(detail).has_value();
+  setAccessibleDescription(hasDetail ? NerinAction::tooltipText(detail) : QString());
 }
 
 void PopDialogView::initControls2() {

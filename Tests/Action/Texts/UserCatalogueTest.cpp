@@ -190,7 +190,7 @@ TEST_F(UserCatalogue, AnOlderOneGetsWhatIsNewAndKeepsWhatIsTheUsers) {
   EXPECT_THAT(textOfFile(menus()), HasSubstr("<!-- mine -->"));
   EXPECT_EQ(NerinAction::functionMenus->singleMenuNode->children().size(), 9U);
   EXPECT_NE(NerinAction::functionMenus->sensitivityMenuNode, nullptr);
-  EXPECT_EQ(TooltipManager::shareTooltipManager().infoList().size(), 11U);
+  EXPECT_EQ(TooltipManager::shareTooltipManager().infoList().size(), 15U);
   EXPECT_EQ(tooltip("Left Click"), "Linksklick");
   setPreferredLanguage("en");
   start();

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include "Action/Texts/TooltipManager.h"
 #include "Kit/Core/LXAction.h"
 #include "Tests/View/Macros/MacroViewTest.h"
 
@@ -191,7 +192,23 @@ TEST_F(MacroExchange, AFileThatCannotBeWrittenIsToldOf) {
   openOn(1, 0);
   m_chosen = file("missing folder") / "macro";
   editor().extentMacro();
-  EXPECT_THAT(m_shown, ElementsAre("The file could not be written"));
+  EXPECT_THAT(m_shown, ElementsAre("The file could not be written."));
+}
+
+TEST_F(MacroExchange, ANameInUseIsToldInTheLanguageOfTheUserAsOneSentence) {
+  MacroInfo macro;
+  ASSERT_TRUE(LXAction::SaveObject(macro, file("Taken.mac")));
+  addMacro(6, "Taken");
+  open();
+  auto& texts = TooltipManager::shareTooltipManager();
+  for (const char* language : {"US", "German", "Japanese"}) {
+    texts.setLanByname(language);
+    import(file("Taken.mac"));
+  }
+  texts.setLanByname("US");
+  EXPECT_THAT(m_shown, ElementsAre("A macro of this name already exists.",
+                                   "Ein Makro dieses Namens ist bereits vorhanden.",
+                                   "同じ名前のマクロがすでにあります。"));
 }
 
 TEST_F(MacroExchange, OnlyShownNamesAreInUse) {

@@ -118,7 +118,7 @@ TEST_F(WindowDrafts, AnInterruptedApplyIsOfferedToBeFinished) {
   mouse().setScenario({});
   mouse().attach();
   startAgain();
-  EXPECT_EQ(status(), "The last Apply to this slot was interrupted. Apply finishes it");
+  EXPECT_EQ(status(), "The last Apply to this slot was interrupted. Apply finishes it.");
   EXPECT_TRUE(isMarked(1));
   click("applyBtn");
   EXPECT_EQ(status(), "Applied to slot 1");
@@ -134,7 +134,7 @@ TEST_F(WindowDrafts, ARefusedSlotChangeIsCaughtUpWith) {
   mouse().pressSlotButton(4);
   report(1, 4);
   EXPECT_EQ(library().currFWProfileIndex(), 0);
-  EXPECT_EQ(status(), "The mouse is on slot 5 now. Nothing is sent until you close this window");
+  EXPECT_EQ(status(), "The mouse is on slot 5 now. Nothing is sent until you close this window.");
   clearTrace();
   inChild("applyBtn").click();
   EXPECT_THAT(trace(), IsEmpty()) << "a trial would reach the other slot";

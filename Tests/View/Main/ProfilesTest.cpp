@@ -197,7 +197,7 @@ TEST_F(MainViewProfiles, AnEmptyLibrarySaysHowToMakeAProfile) {
   start();
   click("currProfileBtn");
   ASSERT_NE(openList(), nullptr);
-  EXPECT_EQ(openList()->note(), "No profiles yet. Make a new one");
+  EXPECT_EQ(openList()->note(), "No profiles yet. Make a new one.");
 }
 
 TEST_F(MainViewProfiles, ResetBringsTheListUpToDate) {

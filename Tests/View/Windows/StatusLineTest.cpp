@@ -90,7 +90,7 @@ TEST_F(Status, ASlotThatDoesNotAnswerIsTold) {
   start();
   misbehave(MouseScenario::Kind::AnswersShort);
   chooseSlot(3);
-  EXPECT_EQ(status(), "The slot could not be read. Nothing was changed");
+  EXPECT_EQ(status(), "The slot could not be read. Nothing was changed.");
   EXPECT_THAT(m_shown, IsEmpty());
 }
 
@@ -115,7 +115,7 @@ TEST_F(Status, ALibraryThatAnotherProgramUsesIsTold) {
   start();
   const auto other = FileLock::acquire(supportFolder() / ".lock", std::chrono::milliseconds(0));
   click("profileNewBtn");
-  EXPECT_EQ(status(), "Another program is using the profile library. Try again");
+  EXPECT_EQ(status(), "Another program is using the profile library. Try again.");
 }
 
 TEST_F(Status, AChildWindowSaysItToo) {
@@ -126,7 +126,7 @@ TEST_F(Status, AChildWindowSaysItToo) {
   ASSERT_NE(line, nullptr);
   misbehave(MouseScenario::Kind::Absent);
   child()->findChild<LXButton*>(QStringLiteral("applyBtn"))->click();
-  EXPECT_EQ(line->text(), QStringLiteral("The mouse did not take all of it. Try again"));
+  EXPECT_EQ(line->text(), QStringLiteral("The mouse did not take all of it. Try again."));
   EXPECT_EQ(status(), line->text().toStdString());
   mouse().setScenario({});
   child()->findChild<LXButton*>(QStringLiteral("applyBtn"))->click();

@@ -90,7 +90,7 @@ TEST_P(TransferFaults, OfAReadLeaveTheSlotAsItWasShown) {
     const std::string shown = shownName();
     failAfter(at);
     chooseSlot(3);
-    EXPECT_EQ(status(), "The slot could not be read. Nothing was changed") << at;
+    EXPECT_EQ(status(), "The slot could not be read. Nothing was changed.") << at;
     EXPECT_EQ(shownName(), shown) << at;
     recover();
     chooseSlot(1);
@@ -116,7 +116,7 @@ TEST_P(TransferFaults, OfARenamingKeepTheOldName) {
   start();
   failAfter(0);
   typeName("Desk");
-  EXPECT_EQ(status(), "The mouse did not take all of it. Try again");
+  EXPECT_EQ(status(), "The mouse did not take all of it. Try again.");
   EXPECT_EQ(mouse().slotName(0), "Profile#1");
   recover();
   typeName("Desk");
@@ -127,7 +127,7 @@ TEST_P(TransferFaults, OfTheLedModeAreTold) {
   start();
   failAfter(0);
   click("battleModeBtn");
-  EXPECT_EQ(status(), "The mouse did not take all of it. Try again");
+  EXPECT_EQ(status(), "The mouse did not take all of it. Try again.");
   EXPECT_EQ(editState->selProfile().modeType, 1U) << "an Apply takes it to the mouse";
   recover();
   click("normalModeBtn");
@@ -141,7 +141,7 @@ TEST_P(TransferFaults, OfSettingsAreToldInTheirWindow) {
     ASSERT_NE(child(), nullptr) << opener;
     failAfter(1);
     child()->findChild<LXButton*>(QStringLiteral("applyBtn"))->click();
-    EXPECT_EQ(childStatus(), QStringLiteral("The mouse did not take all of it. Try again"))
+    EXPECT_EQ(childStatus(), QStringLiteral("The mouse did not take all of it. Try again."))
         << opener;
     recover();
     child()->findChild<LXButton*>(QStringLiteral("applyBtn"))->click();
