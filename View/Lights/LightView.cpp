@@ -1,6 +1,10 @@
 #include "View/Lights/LightView.h"
 
+#include <QImage>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
+#include <algorithm>
 
 #include "Action/Device/DeviceSettings.h"
 #include "Action/Record/EditState.h"
@@ -33,6 +37,30 @@ std::string afterKey(int index) {
   return "aColor" + std::to_string(index);
 }
 
+// The colors of the bar's picture, from the left end of the bar to its right end. Picture rows
+// count from the top.
+std::vector<LightColor> barColorsOf(const QPixmap& picture) {
+  const qreal ratio = picture.devicePixelRatio();
+  const QImage bar = picture.toImage();
+  std::vector<LightColor> colors;
+  colors.reserve(barTop + 1);
+  for (int value = 0; value <= barTop; ++value) {
+    const int fromBottom = barTop - value;
+    const int row = static_cast<int>(bar.height() / ratio) - 1 - fromBottom;
+    const QPoint point(static_cast<int>(barColumn * ratio), static_cast<int>(row * ratio));
+    if (!bar.rect().contains(point)) {
+      break;
+    }
+    colors.push_back(LightColor::of(bar.pixelColor(point)));
+  }
+  return colors;
+}
+
+double distance(const LightColor& one, const LightColor& other) {
+  return std::abs(one.red - other.red) + std::abs(one.green - other.green) +
+         std::abs(one.blue - other.blue);
+}
+
 QRect inside(const Artwork::Frame& frame, const Artwork::Frame& parent) {
   return frameRect(frame).translated(-parent.x, -parent.y);
 }
@@ -47,7 +75,7 @@ void LightView::initData() {
     m_lights[static_cast<std::size_t>(zone - 1)] =
         pictures::load(QStringLiteral("LightZone%1.png").arg(zone)).pixmap();
   }
-  m_colorTagImage = pictures::load(QStringLiteral("ColorBar.png")).pixmap();
+  m_barColors = barColorsOf(pictures::load(QStringLiteral("ColorBar.png")).pixmap());
 }
 
 void LightView::initControls() {
@@ -126,6 +154,7 @@ void LightView::initPicker() {
       frameRect(frames::colorBarView), [this](LXProgressBar& sender) { progessBarAction(sender); },
       *this, pictures::load(QStringLiteral("ColorKnob.png")), barTop, 0);
   m_colorBarView->setTag(TagColorBar);
+  m_colorBarView->setTellsEveryChoice(true);
   m_colorBarView->setObjectName(QStringLiteral("colorBarView"));
   m_colorBarView->setAccessibleName(NerinAction::tooltipText("Color bar"));
 
@@ -155,6 +184,14 @@ void LightView::initPicker() {
   m_recentColors->refresh();
   connect(m_recentColors, &RecentColorsView::chosen, this,
           [this](const QColor& color) { m_colorPanel->setSelColor(LightColor::of(color)); });
+
+  for (QObject* picker : {static_cast<QObject*>(m_colorField), static_cast<QObject*>(m_brightness),
+                          static_cast<QObject*>(m_colorBarView)}) {
+    picker->installEventFilter(this);
+  }
+  for (LXTextField* field : m_colorPanel->findChildren<LXTextField*>()) {
+    field->installEventFilter(this);
+  }
 }
 
 void LightView::clearBtnImage(LXButton& button) {
@@ -210,6 +247,7 @@ void LightView::showPicked(const LightColor& color) {
 void LightView::showInSliders() {
   m_colorField->show(m_picked);
   m_brightness->show(m_picked);
+  m_colorBarView->setValue(barPlaceOf(m_picked.color()));
 }
 
 void LightView::takePicked() {
@@ -229,12 +267,13 @@ void LightView::onChangeColorPro(const LightColor& color) {
   if (!m_isOverFill) {
     return;
   }
+  const LightColor before = m_pressedAt.value_or(m_after);
   // The last zone keeps its original history.
   if (m_currSelectedIndex > 0 && m_currSelectedIndex < zones) {
-    m_historyColorDir[beforeKey(m_currSelectedIndex - 1)] = m_after;
+    m_historyColorDir[beforeKey(m_currSelectedIndex - 1)] = before;
     m_historyColorDir[afterKey(m_currSelectedIndex - 1)] = color;
   }
-  setSwatches(m_after, color);
+  setSwatches(before, color);
   setColorPro(m_currSelectedIndex - 1, color);
   displayBtnColor();
 }
@@ -249,15 +288,59 @@ void LightView::progessBarAction(LXProgressBar& sender) {
   if (sender.tag() != TagColorBar) {
     return;
   }
-  const int fromBottom = barTop - sender.value();
-  const qreal ratio = m_colorTagImage.devicePixelRatio();
-  const QImage bar = m_colorTagImage.toImage();
-  // Picture rows count from the top.
-  const int row = static_cast<int>(bar.height() / ratio) - 1 - fromBottom;
-  const QPoint point(static_cast<int>(barColumn * ratio), static_cast<int>(row * ratio));
-  if (bar.rect().contains(point)) {
-    m_colorPanel->setSelColor(LightColor::of(bar.pixelColor(point)));
+  const auto place = static_cast<std::size_t>(sender.value());
+  if (place < m_barColors.size()) {
+    m_colorPanel->setSelColor(m_barColors[place]);
   }
+}
+
+int LightView::barPlaceOf(const LightColor& color) const {
+  // About one step of a byte in each part.
+  constexpr double same = 0.012;
+  const auto nearest = [this](const LightColor& wanted) {
+    return std::min_element(m_barColors.begin(), m_barColors.end(),
+                            [&](const LightColor& one, const LightColor& other) {
+                              return distance(one, wanted) < distance(other, wanted);
+                            });
+  };
+  const auto standing = static_cast<std::size_t>(m_colorBarView->value());
+  if (standing < m_barColors.size() && distance(m_barColors[standing], color) < same) {
+    return m_colorBarView->value();
+  }
+  auto place = nearest(color);
+  if (place != m_barColors.end() && distance(*place, color) >= same) {
+    const bool hasHue = m_picked.saturation > 0 && m_picked.brightness > 0;
+    const double gray = m_picked.brightness < 0.5 ? 0 : 1;
+    place =
+        nearest(hasHue ? PickedColor{m_picked.hue, 1, 1}.color() : LightColor{gray, gray, gray});
+  }
+  return static_cast<int>(place - m_barColors.begin());
+}
+
+// A drag or a held key is one change, whose "before" is the color at the press.
+bool LightView::eventFilter(QObject* watched, QEvent* event) {
+  switch (event->type()) {
+    case QEvent::MouseButtonPress:
+      m_pressedAt = m_after;
+      break;
+    case QEvent::KeyPress:
+      if (!static_cast<QKeyEvent*>(event)->isAutoRepeat()) {
+        m_pressedAt = m_after;
+      }
+      break;
+    case QEvent::KeyRelease:
+      if (!static_cast<QKeyEvent*>(event)->isAutoRepeat()) {
+        m_pressedAt.reset();
+      }
+      break;
+    case QEvent::MouseButtonRelease:
+    case QEvent::FocusOut:
+      m_pressedAt.reset();
+      break;
+    default:
+      break;
+  }
+  return ChildView::eventFilter(watched, event);
 }
 
 void LightView::onSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& sender) {

@@ -4,7 +4,9 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "Action/Record/Records.h"
 #include "Kit/Widgets/LXButton.h"
@@ -68,6 +70,7 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   void initData() override;
   void initControls() override;
   void paintEvent(QPaintEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
   void applyEdit() override;
   void keepEdit() override;
   void cancelEdit() override;
@@ -80,6 +83,8 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   void takePicked();
   void showInSliders();
   void showPicked(const LightColor& color);
+  // The place of the color on the bar, or else of its hue; a gray has the nearer end.
+  int barPlaceOf(const LightColor& color) const;
   void setSwatches(const LightColor& before, const LightColor& after);
   void rememberColors() const;
 
@@ -97,9 +102,12 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   ColorPanel* m_colorPanel = nullptr;
   RecentColorsView* m_recentColors = nullptr;
   LXProgressBar* m_colorBarView = nullptr;
-  QPixmap m_colorTagImage;
+  // The color bar from left to right.
+  std::vector<LightColor> m_barColors;
   PickedColor m_picked;
   std::map<std::string, LightColor> m_historyColorDir;
+  // The color at the press of a drag or of a held key, which are one change together.
+  std::optional<LightColor> m_pressedAt;
   LightColor m_before;
   LightColor m_after;
   int m_currSelectedIndex = 0;
