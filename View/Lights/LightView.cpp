@@ -81,6 +81,7 @@ void LightView::initData() {
 void LightView::initControls() {
   initZones();
   initPicker();
+  initCopies();
   addEndButtons({frameRect(frames::applyBtn), TagApply}, {frameRect(frames::okBtn), TagOk},
                 {frameRect(frames::cancelBtn), TagCancel});
 }
@@ -181,7 +182,7 @@ void LightView::initPicker() {
   m_recentColors = new RecentColorsView(this);
   m_recentColors->setGeometry(frameRect(frames::recentColorsView));
   m_recentColors->setObjectName(QStringLiteral("recentColorsView"));
-  m_recentColors->refresh();
+  m_recentColors->setAccessibleName(NerinAction::tooltipText("Recent colors"));
   connect(m_recentColors, &RecentColorsView::chosen, this,
           [this](const QColor& color) { m_colorPanel->setSelColor(LightColor::of(color)); });
 
@@ -219,6 +220,14 @@ void LightView::fillSettingData() {
     m_historyColorDir[afterKey(i)] = getColorPro(editState->currSetProfile().lightColorArr[i]);
   }
   displayBAColor();
+}
+
+// Only what has the colors of the lights.
+void LightView::displayBtnColor() {
+  update(frameRect(frames::stageView));
+  for (const QRect& well : m_btnColorRect) {
+    update(well);
+  }
 }
 
 void LightView::setSwatches(const LightColor& before, const LightColor& after) {
@@ -268,14 +277,28 @@ void LightView::onChangeColorPro(const LightColor& color) {
     return;
   }
   const LightColor before = m_pressedAt.value_or(m_after);
-  // The last zone keeps its original history.
-  if (m_currSelectedIndex > 0 && m_currSelectedIndex < zones) {
-    m_historyColorDir[beforeKey(m_currSelectedIndex - 1)] = before;
-    m_historyColorDir[afterKey(m_currSelectedIndex - 1)] = color;
+  if (m_currSelectedIndex > 0) {
+    noteHistory(m_currSelectedIndex, before, color);
+    const auto index = static_cast<std::size_t>(m_currSelectedIndex - 1);
+    if (currentColors()[index].bytes() != color.bytes() && !(m_pressedAt && m_isPressNoted)) {
+      noteStep();
+      m_isPressNoted = true;
+    }
   }
   setSwatches(before, color);
   setColorPro(m_currSelectedIndex - 1, color);
   displayBtnColor();
+}
+
+void LightView::noteHistory(int zone, const LightColor& before, const LightColor& after) {
+  if (zone < zones) {
+    m_historyColorDir[beforeKey(zone - 1)] = before;
+    m_historyColorDir[afterKey(zone - 1)] = after;
+  }
+}
+
+const LightColor& LightView::historyAfter(int zone) {
+  return m_historyColorDir[afterKey(zone - 1)];
 }
 
 void LightView::OnColorChange(QObject* /*sender*/, const LightColor& color) {
@@ -317,15 +340,20 @@ int LightView::barPlaceOf(const LightColor& color) const {
   return static_cast<int>(place - m_barColors.begin());
 }
 
+void LightView::beginPress() {
+  m_pressedAt = m_after;
+  m_isPressNoted = false;
+}
+
 // A drag or a held key is one change, whose "before" is the color at the press.
 bool LightView::eventFilter(QObject* watched, QEvent* event) {
   switch (event->type()) {
     case QEvent::MouseButtonPress:
-      m_pressedAt = m_after;
+      beginPress();
       break;
     case QEvent::KeyPress:
       if (!static_cast<QKeyEvent*>(event)->isAutoRepeat()) {
-        m_pressedAt = m_after;
+        beginPress();
       }
       break;
     case QEvent::KeyRelease:
@@ -448,16 +476,20 @@ void LightView::drawColorBtn(QPainter& painter) const {
 }
 
 // Draws the lights in their colors. Each picture has only the light, in white on transparent.
-void LightView::drawLights(QPainter& painter) const {
-  for (int i = 0; i < zones; ++i) {
-    QPixmap light = m_lights[static_cast<std::size_t>(i)];
-    if (light.isNull()) {
+// Tinting takes longer than all the rest, and every control that lies on this view draws it too.
+void LightView::drawLights(QPainter& painter) {
+  const Colors colors = currentColors();
+  for (std::size_t i = 0; i < zoneCount; ++i) {
+    if (m_lights[i].isNull()) {
       continue;
     }
-    QPainter tint(&light);
-    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    tint.fillRect(light.rect(), getColorPro(editState->currSetProfile().lightColorArr[i]).shown());
-    tint.end();
-    painter.drawPixmap(frameRect(frames::stageView).topLeft(), light);
+    if (const QColor color = colors[i].shown(); m_tinted[i].isNull() || m_tints[i] != color) {
+      m_tints[i] = color;
+      m_tinted[i] = m_lights[i];
+      QPainter tint(&m_tinted[i]);
+      tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+      tint.fillRect(m_tinted[i].rect(), color);
+    }
+    painter.drawPixmap(frameRect(frames::stageView).topLeft(), m_tinted[i]);
   }
 }

@@ -1,6 +1,7 @@
 // Picking a zone's color in the field, the brightness, the bar, the numbers and the recent colors.
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QKeyEvent>
 #include <QTest>
 
@@ -52,7 +53,9 @@ class LightPicker : public LightTest {
     std::vector<QAbstractButton*> all;
     for (auto* swatch :
          part<RecentColorsView>("recentColorsView").findChildren<QAbstractButton*>()) {
-      all.push_back(swatch);
+      if (swatch->isVisible()) {
+        all.push_back(swatch);
+      }
     }
     return all;
   }
@@ -387,6 +390,16 @@ TEST_F(LightPicker, NumbersAreTakenWithinTheirLimits) {
   expectColor(color(0), 255, 254, 255);
 }
 
+TEST_F(LightPicker, AClearedNumberGoesBackToItsValue) {
+  openZone();
+  for (const char* name : {"redTxt", "greenTxt", "blueTxt"}) {
+    type(part<LXNumberTextField>(name), "");
+    hitKey(part<LXNumberTextField>(name), Qt::Key_Return);
+  }
+  EXPECT_THAT(numbers(), ElementsAre("10", "20", "30", "0A141E"));
+  expectColor(color(0), 10, 20, 30);
+}
+
 TEST_F(LightPicker, ACodeIsSixDigits) {
   openZone();
   auto& code = part<LXTextField>("hexTxt");
@@ -461,4 +474,36 @@ TEST_F(LightPicker, ACancelledColorIsForgotten) {
   press("cancelBtn");
   openZone();
   EXPECT_EQ(recent()[0]->accessibleName(), "#6D6D6D");
+}
+
+TEST_F(LightPicker, ARecentColorIsReachedAndChosenByKey) {
+  forgetColors();
+  openZone();
+  press("logoLightBtn");
+  // The order of the Tab key goes from the numbers over the recent colors to the buttons.
+  auto& code = part<LXTextField>("hexTxt");
+  code.setFocus();
+  QTest::keyClick(&host(), Qt::Key_Tab);
+  ASSERT_EQ(QApplication::focusWidget(), recent()[0]);
+  hitKey(*recent()[0], Qt::Key_Return);
+  expectColor(color(2), 0x6D, 0x6D, 0x6D);
+  hitKey(*recent()[0], Qt::Key_Right);
+  hitKey(*recent()[1], Qt::Key_Down);
+  ASSERT_EQ(QApplication::focusWidget(), recent()[2]);
+  hitKey(*recent()[2], Qt::Key_Space);
+  expectColor(color(2), 0x6B, 0x6B, 0x6B);
+  hitKey(*recent()[2], Qt::Key_End);
+  hitKey(*recent()[9], Qt::Key_Right);
+  ASSERT_EQ(QApplication::focusWidget(), recent()[9]);
+  hitKey(*recent()[9], Qt::Key_Enter);
+  expectColor(color(2), 0x64, 0x64, 0x64);
+  // One stop of the Tab key, and the focus comes back to where it was.
+  QTest::keyClick(recent()[9], Qt::Key_Tab);
+  EXPECT_EQ(QApplication::focusWidget(), &control("applyBtn"));
+  QTest::keyClick(&control("applyBtn"), Qt::Key_Backtab);
+  EXPECT_EQ(QApplication::focusWidget(), recent()[9]);
+  hitKey(*recent()[9], Qt::Key_Home);
+  hitKey(*recent()[0], Qt::Key_Left);
+  EXPECT_EQ(QApplication::focusWidget(), recent()[0]);
+  EXPECT_EQ(part<RecentColorsView>("recentColorsView").accessibleName(), "Recent colors");
 }
