@@ -178,8 +178,12 @@ void HueSaturationView::keyPressEvent(QKeyEvent* event) {
   }
 }
 
-void HueSaturationView::paintEvent(QPaintEvent* /*event*/) {
-  QPainter painter(this);
+// The field never changes, and its gradients take longer than the knob.
+void HueSaturationView::drawField() {
+  m_field = QPixmap(size() * devicePixelRatioF());
+  m_field.setDevicePixelRatio(devicePixelRatioF());
+  m_field.fill(Qt::transparent);
+  QPainter painter(&m_field);
   painter.setRenderHint(QPainter::Antialiasing);
   QLinearGradient hues(0, 0, width(), 0);
   constexpr int stops = 6;
@@ -195,6 +199,15 @@ void HueSaturationView::paintEvent(QPaintEvent* /*event*/) {
   painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
   painter.setBrush(white);
   painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
+}
+
+void HueSaturationView::paintEvent(QPaintEvent* /*event*/) {
+  if (m_field.size() != size() * devicePixelRatioF()) {
+    drawField();
+  }
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.drawPixmap(0, 0, m_field);
   drawKnob(painter,
            {std::clamp(m_color.hue * (width() - 1), knobReach, width() - knobReach),
             std::clamp((1 - m_color.saturation) * (height() - 1), knobReach, height() - knobReach)},

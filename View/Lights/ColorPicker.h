@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPixmap>
 #include <QWidget>
 #include <array>
 
@@ -62,6 +63,9 @@ class HueSaturationView : public PickView {
 
  private:
   void pick(double hue, double saturation);
+  void drawField();
+
+  QPixmap m_field;
 };
 
 // The brightness of the picked color, left to right.

@@ -56,6 +56,29 @@ std::vector<LightColor> barColorsOf(const QPixmap& picture) {
   return colors;
 }
 
+// The part of the picture that is not transparent, in device-independent pixels.
+QRect litPartOf(const QPixmap& picture) {
+  const QImage image = picture.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+  QRect lit;
+  for (int y = 0; y < image.height(); ++y) {
+    int first = 0;
+    int last = image.width() - 1;
+    while (first <= last && qAlpha(image.pixel(first, y)) == 0) {
+      ++first;
+    }
+    while (last > first && qAlpha(image.pixel(last, y)) == 0) {
+      --last;
+    }
+    if (first <= last) {
+      lit |= QRect(QPoint(first, y), QPoint(last, y));
+    }
+  }
+  const int ratio = qRound(picture.devicePixelRatio());
+  return lit.isEmpty() ? QRect()
+                       : QRect(QPoint(lit.left() / ratio, lit.top() / ratio),
+                               QPoint(lit.right() / ratio, lit.bottom() / ratio));
+}
+
 double distance(const LightColor& one, const LightColor& other) {
   return std::abs(one.red - other.red) + std::abs(one.green - other.green) +
          std::abs(one.blue - other.blue);
@@ -72,8 +95,13 @@ LightView::LightView() : ChildView({frames::screenWidth, frames::screenHeight}) 
 void LightView::initData() {
   setImageByName(QStringLiteral("LightOptionView_Normal.png"));
   for (int zone = 1; zone <= zones; ++zone) {
-    m_lights[static_cast<std::size_t>(zone - 1)] =
-        pictures::load(QStringLiteral("LightZone%1.png").arg(zone)).pixmap();
+    const auto index = static_cast<std::size_t>(zone - 1);
+    const QPixmap picture = pictures::load(QStringLiteral("LightZone%1.png").arg(zone)).pixmap();
+    const QRect lit = litPartOf(picture);
+    const int ratio = qRound(picture.devicePixelRatio());
+    m_lights[index] =
+        lit.isEmpty() ? QPixmap() : picture.copy(QRect(lit.topLeft() * ratio, lit.size() * ratio));
+    m_lightPlaces[index] = lit.translated(frameRect(frames::stageView).topLeft());
   }
   m_barColors = barColorsOf(pictures::load(QStringLiteral("ColorBar.png")).pixmap());
 }
@@ -224,9 +252,9 @@ void LightView::fillSettingData() {
 
 // Only what has the colors of the lights.
 void LightView::displayBtnColor() {
-  update(frameRect(frames::stageView));
-  for (const QRect& well : m_btnColorRect) {
-    update(well);
+  for (std::size_t i = 0; i < zoneCount; ++i) {
+    update(m_lightPlaces[i]);
+    update(m_btnColorRect[i]);
   }
 }
 
@@ -490,6 +518,6 @@ void LightView::drawLights(QPainter& painter) {
       tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
       tint.fillRect(m_tinted[i].rect(), color);
     }
-    painter.drawPixmap(frameRect(frames::stageView).topLeft(), m_tinted[i]);
+    painter.drawPixmap(m_lightPlaces[i].topLeft(), m_tinted[i]);
   }
 }

@@ -119,7 +119,9 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   std::array<LXButton*, zoneCount> m_markerBtns{};
   std::array<LXImageView*, zoneCount> m_lines{};
   std::array<QRect, zoneCount> m_btnColorRect{};
+  // Of the pictures of the lights, the parts that are not transparent, and where they lie.
   std::array<QPixmap, zoneCount> m_lights;
+  std::array<QRect, zoneCount> m_lightPlaces{};
   // The lights in the colors that were drawn last.
   std::array<QPixmap, zoneCount> m_tinted;
   std::array<QColor, zoneCount> m_tints;
