@@ -37,7 +37,7 @@ class LXButtonDelegate {
 };
 
 // A button, check box or step item that shows one picture per state and a caption over it. Space
-// and Return press it.
+// and Return press it. Screen readers find the actions of the widget beside the press.
 class LXButton : public QAbstractButton {
   Q_OBJECT
 

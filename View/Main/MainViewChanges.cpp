@@ -215,9 +215,11 @@ void MainView::fillChanges() {
     rows.push_back(rowOf(before, after, difference));
   }
   m_changesList->fill(
-      rows, words(editState->base() ? "Nothing is changed."
-                                    : "This slot is empty or was not read. Apply writes all of "
-                                      "it."));
+      rows, words(!editState->base() ? "This slot is empty or was not read. Apply writes all of it."
+                  : NerinAction::isMouseAsHeld()
+                      ? "Nothing is changed."
+                      : "Nothing is changed, but the mouse may have other settings. Apply writes "
+                        "these again."));
 }
 
 void MainView::takeBackChange(int row) {

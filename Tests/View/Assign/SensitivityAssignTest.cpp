@@ -211,6 +211,21 @@ TEST_F(SensitivityAssign, TheBoxSwitchesBetweenTheSliders) {
   EXPECT_EQ(editor().yValue(), 31U);
 }
 
+TEST_F(SensitivityAssign, CheckingTheBoxStartsBothAxesFromTheCommonValue) {
+  openPanel(3, dpi(1));
+  move("dpiPro");
+  clickThroughWindow(box());
+  EXPECT_EQ(editor().xValue(), 65U);
+  EXPECT_EQ(editor().yValue(), 65U);
+  press("okBtn");
+  EXPECT_TRUE(isSame(stored(), dpi(1, 65, 65)));
+  openPanel(3, dpi(1));
+  box().setFocus();
+  hitKey(box(), Qt::Key_Space);
+  EXPECT_EQ(editor().xValue(), 64U);
+  EXPECT_EQ(editor().yValue(), 64U);
+}
+
 TEST_F(SensitivityAssign, TheEditorItselfStartsAt5000) {
   QWidget parent;
   auto* alone = new SubSensitivityViewSub(&parent);
