@@ -41,6 +41,9 @@ class MacroCommandModel : public QAbstractTableModel {
   // Not owned; must outlive its use here. Null for no macro.
   void setCommands(const Commands* commands);
   void reloadData();
+  // The rows that are chosen together, both included; none without a row.
+  void setChosenRows(int first, int last);
+  bool isChosen(int row) const { return row >= m_firstChosen && row <= m_lastChosen; }
   // The text for a command.
   static QString describe(const MacroKeyInfo& command);
   // Only its key, mouse button or function.
@@ -57,6 +60,8 @@ class MacroCommandModel : public QAbstractTableModel {
   QPixmap icon(int index) const;
 
   const Commands* m_commands = nullptr;
+  int m_firstChosen = 0;
+  int m_lastChosen = -1;
   // Indexed by a command's flag: key down, key up, command, delay, mouse down, mouse up.
   std::vector<LXImage> m_icons;
 };
@@ -73,6 +78,9 @@ class RigthMouseTBView : public QTableView {
   void setLXBtnDelege(RigthMouseTBDelegate* delegate) { m_delegate = delegate; }
   void setIsCaptureMouseEvent(bool captures) { m_isCaptureMouseEvent = captures; }
   bool isCaptureMouseEvent() const { return m_isCaptureMouseEvent; }
+
+  // While a press or a key with Shift selects a row, which extends the chosen rows to it.
+  bool isExtending() const { return m_isExtending; }
 
   using QTableView::edit;
   // Typing a letter must not select a row.
@@ -100,6 +108,7 @@ class RigthMouseTBView : public QTableView {
 
   RigthMouseTBDelegate* m_delegate = nullptr;
   bool m_isCaptureMouseEvent = false;
+  bool m_isExtending = false;
   // The row under the pressed button, and the gap where it would be dropped.
   int m_draggedRow = none;
   int m_dropGap = none;
