@@ -146,8 +146,9 @@ void MacroView::initFields() {
   m_macroNameTxt->setAccessibleName(NerinAction::tooltipText("Macro name"));
   m_macroNameTxt->setTextColor(Qt::black);
   m_macroNameTxt->setTextMargins(nameMargin, 0, nameMargin, 0);
-  // Every typed character renames the macro everywhere.
-  connect(m_macroNameTxt, &QLineEdit::textEdited, this, &MacroView::onMacroNameTextChange);
+  // Every typed character renames the macro everywhere. A screen reader writes a text at once,
+  // which counts as no typing.
+  connect(m_macroNameTxt, &QLineEdit::textChanged, this, &MacroView::onMacroNameTextChange);
 
   m_recordStateTxt = NerinAction::AddLabTextField(frameRect(frames::recordStateTxt), *this);
   m_recordStateTxt->setObjectName(QStringLiteral("recordStateTxt"));

@@ -50,7 +50,6 @@ MacroWorkbench::MacroWorkbench(TavImageView& view)
   m_length->setObjectName(QStringLiteral("lengthTxt"));
   m_length->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   m_length->setFont(pictures::font(lengthType, QFont::DemiBold));
-  m_length->setAccessibleName(NerinAction::tooltipText("Length"));
 
   m_warning->setGeometry(frameRect(frames::warningTxt));
   m_warning->setObjectName(QStringLiteral("warningTxt"));
@@ -135,6 +134,8 @@ void MacroWorkbench::showSummary(bool isRecording) {
   m_warning->setToolTip(shown == warning ? QString() : warning.toHtmlEscaped());
   m_length->setText(
       QStringLiteral("%1 %2").arg(m_strip->timeline().length).arg(NerinAction::tooltipText("ms")));
+  m_length->setAccessibleName(NerinAction::tooltipText("Length") + QStringLiteral(": ") +
+                              m_length->text());
 }
 
 void MacroWorkbench::showRow() {

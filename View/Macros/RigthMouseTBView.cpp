@@ -213,6 +213,15 @@ QItemSelectionModel::SelectionFlags RigthMouseTBView::selectionCommand(
                          : QItemSelectionModel::SelectionFlags(QItemSelectionModel::NoUpdate);
 }
 
+void RigthMouseTBView::selectionChanged(const QItemSelection& selected,
+                                        const QItemSelection& deselected) {
+  QTableView::selectionChanged(selected, deselected);
+  const QModelIndexList chosen = selectionModel()->selectedIndexes();
+  if (!chosen.isEmpty() && chosen.front().row() != currentIndex().row()) {
+    selectionModel()->setCurrentIndex(chosen.front(), QItemSelectionModel::NoUpdate);
+  }
+}
+
 void RigthMouseTBView::sendMouseMove(QMouseEvent& event, bool isDown) {
   if (m_delegate != nullptr) {
     m_delegate->onMouseEvent(*this, event, LXButtonDelegate::pressType(event, isDown));

@@ -1,5 +1,6 @@
 // The time strip, the fields of the selected command, the keys of the table, and undo.
 
+#include <QAccessible>
 #include <QLabel>
 #include <QTest>
 
@@ -79,6 +80,26 @@ TEST_F(MacroWorkbenchTest, TheStripShowsKeysAndPausesToScale) {
   EXPECT_EQ(button.top(), a.top());
   EXPECT_FALSE(strip().timeline().spanOf(4)->overlaps);
   EXPECT_EQ(strip().timeline().spanOf(4)->release, MacroTimeline::none);
+}
+
+TEST_F(MacroWorkbenchTest, AScreenReaderHearsTheNumbersAndSelectsCommands) {
+  openOnChord();
+  const auto* length = QAccessible::queryAccessibleInterface(&part<QLabel>("lengthTxt"));
+  EXPECT_EQ(length->text(QAccessible::Name), "Length: 1000 ms");
+  std::vector<std::string> heard;
+  for (const auto* label : editor().findChildren<QLabel*>()) {
+    heard.push_back(label->accessibleName().toStdString());
+  }
+  EXPECT_THAT(heard, testing::IsSupersetOf({"Events: 5 / 40", "Memory: 20 / 2000"}));
+  auto* commandTable = QAccessible::queryAccessibleInterface(&table())->tableInterface();
+  ASSERT_NE(commandTable, nullptr);
+  ASSERT_TRUE(commandTable->selectRow(3));
+  EXPECT_EQ(row(), 3);
+  EXPECT_EQ(textOf(pauseField()), "500");
+  EXPECT_EQ(editor().selKeyInfo(), commands()[3]);
+  QAccessible::queryAccessibleInterface(&part<LXTextField>("macroNameTxt"))
+      ->setText(QAccessible::Value, QStringLiteral("Combo"));
+  EXPECT_EQ(editor().currMacroInfo()->nameStr(), "Combo");
 }
 
 TEST_F(MacroWorkbenchTest, WithoutPausesEveryCommandHasAPlace) {
