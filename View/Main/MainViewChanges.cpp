@@ -182,6 +182,8 @@ QString stepWords(const _Nerin_CONFIG& before, const _Nerin_CONFIG& after) {
 
 void MainView::initChanges() {
   m_changesList = new ChangesList(this);
+  // A pop-up is in the tree of a screen reader only as the child of a button.
+  m_applyBtn->setOpenedList(m_changesList);
   connect(m_changesList, &ChangesList::takenBack, this, &MainView::takeBackChange);
   m_applyBtn->setRightAction([this](LXButton&) { showChanges(); });
   for (const auto& keys : {QKeySequence(Qt::Key_Menu), QKeySequence(Qt::SHIFT | Qt::Key_F10)}) {

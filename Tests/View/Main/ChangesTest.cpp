@@ -296,6 +296,17 @@ TEST_F(WindowChanges, AreInTheLanguageOfTheUser) {
   EXPECT_EQ(takeBackBtn(1)->text(), QStringLiteral("Zurücknehmen"));
 }
 
+TEST_F(WindowChanges, TheOpenListStandsInTheTreeOfAScreenReader) {
+  lift(m_lift + 1);
+  auto* apply = QAccessible::queryAccessibleInterface(&button("applyBtn"));
+  EXPECT_EQ(apply->childCount(), 0);
+  arrow().click();
+  ASSERT_EQ(apply->childCount(), 1);
+  EXPECT_EQ(apply->child(0)->object(), &list());
+  hit(Qt::Key_Escape);
+  EXPECT_EQ(apply->childCount(), 0);
+}
+
 TEST_F(WindowChanges, ADifferenceCanBeReadByScreenReaders) {
   lift(9);
   view().showChanges();
