@@ -8,6 +8,7 @@
 
 #include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Catalogue/MacroIds.h"
 #include "Action/Edit/MacroDraft.h"
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXTextField.h"
@@ -409,6 +410,8 @@ void MacroView::buttonAction(LXButton& sender) {
 }
 
 void MacroView::applyEdit() {
+  // No button can name a macro that was imported just now.
+  NerinAction::giveOwnIds();
   NerinAction::keepMacroDraft();
   if (NerinAction::saveMenuList()) {
     NerinAction::discardMacroDraft();
