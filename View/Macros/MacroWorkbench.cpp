@@ -121,8 +121,6 @@ MacroKeyInfo* MacroWorkbench::selected() const {
   return isRow ? (*m_commands)[static_cast<std::size_t>(m_row)].get() : nullptr;
 }
 
-void MacroWorkbench::showLength() {
-  m_length->setText(MacroCommandModel::milliseconds(m_strip->timeline().length));
 // What is being recorded is not complete: its last key is still down.
 void MacroWorkbench::showSummary(bool isRecording) {
   const QString warning =
@@ -134,8 +132,7 @@ void MacroWorkbench::showSummary(bool isRecording) {
   m_warning->setText(shown);
   m_warning->setAccessibleName(warning);
   m_warning->setToolTip(shown == warning ? QString() : warning.toHtmlEscaped());
-  m_length->setText(
-      QStringLiteral("%1 %2").arg(m_strip->timeline().length).arg(NerinAction::tooltipText("ms")));
+  m_length->setText(MacroCommandModel::milliseconds(m_strip->timeline().length));
   m_length->setAccessibleName(NerinAction::tooltipText("Length") + QStringLiteral(": ") +
                               m_length->text());
 }
