@@ -105,7 +105,7 @@ TEST_F(MacroTestTest, SaysWhatTheMouseSendsAndNotWhatTheCommandsSay) {
   EXPECT_THAT(played(), ElementsAre("0 ms\tPress =", "0 ms\tRelease =", "0 ms\tPress Right button",
                                     "0 ms\tRelease Right button", "0 ms\tPress Button 4",
                                     "0 ms\tPress Right Option",
-                                    "1 ms\tEnd. Still down: Button 4, Right Option"));
+                                    "1 ms\tEnd. Still down: Button 4, Right Option."));
 }
 
 TEST_F(MacroTestTest, AMacroOfWhichNothingIsSentSaysSo) {
@@ -125,9 +125,9 @@ TEST_F(MacroTestTest, EveryWarningHasItsWords) {
     add(0, Info::KeyRelease);
   }
   press("testBtn");
-  EXPECT_THAT(warned(), ElementsAre("The macro has 41 events. A macro is meant to have 40 at most",
+  EXPECT_THAT(warned(), ElementsAre("The macro has 41 events. A macro is meant to have 40 at most.",
                                     "Line 1: the mouse cannot send =",
-                                    "Line 2: which mouse button it was is lost. Choose it again",
+                                    "Line 2: which mouse button it was is lost. Choose it again.",
                                     "Line 3: mouse buttons are lost when the slot is read again",
                                     "Line 3: the mouse waits 4464 ms instead of 70000 ms",
                                     "Line 3: L Button is not let go"));
