@@ -4,6 +4,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "View/Screen/ControlFactory.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/PopDialogView.h"
 
@@ -36,6 +37,8 @@ int run(const std::string& text, QMessageBox::StandardButtons buttons) {
   box.setDefaultButton(QMessageBox::Ok);
   box.button(QMessageBox::Ok)->setObjectName(QStringLiteral("finish"));
   for (QAbstractButton* button : box.buttons()) {
+    const bool isOk = box.standardButton(button) == QMessageBox::Ok;
+    button->setText(NerinAction::tooltipText(isOk ? "OK" : "Cancel"));
     button->setIcon({});
   }
   box.setStyleSheet(QString::fromLatin1(messageStyle));
