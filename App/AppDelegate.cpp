@@ -17,6 +17,7 @@
 #include "Kit/Widgets/ButtonAccessibility.h"
 #include "View/Main/MainView.h"
 #include "View/Screen/Pictures.h"
+#include "View/Screen/QtTexts.h"
 #include "View/Windows/Termination.h"
 
 namespace {
@@ -166,6 +167,7 @@ void prepareApplication(QApplication& application) {
 
 int runApplication(AppDelegate& delegate) {
   NerinAction::bringCataloguesUpToDate();
+  const QtTexts words;
   delegate.start();
   return termination::isTerminating() ? 0 : QApplication::exec();
 }

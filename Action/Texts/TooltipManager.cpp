@@ -117,6 +117,13 @@ std::optional<std::string> TooltipManager::getSysLanName() {
   return found != std::end(languageNames) ? std::optional<std::string>(found->name) : std::nullopt;
 }
 
+std::optional<std::string> TooltipManager::codeOfLan(const std::string& name) {
+  const auto* found =
+      std::find_if(std::begin(languageNames), std::end(languageNames),
+                   [&](const LanguageName& language) { return language.name == name; });
+  return found != std::end(languageNames) ? std::optional<std::string>(found->code) : std::nullopt;
+}
+
 void TooltipManager::setLanByname(const std::optional<std::string>& name) {
   const auto found = std::find_if(m_infoList.begin(), m_infoList.end(), [&](const auto& language) {
     return name && language->name == name;

@@ -27,6 +27,9 @@ class TooltipManager {
   void initData();
   // The catalogue's name for the system's language; no value for an unknown language.
   static std::optional<std::string> getSysLanName();
+  // The code of the language with that name in the catalogue, such as "pt-BR"; no value for a name
+  // that is none of the program's.
+  static std::optional<std::string> codeOfLan(const std::string& name);
   // Selects the first language of that exact name, or the fallback.
   void setLanByname(const std::optional<std::string>& name);
 

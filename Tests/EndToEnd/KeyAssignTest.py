@@ -114,7 +114,7 @@ class PanelTest(DemoTest):
     def openPanel(self, caption, kind):
         """Opens the panel of a button on the visible map."""
         self.desktop.click(self.window, *middle(self.captionFrame(caption)))
-        panel = self.child("Key assignment", "KeyAssignView")
+        panel = self.child("Button assignment", "KeyAssignView")
         self.choose(panel, "comSelBtn", KINDS, kind)
         return panel
 

@@ -191,6 +191,22 @@ TEST_P(TooltipLanguages, HaveTheKeysOfTheEnglishSection) {
   EXPECT_EQ(keys(m_language), keys(m_english));
 }
 
+TEST_P(TooltipLanguages, NameEveryEntryOfTheMenus) {
+  const auto menus = resource("MenuInfo.xml");
+  int entries = 0;
+  for (const auto& section : menus.document_element().children()) {
+    for (const auto& item : items(section)) {
+      const std::string tag = text(item, "TooltipTag");
+      if (!tag.empty()) {
+        EXPECT_NE(translated(tag.c_str()), "(missing)") << tag;
+        EXPECT_FALSE(translated(tag.c_str()).empty()) << tag;
+        ++entries;
+      }
+    }
+  }
+  EXPECT_GT(entries, 20);
+}
+
 TEST_P(TooltipLanguages, HaveNoEmptyText) {
   for (const auto& item : items(m_language)) {
     const std::string name = text(item, "name");

@@ -79,7 +79,7 @@ void MainView::showKeyAssignView() {
     return;
   }
   auto* view = new KeyAssignView;
-  openChild(view, 0, "Key assignment");
+  openChild(view, 0, "Button assignment");
   view->setBtnIndex(m_selBtnIndex);
   view->setTmpBtnInfo(editState->selProfile().btnInfo[m_selBtnIndex]);
   view->setButtonName(physicalButtonName(m_selBtnIndex));

@@ -5,6 +5,7 @@
 #include <QPushButton>
 
 #include "Kit/Desktop/HeldKeys.h"
+#include "View/Screen/ControlFactory.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/PopDialogView.h"
 
@@ -37,6 +38,8 @@ int run(const std::string& text, QMessageBox::StandardButtons buttons) {
   box.setDefaultButton(QMessageBox::Ok);
   box.button(QMessageBox::Ok)->setObjectName(QStringLiteral("finish"));
   for (QAbstractButton* button : box.buttons()) {
+    const bool isOk = box.standardButton(button) == QMessageBox::Ok;
+    button->setText(NerinAction::tooltipText(isOk ? "OK" : "Cancel"));
     button->setIcon({});
   }
   heldkeys::dropIn(box);

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Edit/SlotOperations.h"
 #include "Action/Record/EditState.h"
@@ -175,6 +176,29 @@ TEST_F(RoundTrip, EveryKeyThatTheMouseKnows) {
   // 102 keys have a usage, and the right Command key has a modifier bit. The four right-hand
   // modifiers come back as left-hand ones.
   EXPECT_EQ(kept, 99);
+}
+
+// What a person finds on a new mouse: each button says what it does, also after the mouse had it.
+TEST_F(RoundTrip, FactoryButtonsHaveACaptionAndKeepIt) {
+  int profiles = 0;
+  for (const auto& profile : library().defaultProfileArrs()) {
+    const _Nerin_PROFILE factory = profile->profileData();
+    editState->edit() = factory;
+    applyAndRead();
+    for (std::size_t index = 0; index < buttonCount; ++index) {
+      const std::string caption =
+          NerinAction::getBtnCaption(factory.btnInfo[index], static_cast<int>(index));
+      EXPECT_FALSE(caption.empty()) << index;
+      EXPECT_EQ(NerinAction::getBtnCaption(editState->selProfile().btnInfo[index],
+                                           static_cast<int>(index)),
+                caption);
+    }
+    const auto held = mouse().imageReport(2);
+    applyAndRead();
+    EXPECT_EQ(hexOf(mouse().imageReport(2)), hexOf(held));
+    ++profiles;
+  }
+  EXPECT_EQ(profiles, 10);
 }
 
 TEST_F(RoundTrip, IsStableAfterTheFirst) {

@@ -2,7 +2,12 @@
 // written.
 
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
+#include <set>
+#include <sstream>
+#include <string>
+#include <tuple>
 
 #include <gmock/gmock.h>
 
@@ -196,6 +201,36 @@ TEST_F(UserCatalogue, AnOlderOneGetsWhatIsNewAndKeepsWhatIsTheUsers) {
   start();
   EXPECT_EQ(tooltip("Left Click"), "My Click");
   EXPECT_EQ(tooltip("Right Click"), "Right Click");
+}
+
+// As it was before four languages and a third of the texts were there.
+TEST_F(UserCatalogue, AnOlderOneAnswersEveryTextInEveryLanguage) {
+  start();
+  const auto answers = [] {
+    std::set<std::tuple<std::string, std::string, std::int32_t, std::string, std::string>> all;
+    for (const auto& language : TooltipManager::shareTooltipManager().infoList()) {
+      for (const TooltipData& text : language->tooltips) {
+        all.emplace(language->name.value_or(""), text.name.value_or(""), text.viewId,
+                    text.btnTag.value_or(""), text.text.value_or(""));
+      }
+    }
+    return all;
+  };
+  const auto whole = answers();
+  std::istringstream lines(textOfFile(texts()));
+  std::string old;
+  int items = 0;
+  for (std::string line; std::getline(lines, line) && !line.ends_with("<Lan name=\"Czech\">");) {
+    const bool isItem = line.find("<Item") != std::string::npos;
+    if (!isItem || ++items % 3 != 0) {
+      old += line + '\n';
+    }
+  }
+  writeText(texts(), old + "</Tooltip>\n");
+  fs::remove(supportFolder() / ".Tooltip.xml.shipped");
+  start();
+  EXPECT_GT(whole.size(), 15U * 250U);
+  EXPECT_TRUE(answers() == whole);
 }
 
 constexpr const char* oldMenus = R"(<M><MacroList/><SingleMenu>

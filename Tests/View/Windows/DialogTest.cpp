@@ -8,11 +8,14 @@
 
 #include <gmock/gmock.h>
 
+#include "Action/Texts/TooltipManager.h"
 #include "App/RealPlatform.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "Tests/Support/ViewTest.h"
+#include "View/Screen/ControlFactory.h"
 #include "View/Windows/LocalNotifications.h"
 #include "View/Windows/NestedLoop.h"
+#include "View/Windows/PlainMessage.h"
 #include "View/Windows/PopDialogView.h"
 #include "View/Windows/Termination.h"
 
@@ -213,6 +216,22 @@ TEST_F(Dialog, APlainMessageShowsItsTextAndWaits) {
   real.showInfoMessage("Profile data destruction");
   EXPECT_TRUE(wasShown);
   EXPECT_FALSE(NestedLoop::isRunning());
+}
+
+TEST_F(Dialog, APlainMessageHasTheButtonsOfTheProgramsDialogs) {
+  auto& texts = TooltipManager::shareTooltipManager();
+  for (const char* language : {"US", "German", "Greek"}) {
+    texts.setLanByname(language);
+    QStringList captions;
+    onBox([&](QMessageBox& box) {
+      captions = {box.button(QMessageBox::Ok)->text(), box.button(QMessageBox::Cancel)->text()};
+      box.reject();
+    });
+    EXPECT_FALSE(plainmessage::ask("?"));
+    EXPECT_EQ(captions,
+              (QStringList{NerinAction::tooltipText("OK"), NerinAction::tooltipText("Cancel")}));
+  }
+  texts.setLanByname("US");
 }
 
 TEST_F(Dialog, APlainMessageBelongsToTheProgramsWindowWhoeverIsActive) {

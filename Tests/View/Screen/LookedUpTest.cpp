@@ -1,0 +1,292 @@
+// Every word of the windows comes from the catalogue. In this one each text stands between marks,
+// so that a word without them was never looked up.
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QRegularExpression>
+#include <filesystem>
+#include <set>
+
+#include <gmock/gmock.h>
+#include <pugixml.hpp>
+
+#include "Action/Catalogue/MacroCatalogue.h"
+#include "Tests/Support/EditorTest.h"
+#include "View/Macros/MacroView.h"
+#include "View/Windows/PlainMessage.h"
+#include "View/Windows/ProgramPanel.h"
+
+namespace {
+
+using testing::IsEmpty;
+
+const QString openMark = QStringLiteral("\u27E6");
+const QString closeMark = QStringLiteral("\u27E7");
+
+// The same in every language: names of the product and of the user's own things, names of keys,
+// axes, color channels, and numbers with their units.
+const std::set<QString> sameEverywhere{
+    QStringLiteral("NerinOption"), QStringLiteral("Game"), QStringLiteral("Combo"),
+    QStringLiteral("Chess"),       QStringLiteral("Hz"),   QStringLiteral("DPI"),
+    QStringLiteral("Option"),      QStringLiteral("X"),    QStringLiteral("Y"),
+    QStringLiteral("R"),           QStringLiteral("G"),    QStringLiteral("B"),
+    QStringLiteral("A"),           QStringLiteral("Ctrl"), QStringLiteral("LED"),
+};
+
+// What stands outside of the marks, without what is the same everywhere.
+QStringList strangers(QString text) {
+  static const QRegularExpression lookedUp(
+      openMark + QStringLiteral("[^%1%2]*").arg(openMark, closeMark) + closeMark);
+  // From the inside out: a text may be filled into another.
+  while (text.contains(lookedUp)) {
+    text.replace(lookedUp, QStringLiteral(" "));
+  }
+  static const QRegularExpression factoryName(QStringLiteral("Profile ?#?[0-9]+"));
+  static const QRegularExpression color(QStringLiteral("#[0-9A-F]{6}"));
+  // As the keys of the factory buttons are engraved.
+  static const QRegularExpression key(QStringLiteral("(^|: )(Home|End|Page Up|Page Down)$"));
+  static const QRegularExpression newProfile(QStringLiteral("NewPF_[0-9]+"));
+  text.replace(key, QStringLiteral(" "));
+  text.replace(newProfile, QStringLiteral(" "));
+  text.replace(QCoreApplication::applicationName(), QStringLiteral(" "));
+  text.replace(factoryName, QStringLiteral(" "));
+  text.replace(color, QStringLiteral(" "));
+  QStringList found;
+  static const QRegularExpression word(QStringLiteral("\\p{L}+"));
+  for (auto match = word.globalMatch(text); match.hasNext();) {
+    const QString one = match.next().captured();
+    if (!sameEverywhere.contains(one)) {
+      found.append(one);
+    }
+  }
+  return found;
+}
+
+class LookedUp : public AssignTest {
+ protected:
+  LookedUp() {
+    pugi::xml_document catalogue;
+    EXPECT_TRUE(catalogue.load_file(NERIN_RESOURCES "/Tooltip.xml"));
+    for (const auto& language : catalogue.document_element().children("Lan")) {
+      for (const auto& item : language.children("Item")) {
+        auto text = item.attribute("text");
+        if (*text.value() != '\0') {
+          text.set_value((openMark.toStdString() + text.value() + closeMark.toStdString()).c_str());
+        }
+      }
+    }
+    endProgram();
+    std::filesystem::create_directories(supportFolder());
+    catalogue.save_file((supportFolder() / "Tooltip.xml").c_str());
+    beginProgram();
+    library().setCurrFWProfileIndex(0);
+    addMacro(1, "Combo", {{0, 0, 10}, {0, 1, 20}, {120, 3, 5}, {121, 4, 5}, {122, 3, 5}});
+  }
+
+  // The texts of all widgets that were not looked up, with the widgets' names.
+  static std::vector<std::string> notLookedUp() {
+    process();
+    std::set<std::string> found;
+    for (const QWidget* widget : QApplication::allWidgets()) {
+      for (const QString& text : textsOf(*widget)) {
+        if (!strangers(text).isEmpty()) {
+          found.insert(widget->objectName().toStdString() + " (" +
+                       widget->metaObject()->className() + "): " + text.toStdString());
+        }
+      }
+    }
+    return {found.begin(), found.end()};
+  }
+
+ private:
+  static QStringList textsOf(const QWidget& widget) {
+    QStringList texts{widget.toolTip(), widget.accessibleName(), widget.accessibleDescription()};
+    if (widget.isWindow()) {
+      texts.append(widget.windowTitle());
+    }
+    for (const QAction* action : widget.actions()) {
+      texts.append(action->text());
+    }
+    if (const auto* label = qobject_cast<const QLabel*>(&widget)) {
+      static const QRegularExpression tag(QStringLiteral("<[^>]*>"));
+      texts.append(label->text().remove(tag));
+    }
+    if (const auto* button = qobject_cast<const QAbstractButton*>(&widget)) {
+      texts.append(button->text());
+    }
+    if (const auto* field = qobject_cast<const QLineEdit*>(&widget)) {
+      texts.append(field->placeholderText());
+      texts.append(field->text());
+    }
+    if (const auto* items = qobject_cast<const QAbstractItemView*>(&widget)) {
+      for (int row = 0; items->model() != nullptr && row < items->model()->rowCount(); ++row) {
+        for (int column = 0; column < items->model()->columnCount(); ++column) {
+          for (const int role : {Qt::DisplayRole, Qt::ToolTipRole, Qt::AccessibleTextRole}) {
+            texts.append(items->model()->index(row, column).data(role).toString());
+          }
+        }
+      }
+    }
+    return texts;
+  }
+};
+
+}  // namespace
+
+TEST_F(LookedUp, AWordOfItsOwnIsFound) {
+  QLabel label(QStringLiteral("Stray"));
+  label.setObjectName(QStringLiteral("strayLbl"));
+  EXPECT_THAT(notLookedUp(), testing::ElementsAre("strayLbl (QLabel): Stray"));
+  EXPECT_THAT(strangers(openMark + QStringLiteral("a ") + openMark + QStringLiteral("b") +
+                        closeMark + closeMark + QStringLiteral(" 125 Hz c")),
+              testing::ElementsAre(QStringLiteral("c")));
+}
+
+TEST_F(LookedUp, InTheMainWindow) {
+  start();
+  typeName("Game");
+  click("battleModeBtn");
+  click("goRightBtn");
+  EXPECT_THAT(notLookedUp(), IsEmpty());
+  click("goLeftBtn");
+  view().findChild<QAbstractButton*>(QStringLiteral("changesBtn"))->click();
+  EXPECT_THAT(notLookedUp(), IsEmpty());
+}
+
+TEST_F(LookedUp, InItsListsAndItsMenu) {
+  start();
+  click("currProfileBtn");
+  EXPECT_THAT(notLookedUp(), IsEmpty());
+  QApplication::activePopupWidget()->close();
+  view().applicationMenu().popup({0, 0});
+  for (const char* name : {"aboutMenu", "osdMenu", "helpMenu", "webMenu", "quitMenu"}) {
+    const QString text = menuItem(name).text();
+    EXPECT_TRUE(text.contains(openMark)) << name;
+    EXPECT_TRUE(strangers(text).isEmpty()) << text.toStdString();
+  }
+}
+
+TEST_F(LookedUp, InTheFooterOfEachEnd) {
+  start();
+  for (const char* name : {"applyBtn", "reDefBtn", "profileNewBtn", "profileDelBtn"}) {
+    click(name);
+    EXPECT_THAT(notLookedUp(), IsEmpty()) << name;
+  }
+  for (const auto& message : m_shown) {
+    EXPECT_THAT(strangers(QString::fromStdString(message)), IsEmpty()) << message;
+  }
+}
+
+TEST_F(LookedUp, InTheChildWindows) {
+  start();
+  for (const char* name : {"lightOptionBtn", "preformanceBtn", "MacroSettingBtn", "rightBtn"}) {
+    click(name);
+    ASSERT_TRUE(child()) << name;
+    EXPECT_THAT(notLookedUp(), IsEmpty()) << name;
+    child()->close();
+    process();
+  }
+}
+
+TEST_F(LookedUp, InTheAssignmentOfEachKind) {
+  for (const _BTN_INFO& info :
+       {macroButton(1), button(1, {6}), button(2, {0}), button(1, {}, ButtonTypeSensitivity),
+        button(15, {}, ButtonTypeLaunch), button(6, {}, ButtonTypeDisabled)}) {
+    openPanel(3, info);
+    EXPECT_THAT(notLookedUp(), IsEmpty()) << info.btnType;
+  }
+}
+
+TEST_F(LookedUp, InTheListsOfFunctions) {
+  const auto openAll = [&](std::initializer_list<const char*> names) {
+    for (const char* name : names) {
+      // The parts for the other kinds have one of the same name, and are hidden.
+      for (auto* opener : panel().findChildren<LXButton*>(QString::fromLatin1(name))) {
+        if (opener->isVisible()) {
+          clickThroughWindow(*opener);
+          break;
+        }
+      }
+      QWidget* list = QApplication::activePopupWidget();
+      ASSERT_TRUE(list) << name;
+      EXPECT_THAT(notLookedUp(), IsEmpty()) << name;
+      list->close();
+      process();
+    }
+  };
+  openPanel(3, macroButton(1));
+  openAll({"comSelBtn", "tkeySelBtn", "repeatSelBtn"});
+  _BTN_INFO scroll = button(1, {6});
+  scroll.FuncID = 1;
+  scroll.MacroID = 1;
+  openPanel(3, scroll);
+  openAll({"comSelBtn", "selBtn"});
+  _BTN_INFO dpi = button(1, {}, ButtonTypeSensitivity);
+  dpi.FuncID = 1;
+  openPanel(3, dpi);
+  openAll({"comSelBtn", "selBtn"});
+}
+
+TEST_F(LookedUp, InTheMacroEditor) {
+  auto* editor = new MacroView;
+  editor->construct();
+  show(editor);
+  editor->setSelMacroByNode(NerinAction::macroStore->macroNode->children().front());
+  editor->selectComByIndex(1);
+  EXPECT_THAT(notLookedUp(), IsEmpty());
+  control("toolsBtn").click();
+  EXPECT_THAT(notLookedUp(), IsEmpty());
+  if (QWidget* tools = QApplication::activePopupWidget()) {
+    tools->close();
+  }
+  control("recordBtn").click();
+  EXPECT_THAT(notLookedUp(), IsEmpty());
+  control("stopBtn").click();
+}
+
+TEST_F(LookedUp, OnThePanelOfPrograms) {
+  const ProgramPanel panel({{"Chess", "/apps/chess.desktop", {}, true}}, {}, nullptr);
+  EXPECT_THAT(notLookedUp(), IsEmpty());
+}
+
+TEST_F(LookedUp, OnAMessage) {
+  bool wasShown = false;
+  QTimer::singleShot(0, qApp, [&] {
+    wasShown = true;
+    EXPECT_THAT(notLookedUp(), IsEmpty());
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      if (auto* box = qobject_cast<QMessageBox*>(widget)) {
+        box->reject();
+      }
+    }
+  });
+  plainmessage::ask("Combo");
+  EXPECT_TRUE(wasShown);
+}
+
+// The words of the pictures are drawn from the catalogue if the drawing names a key.
+TEST_F(LookedUp, InThePictures) {
+  QFile file(QStringLiteral(NERIN_RESOURCES "/ArtworkWords.json"));
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  const QJsonObject drawings = QJsonDocument::fromJson(file.readAll()).object();
+  int words = 0;
+  for (const auto& screen : drawings.keys()) {
+    const QJsonArray drawn = drawings[screen][u"words"].toArray();
+    for (const auto& each : drawn) {
+      const QJsonObject word = each.toObject();
+      if (word[u"key"].toString().isEmpty()) {
+        EXPECT_THAT(strangers(word[u"text"].toString()), IsEmpty()) << screen.toStdString();
+        ++words;
+      }
+    }
+  }
+  EXPECT_GT(words, 10);
+}
