@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QPalette>
 #include <QProxyStyle>
+#include <QScreen>
 #include <QSessionManager>
 #include <QStyleOption>
 #include <QWindow>
@@ -97,6 +98,7 @@ void AppDelegate::start() {
   m_window->setWindowDelegate(this);
   m_mainView->constructControls();
   m_window->setContentView(m_mainView);
+  m_window->fitInto(m_window->screen()->availableSize().height());
   QObject::connect(m_mainView, &MainView::aboutRequested, m_window.get(),
                    [this] { showAboutPro(); });
   QObject::connect(

@@ -30,6 +30,7 @@ LXPlatform realPlatform(std::shared_ptr<LXDeviceRequester> requester,
   };
   platform.relaunch = relaunch::request;
   platform.programName = installedprograms::nameOf;
+  platform.showBusy = busycursor::show;
   platform.open = desktopservices::open;
   platform.showInfoMessage = plainmessage::show;
   platform.chooseInfoMessage = plainmessage::ask;

@@ -195,7 +195,7 @@ class DesktopSession:
         self.environment = {name: os.environ[name] for name in INHERITED if name in os.environ}
         self.environment.update(HOME=self.home, LANG=self.language, XDG_RUNTIME_DIR=self._runtime,
                                 QT_SCALE_FACTOR=str(self.scale))
-        width, height = (side * self.scale for side in self.size)
+        width, height = (round(side * self.scale) for side in self.size)
         # A pointer in the picture would hide what it points at.
         display = self._startServer(
             lambda end: ["Xvfb", "-displayfd", str(end), "-screen", "0",
@@ -325,7 +325,7 @@ class DesktopSession:
         if not all(place):
             return None
         return Window(int(window), title[1] if title else "",
-                      *(int(side[1]) // self.scale for side in place))
+                      *(round(int(side[1]) / self.scale) for side in place))
 
     def window(self, title, timeout=30, size=None):
         """The id of the window with this title, and with this size if several have the title."""
@@ -362,8 +362,8 @@ class DesktopSession:
     # Hands --------------------------------------------------------------------------------------
 
     def move(self, window, x, y):
-        self._run("xdotool", "mousemove", "--window", str(window), str(x * self.scale),
-                  str(y * self.scale))
+        self._run("xdotool", "mousemove", "--window", str(window), str(round(x * self.scale)),
+                  str(round(y * self.scale)))
 
     def click(self, window, x, y, button=1):
         self.move(window, x, y)
@@ -409,7 +409,7 @@ class DesktopSession:
             raise RuntimeError("the display has pixels of an unknown kind")
         x, y = 0, 0
         if window is not None:
-            x, y, wide, high = (side * self.scale for side in self.geometry(window))
+            x, y, wide, high = (round(side * self.scale) for side in self.geometry(window))
             left, top = max(0, x), max(0, y)
             width, height = min(width, x + wide) - left, min(height, y + high) - top
             x, y = left, top

@@ -135,7 +135,7 @@ class Tour:
         seen = []
         for place in places:
             frame = self.frame(place) if isinstance(place, str) else place
-            x, y, width, height = (side * scale for side in frame)
+            x, y, width, height = (round(side * scale) for side in frame)
             for row in range(y, y + height):
                 start = (row * picture.width + x) * 3
                 seen.append(picture.rgb[start:start + width * 3])
@@ -349,7 +349,7 @@ class Tour:
         wait_until(lambda: self.mouse.activeSlot() == 5, 20, "slot 5 on the mouse")
         self.settle()
         menu = self.opens(lambda: self.click("currProfileBtn"), "the list of profiles")
-        self.session.key("Down")
+        self.session.type("Arena_")
         self.take("profile-list")
         self.closes(menu, lambda: self.session.key("Return"), "the end of the list")
         self.rest()
@@ -437,7 +437,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--build", default="build/release", help="where the programs were built")
     parser.add_argument("--folder", default="build/run", help="where the pictures go")
-    parser.add_argument("--scale", type=int, default=1, help="pixels of the screen for one")
+    parser.add_argument("--scale", type=float, default=1, help="pixels of the screen for one")
     parser.add_argument("--readme", help="copy the pictures of the README into this folder")
     options = parser.parse_args()
     build, folder = os.path.abspath(options.build), os.path.abspath(options.folder)

@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-#include "VirtualMouse/MacroPlayback.h"
+#include "MacroPlayer/MacroPlayback.h"
 
 // The eight bytes that open a USB control transfer.
 struct SetupPacket {

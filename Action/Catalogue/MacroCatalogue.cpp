@@ -49,6 +49,14 @@ NerinAction::MacroStreamEvent streamEventOf(const MacroKeyInfo& event) {
           isRelease, event.delay()};
 }
 
+void appendEvents(std::vector<NerinAction::MacroStreamEvent>& events, const MacroKeyInfo& event) {
+  if (event.keyFlag() == MacroKeyInfo::Function) {
+    appendCombination(events, event);
+  } else {
+    events.push_back(streamEventOf(event));
+  }
+}
+
 std::shared_ptr<MacroKeyInfo> keyInfoOf(const NerinAction::MacroStreamEvent& event) {
   const bool isMouse = event.isMouseButton();
   const std::int32_t press = isMouse ? MacroKeyInfo::MousePress : MacroKeyInfo::KeyPress;
@@ -222,13 +230,15 @@ NerinAction::MacroStream NerinAction::streamOf(const MacroInfo& macro, const _BT
   stream.name = macro.nameStr();
   stream.events.reserve(macro.keyInfoArr().size());
   for (const auto& event : macro.keyInfoArr()) {
-    if (event->keyFlag() == MacroKeyInfo::Function) {
-      appendCombination(stream.events, *event);
-    } else {
-      stream.events.push_back(streamEventOf(*event));
-    }
+    appendEvents(stream.events, *event);
   }
   return stream;
+}
+
+std::vector<NerinAction::MacroStreamEvent> NerinAction::streamEventsOf(const MacroKeyInfo& event) {
+  std::vector<MacroStreamEvent> events;
+  appendEvents(events, event);
+  return events;
 }
 
 MacroInfo::Events NerinAction::eventsOf(const MacroStream& stream) {

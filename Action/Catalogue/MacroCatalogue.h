@@ -65,6 +65,8 @@ void refreshMenuList();
 // The macro as the mouse plays it for that button. Combinations become their keys; the button sets
 // how the macro repeats.
 MacroStream streamOf(const MacroInfo& macro, const _BTN_INFO& btnInfo);
+// One event of it: none for a combination that the catalogue does not have, several for another.
+std::vector<MacroStreamEvent> streamEventsOf(const MacroKeyInfo& event);
 // The events of a macro that was read. Mouse buttons get key code 0: only the event's kind shows
 // that it is a mouse button.
 MacroInfo::Events eventsOf(const MacroStream& stream);

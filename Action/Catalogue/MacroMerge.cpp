@@ -77,9 +77,8 @@ bool takeInOne(const Macro& theirs, const macromerge::KnownMacro* known) {
 // of them was deleted.
 bool isMadeAnew(const Macros& theirs, const macromerge::KnownMacros& known) {
   return known.size() > 1 && std::none_of(known.begin(), known.end(), [&](const auto& one) {
-           return std::any_of(theirs.begin(), theirs.end(), [&](const Macro& macro) {
-             return macro->macroId() == one.macro->macroId();
-           });
+           return std::any_of(theirs.begin(), theirs.end(),
+                              [&](const Macro& macro) { return macro->macroId() == one.id; });
          });
 }
 
@@ -90,7 +89,7 @@ void macromerge::remember() {
   knownMacros().reserve(catalogue().size());
   for (const Macro& macro : catalogue()) {
     if (!macro->isNoDisplay()) {
-      knownMacros().push_back({macro, NerinAction::elementText(*macro)});
+      knownMacros().push_back({macro, macro->macroId(), NerinAction::elementText(*macro)});
     }
   }
 }
@@ -109,7 +108,7 @@ bool macromerge::takeIn(const pugi::xml_node& section) {
   }
   for (const Macro& macro : theirs) {
     const auto found = std::find_if(gone.begin(), gone.end(), [&](const KnownMacro* one) {
-      return one->macro->macroId() == macro->macroId();
+      return one->id == macro->macroId();
     });
     isChanged = takeInOne(macro, found != gone.end() ? *found : nullptr) || isChanged;
     if (found != gone.end()) {

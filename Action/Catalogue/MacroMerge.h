@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,6 +18,8 @@ namespace macromerge {
 // A macro as this program last saw it in the file.
 struct KnownMacro {
   std::shared_ptr<MacroInfo> macro;
+  // The macro itself may have another one meanwhile.
+  std::int32_t id = 0;
   std::string text;
 };
 using KnownMacros = std::vector<KnownMacro>;

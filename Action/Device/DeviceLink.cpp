@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <memory>
 
+#include "Kit/Core/BusyScope.h"
 #include "Kit/Core/LXPlatform.h"
 
 using namespace std::chrono_literals;
@@ -38,6 +40,7 @@ struct Hold {
   std::chrono::steady_clock::time_point refusedUntil{};
   LXDeviceRequester::Claim claim;
   std::error_code error;
+  std::unique_ptr<BusyScope> busy;
 };
 ProcessWide<Hold> hold;
 
@@ -106,6 +109,7 @@ NerinAction::MouseHold::MouseHold() {
   if (hold->depth++ == 0 && *sysDeviceReq) {
     const LXPlatform& platform = LXPlatform::current();
     const bool hasWaited = platform.now() < hold->refusedUntil;
+    hold->busy = std::make_unique<BusyScope>();
     hold->claim = (*sysDeviceReq)->claim(hasWaited ? 0ms : platform.mouseWait, hold->error);
     if (hold->error && !hasWaited) {
       hold->refusedUntil = platform.now() + deedLimit;
@@ -116,6 +120,7 @@ NerinAction::MouseHold::MouseHold() {
 NerinAction::MouseHold::~MouseHold() {
   if (--hold->depth == 0) {
     hold->claim.reset();
+    hold->busy.reset();
     hold->error.clear();
   }
 }

@@ -98,6 +98,10 @@ void NerinAction::noteTrial() {
   current->isMouseAsHeld = false;
 }
 
+bool NerinAction::isMouseAsHeld() {
+  return current->isMouseAsHeld;
+}
+
 void NerinAction::recordReset() {
   current->history.note(currentContent());
 }

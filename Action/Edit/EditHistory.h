@@ -53,6 +53,8 @@ void recordEdit();
 // The mouse has the settings that an open window tries, and not what the slot holds: an undo back
 // to that is still to be applied.
 void noteTrial();
+// False after a trial, and after an Apply that the mouse did not take wholly.
+bool isMouseAsHeld();
 
 // The edit is another profile. Unlike recordEdit, it does not ask who has changed it.
 void recordReset();

@@ -80,6 +80,7 @@ constexpr std::uint32_t usageRightArrow = 0x4F;
 constexpr std::uint32_t usageLeftArrow = 0x50;
 
 constexpr std::uint8_t endless = 255;
+constexpr std::uint32_t largestCount = 254;
 
 void setSpecial(_BTN_INFO& button, std::uint32_t key, std::uint32_t functionId) {
   button.FuncID = functionId;
@@ -203,6 +204,10 @@ void NerinAction::setFunIDAndBtnType(_BTN_INFO* btnInfo, const FunctionIdOf& fun
   }
 }
 
+std::uint32_t NerinAction::storableRepeatCount(std::uint32_t count) {
+  return std::clamp(count, std::uint32_t{1}, largestCount);
+}
+
 void NerinAction::getMacroRepeatType(std::uint8_t& type, std::uint8_t& count,
                                      const _BTN_INFO& btnInfo) {
   const std::uint32_t times = btnInfo.KeyBit[1];
@@ -213,8 +218,9 @@ void NerinAction::getMacroRepeatType(std::uint8_t& type, std::uint8_t& count,
       break;
     case 2:
       type = 4;
-      // The mouse counts the repetitions, without the first run.
-      count = static_cast<std::uint8_t>(times >= 1 && times < endless ? times - 1 : times);
+      // The mouse counts the repetitions, without the first run. 0 and 255 are counts of its own.
+      count = static_cast<std::uint8_t>(
+          times == 0 || times == endless ? times : storableRepeatCount(times) - 1);
       break;
     case 3:
       type = 7;

@@ -46,7 +46,10 @@ using FunctionIdOf = std::function<std::optional<std::uint32_t>(const _BTN_INFO&
 // record's form, in place.
 void setFunIDAndBtnType(_BTN_INFO* btnInfo, const FunctionIdOf& functionIdOf);
 
-// How the mouse repeats a macro button. An unknown mode leaves `type` unchanged.
+// The nearest number of runs that the mouse can count: 1..254.
+std::uint32_t storableRepeatCount(std::uint32_t count);
+// How the mouse repeats a macro button. A count past a byte becomes the nearest that it can store.
+// An unknown mode leaves `type` unchanged.
 void getMacroRepeatType(std::uint8_t& type, std::uint8_t& count, const _BTN_INFO& btnInfo);
 // Device repeat type and count -> repeat mode of the record (1 once, 2 counted, 3 while pressed, 4
 // until stopped). Any other type is returned unchanged.

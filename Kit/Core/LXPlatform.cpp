@@ -51,6 +51,9 @@ LXPlatform withHarmlessDefaults(LXPlatform platform) {
       return std::filesystem::path(path).stem().string();
     };
   }
+  if (!platform.showBusy) {
+    platform.showBusy = [](bool) {};
+  }
   if (!platform.open) {
     platform.open = [](const std::string&) { return false; };
   }

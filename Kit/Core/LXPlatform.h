@@ -43,6 +43,9 @@ struct LXPlatform {
   std::function<std::filesystem::path()> documentsFolder;
   // The name of a program by its path, as the desktop's menus show it.
   std::function<std::string(const std::string&)> programName;
+  // Says that the program stands still from now on, because it works with the mouse or its files,
+  // and that it answers again. Calls may be nested; each true is followed by a false.
+  std::function<void(bool)> showBusy;
   // Opens a file or a web address with its default application.
   std::function<bool(const std::string&)> open;
   // Shows a text and waits until the user has read it.

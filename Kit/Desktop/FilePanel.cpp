@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "Kit/Core/ProcessWide.h"
+#include "Kit/Desktop/HeldKeys.h"
 
 namespace {
 
@@ -65,6 +66,7 @@ filepanel::Answer run(Panel& dialog, const filepanel::Request& request) {
   if (!patterns.isEmpty()) {
     dialog.setNameFilters({patterns.join(u' ')});
   }
+  heldkeys::dropIn(dialog);
   dialog.setDirectory(QString::fromStdString(request.folder.string()));
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
     return std::nullopt;

@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QAction>
 #include <QApplication>
 
 #include "Kit/Widgets/LXButton.h"
@@ -16,6 +17,11 @@ namespace {
 bool isBlocked(const QWidget& widget) {
   const QWidget* modal = QApplication::activeModalWidget();
   return modal != nullptr && modal != widget.window();
+}
+
+// Without the keys that a menu shows after a tab.
+QString nameOf(const QAction& action) {
+  return action.text().section(u'\t', 0, 0);
 }
 
 class AccessibleButton final : public QAccessibleWidget {
@@ -62,6 +68,9 @@ class AccessibleButton final : public QAccessibleWidget {
 
   QStringList actionNames() const override {
     QStringList names{m_button.isCheckable() ? toggleAction() : pressAction()};
+    for (const QAction* action : m_button.actions()) {
+      names.append(nameOf(*action));
+    }
     return names + QAccessibleWidget::actionNames();
   }
 
@@ -78,10 +87,27 @@ class AccessibleButton final : public QAccessibleWidget {
           Qt::QueuedConnection);
       return;
     }
+    for (QAction* action : m_button.actions()) {
+      if (actionName == nameOf(*action)) {
+        trigger(*action);
+        return;
+      }
+    }
     QAccessibleWidget::doAction(actionName);
   }
 
  private:
+  void trigger(QAction& action) {
+    QMetaObject::invokeMethod(
+        &action,
+        [button = &m_button, act = &action] {
+          if (!isBlocked(*button)) {
+            act->trigger();
+          }
+        },
+        Qt::QueuedConnection);
+  }
+
   QWidget* openList() const {
     QWidget* list = m_button.openedList();
     return list != nullptr && list->isVisible() ? list : nullptr;

@@ -250,16 +250,25 @@ void LXButton::keyPressEvent(QKeyEvent* event) {
   QAbstractButton::keyPressEvent(event);
 }
 
+void LXButton::showFocusRing(bool isShown) {
+  if (m_showsFocus != isShown) {
+    m_showsFocus = isShown;
+    if (m_delegate != nullptr) {
+      m_delegate->onFocusShown(*this, isShown);
+    }
+  }
+}
+
 void LXButton::focusInEvent(QFocusEvent* event) {
   // A reactivated window shows its focus as before, and so does the opener of a closed list.
   if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason) {
     m_isFocusFromPointer = !isFromKeyboard(event->reason());
   }
-  m_showsFocus = !m_isFocusFromPointer;
+  showFocusRing(!m_isFocusFromPointer);
   QAbstractButton::focusInEvent(event);
 }
 
 void LXButton::focusOutEvent(QFocusEvent* event) {
-  m_showsFocus = false;
+  showFocusRing(false);
   QAbstractButton::focusOutEvent(event);
 }

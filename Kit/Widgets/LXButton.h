@@ -32,10 +32,12 @@ class LXButtonDelegate {
 
   virtual ~LXButtonDelegate() = default;
   virtual void onMouseEvent(LXButton& button, QEvent& event, int type) = 0;
+  // The button shows that it has the keyboard, or no longer does.
+  virtual void onFocusShown(LXButton& /*button*/, bool /*isShown*/) {}
 };
 
 // A button, check box or step item that shows one picture per state and a caption over it. Space
-// and Return press it.
+// and Return press it. Screen readers find the actions of the widget beside the press.
 class LXButton : public QAbstractButton {
   Q_OBJECT
 
@@ -103,6 +105,8 @@ class LXButton : public QAbstractButton {
   QWidget* openedList() const { return m_openedList; }
   // Gives the button the focus and shows it, even in a window that is not active yet.
   void showFocus();
+  // Whether it has the focus and shows it.
+  bool showsFocus() const { return m_showsFocus; }
   // Whether the pointer gave it the focus.
   bool isFocusFromPointer() const { return m_isFocusFromPointer; }
   // Corner radius of the focus ring.
@@ -124,6 +128,7 @@ class LXButton : public QAbstractButton {
 
  private:
   bool isSelected() const;
+  void showFocusRing(bool isShown);
   // Where the caption is drawn.
   QRect captionRoom() const { return rect().adjusted(m_leftPad, 0, -m_rightPad, 0); }
   void report(QMouseEvent& event, bool isDown);

@@ -1,24 +1,62 @@
 #include "Kit/Widgets/LXImage.h"
 
+#include <QGuiApplication>
 #include <QPainter>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 #include <vector>
 
 namespace {
 
-// The rectangle in device pixels, of which a high-resolution picture has twice as many each way.
-QRectF inPixels(const QPixmap& pixmap, const QRect& rect) {
-  const qreal ratio = pixmap.devicePixelRatio();
-  return {rect.x() * ratio, rect.y() * ratio, rect.width() * ratio, rect.height() * ratio};
-}
+// Of a scaled length, for what is left of a fraction after multiplying.
+constexpr qreal roundingError = 1e-6;
 
-QSize sizeOf(const QPixmap& pixmap) {
-  return pixmap.deviceIndependentSize().toSize();
+// The pixels that the rectangle touches. Parts of one picture share the pixels at a common edge
+// that lies between two of them.
+QRect inPixels(const QPixmap& pixmap, const QRect& rect) {
+  const qreal ratio = pixmap.devicePixelRatio();
+  const auto first = [ratio](int edge) {
+    return static_cast<int>(std::floor(edge * ratio + roundingError));
+  };
+  const auto last = [ratio](int edge) {
+    return static_cast<int>(std::ceil(edge * ratio - roundingError)) - 1;
+  };
+  return {QPoint(first(rect.x()), first(rect.y())),
+          QPoint(last(rect.x() + rect.width()), last(rect.y() + rect.height()))};
 }
 
 QPixmap partOf(const QPixmap& whole, const QRect& rect) {
-  return whole.copy(inPixels(whole, rect).toRect());
+  return whole.copy(inPixels(whole, rect));
+}
+
+qreal finestRatio() {
+  return qGuiApp != nullptr ? qGuiApp->devicePixelRatio() : 1;
+}
+
+// Device pixels to a device-independent one where the painter draws now.
+qreal ratioOf(const QPainter& painter) {
+  const qreal ratio = painter.deviceTransform().m11();
+  return ratio > 0 ? ratio : painter.device()->devicePixelRatioF();
+}
+
+// Draws some pixels of a picture so that each becomes one pixel of the screen. `rect` is their
+// place in the picture; `position` is where its corner belongs. At a fractional scale both may lie
+// between two pixels of the screen.
+void drawPixels(QPainter& painter, const QPointF& position, const QRect& rect,
+                const QPixmap& pixmap, const QRect& pixels) {
+  const qreal ratio = pixmap.devicePixelRatio();
+  const QTransform& toScreen = painter.deviceTransform();
+  if (!qFuzzyCompare(toScreen.m11(), ratio) || !toScreen.isInvertible()) {
+    painter.drawPixmap(QRectF(position, rect.size()), pixmap, pixels);
+    return;
+  }
+  const QPointF inside(rect.x() * ratio - std::floor(rect.x() * ratio + roundingError),
+                       rect.y() * ratio - std::floor(rect.y() * ratio + roundingError));
+  const QPoint corner = (toScreen.map(position) - inside).toPoint();
+  painter.drawPixmap(
+      QRectF(toScreen.inverted().map(QPointF(corner)), QSizeF(pixels.size()) / ratio), pixmap,
+      pixels);
 }
 
 }  // namespace
@@ -34,14 +72,30 @@ struct LXImage::Source {
   Loader load;
   QPixmap whole;
   QSize size;
+  qreal ratio = 0;  // of the screen that the pixmaps are for; 0 for one that is given as it is
   std::vector<Part> parts;
   bool isLoaded = false;
 
+  // Forgets what was loaded for a screen of another scale.
+  void useRatio(qreal newRatio) {
+    if (!load || qFuzzyCompare(ratio, newRatio)) {
+      return;
+    }
+    ratio = newRatio;
+    if (isLoaded) {
+      whole = QPixmap();
+      isLoaded = false;
+      for (Part& part : parts) {
+        part.pixmap = QPixmap();
+      }
+    }
+  }
+
   QPixmap bring() {
-    QPixmap pixmap = load ? load() : QPixmap();
+    Loaded loaded = load ? load(ratio) : Loaded();
     isLoaded = true;
-    size = sizeOf(pixmap);
-    return pixmap;
+    size = loaded.size;
+    return std::move(loaded.pixmap);
   }
 
   const QPixmap& getWhole() {
@@ -87,7 +141,7 @@ LXImage::LXImage(const QPixmap& pixmap)
     : m_source(pixmap.isNull() ? nullptr : std::make_shared<Source>()) {
   if (m_source) {
     m_source->whole = pixmap;
-    m_source->size = sizeOf(pixmap);
+    m_source->size = pixmap.deviceIndependentSize().toSize();
     m_source->isLoaded = true;
   }
 }
@@ -104,6 +158,7 @@ QSize LXImage::size() const {
     return m_rect.size();
   }
   if (!m_source->isLoaded) {
+    m_source->useRatio(finestRatio());
     m_source->getWhole();
   }
   return m_source->size;
@@ -127,10 +182,11 @@ void LXImage::expect() const {
   }
 }
 
-QPixmap LXImage::pixmap() const {
+QPixmap LXImage::pixmap(qreal ratio) const {
   if (isNull()) {
     return {};
   }
+  m_source->useRatio(ratio > 0 ? ratio : finestRatio());
   return m_rect.isNull() ? m_source->getWhole() : m_source->getPart(m_rect);
 }
 
@@ -138,20 +194,24 @@ void LXImage::draw(QPainter& painter, const QPoint& position) const {
   if (isNull()) {
     return;
   }
+  m_source->useRatio(ratioOf(painter));
   if (m_rect.isNull() || !m_source->whole.isNull()) {
     const QPixmap& whole = m_source->getWhole();
     const QRect rect = m_rect.isNull() ? QRect(QPoint(), m_source->size) : m_rect;
-    painter.drawPixmap(QRectF(position, rect.size()), whole, inPixels(whole, rect));
+    drawPixels(painter, position, rect, whole,
+               m_rect.isNull() ? whole.rect() : inPixels(whole, rect));
     return;
   }
-  painter.drawPixmap(position, m_source->getPart(m_rect));
+  const QPixmap part = m_source->getPart(m_rect);
+  drawPixels(painter, position, m_rect, part, part.rect());
 }
 
 void LXImage::drawPart(QPainter& painter, const QRect& rect) const {
   if (isNull()) {
     return;
   }
+  m_source->useRatio(ratioOf(painter));
   const QRect part = m_rect.isNull() ? rect : rect.translated(m_rect.topLeft());
   const QPixmap& whole = m_source->getWhole();
-  painter.drawPixmap(QRectF(rect), whole, inPixels(whole, part));
+  drawPixels(painter, rect.topLeft(), part, whole, inPixels(whole, part));
 }

@@ -10,9 +10,18 @@ class QPainter;
 // A picture, or a rectangle of one, that is loaded when it is first drawn, because many states are
 // never seen. Copies and slices share the loaded picture. If only its slices are drawn, only these
 // are kept. Coordinates and sizes are device-independent pixels.
+//
+// A picture is loaded for the scale of the screen that it is drawn on and is drawn pixel by pixel,
+// so that its words stay sharp at 125 % too. A window that moves to another screen brings it again.
 class LXImage {
  public:
-  using Loader = std::function<QPixmap()>;
+  // Its last column and row may be partly covered: at 125 %, a picture of 5 pixels takes 6.25.
+  struct Loaded {
+    QPixmap pixmap;
+    QSize size;
+  };
+  // Gets the number of device pixels to a device-independent one, which the pixmap should have.
+  using Loader = std::function<Loaded(qreal ratio)>;
 
   // No picture.
   LXImage() = default;
@@ -30,8 +39,8 @@ class LXImage {
   LXImage slice(const QRect& rect, bool isExpected = true) const;
   // Marks the slice as one that will be drawn after all.
   void expect() const;
-  // The picture as a pixmap.
-  QPixmap pixmap() const;
+  // The picture as a pixmap for a screen of that scale; 0 stands for the finest screen.
+  QPixmap pixmap(qreal ratio = 0) const;
   void draw(QPainter& painter, const QPoint& position) const;
   // Draws the rectangle of this picture at its own position and keeps the whole picture, because
   // other rectangles of it will be drawn soon.

@@ -32,8 +32,12 @@ void LXImageView::paintEvent(QPaintEvent* /*event*/) {
 
 void LXImageBgView::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
+  if (image().size() == size()) {
+    image().draw(painter, {});
+    return;
+  }
   painter.setRenderHint(QPainter::SmoothPixmapTransform);
-  painter.drawPixmap(rect(), image().pixmap());
+  painter.drawPixmap(rect(), image().pixmap(devicePixelRatioF()));
 }
 
 LXColorView::LXColorView(QWidget* parent) : QWidget(parent) {}

@@ -280,6 +280,10 @@ void LXMenulist::keyPressEvent(QKeyEvent* event) {
       if (isSpaceTyped) {
         break;
       }
+      // The key that opened the list may still be held.
+      if (event->isAutoRepeat()) {
+        return;
+      }
       if (m_returnKeeps && currentRow() != noRow && currentRow() == m_rowAtStart) {
         hideMenulist();
       } else {
@@ -287,6 +291,9 @@ void LXMenulist::keyPressEvent(QKeyEvent* event) {
       }
       return;
     case Qt::Key_Escape:
+      if (event->isAutoRepeat()) {
+        return;
+      }
       if (m_filter.isEmpty()) {
         hideMenulist();
       } else {

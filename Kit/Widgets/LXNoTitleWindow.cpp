@@ -7,7 +7,10 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QScrollBar>
 #include <QWindow>
+
+#include "Kit/Widgets/BGHUDScrollView.h"
 
 namespace {
 
@@ -58,6 +61,25 @@ void LXNoTitleWindow::setContentView(QWidget* view) {
   view->show();
 }
 
+void LXNoTitleWindow::fitInto(int height) {
+  if (m_content == nullptr || this->height() <= height) {
+    return;
+  }
+  auto* scroll = new BGHUDScrollView(this);
+  scroll->setFocusPolicy(Qt::NoFocus);
+  scroll->setWidget(m_content);
+  setFixedSize(m_content->width() + scroll->verticalScrollBar()->sizeHint().width(), height);
+  scroll->setGeometry(rect());
+  scroll->show();
+  m_shade->setGeometry(rect());
+  // What has the keyboard is never out of sight.
+  connect(qApp, &QApplication::focusChanged, scroll, [scroll](QWidget* /*old*/, QWidget* now) {
+    if (now != nullptr && scroll->isAncestorOf(now)) {
+      scroll->ensureWidgetVisible(now);
+    }
+  });
+}
+
 bool LXNoTitleWindow::isInDragStrip(const QPoint& position) const {
   return m_isCanDrag && rect().contains(position) && position.y() < m_dragHeight;
 }
@@ -92,7 +114,10 @@ void LXNoTitleWindow::mousePressEvent(QMouseEvent* event) {
 
 void LXNoTitleWindow::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape && m_closesOnEscape) {
-    close();
+    // An Esc that is held has closed something inside this window.
+    if (!event->isAutoRepeat()) {
+      close();
+    }
     return;
   }
   QWidget::keyPressEvent(event);

@@ -31,6 +31,9 @@ class LXNoTitleWindow : public QWidget {
   void setWindowDelegate(LXWindowDelegate* delegate) { m_delegate = delegate; }
   // Whether Esc closes the window.
   void setClosesOnEscape(bool closes) { m_closesOnEscape = closes; }
+  // Makes the window no higher than that many pixels; a content that is higher scrolls. Call it
+  // once, after the content is set.
+  void fitInto(int height);
   // Centers the window over another one, or on the screen without one.
   void center(const QWidget* over = nullptr);
 

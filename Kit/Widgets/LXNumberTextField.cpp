@@ -29,12 +29,17 @@ int LXNumberTextField::value() const {
   if (!isNumber) {
     // Digits beyond 64 bits are still a number, and one that is too large.
     const bool isHuge = digits.size() > 1 && !digits.startsWith(u'-');
-    return isHuge ? m_maximum : m_minimum;
+    return isHuge ? m_maximum : m_keepsNumber ? limited(m_number) : m_minimum;
   }
+  return limited(number);
+}
+
+int LXNumberTextField::limited(qlonglong number) const {
   return static_cast<int>(std::clamp<qlonglong>(number, m_minimum, std::max(m_minimum, m_maximum)));
 }
 
 void LXNumberTextField::setValue(int value) {
+  m_number = value;
   setText(QString::number(value));
 }
 

@@ -19,10 +19,13 @@ class LXNumberTextField : public LXTextField {
   void setHasNegative(bool hasNegative);
   // How much the Up and Down keys add or subtract; 0 for nothing.
   void setStep(int step) { m_step = step; }
+  // A text without a number goes back to the number before it, instead of to the minimum.
+  void setKeepsNumber(bool keepsNumber) { m_keepsNumber = keepsNumber; }
   // Clamps the displayed number to its limits.
   void resetFormat();
 
-  // The number in the text, within the limits; the minimum if there is no number.
+  // The number in the text, within the limits. Without a number in it: the minimum, or the number
+  // that was set last.
   int value() const;
   // Does not call the action.
   void setValue(int value);
@@ -32,7 +35,11 @@ class LXNumberTextField : public LXTextField {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
+  int limited(qlonglong number) const;
+
   int m_step = 0;
+  bool m_keepsNumber = false;
+  int m_number = 0;
   int m_maximum = 0;
   int m_minimum = 0;
 };

@@ -1,5 +1,6 @@
 #include "Kit/Widgets/LXProgressBar.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
@@ -109,7 +110,9 @@ void LXProgressBar::paintEvent(QPaintEvent* /*event*/) {
 void LXProgressBar::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton) {
     setSliderDown(true);
+    const int before = value();
     moveTo(event->position().toPoint());
+    tellIfStill(before);
   }
   event->accept();
 }
@@ -122,6 +125,20 @@ void LXProgressBar::mouseMoveEvent(QMouseEvent* event) {
 
 void LXProgressBar::mouseReleaseEvent(QMouseEvent* /*event*/) {
   setSliderDown(false);
+}
+
+void LXProgressBar::keyPressEvent(QKeyEvent* event) {
+  const int before = value();
+  QAbstractSlider::keyPressEvent(event);
+  if (event->isAccepted()) {
+    tellIfStill(before);
+  }
+}
+
+void LXProgressBar::tellIfStill(int before) {
+  if (m_tellsEveryChoice && value() == before && m_action) {
+    m_action(*this);
+  }
 }
 
 void LXProgressBar::enterEvent(QEnterEvent* event) {

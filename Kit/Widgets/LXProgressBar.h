@@ -23,6 +23,9 @@ class LXProgressBar : public QAbstractSlider {
   void setMaxValue(int maximum);
   void setMinValue(int minimum);
   void setValue(int value);
+  // The user's choice is told even if the slider stands there already: for values that other
+  // controls change, too.
+  void setTellsEveryChoice(bool tellsEveryChoice) { m_tellsEveryChoice = tellsEveryChoice; }
   void setTag(int tag) { m_tag = tag; }
   int tag() const { return m_tag; }
   // 1, a bar with a knob, is the only style.
@@ -38,6 +41,7 @@ class LXProgressBar : public QAbstractSlider {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
   void sliderChange(SliderChange change) override;
   void enterEvent(QEnterEvent* event) override;
   void leaveEvent(QEvent* event) override;
@@ -46,6 +50,8 @@ class LXProgressBar : public QAbstractSlider {
   QSize knobSize() const;
   int travel() const;
   void moveTo(const QPoint& point);
+  // After a choice of the user that may have changed nothing.
+  void tellIfStill(int before);
 
   LXImage m_background;
   LXImage m_over;
@@ -53,6 +59,7 @@ class LXProgressBar : public QAbstractSlider {
   Action m_action;
   int m_tag = 0;
   int m_barStyle = 1;
+  bool m_tellsEveryChoice = false;
   bool m_isPointerIn = false;
   bool m_isSetByProgram = false;
 };

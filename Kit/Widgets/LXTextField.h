@@ -28,6 +28,8 @@ class LXTextField : public QLineEdit {
   void setText(const QString& text);
   // Commits what was typed since the last commit, if anything.
   void commit();
+  // Whether the user has typed something that is not committed yet.
+  bool isTypedIn() const { return hasFocus() && text() != m_settled; }
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;

@@ -197,6 +197,19 @@ class AssignedFunction(Roads):
 
         self.go("leftBtn2", 10, "Mouse or Key Function", press, "02000e0000", "Key K")
 
+    def testAKeyOfTheDesktop(self):
+        """Alt+F4 closes a window, unless the capture owns the keyboard."""
+        def press(panel):
+            panel.click("keybordChk", KEY_PANEL)
+            self.desktop.move(panel.id, *middle(panel.frame("oldKeyEdt", KEY_PANEL)))
+            waiting = panel.picture("newKeyEdt", KEY_PANEL)
+            self.desktop.strike("+Alt_L", 0.1, "+F4", 0.1, "-F4", 0.1, "-Alt_L")
+            wait_until(lambda: panel.picture("newKeyEdt", KEY_PANEL) != waiting, 30,
+                       "the key's name")
+            self.child("Key assignment", "KeyAssignView")
+
+        self.go("leftBtn2", 10, "Mouse or Key Function", press, "02003d0000", "Key F4")
+
     def testDpiFunction(self):
         def slide(panel):
             self.choose(panel, "selBtn", DPI_FUNCTIONS, "Set DPI", DPI_PANEL)

@@ -8,7 +8,7 @@ import tempfile
 import unittest
 
 TREE = os.path.abspath(sys.argv.pop(1))
-LAYERS = ("Action", "App", "CommandLine", "Kit", "View", "VirtualMouse")
+LAYERS = ("Action", "App", "CommandLine", "Kit", "MacroPlayer", "View", "VirtualMouse")
 
 
 class CheckIncludes(unittest.TestCase):
@@ -41,6 +41,12 @@ class CheckIncludes(unittest.TestCase):
     def testALayerMayNotIncludeFromAbove(self):
         self.assertRefused("Action/Edit/SlotOperations.cpp", '#include "View/Main/MainView.h"',
                            "Action may include only")
+
+    def testTheCodecAndThePlayerDoNotKnowEachOther(self):
+        self.assertRefused("Action/Wire/MacroImage.cpp", '#include "MacroPlayer/MacroPlayback.h"',
+                           "Action may include only")
+        self.assertRefused("MacroPlayer/MacroPlayback.cpp", '#include "Action/Wire/KeyCodes.h"',
+                           "MacroPlayer may include only")
 
     def testAFolderOfActionMayNotIncludeFromAbove(self):
         self.assertRefused("Action/Wire/KeyCodes.cpp",

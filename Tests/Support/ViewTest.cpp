@@ -14,6 +14,7 @@
 #include "View/Windows/ProgramPanel.h"
 #include "View/Windows/StatusLine.h"
 #include "View/Windows/Termination.h"
+#include "View/Windows/TransferProgress.h"
 
 ViewTest::ViewTest() {
   // Without this, an earlier quit() would end every loop of this test.
@@ -29,6 +30,7 @@ void ViewTest::installSeams() {
     m_shown.push_back(text);
     return m_answer;
   };
+  platform.showBusy = busycursor::show;
   platform.documentsFolder = [this] { return home() / "Documents"; };
   platform.open = [this](const std::string& address) {
     m_opened.push_back(address);

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "Action/Catalogue/AssignmentNotes.h"
 #include "Action/Record/Records.h"
 #include "View/Screen/TavImageView.h"
+
+class LXTextField;
 
 // The part of the key assignment for one kind of assignment. Has its own copy of the assignment:
 // fillSettingData shows the copy, saveData writes the user's choice to it. Fields that the kind
@@ -19,11 +22,18 @@ class KeyAssignSubView : public TavImageView {
   int btnIndex() const { return m_btnIndex; }
   // Hides the pop-up lists.
   virtual void closePopMenu() {}
+  // What there is to say about the assignment as it is chosen now.
+  virtual assignmentnotes::Note note() const { return assignmentnotes::Note::None; }
 
  protected:
   _BTN_INFO& editedBtnInfo() { return m_tmpBtnInfo; }
+  // Adds the line that shows the note.
+  void addNoteLine(const QRect& frame);
+  // Call after every choice. A screen reader says a note that is new.
+  void showNote();
 
  private:
   _BTN_INFO m_tmpBtnInfo{};
   int m_btnIndex = 0;
+  LXTextField* m_noteTxt = nullptr;
 };

@@ -137,19 +137,30 @@ void KeyAssignView::saveData() {
       m_tmpBtnInfo.FuncTableId = NerinAction::FunctionDisabled;
       m_tmpBtnInfo.btnType = ButtonTypeDisabled;
       return;
-    case Macro:
-    case SingleKey:
-    case Sensitivity:
-    case Launch: {
-      KeyAssignSubView& view = *m_subViews[static_cast<std::size_t>(m_currFunId - Macro)];
-      view.saveData();
-      m_tmpBtnInfo = view.tmpBtnInfo();
-      m_tmpBtnInfo.btnType = static_cast<std::uint32_t>(m_currFunId);
-      return;
-    }
     default:
-      return;
+      break;
   }
+  if (KeyAssignSubView* view = currentPart()) {
+    view->saveData();
+    m_tmpBtnInfo = view->tmpBtnInfo();
+    m_tmpBtnInfo.btnType = static_cast<std::uint32_t>(m_currFunId);
+  }
+}
+
+KeyAssignSubView* KeyAssignView::currentPart() const {
+  const bool hasPart = m_currFunId >= Macro && m_currFunId <= Launch;
+  return hasPart ? m_subViews[static_cast<std::size_t>(m_currFunId - Macro)] : nullptr;
+}
+
+void KeyAssignView::sayEffect() {
+  const KeyAssignSubView* part = currentPart();
+  const std::string effect = part != nullptr ? assignmentnotes::effectOf(part->note()) : "";
+  if (!effect.empty()) {
+    statusline::say(NerinAction::tooltipText(effect));
+  } else if (m_hasSaidEffect) {
+    statusline::clear();
+  }
+  m_hasSaidEffect = !effect.empty();
 }
 
 void KeyAssignView::buttonAction(LXButton& sender) {
@@ -168,12 +179,16 @@ void KeyAssignView::applyEdit() {
     m_singleKeyView->showCurrentCaption();
   }
   statusline::tell(outcome);
+  if (outcome.isDone()) {
+    sayEffect();
+  }
 }
 
 // Sends nothing: the mouse gets the whole profile when the user applies it.
 void KeyAssignView::keepEdit() {
   saveData();
   editState->edit().btnInfo[m_btnIndex] = m_tmpBtnInfo;
+  sayEffect();
 }
 
 void KeyAssignView::restoreBtnInfo() {
@@ -190,7 +205,7 @@ void KeyAssignView::cancelEdit() {
 
 // A click between the controls ends the capture of a key.
 void KeyAssignView::mousePressEvent(QMouseEvent* event) {
-  m_singleKeyView->clearFocus();
+  m_singleKeyView->leave();
   ChildView::mousePressEvent(event);
 }
 

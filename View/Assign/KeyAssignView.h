@@ -70,11 +70,16 @@ class KeyAssignView : public ChildView, public LXMenulistDelegate, public LXSetp
 
  private:
   void restoreBtnInfo();
+  // Says what an assignment that lacks something will do.
+  void sayEffect();
+  // The part for the chosen kind; null for a kind without one.
+  KeyAssignSubView* currentPart() const;
 
   int m_btnIndex = 0;
   _BTN_INFO m_tmpBtnInfo{};
   std::int32_t m_currFunId = NoType;
   bool m_isMouseGone = false;
+  bool m_hasSaidEffect = false;
   LXButton* m_comSelBtn = nullptr;
   LXTextField* m_buttonTxt = nullptr;
   LXSetpPanelObj* m_keyAssignSetp = nullptr;

@@ -34,21 +34,26 @@ void SubLaunchProgramView::initControls() {
   m_pathTxt->setObjectName(QStringLiteral("pathTxt"));
   m_pathTxt->setAccessibleName(NerinAction::tooltipText("Program"));
   m_pathTxt->setTextMargins(textMargin, 0, textMargin, 0);
+  addNoteLine(frameRect(frames::noteTxt));
 }
 
-void SubLaunchProgramView::showPath(const QString& path) {
-  m_pathTxt->setText(path);
-  m_pathTxt->setToolTip(plainTip(path));
-  // Shows the end of a long path, which has the program's name.
-  m_pathTxt->setCursorPosition(static_cast<int>(path.size()));
+void SubLaunchProgramView::showProgram(const std::string& path) {
+  m_shownPath = path;
+  m_pathTxt->setText(programpanel::shownName(path));
+  m_pathTxt->setCursorPosition(0);
+  m_pathTxt->setToolTip(plainTip(QString::fromStdString(path)));
+  showNote();
+}
+
+assignmentnotes::Note SubLaunchProgramView::note() const {
+  return assignmentnotes::ofProgram(m_shownPath);
 }
 
 // Shows the current program, which does not count as a choice.
 void SubLaunchProgramView::fillSettingData() {
   m_currLaunchPath.clear();
   const bool launches = tmpBtnInfo().FuncTableId == NerinAction::FunctionLaunch;
-  const std::string_view path = launches ? textOf(tmpBtnInfo().app_path) : std::string_view();
-  showPath(QString::fromUtf8(path.data(), static_cast<qsizetype>(path.size())));
+  showProgram(launches ? std::string(textOf(tmpBtnInfo().app_path)) : std::string());
 }
 
 void SubLaunchProgramView::saveData() {
@@ -78,6 +83,6 @@ void SubLaunchProgramView::choose() {
   const auto chosen = programpanel::choose(this);
   if (chosen && !termination::isTerminating()) {
     m_currLaunchPath = chosen->string();
-    showPath(QString::fromStdString(m_currLaunchPath));
+    showProgram(m_currLaunchPath);
   }
 }

@@ -18,6 +18,7 @@ class SubLaunchProgramView : public KeyAssignSubView {
   void fillSettingData() override;
   void saveData() override;
   void buttonAction(LXButton& sender) override;
+  assignmentnotes::Note note() const override;
   // The choice since the view was filled; empty when there is none.
   const std::string& currLaunchPath() const { return m_currLaunchPath; }
 
@@ -27,8 +28,10 @@ class SubLaunchProgramView : public KeyAssignSubView {
 
  private:
   void choose();
-  void showPath(const QString& path);
+  // Shows the program's name.
+  void showProgram(const std::string& path);
 
   LXTextField* m_pathTxt = nullptr;
+  std::string m_shownPath;
   std::string m_currLaunchPath;
 };

@@ -44,7 +44,12 @@ void SubSensitivityView::initControls() {
   m_subView->construct();
   NerinAction::refreshMenuListData(
       m_senMenuList, this, NerinAction::functionMenus->sensitivityMenuNode, functionMenuWidth);
+  addNoteLine(frameRect(Artwork::SubSensitivityViewPlain::noteTxt));
   setSelMenu(nullptr);
+}
+
+assignmentnotes::Note SubSensitivityView::note() const {
+  return m_function ? assignmentnotes::Note::None : assignmentnotes::Note::NoFunction;
 }
 
 void SubSensitivityView::setSelMenu(std::shared_ptr<MenuInfo> entry) {
@@ -53,6 +58,7 @@ void SubSensitivityView::setSelMenu(std::shared_ptr<MenuInfo> entry) {
   const std::int32_t kind = m_function ? m_function->functionID() - 1 : -1;
   const bool hasValues = m_function && kind == setsDpi;
   const bool hasLevels = m_function && kind != setsDpi && kind != showsDpi;
+  showNote();
   m_subView->setVisible(hasValues);
   m_levelSettingBtn->setVisible(hasLevels);
   // The plain picture has no drawing of the buttons.

@@ -21,6 +21,7 @@ class SubSensitivityView : public KeyAssignSubView, public LXMenulistDelegate {
   void fillSettingData() override;
   void saveData() override;
   void closePopMenu() override;
+  assignmentnotes::Note note() const override;
   void buttonAction(LXButton& sender) override;
   void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) override;
   // Selects the entry; null selects none.

@@ -67,6 +67,11 @@ void SubSensitivityViewSub::setYValue(std::uint32_t value) {
 
 void SubSensitivityViewSub::buttonAction(LXButton& sender) {
   if (sender.tag() == TagEnableXY) {
+    if (sender.Checked()) {
+      // Both axes start from where the user was.
+      m_sliderView->setDpiXValue(m_sliderView->dpiValue());
+      m_sliderView->setDpiYValue(m_sliderView->dpiValue());
+    }
     setIsXY(sender.Checked());
   }
 }

@@ -6,14 +6,17 @@
 
 #include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Catalogue/MacroIds.h"
 #include "Action/Wire/KeyCodes.h"
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXButton.h"
+#include "Kit/Widgets/LXTextField.h"
 #include "View/Assign/TkeyRepeatView.h"
 #include "View/Macros/MacroMenulist.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
 #include "View/Windows/ModalWindow.h"
+#include "View/Windows/StatusLine.h"
 #include "View/Windows/Termination.h"
 
 namespace {
@@ -21,7 +24,9 @@ namespace {
 using frames = Artwork::SubTKeyView;
 
 constexpr std::uint32_t playOnce = 1;
-constexpr std::int32_t repeatByCount = 2;
+constexpr std::uint32_t repeatByCount = 2;
+// The entry of the repeat menu that asks.
+constexpr std::int32_t askForCount = 2;
 constexpr int repeatMenuWidth = 264;
 // Gives the list time to close.
 constexpr int countDelayMilliseconds = 100;
@@ -47,6 +52,16 @@ void SubTKeyView::initControls() {
                                               QStringLiteral("repeatSelBtn"), "Repeat");
   NerinAction::refreshMenuListData(m_repeatList, this, NerinAction::functionMenus->repeatMenuNode,
                                    repeatMenuWidth);
+  m_countTxt = NerinAction::AddLabTextField(frameRect(frames::countTxt), *this);
+  m_countTxt->setObjectName(QStringLiteral("countTxt"));
+  m_countTxt->setAccessibleName(NerinAction::tooltipText("Repeat count"));
+  m_countTxt->setTextColor(QColor::fromRgb(Artwork::Color::snow));
+  m_countTxt->hide();
+  addNoteLine(frameRect(frames::noteTxt));
+}
+
+assignmentnotes::Note SubTKeyView::note() const {
+  return assignmentnotes::ofMacro(m_selMacroInfo.get());
 }
 
 void SubTKeyView::showRepeat() {
@@ -54,6 +69,22 @@ void SubTKeyView::showRepeat() {
       NerinAction::getMenuNameByFunTableId(static_cast<std::int32_t>(m_macroType),
                                            NerinAction::functionMenus->repeatMenuNode)
           .value_or("")));
+  showCount();
+}
+
+void SubTKeyView::showCount() {
+  m_countTxt->setText(QStringLiteral("× %1").arg(NerinAction::storableRepeatCount(m_macroCount)));
+  m_countTxt->setVisible(m_macroType == repeatByCount);
+}
+
+void SubTKeyView::takeCount(std::uint32_t count) {
+  m_macroCount = NerinAction::storableRepeatCount(count);
+  showCount();
+  if (m_macroCount != count) {
+    statusline::say(NerinAction::tooltipText("Repeats 1 to 254 times: %1 is now %2")
+                        .arg(count)
+                        .arg(m_macroCount));
+  }
 }
 
 void SubTKeyView::fillSettingData() {
@@ -68,15 +99,21 @@ void SubTKeyView::fillSettingData() {
     showRepeat();
   } else {
     m_repeatSelBtn->setTitle({});
+    showCount();
   }
+  showNote();
 }
 
 void SubTKeyView::saveData() {
+  if (m_selMacroInfo && NerinAction::giveOwnId(*m_selMacroInfo) && !NerinAction::saveMenuList()) {
+    statusline::tellMacrosNotSaved();
+  }
   _BTN_INFO& info = editedBtnInfo();
   info.FuncID = NerinAction::FunctionMacro;
   info.FuncTableId = NerinAction::FunctionMacro;
   info.KeyBit[0] = m_macroType;
-  info.KeyBit[1] = m_macroCount;
+  info.KeyBit[1] =
+      m_macroType == repeatByCount ? NerinAction::storableRepeatCount(m_macroCount) : m_macroCount;
   info.MacroID = m_selMacroInfo ? static_cast<std::uint32_t>(m_selMacroInfo->macroId()) : 0;
   info.btnType = ButtonTypeMacro;
 }
@@ -109,11 +146,13 @@ void SubTKeyView::onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXT
       m_macroType = playOnce;
       showRepeat();
     }
+    showNote();
     return;
   }
   m_repeatSelBtn->setTitle(QString::fromStdString(entry->titleStr()));
   m_macroType = static_cast<std::uint32_t>(entry->functionTableID());
-  if (entry->functionID() == repeatByCount) {
+  showCount();
+  if (entry->functionID() == askForCount) {
     QTimer::singleShot(countDelayMilliseconds, this, &SubTKeyView::showLoopFrm);
   }
 }
@@ -134,7 +173,7 @@ void SubTKeyView::showLoopFrm() {
     return;  // Destroyed together with its parent window and this view.
   }
   if (code == 1) {
-    m_macroCount = static_cast<std::uint32_t>(view->repeatCount());
+    takeCount(static_cast<std::uint32_t>(view->repeatCount()));
   }
   delete dialog;
   window()->raise();

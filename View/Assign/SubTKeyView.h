@@ -5,6 +5,7 @@
 #include "Kit/Widgets/LXMenulist.h"
 #include "View/Assign/KeyAssignSubView.h"
 
+class LXTextField;
 class MacroInfo;
 
 // Assigns a macro and its repeat mode.
@@ -22,6 +23,7 @@ class SubTKeyView : public KeyAssignSubView, public LXMenulistDelegate {
   void closePopMenu() override;
   void buttonAction(LXButton& sender) override;
   void onMenulistSelected(LXMenulist& list, const std::shared_ptr<LXTreeNode>& selNode) override;
+  assignmentnotes::Note note() const override;
   // Asks for the count and waits for the answer.
   void showLoopFrm();
 
@@ -40,9 +42,13 @@ class SubTKeyView : public KeyAssignSubView, public LXMenulistDelegate {
 
  private:
   void showRepeat();
+  // Shows what the mouse will count.
+  void showCount();
+  void takeCount(std::uint32_t count);
 
   LXButton* m_tkeySelBtn = nullptr;
   LXButton* m_repeatSelBtn = nullptr;
+  LXTextField* m_countTxt = nullptr;
   std::unique_ptr<LXMenulist> m_repeatList;
   std::shared_ptr<MacroInfo> m_selMacroInfo;
   std::uint32_t m_macroType = 0;

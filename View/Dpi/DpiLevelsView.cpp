@@ -6,6 +6,7 @@
 #include "Action/Record/Limits.h"
 #include "Kit/Widgets/LXButton.h"
 #include "View/Screen/ControlFactory.h"
+#include "View/Windows/StatusLine.h"
 
 namespace {
 
@@ -14,6 +15,14 @@ constexpr auto maximumLevels = static_cast<std::uint32_t>(levelCount);
 // Only these values can be shown; the mouse knows no others.
 std::uint32_t limited(std::uint32_t value) {
   return std::clamp(value, limits::minimumSensitivity, limits::maximumSensitivity);
+}
+
+// Whether both give the mouse the same levels and lift height.
+bool areSameSettings(const _Nerin_PROFILE& one, const _Nerin_PROFILE& other) {
+  return std::equal(std::begin(one.xSensArr), std::end(one.xSensArr), other.xSensArr) &&
+         std::equal(std::begin(one.ySensArr), std::end(one.ySensArr), other.ySensArr) &&
+         one.dpiLevel == other.dpiLevel && one.currSelectDPI == other.currSelectDPI &&
+         one.liftHeight == other.liftHeight;
 }
 
 }  // namespace
@@ -260,4 +269,22 @@ void DpiLevelsView::enableXYAction() {
   }
   setSelectedDpi(active);
   setCurrLevlePro(m_currLevel, isXY());
+}
+
+void DpiLevelsView::noteTried(const Outcome& outcome) {
+  m_hasTried = m_hasTried || outcome.isDone();
+  statusline::tell(outcome);
+}
+
+void DpiLevelsView::tellCancelled(const Outcome& outcome) {
+  const bool isLeft = !areSameSettings(editState->currSetProfile(), editState->selProfile());
+  if (isLeft && (m_hasTried || outcome.isDone())) {
+    editState->raiseNeedSave();
+  }
+  if (isLeft && outcome.isDone()) {
+    statusline::say(NerinAction::tooltipText(
+        "The mouse keeps the DPI settings you tried. Apply gives it the profile's own."));
+  } else {
+    statusline::tell(outcome);
+  }
 }

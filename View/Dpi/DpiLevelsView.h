@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "Action/Record/Outcome.h"
 #include "Action/Record/Records.h"
 #include "Kit/Widgets/LXSetpPanelObj.h"
 #include "View/Dpi/DpiSliderView.h"
@@ -75,6 +76,11 @@ class DpiLevelsView : public ChildView,
   // Commits typed values first, and switches the sets if the box was clicked.
   void buttonAction(LXButton& sender) override;
   void enableXYAction();
+  // Call after Apply has tried the settings on the mouse, with how that went.
+  void noteTried(const Outcome& outcome);
+  // Call after Cancel has sent the working copy again. If the mouse keeps other settings than the
+  // profile's own, this says so, and the profile is to be applied.
+  void tellCancelled(const Outcome& outcome);
 
  private:
   using Levels = std::array<LevelView*, levelCount>;
@@ -95,4 +101,5 @@ class DpiLevelsView : public ChildView,
   DpiSliderView* m_dpiSliderView = nullptr;
   LXButton* m_enableXYChk = nullptr;
   std::uint32_t m_currLevel = 1;
+  bool m_hasTried = false;
 };

@@ -6,7 +6,6 @@
 #include "Action/Record/EditState.h"
 #include "ArtworkFrames.h"
 #include "View/Screen/Frames.h"
-#include "View/Windows/StatusLine.h"
 
 namespace {
 
@@ -37,7 +36,7 @@ void LevelSettingView::applyEdit() {
   std::copy(std::begin(tried.xSensArr), std::end(tried.xSensArr), image.xSensArr);
   std::copy(std::begin(tried.ySensArr), std::end(tried.ySensArr), image.ySensArr);
   const TransferProgress progress = transfers(settingReports);
-  statusline::tell(NerinAction::setSettingToDevice());
+  noteTried(NerinAction::setSettingToDevice());
 }
 
 void LevelSettingView::keepEdit() {
@@ -50,5 +49,5 @@ void LevelSettingView::keepEdit() {
 void LevelSettingView::cancelEdit() {
   editState->currFWProfile() = editState->selProfile();
   const TransferProgress progress = transfers(settingReports);
-  statusline::tell(NerinAction::setSettingToDevice());
+  tellCancelled(NerinAction::setSettingToDevice());
 }

@@ -60,6 +60,7 @@ LXNumberTextField* LevelView::addField(const QRect& frame, const char* name, con
   field->setObjectName(QString::fromLatin1(name));
   field->setAlignment(Qt::AlignCenter);
   field->setStep(static_cast<int>(limits::dpiStep));
+  field->setKeepsNumber(true);
   field->setAccessibleName(NerinAction::tooltipText("DPI of each level") + u' ' +
                            QString::number(m_levelIndex) + axis);
   field->installEventFilter(this);

@@ -126,7 +126,7 @@ void PerformanceView::applyEdit() {
   const TransferProgress progress = transfers(settingReports);
   const Outcome outcome = NerinAction::setSettingToDevice();
   NerinAction::setIsDpiTem(true);
-  statusline::tell(outcome);
+  noteTried(outcome);
 }
 
 void PerformanceView::keepEdit() {
@@ -143,5 +143,5 @@ void PerformanceView::cancelEdit() {
   const TransferProgress progress = transfers(settingReports + 1);
   Outcome outcome = NerinAction::setSettingToDevice();
   outcome += NerinAction::setRateToDevice(editState->currFWProfile().poRate);
-  statusline::tell(outcome);
+  tellCancelled(outcome);
 }

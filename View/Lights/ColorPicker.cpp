@@ -39,7 +39,7 @@ void drawKnob(QPainter& painter, const QPointF& center, bool hasFocus) {
   painter.drawEllipse(center, knobRadius, knobRadius);
 }
 
-// A color that the user can click.
+// A color that the user can choose with a click, Space or Return.
 class Swatch : public QAbstractButton {
  public:
   explicit Swatch(QWidget* parent) : QAbstractButton(parent) {}
@@ -53,6 +53,15 @@ class Swatch : public QAbstractButton {
   QColor color() const { return m_color; }
 
  protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+      if (!event->isAutoRepeat()) {
+        click();
+      }
+      return;
+    }
+    QAbstractButton::keyPressEvent(event);
+  }
   void paintEvent(QPaintEvent* /*event*/) override {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -169,8 +178,12 @@ void HueSaturationView::keyPressEvent(QKeyEvent* event) {
   }
 }
 
-void HueSaturationView::paintEvent(QPaintEvent* /*event*/) {
-  QPainter painter(this);
+// The field never changes, and its gradients take longer than the knob.
+void HueSaturationView::drawField() {
+  m_field = QPixmap(size() * devicePixelRatioF());
+  m_field.setDevicePixelRatio(devicePixelRatioF());
+  m_field.fill(Qt::transparent);
+  QPainter painter(&m_field);
   painter.setRenderHint(QPainter::Antialiasing);
   QLinearGradient hues(0, 0, width(), 0);
   constexpr int stops = 6;
@@ -186,6 +199,15 @@ void HueSaturationView::paintEvent(QPaintEvent* /*event*/) {
   painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
   painter.setBrush(white);
   painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
+}
+
+void HueSaturationView::paintEvent(QPaintEvent* /*event*/) {
+  if (m_field.size() != size() * devicePixelRatioF()) {
+    drawField();
+  }
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.drawPixmap(0, 0, m_field);
   drawKnob(painter,
            {std::clamp(m_color.hue * (width() - 1), knobReach, width() - knobReach),
             std::clamp((1 - m_color.saturation) * (height() - 1), knobReach, height() - knobReach)},
@@ -226,7 +248,19 @@ void BrightnessView::paintEvent(QPaintEvent* /*event*/) {
            hasFocus());
 }
 
-RecentColorsView::RecentColorsView(QWidget* parent) : QWidget(parent) {}
+// All swatches are there from the beginning, so that they keep their place in the order of the Tab
+// key.
+RecentColorsView::RecentColorsView(QWidget* parent) : QWidget(parent) {
+  for (int i = 0; i < static_cast<int>(most); ++i) {
+    auto* swatch = new Swatch(this);
+    swatch->setGeometry(i * swatchPitch, 0, swatchSize, swatchSize);
+    swatch->installEventFilter(this);
+    connect(swatch, &QAbstractButton::clicked, this,
+            [this, swatch] { emit chosen(swatch->color()); });
+    m_swatches[static_cast<std::size_t>(i)] = swatch;
+  }
+  refresh();
+}
 
 void RecentColorsView::remember(const LightColor& color) {
   auto& colors = (*recentColors);
@@ -237,18 +271,54 @@ void RecentColorsView::remember(const LightColor& color) {
 
 void RecentColorsView::refresh() {
   const auto& colors = (*recentColors);
-  while (m_swatches.size() < colors.size()) {
-    auto* swatch = new Swatch(this);
-    swatch->setGeometry(static_cast<int>(m_swatches.size()) * swatchPitch, 0, swatchSize,
-                        swatchSize);
-    connect(swatch, &QAbstractButton::clicked, this,
-            [this, swatch] { emit chosen(swatch->color()); });
-    swatch->QWidget::show();
-    m_swatches.push_back(swatch);
+  for (std::size_t i = 0; i < most; ++i) {
+    const bool isThere = i < colors.size();
+    m_swatches[i]->setVisible(isThere);
+    m_swatches[i]->setFocusPolicy(i == 0 ? Qt::StrongFocus : Qt::ClickFocus);
+    if (isThere) {
+      static_cast<Swatch*>(m_swatches[i])->setColor(colors[i].shown());
+    }
   }
-  for (std::size_t i = 0; i < colors.size(); ++i) {
-    static_cast<Swatch*>(m_swatches[i])->setColor(colors[i].shown());
+}
+
+// The Tab key stops once, at the swatch that had the focus last; the arrow keys go to the others.
+bool RecentColorsView::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::FocusIn) {
+    for (QWidget* swatch : m_swatches) {
+      swatch->setFocusPolicy(swatch == watched ? Qt::StrongFocus : Qt::ClickFocus);
+    }
+  } else if (event->type() == QEvent::KeyPress) {
+    return moveFocus(watched, static_cast<QKeyEvent*>(event)->key());
   }
+  return QWidget::eventFilter(watched, event);
+}
+
+bool RecentColorsView::moveFocus(const QObject* from, int key) {
+  const auto found = std::find(m_swatches.begin(), m_swatches.end(), from);
+  const auto count = static_cast<std::ptrdiff_t>((*recentColors).size());
+  std::ptrdiff_t place = found - m_swatches.begin();
+  switch (key) {
+    case Qt::Key_Left:
+    case Qt::Key_Up:
+      --place;
+      break;
+    case Qt::Key_Right:
+    case Qt::Key_Down:
+      ++place;
+      break;
+    case Qt::Key_Home:
+      place = 0;
+      break;
+    case Qt::Key_End:
+      place = count - 1;
+      break;
+    default:
+      return false;
+  }
+  if (place >= 0 && place < count) {
+    m_swatches[static_cast<std::size_t>(place)]->setFocus(Qt::TabFocusReason);
+  }
+  return true;
 }
 
 ColorPanel::ColorPanel(const QSize& frame, const Places& places, QWidget* parent)
@@ -270,6 +340,7 @@ void ColorPanel::initControls() {
     m_numbers[i]->setAccessibleName(NerinAction::tooltipText(numbers[i].nameKey));
     m_numbers[i]->setAlignment(Qt::AlignCenter);
     m_numbers[i]->setStep(1);
+    m_numbers[i]->setKeepsNumber(true);
   }
   m_hexTxt = NerinAction::AddTextField(m_places.hex, *this);
   m_hexTxt->setObjectName(QStringLiteral("hexTxt"));

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <QPixmap>
 #include <QWidget>
 #include <array>
-#include <vector>
 
 #include "View/Lights/LightColor.h"
 #include "View/Screen/TavImageView.h"
@@ -63,6 +63,9 @@ class HueSaturationView : public PickView {
 
  private:
   void pick(double hue, double saturation);
+  void drawField();
+
+  QPixmap m_field;
 };
 
 // The brightness of the picked color, left to right.
@@ -83,7 +86,8 @@ class BrightnessView : public PickView {
   void pick(double brightness);
 };
 
-// The recently used colors, newest first. They are kept until the program ends.
+// The recently used colors, newest first. They are kept until the program ends. The user chooses
+// one by a click, or with the arrow keys and Return.
 class RecentColorsView : public QWidget {
   Q_OBJECT
 
@@ -99,8 +103,13 @@ class RecentColorsView : public QWidget {
  signals:
   void chosen(const QColor& color);
 
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
  private:
-  std::vector<QWidget*> m_swatches;
+  bool moveFocus(const QObject* from, int key);
+
+  std::array<QWidget*, most> m_swatches{};
 };
 
 // The color as numbers: red, green and blue, 0..255, and the hex code.

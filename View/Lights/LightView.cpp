@@ -1,6 +1,10 @@
 #include "View/Lights/LightView.h"
 
+#include <QImage>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
+#include <algorithm>
 
 #include "Action/Device/DeviceSettings.h"
 #include "Action/Record/EditState.h"
@@ -33,6 +37,53 @@ std::string afterKey(int index) {
   return "aColor" + std::to_string(index);
 }
 
+// The colors of the bar's picture, from the left end of the bar to its right end. Picture rows
+// count from the top.
+std::vector<LightColor> barColorsOf(const QPixmap& picture) {
+  const qreal ratio = picture.devicePixelRatio();
+  const QImage bar = picture.toImage();
+  std::vector<LightColor> colors;
+  colors.reserve(barTop + 1);
+  for (int value = 0; value <= barTop; ++value) {
+    const int fromBottom = barTop - value;
+    const int row = static_cast<int>(bar.height() / ratio) - 1 - fromBottom;
+    const QPoint point(static_cast<int>(barColumn * ratio), static_cast<int>(row * ratio));
+    if (!bar.rect().contains(point)) {
+      break;
+    }
+    colors.push_back(LightColor::of(bar.pixelColor(point)));
+  }
+  return colors;
+}
+
+// The part of the picture that is not transparent, in device-independent pixels.
+QRect litPartOf(const QPixmap& picture) {
+  const QImage image = picture.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+  QRect lit;
+  for (int y = 0; y < image.height(); ++y) {
+    int first = 0;
+    int last = image.width() - 1;
+    while (first <= last && qAlpha(image.pixel(first, y)) == 0) {
+      ++first;
+    }
+    while (last > first && qAlpha(image.pixel(last, y)) == 0) {
+      --last;
+    }
+    if (first <= last) {
+      lit |= QRect(QPoint(first, y), QPoint(last, y));
+    }
+  }
+  const int ratio = qRound(picture.devicePixelRatio());
+  return lit.isEmpty() ? QRect()
+                       : QRect(QPoint(lit.left() / ratio, lit.top() / ratio),
+                               QPoint(lit.right() / ratio, lit.bottom() / ratio));
+}
+
+double distance(const LightColor& one, const LightColor& other) {
+  return std::abs(one.red - other.red) + std::abs(one.green - other.green) +
+         std::abs(one.blue - other.blue);
+}
+
 QRect inside(const Artwork::Frame& frame, const Artwork::Frame& parent) {
   return frameRect(frame).translated(-parent.x, -parent.y);
 }
@@ -44,15 +95,21 @@ LightView::LightView() : ChildView({frames::screenWidth, frames::screenHeight}) 
 void LightView::initData() {
   setImageByName(QStringLiteral("LightOptionView_Normal.png"));
   for (int zone = 1; zone <= zones; ++zone) {
-    m_lights[static_cast<std::size_t>(zone - 1)] =
-        pictures::load(QStringLiteral("LightZone%1.png").arg(zone)).pixmap();
+    const auto index = static_cast<std::size_t>(zone - 1);
+    const QPixmap picture = pictures::load(QStringLiteral("LightZone%1.png").arg(zone)).pixmap();
+    const QRect lit = litPartOf(picture);
+    const int ratio = qRound(picture.devicePixelRatio());
+    m_lights[index] =
+        lit.isEmpty() ? QPixmap() : picture.copy(QRect(lit.topLeft() * ratio, lit.size() * ratio));
+    m_lightPlaces[index] = lit.translated(frameRect(frames::stageView).topLeft());
   }
-  m_colorTagImage = pictures::load(QStringLiteral("ColorBar.png")).pixmap();
+  m_barColors = barColorsOf(pictures::load(QStringLiteral("ColorBar.png")).pixmap());
 }
 
 void LightView::initControls() {
   initZones();
   initPicker();
+  initCopies();
   addEndButtons({frameRect(frames::applyBtn), TagApply}, {frameRect(frames::okBtn), TagOk},
                 {frameRect(frames::cancelBtn), TagCancel});
 }
@@ -126,6 +183,7 @@ void LightView::initPicker() {
       frameRect(frames::colorBarView), [this](LXProgressBar& sender) { progessBarAction(sender); },
       *this, pictures::load(QStringLiteral("ColorKnob.png")), barTop, 0);
   m_colorBarView->setTag(TagColorBar);
+  m_colorBarView->setTellsEveryChoice(true);
   m_colorBarView->setObjectName(QStringLiteral("colorBarView"));
   m_colorBarView->setAccessibleName(NerinAction::tooltipText("Color bar"));
 
@@ -152,9 +210,17 @@ void LightView::initPicker() {
   m_recentColors = new RecentColorsView(this);
   m_recentColors->setGeometry(frameRect(frames::recentColorsView));
   m_recentColors->setObjectName(QStringLiteral("recentColorsView"));
-  m_recentColors->refresh();
+  m_recentColors->setAccessibleName(NerinAction::tooltipText("Recent colors"));
   connect(m_recentColors, &RecentColorsView::chosen, this,
           [this](const QColor& color) { m_colorPanel->setSelColor(LightColor::of(color)); });
+
+  for (QObject* picker : {static_cast<QObject*>(m_colorField), static_cast<QObject*>(m_brightness),
+                          static_cast<QObject*>(m_colorBarView)}) {
+    picker->installEventFilter(this);
+  }
+  for (LXTextField* field : m_colorPanel->findChildren<LXTextField*>()) {
+    field->installEventFilter(this);
+  }
 }
 
 void LightView::clearBtnImage(LXButton& button) {
@@ -184,6 +250,14 @@ void LightView::fillSettingData() {
   displayBAColor();
 }
 
+// Only what has the colors of the lights.
+void LightView::displayBtnColor() {
+  for (std::size_t i = 0; i < zoneCount; ++i) {
+    update(m_lightPlaces[i]);
+    update(m_btnColorRect[i]);
+  }
+}
+
 void LightView::setSwatches(const LightColor& before, const LightColor& after) {
   m_before = before;
   m_after = after;
@@ -210,6 +284,7 @@ void LightView::showPicked(const LightColor& color) {
 void LightView::showInSliders() {
   m_colorField->show(m_picked);
   m_brightness->show(m_picked);
+  m_colorBarView->setValue(barPlaceOf(m_picked.color()));
 }
 
 void LightView::takePicked() {
@@ -229,14 +304,29 @@ void LightView::onChangeColorPro(const LightColor& color) {
   if (!m_isOverFill) {
     return;
   }
-  // The last zone keeps its original history.
-  if (m_currSelectedIndex > 0 && m_currSelectedIndex < zones) {
-    m_historyColorDir[beforeKey(m_currSelectedIndex - 1)] = m_after;
-    m_historyColorDir[afterKey(m_currSelectedIndex - 1)] = color;
+  const LightColor before = m_pressedAt.value_or(m_after);
+  if (m_currSelectedIndex > 0) {
+    noteHistory(m_currSelectedIndex, before, color);
+    const auto index = static_cast<std::size_t>(m_currSelectedIndex - 1);
+    if (currentColors()[index].bytes() != color.bytes() && !(m_pressedAt && m_isPressNoted)) {
+      noteStep();
+      m_isPressNoted = true;
+    }
   }
-  setSwatches(m_after, color);
+  setSwatches(before, color);
   setColorPro(m_currSelectedIndex - 1, color);
   displayBtnColor();
+}
+
+void LightView::noteHistory(int zone, const LightColor& before, const LightColor& after) {
+  if (zone < zones) {
+    m_historyColorDir[beforeKey(zone - 1)] = before;
+    m_historyColorDir[afterKey(zone - 1)] = after;
+  }
+}
+
+const LightColor& LightView::historyAfter(int zone) {
+  return m_historyColorDir[afterKey(zone - 1)];
 }
 
 void LightView::OnColorChange(QObject* /*sender*/, const LightColor& color) {
@@ -249,15 +339,64 @@ void LightView::progessBarAction(LXProgressBar& sender) {
   if (sender.tag() != TagColorBar) {
     return;
   }
-  const int fromBottom = barTop - sender.value();
-  const qreal ratio = m_colorTagImage.devicePixelRatio();
-  const QImage bar = m_colorTagImage.toImage();
-  // Picture rows count from the top.
-  const int row = static_cast<int>(bar.height() / ratio) - 1 - fromBottom;
-  const QPoint point(static_cast<int>(barColumn * ratio), static_cast<int>(row * ratio));
-  if (bar.rect().contains(point)) {
-    m_colorPanel->setSelColor(LightColor::of(bar.pixelColor(point)));
+  const auto place = static_cast<std::size_t>(sender.value());
+  if (place < m_barColors.size()) {
+    m_colorPanel->setSelColor(m_barColors[place]);
   }
+}
+
+int LightView::barPlaceOf(const LightColor& color) const {
+  // About one step of a byte in each part.
+  constexpr double same = 0.012;
+  const auto nearest = [this](const LightColor& wanted) {
+    return std::min_element(m_barColors.begin(), m_barColors.end(),
+                            [&](const LightColor& one, const LightColor& other) {
+                              return distance(one, wanted) < distance(other, wanted);
+                            });
+  };
+  const auto standing = static_cast<std::size_t>(m_colorBarView->value());
+  if (standing < m_barColors.size() && distance(m_barColors[standing], color) < same) {
+    return m_colorBarView->value();
+  }
+  auto place = nearest(color);
+  if (place != m_barColors.end() && distance(*place, color) >= same) {
+    const bool hasHue = m_picked.saturation > 0 && m_picked.brightness > 0;
+    const double gray = m_picked.brightness < 0.5 ? 0 : 1;
+    place =
+        nearest(hasHue ? PickedColor{m_picked.hue, 1, 1}.color() : LightColor{gray, gray, gray});
+  }
+  return static_cast<int>(place - m_barColors.begin());
+}
+
+void LightView::beginPress() {
+  m_pressedAt = m_after;
+  m_isPressNoted = false;
+}
+
+// A drag or a held key is one change, whose "before" is the color at the press.
+bool LightView::eventFilter(QObject* watched, QEvent* event) {
+  switch (event->type()) {
+    case QEvent::MouseButtonPress:
+      beginPress();
+      break;
+    case QEvent::KeyPress:
+      if (!static_cast<QKeyEvent*>(event)->isAutoRepeat()) {
+        beginPress();
+      }
+      break;
+    case QEvent::KeyRelease:
+      if (!static_cast<QKeyEvent*>(event)->isAutoRepeat()) {
+        m_pressedAt.reset();
+      }
+      break;
+    case QEvent::MouseButtonRelease:
+    case QEvent::FocusOut:
+      m_pressedAt.reset();
+      break;
+    default:
+      break;
+  }
+  return ChildView::eventFilter(watched, event);
 }
 
 void LightView::onSelectIndex(int newIndex, int /*oldIndex*/, LXSetpPanelObj& sender) {
@@ -365,16 +504,20 @@ void LightView::drawColorBtn(QPainter& painter) const {
 }
 
 // Draws the lights in their colors. Each picture has only the light, in white on transparent.
-void LightView::drawLights(QPainter& painter) const {
-  for (int i = 0; i < zones; ++i) {
-    QPixmap light = m_lights[static_cast<std::size_t>(i)];
-    if (light.isNull()) {
+// Tinting takes longer than all the rest, and every control that lies on this view draws it too.
+void LightView::drawLights(QPainter& painter) {
+  const Colors colors = currentColors();
+  for (std::size_t i = 0; i < zoneCount; ++i) {
+    if (m_lights[i].isNull()) {
       continue;
     }
-    QPainter tint(&light);
-    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    tint.fillRect(light.rect(), getColorPro(editState->currSetProfile().lightColorArr[i]).shown());
-    tint.end();
-    painter.drawPixmap(frameRect(frames::stageView).topLeft(), light);
+    if (const QColor color = colors[i].shown(); m_tinted[i].isNull() || m_tints[i] != color) {
+      m_tints[i] = color;
+      m_tinted[i] = m_lights[i];
+      QPainter tint(&m_tinted[i]);
+      tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+      tint.fillRect(m_tinted[i].rect(), color);
+    }
+    painter.drawPixmap(m_lightPlaces[i].topLeft(), m_tinted[i]);
   }
 }

@@ -4,7 +4,9 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "Action/Record/Records.h"
 #include "Kit/Widgets/LXButton.h"
@@ -16,6 +18,7 @@
 class LXColorView;
 class LXImageView;
 class LXProgressBar;
+class QMenu;
 
 // The colors of the mouse's four zones. A change shows here at once; Apply sends it to the mouse,
 // OK keeps it in the edited profile, Cancel restores the profile's colors on the mouse.
@@ -45,7 +48,7 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
 
   // Shows the swatches of the selected zone.
   void displayBAColor();
-  void displayBtnColor() { update(); }
+  void displayBtnColor();
   static LightColor getColorPro(const _LightColorInfo& color);
   // Stores a color for a zone index, 0..3; any other index is ignored.
   static void setColorPro(int index, const LightColor& color);
@@ -68,18 +71,47 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   void initData() override;
   void initControls() override;
   void paintEvent(QPaintEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
   void applyEdit() override;
   void keepEdit() override;
   void cancelEdit() override;
 
  private:
+  using Colors = std::array<LightColor, zoneCount>;
+  using Steps = std::vector<Colors>;
+
+  void initCopies();
+  void addCopyActions(LXButton& button, int zone);
+  void showLightMenu(LXButton& button, const QPoint& place);
+  // The zone of a button or a marker, 1..4; 0 for any other widget.
+  int zoneOf(const QWidget* widget) const;
+  void selectZone(int zone);
+  static Colors currentColors();
+  // These take a zone, 1..4; 0 asks the user to choose one.
+  void copyColor(int zone);
+  void pasteColor(int zone);
+  void useForAllLights(int zone);
+  void copyAllLights();
+  // Call before the colors change.
+  void noteStep();
+  // Changes what differs, with the history of those zones, and shows it.
+  void takeColors(const Colors& colors);
+  void stepColors(Steps& from, Steps& to, const char* text);
+  // The last zone keeps its original history.
+  void noteHistory(int zone, const LightColor& before, const LightColor& after);
+  const LightColor& historyAfter(int zone);
+  void beginPress();
+
   void initZones();
   void initPicker();
   void drawColorBtn(QPainter& painter) const;
-  void drawLights(QPainter& painter) const;
+  void drawLights(QPainter& painter);
   void takePicked();
   void showInSliders();
   void showPicked(const LightColor& color);
+  // The place of the color on the bar, or else of its hue; a gray has the nearer end.
+  int barPlaceOf(const LightColor& color) const;
   void setSwatches(const LightColor& before, const LightColor& after);
   void rememberColors() const;
 
@@ -87,7 +119,12 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   std::array<LXButton*, zoneCount> m_markerBtns{};
   std::array<LXImageView*, zoneCount> m_lines{};
   std::array<QRect, zoneCount> m_btnColorRect{};
+  // Of the pictures of the lights, the parts that are not transparent, and where they lie.
   std::array<QPixmap, zoneCount> m_lights;
+  std::array<QRect, zoneCount> m_lightPlaces{};
+  // The lights in the colors that were drawn last.
+  std::array<QPixmap, zoneCount> m_tinted;
+  std::array<QColor, zoneCount> m_tints;
   LXSetpPanelObj* m_lightSetp = nullptr;
   LXSetpPanelObj* m_lightTagSetp = nullptr;
   LXColorView* m_beforeColorView = nullptr;
@@ -97,9 +134,17 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   ColorPanel* m_colorPanel = nullptr;
   RecentColorsView* m_recentColors = nullptr;
   LXProgressBar* m_colorBarView = nullptr;
-  QPixmap m_colorTagImage;
+  // The color bar from left to right.
+  std::vector<LightColor> m_barColors;
   PickedColor m_picked;
   std::map<std::string, LightColor> m_historyColorDir;
+  // The color at the press of a drag or of a held key, which are one change together.
+  std::optional<LightColor> m_pressedAt;
+  bool m_isPressNoted = false;
+  // The colors before and after, for undo and redo; the nearest step is the last one.
+  Steps m_undo;
+  Steps m_redo;
+  QMenu* m_lightMenu = nullptr;
   LightColor m_before;
   LightColor m_after;
   int m_currSelectedIndex = 0;

@@ -182,12 +182,13 @@ macrotools::Rows MacroTools::chosenRows() {
   return {first - 1, last - 1};
 }
 
-void MacroTools::open(MacroInfo::Events& commands, const QWidget& below) {
+void MacroTools::open(MacroInfo::Events& commands, macrotools::Rows rows, const QWidget& below) {
   if (commands.empty()) {
     return;
   }
   m_commands = &commands;
-  showRows({0, static_cast<int>(commands.size()) - 1});
+  const bool areSeveral = rows.first >= 0 && rows.first < rows.last;
+  showRows(areSeveral ? rows : macrotools::Rows{0, static_cast<int>(commands.size()) - 1});
   adjustSize();
   move(below.mapToGlobal(QPoint(below.width() - width(), below.height() + 2)));
   show();

@@ -35,8 +35,9 @@ class MacroTools : public QFrame {
  public:
   explicit MacroTools(QWidget* parent);
 
-  // Opens under the widget for all rows of the macro, which must outlive the panel's being open.
-  void open(MacroInfo::Events& commands, const QWidget& below);
+  // Opens under the widget for these rows, or for all if they are less than two. The commands must
+  // outlive the panel's being open.
+  void open(MacroInfo::Events& commands, macrotools::Rows rows, const QWidget& below);
 
  signals:
   // The commands were changed, and that row is to be selected.

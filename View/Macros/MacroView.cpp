@@ -8,10 +8,12 @@
 
 #include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Catalogue/MacroIds.h"
 #include "Action/Edit/MacroDraft.h"
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Macros/MacroMenulist.h"
+#include "View/Macros/MacroTest.h"
 #include "View/Macros/MacroTools.h"
 #include "View/Macros/MacroWorkbench.h"
 #include "View/Macros/UsageBar.h"
@@ -90,6 +92,8 @@ const std::vector<MacroView::Control>& MacroView::controls() {
       {&MacroView::m_delKeyBtn, "delKeyBtn", TagDelKey, "DELETE", frameRect(frames::delKeyBtn)},
       {&MacroView::m_toolsBtn, "toolsBtn", TagTools, "Tools for lines",
        frameRect(frames::toolsBtn)},
+      {&MacroView::m_testBtn, "testBtn", TagTest, "Test what the mouse will send",
+       frameRect(frames::testBtn)},
       {&MacroView::m_insertKeyBtn, "insertKeyBtn", TagInsertKey, "Insert instructions in macro",
        frameRect(frames::insertKeyBtn)},
       {&MacroView::m_insertAutoDelayChk, "insertAutoDelayChk", TagInsertAutoDelay, "Measured delay",
@@ -143,8 +147,9 @@ void MacroView::initFields() {
   m_macroNameTxt->setAccessibleName(NerinAction::tooltipText("Macro name"));
   m_macroNameTxt->setTextColor(Qt::black);
   m_macroNameTxt->setTextMargins(nameMargin, 0, nameMargin, 0);
-  // Every typed character renames the macro everywhere.
-  connect(m_macroNameTxt, &QLineEdit::textEdited, this, &MacroView::onMacroNameTextChange);
+  // Every typed character renames the macro everywhere. A screen reader writes a text at once,
+  // which counts as no typing.
+  connect(m_macroNameTxt, &QLineEdit::textChanged, this, &MacroView::onMacroNameTextChange);
 
   m_recordStateTxt = NerinAction::AddLabTextField(frameRect(frames::recordStateTxt), *this);
   m_recordStateTxt->setObjectName(QStringLiteral("recordStateTxt"));
@@ -246,11 +251,18 @@ void MacroView::initTable() {
 
 void MacroView::initWorkbench() {
   m_workbench = new MacroWorkbench(*this);
-  connect(m_workbench, &MacroWorkbench::rowChosen, this, &MacroView::selectComByIndex);
+  connect(m_workbench, &MacroWorkbench::rowChosen, this, &MacroView::chooseCommand);
+  connect(m_workbench, &MacroWorkbench::rowsChosen, m_commands, &MacroCommandModel::setChosenRows);
+  connect(m_table, &QTableView::pressed, this, [this](const QModelIndex& index) {
+    m_workbench->setCurrentRow(index.row(), m_table->isExtending());
+  });
   connect(m_workbench, &MacroWorkbench::edited, this, &MacroView::commandsEdited);
   m_tools = new MacroTools(this);
   m_toolsBtn->setOpenedList(m_tools);
   connect(m_tools, &MacroTools::edited, this, &MacroView::commandsEdited);
+  m_test = new MacroTest(this);
+  m_testBtn->setOpenedList(m_test);
+  connect(m_test, &MacroTest::rowChosen, this, &MacroView::goToCommand);
   connect(new QShortcut(QKeySequence::Undo, this), &QShortcut::activated, m_workbench,
           &MacroWorkbench::undo);
   connect(new QShortcut(QKeySequence::Redo, this), &QShortcut::activated, m_workbench,
@@ -367,7 +379,13 @@ void MacroView::buttonAction(LXButton& sender) {
       return;
     case TagTools:
       if (keyArrs() != nullptr) {
-        m_tools->open(*keyArrs(), sender);
+        const MacroWorkbench::Rows rows = m_workbench->chosenRows();
+        m_tools->open(*keyArrs(), {rows.first, rows.last}, sender);
+      }
+      return;
+    case TagTest:
+      if (m_currMacroInfo) {
+        m_test->open(*m_currMacroInfo, sender);
       }
       return;
     case TagInsert:
@@ -392,6 +410,8 @@ void MacroView::buttonAction(LXButton& sender) {
 }
 
 void MacroView::applyEdit() {
+  // No button can name a macro that was imported just now.
+  NerinAction::giveOwnIds();
   NerinAction::keepMacroDraft();
   if (NerinAction::saveMenuList()) {
     NerinAction::discardMacroDraft();
@@ -417,6 +437,7 @@ void MacroView::devOutplusPro() {
   NerinAction::keepMacroDraft();
   macromenulist::release(this);
   m_tools->hide();
+  m_test->hide();
   if (m_insertList) {
     m_insertList->hideMenulist();
   }
@@ -452,7 +473,8 @@ void MacroView::setConEnableWithKey() {
   const KeyboardToTable keyboard(m_table);
   const MacroInfo::Events* events = keyArrs();
   const bool hasCommands = events != nullptr && !events->empty();
-  for (LXButton* button : {m_delKeyBtn, m_keyUpBtn, m_keyDownBtn, m_insertKeyBtn, m_toolsBtn}) {
+  for (LXButton* button :
+       {m_delKeyBtn, m_keyUpBtn, m_keyDownBtn, m_insertKeyBtn, m_toolsBtn, m_testBtn}) {
     button->setIsEnable(hasCommands);
   }
   if (!hasCommands) {

@@ -19,6 +19,7 @@
 #include "View/Windows/ChildView.h"
 
 class LXTextField;
+class MacroTest;
 class MacroTools;
 class MacroWorkbench;
 class MenuInfo;
@@ -77,6 +78,7 @@ class MacroView : public ChildView,
     TagInsertInt,
     TagInsertCancel,
     TagTools = 230,
+    TagTest,
   };
   // The entries of the insert list: what to record or insert, and where, relative to the selected
   // command.
@@ -198,6 +200,8 @@ class MacroView : public ChildView,
   void showUsage();
   void selectionChanged();
   void commandsEdited(int row);
+  void goToCommand(int row);
+  void chooseCommand(int row, bool extends);
   bool hasRoomForMacro() const;
   void findNodeAgain();
   void openLastMacro();
@@ -229,6 +233,7 @@ class MacroView : public ChildView,
   LXButton* m_keyUpBtn = nullptr;
   LXButton* m_keyDownBtn = nullptr;
   LXButton* m_toolsBtn = nullptr;
+  LXButton* m_testBtn = nullptr;
   LXButton* m_insertBtn = nullptr;
   LXButton* m_insertRecordBtn = nullptr;
   LXButton* m_insertStopBtn = nullptr;
@@ -255,6 +260,7 @@ class MacroView : public ChildView,
   MacroCommandModel* m_commands = nullptr;
   MacroWorkbench* m_workbench = nullptr;
   MacroTools* m_tools = nullptr;
+  MacroTest* m_test = nullptr;
   std::unique_ptr<LXMenulist> m_insertList;
 
   std::shared_ptr<LXTreeNode> m_selMacroNode;
@@ -270,6 +276,7 @@ class MacroView : public ChildView,
   bool m_isInsertRecord = false;
   bool m_isAddDelay = false;
   bool m_isShortcutDown = false;
+  bool m_isExtending = false;
   bool m_isInfoShown = false;
   // The event clock in milliseconds; no value before the first event of a recording.
   std::optional<std::uint64_t> m_oldTime;

@@ -44,6 +44,19 @@ void MacroView::commandsEdited(int row) {
   setConEnableWithKey();
 }
 
+void MacroView::goToCommand(int row) {
+  selectComByIndex(row);
+  m_table->setFocus(Qt::OtherFocusReason);
+}
+
+void MacroView::chooseCommand(int row, bool extends) {
+  m_isExtending = extends;
+  selectComByIndex(row);
+  m_isExtending = false;
+  // Also when it was selected before.
+  m_workbench->setCurrentRow(selectedRow(), extends);
+}
+
 bool MacroView::onKey(RigthMouseTBView& /*table*/, QKeyEvent& event) {
   LXButton* button = nullptr;
   const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
@@ -65,7 +78,7 @@ void MacroView::onRowDragged(RigthMouseTBView& /*table*/, int row, int gap) {
 }
 
 void MacroView::selectionChanged() {
-  m_workbench->setCurrentRow(selectedRow());
+  m_workbench->setCurrentRow(selectedRow(), m_isExtending || m_table->isExtending());
   const MacroInfo::Events* events = keyArrs();
   const int row = selectedRow();
   if (events == nullptr || row < 0 || row >= static_cast<int>(events->size())) {

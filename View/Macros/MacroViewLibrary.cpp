@@ -64,8 +64,11 @@ std::shared_ptr<LXTreeNode> MacroView::getNodeByData(const MacroInfo* macro) {
   return found == nodes.end() ? nullptr : *found;
 }
 
+// Opening a macro writes its title into the field, which is no new name.
 void MacroView::onMacroNameTextChange() {
-  renamePro();
+  if (m_currMacroInfo && m_macroNameTxt->text() != macromenulist::titleOf(*m_currMacroInfo)) {
+    renamePro();
+  }
 }
 
 // Runs for every typed character. It rebuilds the menu, so the node must be found again. The field

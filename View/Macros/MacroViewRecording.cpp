@@ -146,7 +146,7 @@ void MacroView::setRecState(bool isRecord, bool isInsert) {
                            m_insertRecordBtn,   m_insertIntBtn,
                            m_insertCancelBtn,   m_okBtn,
                            m_cancelBtn,         m_applyBtn,
-                           m_toolsBtn}) {
+                           m_toolsBtn,          m_testBtn}) {
     button->setIsEnable(!isRecord);
   }
   m_macroNameTxt->setEnabled(!isRecord);

@@ -6,6 +6,7 @@
 #include "ArtworkFrames.h"
 #include "Kit/Widgets/LXNumberTextField.h"
 #include "View/Macros/KeyField.h"
+#include "View/Macros/MacroWarningWords.h"
 #include "View/Macros/RigthMouseTBView.h"
 #include "View/Macros/TimeStrip.h"
 #include "View/Screen/ControlFactory.h"
@@ -22,6 +23,7 @@ constexpr int pauseDigits = 10;
 constexpr int pauseStep = 10;
 constexpr int keyMargin = 10 - LXTextField::ownMargin;
 constexpr qreal lengthType = 12;
+constexpr qreal warningType = 12;
 
 void describe(QWidget& widget, const char* name, const char* key) {
   widget.setObjectName(QString::fromLatin1(name));
@@ -35,6 +37,7 @@ MacroWorkbench::MacroWorkbench(TavImageView& view)
     : QObject(&view),
       m_strip(new TimeStrip(&view)),
       m_length(new QLabel(&view)),
+      m_warning(new QLabel(&view)),
       m_key(new KeyField(&view)),
       m_pause(NerinAction::AddNumTextField(frameRect(frames::rowDelayTxt), view, longestPause, 0,
                                            pauseDigits, false)) {
@@ -47,7 +50,14 @@ MacroWorkbench::MacroWorkbench(TavImageView& view)
   m_length->setObjectName(QStringLiteral("lengthTxt"));
   m_length->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   m_length->setFont(pictures::font(lengthType, QFont::DemiBold));
-  m_length->setAccessibleName(NerinAction::tooltipText("Length"));
+
+  m_warning->setGeometry(frameRect(frames::warningTxt));
+  m_warning->setObjectName(QStringLiteral("warningTxt"));
+  m_warning->setTextFormat(Qt::PlainText);
+  m_warning->setFont(pictures::font(warningType, QFont::Medium));
+  QPalette colors = m_warning->palette();
+  colors.setColor(QPalette::WindowText, QColor::fromRgb(Artwork::Color::emberLit));
+  m_warning->setPalette(colors);
 
   m_key->setGeometry(frameRect(frames::rowKeyTxt));
   m_key->setTextMargins(keyMargin, 0, keyMargin, 0);
@@ -67,11 +77,10 @@ MacroWorkbench::MacroWorkbench(TavImageView& view)
 
 void MacroWorkbench::setCommands(MacroInfo::Events* commands) {
   m_commands = commands;
-  m_row = -1;
   m_undo.start(commands);
   m_strip->setCommands(commands);
-  m_strip->setCurrentRow(m_row);
-  showLength();
+  setCurrentRow(-1, false);
+  showSummary(false);
   showRow();
 }
 
@@ -80,14 +89,25 @@ void MacroWorkbench::commandsChanged(bool isRecording) {
     m_undo.note(*m_commands);
   }
   m_strip->setCommands(m_commands);
-  showLength();
+  showSummary(isRecording);
   showRow();
 }
 
-void MacroWorkbench::setCurrentRow(int row) {
+void MacroWorkbench::setCurrentRow(int row, bool extends) {
   m_row = row;
+  if (!extends || m_anchor < 0 || row < 0) {
+    m_anchor = row;
+  }
   m_strip->setCurrentRow(row);
+  const Rows rows = chosenRows();
+  m_strip->setChosenRows(rows.first, rows.last);
+  emit rowsChosen(rows.first, rows.last);
   showRow();
+}
+
+MacroWorkbench::Rows MacroWorkbench::chosenRows() const {
+  const auto [first, last] = std::minmax({m_anchor, m_row});
+  return {first, last};
 }
 
 void MacroWorkbench::setUsable(bool isUsable) {
@@ -101,8 +121,20 @@ MacroKeyInfo* MacroWorkbench::selected() const {
   return isRow ? (*m_commands)[static_cast<std::size_t>(m_row)].get() : nullptr;
 }
 
-void MacroWorkbench::showLength() {
+// What is being recorded is not complete: its last key is still down.
+void MacroWorkbench::showSummary(bool isRecording) {
+  const QString warning =
+      m_commands == nullptr || isRecording
+          ? QString()
+          : macrowarnings::summaryOf(NerinAction::warningsOf(*m_commands), *m_commands);
+  const QString shown =
+      m_warning->fontMetrics().elidedText(warning, Qt::ElideRight, m_warning->width());
+  m_warning->setText(shown);
+  m_warning->setAccessibleName(warning);
+  m_warning->setToolTip(shown == warning ? QString() : warning.toHtmlEscaped());
   m_length->setText(MacroCommandModel::milliseconds(m_strip->timeline().length));
+  m_length->setAccessibleName(NerinAction::tooltipText("Length") + QStringLiteral(": ") +
+                              m_length->text());
 }
 
 void MacroWorkbench::showRow() {

@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <algorithm>
@@ -41,11 +42,22 @@ QString keyName(std::int32_t keyCode) {
 QString filledIn(const char* format, const QString& key) {
   return NerinAction::tooltipText(format).replace(QStringLiteral("%@"), key);
 }
+constexpr QColor chosenColor(0x45, 0x0A, 0x0C);
 
 // Keeps the icons of the selected command untinted: in the selection color they would be invisible.
+// Draws the rows that are chosen with the selected one.
 class CommandDelegate : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& option,
+             const QModelIndex& index) const override {
+    const auto* commands = qobject_cast<const MacroCommandModel*>(index.model());
+    if (commands != nullptr && commands->isChosen(index.row())) {
+      painter->fillRect(option.rect, chosenColor);
+    }
+    QStyledItemDelegate::paint(painter, option, index);
+  }
 
  protected:
   void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
@@ -70,6 +82,14 @@ void MacroCommandModel::setCommands(const Commands* commands) {
   beginResetModel();
   m_commands = commands;
   endResetModel();
+}
+
+void MacroCommandModel::setChosenRows(int first, int last) {
+  m_firstChosen = first;
+  m_lastChosen = last;
+  if (rowCount() > 0) {
+    emit dataChanged(index(0, 0), index(rowCount() - 1, columns - 1), {Qt::BackgroundRole});
+  }
 }
 
 void MacroCommandModel::reloadData() {
@@ -202,6 +222,15 @@ QItemSelectionModel::SelectionFlags RigthMouseTBView::selectionCommand(
                          : QItemSelectionModel::SelectionFlags(QItemSelectionModel::NoUpdate);
 }
 
+void RigthMouseTBView::selectionChanged(const QItemSelection& selected,
+                                        const QItemSelection& deselected) {
+  QTableView::selectionChanged(selected, deselected);
+  const QModelIndexList chosen = selectionModel()->selectedIndexes();
+  if (!chosen.isEmpty() && chosen.front().row() != currentIndex().row()) {
+    selectionModel()->setCurrentIndex(chosen.front(), QItemSelectionModel::NoUpdate);
+  }
+}
+
 void RigthMouseTBView::sendMouseMove(QMouseEvent& event, bool isDown) {
   if (m_delegate != nullptr) {
     m_delegate->onMouseEvent(*this, event, LXButtonDelegate::pressType(event, isDown));
@@ -219,6 +248,8 @@ void RigthMouseTBView::mousePressEvent(QMouseEvent* event) {
     m_pressedAt = event->position().toPoint();
     const bool isLeft = event->button() == Qt::LeftButton;
     m_draggedRow = isLeft ? rowAt(m_pressedAt.y()) : none;
+    const QScopedValueRollback extending(m_isExtending,
+                                         event->modifiers().testFlag(Qt::ShiftModifier));
     QTableView::mousePressEvent(event);
     event->accept();
   }
@@ -264,6 +295,8 @@ void RigthMouseTBView::keyPressEvent(QKeyEvent* event) {
   if (m_dropGap != none && event->key() == Qt::Key_Escape) {
     endDrag();
   } else if (m_delegate == nullptr || !m_delegate->onKey(*this, *event)) {
+    const QScopedValueRollback extending(m_isExtending,
+                                         event->modifiers().testFlag(Qt::ShiftModifier));
     QTableView::keyPressEvent(event);
   }
 }

@@ -43,6 +43,9 @@ class MacroCommandModel : public QAbstractTableModel {
   void reloadData();
   // A time with its unit, "350 ms".
   static QString milliseconds(std::int64_t count);
+  // The rows that are chosen together, both included; none without a row.
+  void setChosenRows(int first, int last);
+  bool isChosen(int row) const { return row >= m_firstChosen && row <= m_lastChosen; }
   // The text for a command.
   static QString describe(const MacroKeyInfo& command);
   // Only its key, mouse button or function.
@@ -59,6 +62,8 @@ class MacroCommandModel : public QAbstractTableModel {
   QPixmap icon(int index) const;
 
   const Commands* m_commands = nullptr;
+  int m_firstChosen = 0;
+  int m_lastChosen = -1;
   // Indexed by a command's flag: key down, key up, command, delay, mouse down, mouse up.
   std::vector<LXImage> m_icons;
 };
@@ -76,6 +81,9 @@ class RigthMouseTBView : public QTableView {
   void setIsCaptureMouseEvent(bool captures) { m_isCaptureMouseEvent = captures; }
   bool isCaptureMouseEvent() const { return m_isCaptureMouseEvent; }
 
+  // While a press or a key with Shift selects a row, which extends the chosen rows to it.
+  bool isExtending() const { return m_isExtending; }
+
   using QTableView::edit;
   // Typing a letter must not select a row.
   void keyboardSearch(const QString& /*search*/) override {}
@@ -86,6 +94,8 @@ class RigthMouseTBView : public QTableView {
   // Selects a single row, with any modifiers.
   QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                        const QEvent* event) const override;
+  // A screen reader selects a row without making it the current one.
+  void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
@@ -102,6 +112,7 @@ class RigthMouseTBView : public QTableView {
 
   RigthMouseTBDelegate* m_delegate = nullptr;
   bool m_isCaptureMouseEvent = false;
+  bool m_isExtending = false;
   // The row under the pressed button, and the gap where it would be dropped.
   int m_draggedRow = none;
   int m_dropGap = none;

@@ -7,6 +7,7 @@
 
 #include "ArtworkFrames.h"
 #include "View/Macros/RigthMouseTBView.h"
+#include "View/Screen/ControlFactory.h"
 #include "View/Screen/Pictures.h"
 
 namespace {
@@ -45,17 +46,30 @@ void TimeStrip::setCurrentRow(int row) {
   update();
 }
 
-// What the strip shows of the selected command, for screen readers.
+void TimeStrip::setChosenRows(int first, int last) {
+  m_firstChosen = first;
+  m_lastChosen = last;
+  say();
+  update();
+}
+
+// What the strip shows of the selected commands, for screen readers.
 void TimeStrip::say() {
   if (m_row < 0) {
     setAccessibleDescription({});
     return;
   }
   const auto row = static_cast<std::size_t>(m_row);
-  setAccessibleDescription(QStringLiteral("%1, %2 / %3")
-                               .arg(MacroCommandModel::describe(*(*m_commands)[row]),
-                                    MacroCommandModel::milliseconds(m_timeline.starts[row]),
-                                    MacroCommandModel::milliseconds(m_timeline.length)));
+  const QString here =
+      QStringLiteral("%1 / %2").arg(MacroCommandModel::milliseconds(m_timeline.starts[row]),
+                                    MacroCommandModel::milliseconds(m_timeline.length));
+  QString words = MacroCommandModel::describe(*(*m_commands)[row]) + QStringLiteral(", ") + here;
+  if (m_firstChosen < m_lastChosen) {
+    words += QStringLiteral(", %1 %2 %3 %4")
+                 .arg(NerinAction::tooltipText("From line"), QString::number(m_firstChosen + 1),
+                      NerinAction::tooltipText("to line"), QString::number(m_lastChosen + 1));
+  }
+  setAccessibleDescription(words);
 }
 
 double TimeStrip::xOf(int row) const {
@@ -91,6 +105,11 @@ int TimeStrip::rowAt(QPointF point) const {
 }
 
 void TimeStrip::drawSelection(QPainter& painter) const {
+  if (m_firstChosen < m_lastChosen) {
+    const double first = xOf(m_firstChosen);
+    painter.fillRect(QRectF(first, 1, xOf(m_lastChosen + 1) - first, height() - 2),
+                     QColor(0x45, 0x0A, 0x0C));
+  }
   const double from = xOf(m_row);
   QColor pause = color(Artwork::Color::ember);
   pause.setAlphaF(0.35F);
@@ -147,7 +166,15 @@ void TimeStrip::mousePressEvent(QMouseEvent* event) {
     event->ignore();
     return;
   }
-  emit rowChosen(row);
+  emit rowChosen(row, event->modifiers().testFlag(Qt::ShiftModifier));
+}
+
+void TimeStrip::mouseMoveEvent(QMouseEvent* event) {
+  const int row =
+      event->buttons().testFlag(Qt::LeftButton) ? rowAt(event->position()) : MacroTimeline::none;
+  if (row >= 0 && row != m_row) {
+    emit rowChosen(row, true);
+  }
 }
 
 void TimeStrip::keyPressEvent(QKeyEvent* event) {
@@ -161,5 +188,5 @@ void TimeStrip::keyPressEvent(QKeyEvent* event) {
     QWidget::keyPressEvent(event);
     return;
   }
-  emit rowChosen(std::clamp(row, 0, last));
+  emit rowChosen(std::clamp(row, 0, last), event->modifiers().testFlag(Qt::ShiftModifier));
 }

@@ -7,7 +7,8 @@
 
 // The commands of a macro to the scale of time: a bar for each key from its press to its release,
 // keys that are down together below each other, and the selected command with the pause after it. A
-// click chooses a command, the arrow keys the one before or after.
+// click chooses a command, the arrow keys the one before or after. Shift, or dragging, chooses all
+// commands from there to here.
 class TimeStrip : public QWidget {
   Q_OBJECT
 
@@ -19,16 +20,20 @@ class TimeStrip : public QWidget {
   // Out of range for none.
   void setCurrentRow(int row);
   int currentRow() const { return m_row; }
+  // The rows that are chosen together with the current one, both included.
+  void setChosenRows(int first, int last);
   const MacroTimeline& timeline() const { return m_timeline; }
   // Where the press of the bar is drawn, and where its bar ends. Empty without such a span.
   QRectF barOf(int row) const;
 
  signals:
-  void rowChosen(int row);
+  // `extends` if the rows chosen before stay chosen, up to this one.
+  void rowChosen(int row, bool extends);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
@@ -42,4 +47,6 @@ class TimeStrip : public QWidget {
   const MacroInfo::Events* m_commands = nullptr;
   MacroTimeline m_timeline;
   int m_row = MacroTimeline::none;
+  int m_firstChosen = MacroTimeline::none;
+  int m_lastChosen = MacroTimeline::none;
 };

@@ -5,11 +5,13 @@
 
 #include "ArtworkFrames.h"
 
-UsageBar::UsageBar(QLabel* label, QWidget* parent) : QWidget(parent), m_label(label) {}
+UsageBar::UsageBar(QLabel* label, QWidget* parent)
+    : QWidget(parent), m_label(label), m_title(label->accessibleName()) {}
 
 void UsageBar::showUsage(int used, int most) {
   m_fraction = most > 0 ? std::clamp(static_cast<double>(used) / most, 0.0, 1.0) : 0;
   m_label->setText(QStringLiteral("%1 / %2").arg(used).arg(most));
+  m_label->setAccessibleName(m_title + QStringLiteral(": ") + m_label->text());
   update();
 }
 

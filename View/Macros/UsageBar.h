@@ -8,7 +8,8 @@ class UsageBar : public QWidget {
   Q_OBJECT
 
  public:
-  // The bar writes the number into `label`, which has the same parent.
+  // The bar writes the number into `label`, which has the same parent, and adds it to the label's
+  // accessible name.
   UsageBar(QLabel* label, QWidget* parent);
 
   void showUsage(int used, int most);
@@ -20,5 +21,6 @@ class UsageBar : public QWidget {
 
  private:
   QLabel* m_label;
+  QString m_title;
   double m_fraction = 0;
 };

@@ -76,11 +76,38 @@ LXButton* ButtonMapView::getBtnByTag(int tag) const {
   return nullptr;
 }
 
+std::vector<LXButton*> ButtonMapView::captions() const {
+  std::vector<LXButton*> all;
+  for (int tag = m_map.firstCaptionTag; tag <= m_map.lastCaptionTag; ++tag) {
+    if (LXButton* caption = getBtnByTag(tag)) {
+      all.push_back(caption);
+    }
+  }
+  return all;
+}
+
 void ButtonMapView::onMouseEvent(LXButton& button, QEvent& /*event*/, int type) {
   if (type == Entered) {
     setLightSelImage(button, true);
   } else if (type == Left) {
     setLightSelImage(button, false);
+  }
+}
+
+void ButtonMapView::onFocusShown(LXButton& button, bool isShown) {
+  const int tag = button.tag();
+  if (tag < m_map.firstCaptionTag || tag > m_map.lastCaptionTag) {
+    return;
+  }
+  const int pair = tag - m_map.firstCaptionTag + 1;
+  setMarkerLit(pair, isShown);
+  m_focusedBtn = isShown ? pair : 0;
+  setLineImage();
+}
+
+void ButtonMapView::setMarkerLit(int captionPair, bool isLit) {
+  if (LXButton* marker = getBtnByTag(m_map.firstMarkerTag + markerPairOf(captionPair) - 1)) {
+    isLit ? marker->setOverImagePro() : marker->setExitImagePro();
   }
 }
 
@@ -106,11 +133,12 @@ void ButtonMapView::setCaptionsLit(int pair, bool isLit) {
 }
 
 void ButtonMapView::setLineImage() {
-  if (m_currSelectedBtn < 1 || static_cast<std::size_t>(m_currSelectedBtn) > m_map.lines.size()) {
+  const int shown = shownPair();
+  if (shown < 1 || static_cast<std::size_t>(shown) > m_map.lines.size()) {
     m_lineImgView->setImage({});
     return;
   }
-  const auto pair = static_cast<std::size_t>(m_currSelectedBtn - 1);
+  const auto pair = static_cast<std::size_t>(shown - 1);
   m_lineImgView->setImage(m_lineImages[pair],
                           m_map.lines[pair].frame.topLeft() - m_lineImgView->pos());
 }

@@ -9,6 +9,11 @@ namespace {
 
 using frames = Artwork::MainViewSub1;
 
+// The wheel has one marker and three captions.
+constexpr int wheelPair = 11;
+constexpr int firstWheelCaption = 2;
+constexpr int lastWheelCaption = 4;
+
 }  // namespace
 
 MainSubView1::MainSubView1(QWidget* parent)
@@ -51,14 +56,17 @@ ButtonMapView::Map MainSubView1::map() {
           {238, 18}};
 }
 
+int MainSubView1::markerPairOf(int captionPair) const {
+  return captionPair >= firstWheelCaption && captionPair <= lastWheelCaption ? wheelPair
+                                                                             : captionPair;
+}
+
 void MainSubView1::setCaptionsLit(int pair, bool isLit) {
-  constexpr int wheelPair = 11;
   if (pair != wheelPair) {
     ButtonMapView::setCaptionsLit(pair, isLit);
     return;
   }
-  // Pairs 2 to 4 are the three captions of the wheel.
-  for (int caption = 2; caption <= 4; ++caption) {
+  for (int caption = firstWheelCaption; caption <= lastWheelCaption; ++caption) {
     ButtonMapView::setCaptionsLit(caption, isLit);
   }
 }

@@ -11,6 +11,7 @@ class MainSubView1 : public ButtonMapView {
   explicit MainSubView1(QWidget* parent = nullptr);
 
  protected:
+  int markerPairOf(int captionPair) const override;
   void setCaptionsLit(int pair, bool isLit) override;
 
  private:

@@ -164,6 +164,7 @@ class MainView : public TavImageView,
   void initStepPanels();
   void initMaps();
   void initMenu();
+  void initTabOrder();
   void initShortcuts();
   void initStatus();
 
@@ -175,6 +176,7 @@ class MainView : public TavImageView,
   void showDraftMarks();
   void catchUp();
   void beginProfile(const std::string& name);
+  void focusName();
   void showSlotTitle();
   void showTitle(const std::optional<std::string>& name);
   void showName();

@@ -182,6 +182,8 @@ QString stepWords(const _Nerin_CONFIG& before, const _Nerin_CONFIG& after) {
 
 void MainView::initChanges() {
   m_changesList = new ChangesList(this);
+  // A pop-up is in the tree of a screen reader only as the child of a button.
+  m_applyBtn->setOpenedList(m_changesList);
   connect(m_changesList, &ChangesList::takenBack, this, &MainView::takeBackChange);
   m_applyBtn->setRightAction([this](LXButton&) { showChanges(); });
   for (const auto& keys : {QKeySequence(Qt::Key_Menu), QKeySequence(Qt::SHIFT | Qt::Key_F10)}) {
@@ -215,9 +217,11 @@ void MainView::fillChanges() {
     rows.push_back(rowOf(before, after, difference));
   }
   m_changesList->fill(
-      rows, words(editState->base() ? "Nothing is changed."
-                                    : "This slot is empty or was not read. Apply writes all of "
-                                      "it."));
+      rows, words(!editState->base() ? "This slot is empty or was not read. Apply writes all of it."
+                  : NerinAction::isMouseAsHeld()
+                      ? "Nothing is changed."
+                      : "Nothing is changed, but the mouse may have other settings. Apply writes "
+                        "these again."));
 }
 
 void MainView::takeBackChange(int row) {

@@ -100,7 +100,6 @@ struct MainView::Control {
   bool isCheckBox = false;
 };
 
-// In the order of the Tab key.
 const std::vector<MainView::Control>& MainView::controls() {
   static const std::vector<Control> all{
       {&MainView::m_menuBtn, "menuBtn", TagMenu, "Menu", frameRect(frames::menuBtn)},
@@ -157,6 +156,7 @@ void MainView::initControls() {
   initShortcuts();
   initStatus();
   initChanges();
+  initTabOrder();
   m_progressBar = new ProgressLine(this);
   m_progressBar->setObjectName(QStringLiteral("progressBar"));
   m_progressBar->setGeometry(frameRect(frames::progressBar));
@@ -204,9 +204,6 @@ void MainView::initNameField() {
     end->setProperty(LXTextField::leavesTextUncommitted, true);
   }
   m_profileNameTxt->setAction([this](LXTextField&) { onProfileTextChange(); });
-  setTabOrder(m_currProfileBtn, m_profileNewBtn);
-  setTabOrder(m_goRightBtn, m_profileNameTxt);
-  setTabOrder(m_profileNameTxt, m_currProfileBtn);
 }
 
 void MainView::initMaps() {
@@ -272,7 +269,6 @@ void MainView::initStatus() {
   const QString words = NerinAction::tooltipText("What would Apply change?");
   m_changesBtn->setAccessibleName(words);
   m_changesBtn->setToolTip(words);
-  setTabOrder(m_applyBtn, m_changesBtn);
   for (std::size_t i = 0; i < m_draftMarks.size(); ++i) {
     auto* mark = new QWidget(m_profileBtns[i]);
     mark->setObjectName(QStringLiteral("draftMark%1").arg(i + 1));
@@ -287,6 +283,44 @@ void MainView::initStatus() {
   auto* timer = new QTimer(this);
   connect(timer, &QTimer::timeout, this, &MainView::keepDrafts);
   timer->start(draftMilliseconds);
+}
+
+// In the order of the work: a slot, its buttons, its profile, the rest of it, and Apply.
+void MainView::initTabOrder() {
+  std::vector<QWidget*> order(m_profileBtns.begin(), m_profileBtns.end());
+  order.insert(order.end(), {m_goLeftBtn, m_goRightBtn});
+  for (const ButtonMapView* map :
+       {static_cast<ButtonMapView*>(m_subView1), static_cast<ButtonMapView*>(m_subView2)}) {
+    const auto captions = map->captions();
+    order.insert(order.end(), captions.begin(), captions.end());
+  }
+  order.insert(order.end(), {m_currProfileBtn,
+                             m_profileNewBtn,
+                             m_profileSaveBtn,
+                             m_profileDelBtn,
+                             m_profileImportBtn,
+                             m_profileExportBtn,
+                             m_profileNameTxt,
+                             m_normalModeBtn,
+                             m_battleModeBtn,
+                             m_MacroSettingBtn,
+                             m_preformanceBtn,
+                             m_lightOptionBtn,
+                             m_linkProChk,
+                             m_linkProBtn,
+                             m_reDefBtn,
+                             m_statusLine->findChild<QPushButton*>(QStringLiteral("statusOffer")),
+                             m_applyBtn,
+                             m_changesBtn,
+                             m_okBtn,
+                             m_cancelBtn,
+                             m_menuBtn,
+                             m_homeBtn,
+                             m_helpBtn,
+                             m_closeBtn});
+  for (std::size_t i = 1; i < order.size(); ++i) {
+    setTabOrder(order[i - 1], order[i]);
+  }
 }
 
 void MainView::initShortcuts() {

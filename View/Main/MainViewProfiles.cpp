@@ -59,6 +59,12 @@ void MainView::beginProfile(const std::string& name) {
   statusline::tell(outcome);
 }
 
+// A new profile wants a name of its own next.
+void MainView::focusName() {
+  m_profileNameTxt->setFocus(Qt::OtherFocusReason);
+  m_profileNameTxt->selectAll();
+}
+
 void MainView::followLibrary() {
   refreshProfileMenu();
   const std::string shown = m_currProfileBtn->title().toStdString();
@@ -68,7 +74,7 @@ void MainView::followLibrary() {
   // It was renamed, or it is gone.
   const auto profile = library().currProfile();
   showTitle(profile ? profile->name() : std::nullopt);
-  if (!m_profileNameTxt->hasFocus()) {
+  if (!m_profileNameTxt->isTypedIn()) {
     showName();
   }
 }
@@ -76,6 +82,7 @@ void MainView::followLibrary() {
 void MainView::addProfile() {
   if (hasRoomForProfile()) {
     beginProfile(library().getNewProfileName());
+    focusName();
   }
 }
 
@@ -87,6 +94,7 @@ void MainView::copyProfile() {
   }
   if (hasRoomForProfile()) {
     beginProfile(library().getNewProfileNameByData(*profile));
+    focusName();
   }
 }
 
@@ -98,6 +106,11 @@ void MainView::delProfile() {
   const Outcome outcome = NerinAction::deleteSelectedProfile();
   refreshProfileMenu();
   showTitle(std::nullopt);
+  if (m_profileDelBtn->hasFocus()) {
+    // Nothing is left to delete; the user selects another profile.
+    m_currProfileBtn->setFocus(m_profileDelBtn->isFocusFromPointer() ? Qt::MouseFocusReason
+                                                                     : Qt::OtherFocusReason);
+  }
   statusline::tell(outcome);
   if (outcome.isDone() && NerinAction::canUndoDelete()) {
     statusline::say(NerinAction::tooltipText("Deleted: %1").arg(name), StatusLine::Tone::Done,

@@ -11,7 +11,7 @@ MapLights::MapLights(const QString& stem, const QPoint& place, QWidget* parent)
   setObjectName(QStringLiteral("mapLights"));
   setAttribute(Qt::WA_TransparentForMouseEvents);
   for (std::size_t zone = 0; zone < zoneCount; ++zone) {
-    m_lights[zone] = pictures::load(stem + QStringLiteral("%1.png").arg(zone + 1)).pixmap();
+    m_lights[zone] = pictures::load(stem + QStringLiteral("%1.png").arg(zone + 1));
   }
 }
 
@@ -25,15 +25,16 @@ void MapLights::show(const _Nerin_PROFILE& profile) {
   if (m_colors != colors || m_isBattle != isBattle) {
     m_colors = colors;
     m_isBattle = isBattle;
-    draw();
+    m_drawn = LXImage([this](qreal ratio) { return drawn(ratio); });
     update();
   }
 }
 
-void MapLights::draw() {
-  m_drawn = QPixmap();
+LXImage::Loaded MapLights::drawn(qreal ratio) const {
+  QPixmap all;
+  QSize size;
   for (std::size_t zone = 0; zone < zoneCount; ++zone) {
-    QPixmap light = m_lights[zone];
+    QPixmap light = m_lights[zone].pixmap(ratio);
     if (light.isNull()) {
       continue;
     }
@@ -41,22 +42,24 @@ void MapLights::draw() {
     tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
     tint.fillRect(QRectF(QPointF(), light.deviceIndependentSize()), (*m_colors)[zone]);
     tint.end();
-    if (m_drawn.isNull()) {
-      m_drawn = QPixmap(light.size());
-      m_drawn.setDevicePixelRatio(light.devicePixelRatio());
-      m_drawn.fill(Qt::transparent);
+    if (all.isNull()) {
+      size = m_lights[zone].size();
+      all = QPixmap(light.size());
+      all.setDevicePixelRatio(light.devicePixelRatio());
+      all.fill(Qt::transparent);
     }
-    QPainter painter(&m_drawn);
+    QPainter painter(&all);
     const int times = m_isBattle ? 3 : 1;
     for (int i = 0; i < times; ++i) {
       // The soft edges add up, the light itself is full already.
       painter.drawPixmap(QPointF(), light);
     }
   }
+  return {all, size};
 }
 
 void MapLights::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
   painter.setClipRegion(event->region());
-  painter.drawPixmap(m_place, m_drawn);
+  m_drawn.draw(painter, m_place);
 }

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QPixmap>
 #include <QWidget>
 #include <array>
 #include <optional>
 
 #include "Action/Record/Records.h"
+#include "Kit/Widgets/LXImage.h"
 
 // The lights of the mouse in a drawing of it, in the colors of a profile. In Battle mode they glow
 // stronger. Lies over the whole drawing and lets the pointer through.
@@ -25,11 +25,11 @@ class MapLights : public QWidget {
  private:
   using Colors = std::array<QColor, zoneCount>;
 
-  void draw();
+  LXImage::Loaded drawn(qreal ratio) const;
 
   QPoint m_place;
-  std::array<QPixmap, zoneCount> m_lights;  // in white
+  std::array<LXImage, zoneCount> m_lights;  // in white
   std::optional<Colors> m_colors;
   bool m_isBattle = false;
-  QPixmap m_drawn;
+  LXImage m_drawn;
 };

@@ -10,6 +10,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QPainter>
+#include <QtMath>
 #include <algorithm>
 #include <future>
 #include <map>
@@ -31,9 +32,9 @@ QString pathOf(const QString& fileName) {
   return QString::fromStdString(LXPlatform::current().resourceFolder.string()) + u'/' + fileName;
 }
 
-// The file for the resolution of the screen.
-QString scaledPathOf(const QString& path) {
-  if (qGuiApp != nullptr && qGuiApp->devicePixelRatio() > 1) {
+// The file for a screen of that scale. Any scale but 1 is made of the large file.
+QString scaledPathOf(const QString& path, qreal ratio) {
+  if (!qFuzzyCompare(ratio, 1)) {
     const qsizetype dot = path.lastIndexOf(u'.');
     QString fine = path.left(dot) + QStringLiteral("@2x") + path.mid(dot);
     if (QFileInfo::exists(fine)) {
@@ -55,15 +56,41 @@ QImage readNow(const QString& scaledPath) {
   return image;
 }
 
-std::map<QString, std::future<QImage>>& prefetched() {
-  static std::map<QString, std::future<QImage>> images;
+// Scales the picture with all its detail, so that it is drawn pixel by pixel.
+QImage scaled(const QImage& image, qreal ratio) {
+  if (image.isNull() || qFuzzyCompare(image.devicePixelRatio(), ratio)) {
+    return image;
+  }
+  const QSizeF size = image.deviceIndependentSize() * ratio;
+  QImage result = image.scaled(qCeil(size.width()), qCeil(size.height()), Qt::IgnoreAspectRatio,
+                               Qt::SmoothTransformation);
+  result.setDevicePixelRatio(ratio);
+  return result;
+}
+
+struct Read {
+  QImage image;
+  QSize size;
+};
+
+Read readScaled(const QString& path, qreal ratio) {
+  const QImage image = readNow(scaledPathOf(path, ratio));
+  return {scaled(image, ratio), image.deviceIndependentSize().toSize()};
+}
+
+std::map<QString, std::future<Read>>& prefetched() {
+  static std::map<QString, std::future<Read>> images;
   return images;
 }
 
-QImage read(const QString& path) {
-  const QString scaledPath = scaledPathOf(path);
-  auto found = prefetched().extract(scaledPath);
-  return found ? found.mapped().get() : readNow(scaledPath);
+// A picture that is being read ahead is found by its path and its scale.
+QString prefetchKey(const QString& path, qreal ratio) {
+  return path + u'@' + QString::number(ratio);
+}
+
+Read read(const QString& path, qreal ratio) {
+  auto found = prefetched().extract(prefetchKey(path, ratio));
+  return found ? found.mapped().get() : readScaled(path, ratio);
 }
 
 std::map<QString, QJsonObject>& loadedWords() {
@@ -161,21 +188,24 @@ void drawWord(QPainter& painter, const QPixmap& picture, const QJsonObject& word
   painter.drawText(room, flags, text);
 }
 
-QPixmap loadNow(const QString& path, const QString& screen, const QString& state) {
-  QPixmap picture = QPixmap::fromImage(read(path));
+LXImage::Loaded loadNow(const QString& path, const QString& screen, const QString& state,
+                        qreal ratio) {
+  const Read ground = read(path, ratio);
+  QPixmap picture = QPixmap::fromImage(ground.image);
   const QJsonObject& drawing = wordsOf(screen);
   const QJsonArray words = drawing[u"words"].toArray();
   // An unknown state belongs to the name of another picture, which has no words.
   const bool isOfDrawing = state.isEmpty() || drawing[u"states"].toArray().contains(state);
   if (picture.isNull() || words.isEmpty() || !isOfDrawing) {
-    return picture;
+    return {picture, ground.size};
   }
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::TextAntialiasing);
   for (const auto& word : words) {
     drawWord(painter, picture, word.toObject(), state);
   }
-  return picture;
+  painter.end();
+  return {picture, ground.size};
 }
 
 }  // namespace
@@ -189,21 +219,23 @@ LXImage pictures::load(const QString& fileName) {
   const qsizetype underscore = stem.indexOf(u'_');
   const QString screen = stem.left(underscore < 0 ? stem.size() : underscore);
   const QString state = underscore < 0 ? QString() : stem.mid(underscore + 1);
-  return LXImage([path, screen, state] { return loadNow(path, screen, state); });
+  return LXImage(
+      [path, screen, state](qreal ratio) { return loadNow(path, screen, state, ratio); });
 }
 
 void pictures::prefetch(const QStringList& fileNames) {
-  std::vector<std::pair<QString, std::promise<QImage>>> wanted;
+  const qreal ratio = qGuiApp->devicePixelRatio();
+  std::vector<std::pair<QString, std::promise<Read>>> wanted;
   for (const QString& fileName : fileNames) {
-    const QString path = scaledPathOf(pathOf(fileName));
-    wanted.emplace_back(path, std::promise<QImage>());
-    prefetched()[path] = wanted.back().second.get_future();
+    const QString path = pathOf(fileName);
+    wanted.emplace_back(path, std::promise<Read>());
+    prefetched()[prefetchKey(path, ratio)] = wanted.back().second.get_future();
   }
   // One thread, so that the window keeps a processor for itself.
   static std::future<void> reader;
-  reader = std::async(std::launch::async, [images = std::move(wanted)]() mutable {
+  reader = std::async(std::launch::async, [images = std::move(wanted), ratio]() mutable {
     for (auto& [path, image] : images) {
-      image.set_value(readNow(path));
+      image.set_value(readScaled(path, ratio));
     }
   });
 }

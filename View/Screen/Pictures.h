@@ -11,7 +11,7 @@
 namespace pictures {
 
 // The picture with that file name, loaded at its first drawing; empty when there is no such file.
-// High-resolution screens get the larger file.
+// The picture is made for the scale of the screen, and its words are drawn at that scale.
 LXImage load(const QString& fileName);
 
 // Starts reading these pictures in a thread, so that the windows can be created meanwhile.

@@ -2,6 +2,7 @@
 
 #include <QEventLoop>
 #include <QPointer>
+#include <QScreen>
 
 #include "View/Windows/ChildView.h"
 #include "View/Windows/LocalNotifications.h"
@@ -14,6 +15,7 @@ ModalWindow::ModalWindow(ChildView* view, int dragHeight, const QString& title, 
   setDragHeight(dragHeight);
   setClosesOnEscape(true);
   setContentView(view);
+  fitInto(screen()->availableSize().height());
   center(over);
 }
 

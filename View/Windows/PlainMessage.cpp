@@ -4,6 +4,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "Kit/Desktop/HeldKeys.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/PopDialogView.h"
@@ -41,6 +42,7 @@ int run(const std::string& text, QMessageBox::StandardButtons buttons) {
     button->setText(NerinAction::tooltipText(isOk ? "OK" : "Cancel"));
     button->setIcon({});
   }
+  heldkeys::dropIn(box);
   box.setStyleSheet(QString::fromLatin1(messageStyle));
   return box.exec();
 }

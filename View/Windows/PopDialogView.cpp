@@ -11,6 +11,7 @@
 #include "ArtworkFrames.h"
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/ProcessWide.h"
+#include "Kit/Desktop/HeldKeys.h"
 #include "Kit/Widgets/LXNoTitleWindow.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
@@ -167,6 +168,7 @@ bool NerinAction::showPopView(const std::string& key, bool isChoose, const PopFo
   window.setIsCanDrag(true);
   window.setDragHeight(dragStrip);
   window.setWindowModality(Qt::WindowModal);
+  heldkeys::dropIn(window);
   auto* view = new PopDialogView(dialogSize, key, std::nullopt, isChoose);
   view->construct();
   window.setWindowTitle(QCoreApplication::applicationName());

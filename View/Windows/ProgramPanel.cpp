@@ -16,6 +16,7 @@
 #include "Action/Library/ProfieController.h"
 #include "Kit/Core/ProcessWide.h"
 #include "Kit/Desktop/FilePanel.h"
+#include "Kit/Desktop/HeldKeys.h"
 #include "View/Screen/ControlFactory.h"
 
 namespace fs = std::filesystem;
@@ -83,6 +84,7 @@ ProgramPanel::ProgramPanel(Programs programs, const std::set<std::string>& used,
   setWindowTitle(NerinAction::tooltipText("Choose a program"));
   setWindowModality(Qt::WindowModal);
   setStyleSheet(QString::fromLatin1(panelStyle));
+  heldkeys::dropIn(*this);
   resize(panelSize);
   m_search->setObjectName(QStringLiteral("searchTxt"));
   m_search->setPlaceholderText(NerinAction::tooltipText("Search"));

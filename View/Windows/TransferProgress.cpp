@@ -44,13 +44,13 @@ TransferProgress::TransferProgress(ProgressLine* line, int reports)
     : m_isOutermost(work().reports == 0) {
   if (m_isOutermost) {
     work() = {line, std::max(1, reports), 0};
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    busycursor::show(true);
   }
 }
 
 TransferProgress::~TransferProgress() {
   if (m_isOutermost) {
-    QGuiApplication::restoreOverrideCursor();
+    busycursor::show(false);
     if (work().line) {
       work().line->showFraction(-1);
     }
@@ -63,5 +63,13 @@ void TransferProgress::reportDone() {
   if (current.reports > 0 && current.line) {
     ++current.done;
     current.line->showFraction(std::min(1.0, static_cast<double>(current.done) / current.reports));
+  }
+}
+
+void busycursor::show(bool isBusy) {
+  if (isBusy) {
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  } else {
+    QGuiApplication::restoreOverrideCursor();
   }
 }

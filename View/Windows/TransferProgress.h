@@ -37,3 +37,11 @@ class TransferProgress {
  private:
   bool m_isOutermost;
 };
+
+// The pointer while the program does not answer.
+namespace busycursor {
+
+// Shows the wait cursor in all windows, at once. Calls may be nested.
+void show(bool isBusy);
+
+}  // namespace busycursor

@@ -299,11 +299,20 @@ TEST(MacroRepeat, ACountIsWrittenAsTheRepetitionsAfterTheFirstRun) {
   EXPECT_EQ(repeatOf(2, 255), (Repeat{4, 255}));
 }
 
-TEST(MacroRepeat, ACountPastAByteLosesItsHighPart) {
-  EXPECT_EQ(repeatOf(2, 300), (Repeat{4, 44}));
-  EXPECT_EQ(repeatOf(2, 256), (Repeat{4, 0}));
-  EXPECT_EQ(repeatOf(2, 257), (Repeat{4, 1}));
-  EXPECT_EQ(repeatOf(2, 9999), (Repeat{4, 9999 % 256}));
+TEST(MacroRepeat, ACountPastAByteIsWrittenAsTheLargest) {
+  for (const std::uint32_t times : {256U, 257U, 300U, 511U, 9999U, 0xFFFFFFFFU}) {
+    EXPECT_EQ(repeatOf(2, times), (Repeat{4, 253})) << times;
+  }
+}
+
+TEST(MacroRepeat, ACountThatCannotBeStoredBecomesTheNearestThatCan) {
+  using NerinAction::storableRepeatCount;
+  EXPECT_EQ(storableRepeatCount(0), 1U);
+  EXPECT_EQ(storableRepeatCount(1), 1U);
+  EXPECT_EQ(storableRepeatCount(254), 254U);
+  for (const std::uint32_t count : {255U, 256U, 511U, 9999U, 0xFFFFFFFFU}) {
+    EXPECT_EQ(storableRepeatCount(count), 254U) << count;
+  }
 }
 
 TEST(MacroRepeat, AnUnknownModeWritesNoType) {

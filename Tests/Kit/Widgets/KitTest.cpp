@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTest>
 
@@ -354,9 +355,9 @@ TEST_F(Widgets, AScrollViewIsDark) {
 
 TEST_F(Widgets, APictureIsBroughtWhenItIsFirstDrawn) {
   int loads = 0;
-  const LXImage image([&] {
+  const LXImage image([&](qreal /*ratio*/) {
     ++loads;
-    return filled(red);
+    return LXImage::Loaded{filled(red), {20, 20}};
   });
   const LXImage part = image.slice({5, 5, 10, 10});
   EXPECT_FALSE(image.isLoaded());
@@ -367,4 +368,116 @@ TEST_F(Widgets, APictureIsBroughtWhenItIsFirstDrawn) {
   EXPECT_EQ(loads, 1);
   EXPECT_TRUE(image.slice({}).isNull());
   EXPECT_TRUE(LXImage().slice({0, 0, 1, 1}).isNull());
+}
+
+namespace {
+
+// A picture of 20 by 20 in which no two neighboring pixels are alike, at any scale.
+LXImage::Loaded speckled(qreal ratio) {
+  QImage image(qCeil(20 * ratio), qCeil(20 * ratio), QImage::Format_RGB32);
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) {
+      image.setPixel(x, y, qRgb(x * 5, y * 5, (x + y) % 2 * 255));
+    }
+  }
+  image.setDevicePixelRatio(ratio);
+  return {QPixmap::fromImage(image), {20, 20}};
+}
+
+// Stands for a screen of that scale.
+QImage paper(qreal ratio) {
+  QImage image(qCeil(40 * ratio), qCeil(40 * ratio), QImage::Format_RGB32);
+  image.fill(Qt::black);
+  image.setDevicePixelRatio(ratio);
+  return image;
+}
+
+}  // namespace
+
+TEST_F(Widgets, APictureIsDrawnPixelByPixelAtAnyScale) {
+  for (const qreal ratio : {1.0, 1.25, 1.5, 1.75, 2.0, 3.0}) {
+    const LXImage image(speckled);
+    EXPECT_EQ(image.slice({3, 5, 7, 9}).size(), QSize(7, 9));
+    QImage screen = paper(ratio);
+    {
+      QPainter painter(&screen);
+      // A fractional place, as of a control at 125 %.
+      image.draw(painter, {7, 9});
+    }
+    const QPoint corner = QPointF(7 * ratio, 9 * ratio).toPoint();
+    const QImage expected = speckled(ratio).pixmap.toImage();
+    EXPECT_EQ(image.size(), QSize(20, 20));
+    EXPECT_TRUE(screen.copy(QRect(corner, expected.size())) == expected) << ratio;
+  }
+}
+
+TEST_F(Widgets, SlicesLieOnTheirPictureAtAnyScale) {
+  for (const qreal ratio : {1.25, 1.5, 1.75}) {
+    const LXImage image(speckled);
+    QImage whole = paper(ratio);
+    {
+      QPainter painter(&whole);
+      painter.translate(7, 9);
+      image.draw(painter, {0, 0});
+    }
+    QImage parts = whole;
+    {
+      QPainter painter(&parts);
+      const LXImage copy(speckled);
+      painter.translate(7, 9);
+      for (const QRect& rect : {QRect(3, 5, 7, 9), QRect(1, 1, 2, 3), QRect(11, 13, 9, 7)}) {
+        painter.save();
+        painter.translate(rect.topLeft());
+        copy.slice(rect).draw(painter, {0, 0});
+        painter.restore();
+      }
+      image.drawPart(painter, {10, 2, 5, 5});
+    }
+    EXPECT_TRUE(parts == whole) << ratio;
+  }
+}
+
+TEST_F(Widgets, APictureIsBroughtAgainForAScreenOfAnotherScale) {
+  std::vector<qreal> ratios;
+  const LXImage image([&](qreal ratio) {
+    ratios.push_back(ratio);
+    return speckled(ratio);
+  });
+  for (const qreal ratio : {1.0, 1.0, 1.5, 1.5, 1.0}) {
+    QImage screen = paper(ratio);
+    QPainter painter(&screen);
+    image.slice({2, 2, 8, 8}).draw(painter, {0, 0});
+  }
+  EXPECT_EQ(ratios, (std::vector<qreal>{1.0, 1.5, 1.0}));
+}
+
+TEST_F(Widgets, AWindowThatIsHigherThanTheScreenScrollsToWhatHasTheKeyboard) {
+  LXNoTitleWindow window({300, 720});
+  auto* content = new QWidget;
+  auto* top = new LXButton(content);
+  top->setGeometry(10, 10, 80, 24);
+  auto* bottom = new LXButton(content);
+  bottom->setGeometry(10, 690, 80, 24);
+  window.setContentView(content);
+  window.fitInto(680);
+  EXPECT_EQ(window.height(), 680);
+  EXPECT_GT(window.width(), 300);
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  EXPECT_FALSE(window.rect().contains(bottom->mapTo(&window, QPoint(40, 20))));
+  top->setFocus(Qt::TabFocusReason);
+  QTest::keyClick(top, Qt::Key_Tab);
+  EXPECT_TRUE(bottom->hasFocus());
+  EXPECT_TRUE(window.rect().contains(bottom->mapTo(&window, QPoint(40, 20))));
+  top->showFocus();
+  EXPECT_TRUE(window.rect().contains(top->mapTo(&window, QPoint(40, 2))));
+}
+
+TEST_F(Widgets, AWindowThatFitsDoesNotScroll) {
+  LXNoTitleWindow window({300, 200});
+  auto* content = new QWidget;
+  window.setContentView(content);
+  window.fitInto(680);
+  EXPECT_EQ(window.size(), QSize(300, 200));
+  EXPECT_EQ(content->parentWidget(), &window);
 }

@@ -1,5 +1,8 @@
 // Assigning a program to a button.
 
+#include <QLabel>
+#include <fstream>
+
 #include <gmock/gmock.h>
 
 #include "Action/Service/DaemonMessages.h"
@@ -37,6 +40,14 @@ class LaunchAssign : public AssignTest {
     m_chosen = path;
     clickThroughWindow(chooser());
   }
+  LXTextField& note() { return partOf<LXTextField>(sub(), "noteTxt"); }
+  // A desktop entry in the home folder.
+  std::string install(const char* file, const char* name) {
+    const auto path = home() / file;
+    std::ofstream(path) << "[Desktop Entry]\nType=Application\nName=" << name
+                        << "\nExec=/bin/true\n";
+    return path.string();
+  }
   // The program that the background service would launch.
   std::optional<std::string> recorded(int bIndex, int slot = 2) {
     return library().getLaunchPath(slot, bIndex);
@@ -59,7 +70,7 @@ TEST_F(LaunchAssign, OneProgramIsChosenFromTheSystemsFolder) {
   EXPECT_FALSE(m_panels[0].isSave);
   EXPECT_EQ(m_panels[0].kind, filepanel::Kind::Program);
   EXPECT_EQ(sub().currLaunchPath(), "/opt/new.app");
-  EXPECT_EQ(shownPath(), "/opt/new.app");
+  EXPECT_EQ(shownPath(), "new (not installed any more)");
   EXPECT_THAT(trace(), IsEmpty());
   EXPECT_EQ(recorded(3), std::nullopt);
 }
@@ -112,12 +123,12 @@ TEST_F(LaunchAssign, ACancelledChooserKeepsAnEarlierChoice) {
   m_chosen = std::nullopt;
   clickThroughWindow(chooser());
   EXPECT_EQ(sub().currLaunchPath(), "/opt/new.app");
-  EXPECT_EQ(shownPath(), "/opt/new.app");
+  EXPECT_EQ(shownPath(), "new (not installed any more)");
 }
 
 TEST_F(LaunchAssign, OpensWithWhatTheButtonLaunchesAndNothingChosen) {
   openPanel(3, launch("/opt/old.app"));
-  EXPECT_EQ(shownPath(), "/opt/old.app");
+  EXPECT_EQ(shownPath(), "old (not installed any more)");
   EXPECT_EQ(sub().currLaunchPath(), "");
   openPanel(3, other(5));
   EXPECT_EQ(shownPath(), "");
@@ -141,14 +152,45 @@ TEST_F(LaunchAssign, APathBeyondItsFieldIsCutAtACharacterAndRecordedWhole) {
   press("okBtn");
   EXPECT_EQ(std::string(stored().app_path), start);
   EXPECT_THAT(recorded(3), Optional(Eq(path)));
-  EXPECT_EQ(shownPath(), path);
+  EXPECT_EQ(shownPath(), "tool (not installed any more)");
 }
 
 TEST_F(LaunchAssign, APathMayBeInAnyScript) {
   const std::string path = "/opt/Übung/マウス.desktop";
   openPanel(3, other(5));
   chooseProgram(path);
-  EXPECT_EQ(shownPath(), path);
+  EXPECT_EQ(shownPath(), "マウス (not installed any more)");
   press("okBtn");
   EXPECT_EQ(std::string(stored().app_path), path);
+}
+
+TEST_F(LaunchAssign, AProgramIsShownByItsNameUntilItIsRemoved) {
+  const std::string path = install("org.draw.desktop", "Draw");
+  openPanel(3, other(5));
+  chooseProgram(path);
+  EXPECT_EQ(shownPath(), "Draw");
+  EXPECT_TRUE(partOf<LXTextField>(sub(), "pathTxt").toolTip().contains("org.draw.desktop"));
+  press("okBtn");
+  EXPECT_EQ(std::string(stored().app_path), path);
+  openPanel(3, stored());
+  EXPECT_EQ(shownPath(), "Draw");
+  std::filesystem::remove(path);
+  openPanel(3, stored());
+  EXPECT_EQ(shownPath(), "org.draw (not installed any more)");
+}
+
+TEST_F(LaunchAssign, SaysThatNoProgramIsChosenAndWhatApplyThenDid) {
+  openPanel(3, other(5));
+  ASSERT_TRUE(note().isVisible());
+  EXPECT_EQ(textOf(note()), "No program chosen");
+  EXPECT_EQ(note().accessibleName(), "No program chosen");
+  press("applyBtn");
+  EXPECT_EQ(part<QLabel>("statusText").text(), "No program chosen: nothing changes");
+  EXPECT_THAT(sent(), ElementsAre(buttonCommand(3, "010b0c0d0e")));
+  chooseProgram("/opt/new.app");
+  EXPECT_FALSE(note().isVisible());
+  press("applyBtn");
+  EXPECT_EQ(part<QLabel>("statusText").text(), "");
+  openPanel(3, launch("/opt/old.app"));
+  EXPECT_FALSE(note().isVisible());
 }

@@ -1,10 +1,12 @@
 // Assigning a macro to a button, and its repeat mode.
 
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QTest>
 
 #include <gmock/gmock.h>
 
+#include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Catalogue/MacroCatalogue.h"
 #include "Kit/Widgets/LXMenulist.h"
 #include "Kit/Widgets/LXNumberTextField.h"
@@ -14,6 +16,7 @@
 #include "View/Macros/MacroMenulist.h"
 #include "View/Windows/LocalNotifications.h"
 #include "View/Windows/ModalWindow.h"
+#include "View/Windows/StatusLine.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -39,6 +42,11 @@ class MacroAssign : public AssignTest {
     info.MacroID = 99;
     return info;
   }
+  LXTextField& note() { return partOf<LXTextField>(sub(), "noteTxt"); }
+  LXTextField& countShown() { return partOf<LXTextField>(sub(), "countTxt"); }
+  // The status line of the panel, which all share.
+  std::string said() { return part<QLabel>("statusText").text().toStdString(); }
+  static void endSaying() { statusline::clear(); }
   static LXNumberTextField& count(TkeyRepeatView& dialog) {
     return partOf<LXNumberTextField>(dialog, "repeatEdt");
   }
@@ -283,7 +291,126 @@ TEST_F(MacroAssign, TheCountHasFourDigitsWithoutASign) {
     type(count(dialog), "");
     pressIn(dialog, "okBtn");
   });
-  EXPECT_EQ(sub().macroCount(), 0U);
+  EXPECT_EQ(sub().macroCount(), 1U);
+}
+
+TEST_F(MacroAssign, ACountThatCannotBeStoredBecomesTheNearestAndIsShown) {
+  struct Row {
+    const char* typed;
+    std::uint32_t count;
+    const char* shown;
+    const char* entry;
+    const char* said;
+  };
+  for (const Row& row :
+       {Row{"0", 1, "× 1", "0602010000", "Repeats 1 to 254 times: 0 is now 1"},
+        {"254", 254, "× 254", "0602fe0000", ""},
+        {"255", 254, "× 254", "0602fe0000", "Repeats 1 to 254 times: 255 is now 254"},
+        {"256", 254, "× 254", "0602fe0000", "Repeats 1 to 254 times: 256 is now 254"},
+        {"9999", 254, "× 254", "0602fe0000", "Repeats 1 to 254 times: 9999 is now 254"}}) {
+    openPanel(3, macroButton(5, 1, 42));
+    EXPECT_FALSE(countShown().isVisible());
+    ask([&](LXNoTitleWindow&, TkeyRepeatView& dialog) {
+      type(count(dialog), row.typed);
+      hitKey(count(dialog), Qt::Key_Return);
+    });
+    EXPECT_EQ(said(), row.said);
+    EXPECT_EQ(sub().macroCount(), row.count) << row.typed;
+    ASSERT_TRUE(countShown().isVisible());
+    EXPECT_EQ(textOf(countShown()), row.shown);
+    clearTrace();
+    press("applyBtn");
+    EXPECT_EQ(sent().back(), buttonCommand(3, row.entry)) << row.typed;
+    EXPECT_EQ(mouse().macroReport(3)[5], row.count - 1) << row.typed;
+    press("okBtn");
+    EXPECT_EQ(stored().KeyBit[1], row.count);
+    endSaying();
+  }
+}
+
+TEST_F(MacroAssign, AStoredCountThatTheMouseCannotCountIsShownAndKeptAsTheNearest) {
+  for (const std::uint32_t stale : {0U, 255U, 300U, 0xFFFFFFFFU}) {
+    openPanel(3, macroButton(5, 2, stale));
+    const std::uint32_t nearest = stale == 0 ? 1 : 254;
+    EXPECT_EQ(textOf(countShown()), "× " + std::to_string(nearest));
+    press("okBtn");
+    EXPECT_EQ(stored().KeyBit[1], nearest);
+  }
+}
+
+TEST_F(MacroAssign, TheCountGoesWithItsRepeatMode) {
+  openPanel(3, macroButton(5, 2, 17));
+  EXPECT_EQ(textOf(countShown()), "× 17");
+  EXPECT_EQ(countShown().accessibleName(), "Repeat count");
+  chooseRepeat("Repeat While Pressed");
+  EXPECT_FALSE(countShown().isVisible());
+  EXPECT_EQ(sub().macroCount(), 17U);
+}
+
+TEST_F(MacroAssign, SaysThatNoMacroIsChosenAndWhatApplyThenDid) {
+  for (const bool byKey : {false, true}) {
+    openPanel(3, full(2, 1));
+    ASSERT_TRUE(note().isVisible());
+    EXPECT_EQ(textOf(note()), "No macro chosen: the button will do nothing");
+    EXPECT_EQ(note().accessibleName(), "No macro chosen: the button will do nothing");
+    press("applyBtn");
+    EXPECT_EQ(said(), "No macro chosen: the button will do nothing");
+    EXPECT_EQ(sent().back(), buttonCommand(3, "ff00000d0e"));
+    if (byKey) {
+      in("tkeySelBtn").setFocus(Qt::TabFocusReason);
+      hitKey(in("tkeySelBtn"), Qt::Key_Space);
+      ASSERT_NE(openList(), nullptr);
+      hitKey(*openList(), Qt::Key_Down);
+      hitKey(*openList(), Qt::Key_Return);
+      process();
+    } else {
+      chooseMacro("Five");
+    }
+    EXPECT_FALSE(note().isVisible());
+    press("applyBtn");
+    EXPECT_EQ(said(), "");
+  }
+}
+
+TEST_F(MacroAssign, CloseSaysWhatAnIncompleteAssignmentWillDo) {
+  openPanel(3, full(2, 1));
+  press("okBtn");
+  EXPECT_EQ(said(), "No macro chosen: the button will do nothing");
+}
+
+TEST_F(MacroAssign, SaysThatTheNameIsTooLongOrSharedAndIsCompleteAllTheSame) {
+  addMacro(8, std::string(22, 'a'));
+  addMacro(9, "Twin");
+  addMacro(10, "Twin");
+  openPanel(3, macroButton(8));
+  EXPECT_EQ(textOf(note()), "This name is longer than the mouse keeps (21 letters)");
+  EXPECT_TRUE(note().isVisible());
+  press("applyBtn");
+  EXPECT_EQ(said(), "");
+  openPanel(3, macroButton(10));
+  EXPECT_EQ(textOf(note()), "Two macros have this name");
+  EXPECT_TRUE(note().isVisible());
+  openPanel(3, macroButton(5));
+  EXPECT_FALSE(note().isVisible());
+}
+
+TEST_F(MacroAssign, ChoosingAnImportedMacroGivesNoOther) {
+  addMacro(0, "Beta", {{11, 0, 0}, {11, 1, 0}});
+  addMacro(0, "Gamma", {{5, 0, 0}, {5, 1, 0}});
+  ASSERT_TRUE(NerinAction::saveMenuList());
+  openPanel(3, full(2, 1));
+  chooseMacro("Gamma");
+  press("applyBtn");
+  // The usage of the letter G.
+  EXPECT_EQ(mouse().macroReport(3)[52], 0x0A);
+  press("okBtn");
+  EXPECT_NE(stored().MacroID, 0U);
+  const _BTN_INFO kept = stored();
+  openPanel(3, kept);
+  EXPECT_EQ(macroTitle(), "Gamma");
+  NerinAction::macroStore->macroListArrs.clear();
+  NerinAction::initMenuList();
+  EXPECT_EQ(NerinAction::getMacroNameById(static_cast<std::int32_t>(kept.MacroID)), "Gamma");
 }
 
 TEST_F(MacroAssign, EveryOtherEndKeepsTheCount) {

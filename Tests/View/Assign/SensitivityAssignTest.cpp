@@ -1,5 +1,6 @@
 // Assigning a DPI function to a button.
 
+#include <QLabel>
 #include <QTest>
 #include <cstring>
 
@@ -9,6 +10,7 @@
 #include "Kit/Widgets/LXImageView.h"
 #include "Kit/Widgets/LXMenulist.h"
 #include "Kit/Widgets/LXProgressBar.h"
+#include "Kit/Widgets/LXTextField.h"
 #include "Tests/Support/EditorTest.h"
 #include "View/Assign/SubSensitivityView.h"
 #include "View/Assign/SubSensitivityViewSub.h"
@@ -211,6 +213,21 @@ TEST_F(SensitivityAssign, TheBoxSwitchesBetweenTheSliders) {
   EXPECT_EQ(editor().yValue(), 31U);
 }
 
+TEST_F(SensitivityAssign, CheckingTheBoxStartsBothAxesFromTheCommonValue) {
+  openPanel(3, dpi(1));
+  move("dpiPro");
+  clickThroughWindow(box());
+  EXPECT_EQ(editor().xValue(), 65U);
+  EXPECT_EQ(editor().yValue(), 65U);
+  press("okBtn");
+  EXPECT_TRUE(isSame(stored(), dpi(1, 65, 65)));
+  openPanel(3, dpi(1));
+  box().setFocus();
+  hitKey(box(), Qt::Key_Space);
+  EXPECT_EQ(editor().xValue(), 64U);
+  EXPECT_EQ(editor().yValue(), 64U);
+}
+
 TEST_F(SensitivityAssign, TheEditorItselfStartsAt5000) {
   QWidget parent;
   auto* alone = new SubSensitivityViewSub(&parent);
@@ -288,4 +305,20 @@ TEST_F(SensitivityAssign, TheWindowOfTheLevelsGoesWithTheWindowUnderIt) {
   hitKey(levelsButton(), Qt::Key_Space);
   EXPECT_EQ(modals(), 1);
   EXPECT_FALSE(isOpen());
+}
+
+TEST_F(SensitivityAssign, SaysThatNoFunctionIsChosenAndWhatApplyThenDid) {
+  const char* text = "No function chosen: nothing changes";
+  _BTN_INFO other = dpi(1);
+  other.FuncID = 77;
+  openPanel(3, other);
+  auto& note = partOf<LXTextField>(sub(), "noteTxt");
+  ASSERT_TRUE(note.isVisible());
+  EXPECT_EQ(textOf(note), text);
+  press("applyBtn");
+  EXPECT_EQ(part<QLabel>("statusText").text(), text);
+  chooseFunction("Show DPI");
+  EXPECT_FALSE(note.isVisible());
+  press("applyBtn");
+  EXPECT_EQ(part<QLabel>("statusText").text(), "");
 }

@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QTest>
 
 #include "Kit/Widgets/LXTextField.h"
 #include "Tests/Kit/Desktop/NativeEvent.h"
@@ -22,7 +24,9 @@ enum Key : std::uint32_t {
   KeyLeftAlt = 56,
   KeySpace = 57,
   KeyCapsLock = 58,
+  KeyF4 = 62,
   KeyRightCtrl = 97,
+  KeyPrint = 99,
   KeyRightAlt = 100,
   KeyMute = 113,
   KeyLeftSuper = 125,
@@ -49,7 +53,18 @@ class SingleKeyTest : public AssignTest {
   LXTextField& display(const char* name) { return partOf<LXTextField>(sub(), name); }
   std::string newKey() { return textOf(display("newKeyEdt")); }
   std::string current() { return textOf(display("oldKeyEdt")); }
-  bool saysThatItCannotBeSent() { return display("noteTxt").isVisible(); }
+  bool saysThatItCannotBeSent() { return note() == "The mouse cannot send this key"; }
+  // Empty while it is hidden.
+  std::string note() { return display("noteTxt").isVisible() ? textOf(display("noteTxt")) : ""; }
+  std::string hint() {
+    auto& label = partOf<QLabel>(sub(), "hintTxt");
+    return label.isVisible() ? label.text().toStdString() : "";
+  }
+  void clickField() {
+    const QPoint inside = sub().mapTo(&host(), display("newKeyEdt").geometry().center());
+    QTest::mouseClick(host().windowHandle(), Qt::LeftButton, {}, inside);
+    process();
+  }
 
   // Sends a key like the window system: to the focused widget.
   static void down(std::uint32_t key, bool isRepeat = false) {

@@ -211,15 +211,31 @@ TEST_F(DpiLevel, NothingIsLimitedWhileItIsTyped) {
 
 TEST_F(DpiLevel, WhatIsCommittedIsDividedAndThenLimited) {
   const std::vector<std::pair<const char*, std::uint32_t>> typed = {
-      {"1", 2},      {"99", 2},     {"100", 2},   {"149", 2},  {"150", 3},
-      {"1249", 24},  {"1250", 25},  {"", 2},      {"0000", 2}, {"8199", 163},
-      {"8200", 164}, {"8249", 164}, {"9999", 164}};
+      {"1", 2},     {"99", 2},   {"100", 2},    {"149", 2},    {"150", 3},    {"1249", 24},
+      {"1250", 25}, {"0000", 2}, {"8199", 163}, {"8200", 164}, {"8249", 164}, {"9999", 164}};
   for (const auto& [text, value] : typed) {
     type(field(), text);
     hitKey(field(), Qt::Key_Return);
     EXPECT_EQ(m_level->dpiValue(), value) << text;
     EXPECT_EQ(shown(), std::to_string(value * 50)) << text;
   }
+}
+
+TEST_F(DpiLevel, AClearedFieldGoesBackToItsValue) {
+  m_level->setDpiValue(24);
+  type(field(), "");
+  hitKey(field(), Qt::Key_Return);
+  EXPECT_EQ(shown(), "1200");
+  EXPECT_EQ(m_level->dpiValue(), 24U);
+  type(field(), "900");
+  hitKey(field(), Qt::Key_Return);
+  type(field(), "");
+  field().clearFocus();
+  EXPECT_EQ(shown(), "900");
+  EXPECT_EQ(m_level->dpiValue(), 18U);
+  type(field(), "");
+  hitKey(field(), Qt::Key_Up);
+  EXPECT_EQ(shown(), "950");
 }
 
 TEST_F(DpiLevel, LeavingTheFieldCommitsWhatWasChangedOnce) {

@@ -10,6 +10,7 @@
 #include "Tests/Support/EditorTest.h"
 #include "View/Dpi/LevelSettingView.h"
 #include "View/Windows/ModalWindow.h"
+#include "View/Windows/StatusLine.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -161,10 +162,12 @@ TEST_F(LevelSetting, CloseKeepsTheSettingsWithoutSending) {
 }
 
 TEST_F(LevelSetting, CancelSendsTheEditAgainAndKeepsTheProfile) {
-  EXPECT_EQ(run([](LXNoTitleWindow&, LevelSettingView& levels) {
+  QString said;
+  EXPECT_EQ(run([&](LXNoTitleWindow&, LevelSettingView& levels) {
               moveSlider(levels);
               pressIn(levels, "applyBtn");
               pressIn(levels, "cancelBtn");
+              said = partOf<StatusLine>(levels, "statusLine").text();
             }),
             0);
   const auto once = settingCommands(edited());
@@ -174,6 +177,8 @@ TEST_F(LevelSetting, CancelSendsTheEditAgainAndKeepsTheProfile) {
   EXPECT_TRUE(isSameProfile(editState->selProfile(), m_stored));
   EXPECT_TRUE(isSameProfile(editState->currFWProfile(), m_stored));
   EXPECT_THAT(told(), IsEmpty());
+  EXPECT_EQ(said, "The mouse keeps the DPI settings you tried. Apply gives it the profile's own");
+  EXPECT_TRUE(editState->isNeedSave());
 }
 
 // Values that were not saved are not in the working copy.

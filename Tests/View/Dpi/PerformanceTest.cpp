@@ -10,6 +10,7 @@
 #include "Kit/Widgets/LXProgressBar.h"
 #include "Tests/Support/EditorTest.h"
 #include "View/Dpi/PerformanceView.h"
+#include "View/Windows/StatusLine.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -38,6 +39,7 @@ class Performance : public EditorTest {
     clearTrace();
   }
   PerformanceView& performance() { return *m_performance; }
+  std::string said() { return part<StatusLine>("statusLine").text().toStdString(); }
   LXProgressBar& lift() { return part<LXProgressBar>("liftPro"); }
   LXNumberTextField& field(int number) {
     return partOf<LXNumberTextField>(
@@ -308,6 +310,47 @@ TEST_F(Performance, CancelAfterApplyLeavesTheLevelsOnTheMouse) {
   const auto image = mouse().imageReport(mouse().activeSlot());
   EXPECT_EQ(image[4], 4);
   EXPECT_EQ(image[13], 60);
+}
+
+TEST_F(Performance, CancelSaysWhatTheMouseKeepsAndLeavesTheProfileToBeApplied) {
+  editState->clearNeedSave();
+  openWindow();
+  edit();
+  press("applyBtn");
+  EXPECT_EQ(said(), "");
+  EXPECT_FALSE(editState->isNeedSave());
+  press("cancelBtn");
+  EXPECT_EQ(said(), "The mouse keeps the DPI settings you tried. Apply gives it the profile's own");
+  EXPECT_TRUE(editState->isNeedSave());
+  EXPECT_TRUE(isStoredAsBefore());
+}
+
+TEST_F(Performance, CancelOfAnUntouchedWindowLeavesNothingToApply) {
+  editState->clearNeedSave();
+  openWindow();
+  press("applyBtn");
+  press("rate125Btn");
+  press("cancelBtn");
+  EXPECT_EQ(said(), "");
+  EXPECT_FALSE(editState->isNeedSave());
+}
+
+TEST_F(Performance, ACancelThatTheMouseDidNotTakeSaysThat) {
+  editState->clearNeedSave();
+  openWindow();
+  edit();
+  mouse().detach();
+  press("cancelBtn");
+  EXPECT_EQ(said(), "The mouse did not take all of it. Try again");
+  EXPECT_FALSE(editState->isNeedSave());
+  mouse().attach();
+  openWindow();
+  edit();
+  press("applyBtn");
+  mouse().detach();
+  press("cancelBtn");
+  EXPECT_EQ(said(), "The mouse did not take all of it. Try again");
+  EXPECT_TRUE(editState->isNeedSave()) << "the trial before is still there";
 }
 
 TEST_F(Performance, ClosingTheWindowInAnotherWayCancels) {

@@ -1,6 +1,8 @@
 // Picking a zone's color in the field, the brightness, the bar, the numbers and the recent colors.
 
 #include <QAbstractButton>
+#include <QApplication>
+#include <QKeyEvent>
 #include <QTest>
 
 #include <gmock/gmock.h>
@@ -35,10 +37,10 @@ class LightPicker : public LightTest {
     QTest::mouseClick(widget.window()->windowHandle(), Qt::LeftButton, {}, placeIn(widget, x, y));
     process();
   }
-  static void expectNear(const QColor& one, const QColor& other) {
-    EXPECT_NEAR(one.red(), other.red(), 1);
-    EXPECT_NEAR(one.green(), other.green(), 1);
-    EXPECT_NEAR(one.blue(), other.blue(), 1);
+  static void expectNear(const QColor& one, const QColor& other, int apart = 1) {
+    EXPECT_NEAR(one.red(), other.red(), apart);
+    EXPECT_NEAR(one.green(), other.green(), apart);
+    EXPECT_NEAR(one.blue(), other.blue(), apart);
   }
   std::vector<std::string> numbers() {
     std::vector<std::string> all;
@@ -51,7 +53,9 @@ class LightPicker : public LightTest {
     std::vector<QAbstractButton*> all;
     for (auto* swatch :
          part<RecentColorsView>("recentColorsView").findChildren<QAbstractButton*>()) {
-      all.push_back(swatch);
+      if (swatch->isVisible()) {
+        all.push_back(swatch);
+      }
     }
     return all;
   }
@@ -280,6 +284,91 @@ TEST_F(LightPicker, TheBarGivesWhatItShowsUnderThePointer) {
   }
 }
 
+TEST_F(LightPicker, TheBarAnswersAlsoWhereItsKnobStands) {
+  openZone();
+  // The knob of a dark color stands at its hue.
+  light().colorPanel().setSelColor(LightTest::stored(0, 0, 60));
+  const QPoint knob = bar().mapTo(&host(), bar().indicateRect().center());
+  const int place = bar().value();
+  QTest::mouseClick(host().windowHandle(), Qt::LeftButton, {}, knob);
+  EXPECT_EQ(bar().value(), place);
+  const _LightColorInfo& bright = color(0);
+  EXPECT_EQ(std::max({bright.cR, bright.cG, bright.cB}), 255U);
+  // So do the keys that cannot move it any further.
+  light().colorPanel().setSelColor(LightTest::stored(90, 90, 90));
+  ASSERT_EQ(bar().value(), 0);
+  hitKey(bar(), Qt::Key_Home);
+  expectColor(color(0), 0, 0, 0);
+  light().colorPanel().setSelColor(LightTest::stored(200, 200, 200));
+  ASSERT_EQ(bar().value(), bar().maximum());
+  hitKey(bar(), Qt::Key_End);
+  expectColor(color(0), 255, 255, 255);
+}
+
+TEST_F(LightPicker, TheKnobOfTheBarFollowsTheColorAndTheLight) {
+  openZone();
+  const QImage picture(QStringLiteral(NERIN_RESOURCES "/ColorBar.png"));
+  for (const int place : {0, 13, 60, 150, 235, 265}) {
+    light().colorPanel().setSelColor(LightColor::of(picture.pixelColor(20, place)));
+    EXPECT_EQ(bar().value(), place);
+  }
+  // A color beside the bar has the place of its hue, as dark or pale as it is.
+  clickIn(field(), 0.5, 0.5);
+  clickIn(brightness(), 0.4, 0.5);
+  expectNear(picture.pixelColor(20, bar().value()), QColor(0, 255, 255), 6);
+  clickIn(brightness(), 0, 0.5);
+  EXPECT_EQ(bar().value(), 0);
+  light().colorPanel().setSelColor({0, 1, 0});
+  press("reProfileLightBtn");
+  light().colorPanel().setSelColor({0, 0, 1});
+  press("midLightBtn");
+  expectNear(picture.pixelColor(20, bar().value()), QColor(0, 255, 0), 6);
+  press("reProfileLightTagBtn");
+  expectNear(picture.pixelColor(20, bar().value()), QColor(0, 0, 255), 6);
+}
+
+TEST_F(LightPicker, ADragIsOneChangeFromTheColorAtItsPress) {
+  openZone();
+  QWindow* window = host().windowHandle();
+  for (QWidget* widget : {static_cast<QWidget*>(&field()), static_cast<QWidget*>(&brightness()),
+                          static_cast<QWidget*>(&bar())}) {
+    const LightColor before = light().afterColor();
+    QTest::mousePress(window, Qt::LeftButton, {}, placeIn(*widget, 0.3, 0.4));
+    for (const double at : {0.4, 0.6, 0.8}) {
+      QTest::mouseMove(window, placeIn(*widget, at, 0.3));
+      EXPECT_NE(light().afterColor(), before);
+      EXPECT_EQ(light().beforeColor(), before);
+      EXPECT_EQ(part<LXColorView>("beforeColorView").color(), before.shown());
+    }
+    QTest::mouseRelease(window, Qt::LeftButton, {}, placeIn(*widget, 0.8, 0.3));
+    EXPECT_EQ(light().beforeColor(), before);
+    EXPECT_EQ(light().historyColorDir().at("bColor0"), before);
+  }
+  const LightColor last = light().afterColor();
+  clickIn(field(), 0.1, 0.1);
+  EXPECT_EQ(light().beforeColor(), last);
+}
+
+TEST_F(LightPicker, AHeldKeyIsOneChangeFromTheColorAtItsPress) {
+  openZone();
+  for (QWidget* widget : {static_cast<QWidget*>(&field()), static_cast<QWidget*>(&brightness()),
+                          static_cast<QWidget*>(&part<LXNumberTextField>("greenTxt"))}) {
+    clickIn(brightness(), 0.5, 0.5);
+    const LightColor before = light().afterColor();
+    widget->setFocus();
+    for (int i = 0; i < 4; ++i) {
+      QKeyEvent held(QEvent::KeyPress, Qt::Key_Up, Qt::NoModifier, QString(), i > 0);
+      QCoreApplication::sendEvent(widget, &held);
+      EXPECT_NE(light().afterColor(), before);
+      EXPECT_EQ(light().beforeColor(), before) << i;
+    }
+    QTest::keyRelease(widget, Qt::Key_Up);
+    const LightColor last = light().afterColor();
+    hitKey(*widget, Qt::Key_Down);
+    EXPECT_EQ(light().beforeColor(), last);
+  }
+}
+
 TEST_F(LightPicker, NumbersAreTakenWithinTheirLimits) {
   openZone();
   struct Part {
@@ -299,6 +388,16 @@ TEST_F(LightPicker, NumbersAreTakenWithinTheirLimits) {
   hitKey(number, Qt::Key_Down);
   hitKey(number, Qt::Key_Return);
   expectColor(color(0), 255, 254, 255);
+}
+
+TEST_F(LightPicker, AClearedNumberGoesBackToItsValue) {
+  openZone();
+  for (const char* name : {"redTxt", "greenTxt", "blueTxt"}) {
+    type(part<LXNumberTextField>(name), "");
+    hitKey(part<LXNumberTextField>(name), Qt::Key_Return);
+  }
+  EXPECT_THAT(numbers(), ElementsAre("10", "20", "30", "0A141E"));
+  expectColor(color(0), 10, 20, 30);
 }
 
 TEST_F(LightPicker, ACodeIsSixDigits) {
@@ -375,4 +474,36 @@ TEST_F(LightPicker, ACancelledColorIsForgotten) {
   press("cancelBtn");
   openZone();
   EXPECT_EQ(recent()[0]->accessibleName(), "#6D6D6D");
+}
+
+TEST_F(LightPicker, ARecentColorIsReachedAndChosenByKey) {
+  forgetColors();
+  openZone();
+  press("logoLightBtn");
+  // The order of the Tab key goes from the numbers over the recent colors to the buttons.
+  auto& code = part<LXTextField>("hexTxt");
+  code.setFocus();
+  QTest::keyClick(&host(), Qt::Key_Tab);
+  ASSERT_EQ(QApplication::focusWidget(), recent()[0]);
+  hitKey(*recent()[0], Qt::Key_Return);
+  expectColor(color(2), 0x6D, 0x6D, 0x6D);
+  hitKey(*recent()[0], Qt::Key_Right);
+  hitKey(*recent()[1], Qt::Key_Down);
+  ASSERT_EQ(QApplication::focusWidget(), recent()[2]);
+  hitKey(*recent()[2], Qt::Key_Space);
+  expectColor(color(2), 0x6B, 0x6B, 0x6B);
+  hitKey(*recent()[2], Qt::Key_End);
+  hitKey(*recent()[9], Qt::Key_Right);
+  ASSERT_EQ(QApplication::focusWidget(), recent()[9]);
+  hitKey(*recent()[9], Qt::Key_Enter);
+  expectColor(color(2), 0x64, 0x64, 0x64);
+  // One stop of the Tab key, and the focus comes back to where it was.
+  QTest::keyClick(recent()[9], Qt::Key_Tab);
+  EXPECT_EQ(QApplication::focusWidget(), &control("applyBtn"));
+  QTest::keyClick(&control("applyBtn"), Qt::Key_Backtab);
+  EXPECT_EQ(QApplication::focusWidget(), recent()[9]);
+  hitKey(*recent()[9], Qt::Key_Home);
+  hitKey(*recent()[0], Qt::Key_Left);
+  EXPECT_EQ(QApplication::focusWidget(), recent()[0]);
+  EXPECT_EQ(part<RecentColorsView>("recentColorsView").accessibleName(), "Recent colors");
 }

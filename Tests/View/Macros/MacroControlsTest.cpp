@@ -43,6 +43,7 @@ const Row controlRows[] = {
     {"delKeyBtn", 208, "Delete", "0 2"},
     {"insertKeyBtn", 209, "Insert instructions in macro", ""},
     {"toolsBtn", 230, "Tools for lines", ""},
+    {"testBtn", 231, "Test what the mouse will send", ""},
     {"keyUpBtn", 210, "Move instruction line up", "1 0 2"},
     {"keyDownBtn", 211, "Move instruction line down", "0 2 1"},
     {"autoDelayChk", 212, "Detect the delay time automatically", ""},

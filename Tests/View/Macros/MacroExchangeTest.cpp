@@ -262,6 +262,18 @@ TEST_F(MacroExchange, ImportedMacrosAreWithoutANumberAndWithoutALimit) {
   EXPECT_THAT(NerinAction::macroStore->macroListArrs, SizeIs(102));
 }
 
+TEST_F(MacroExchange, ImportedMacrosGetNumbersOfTheirOwnWhenTheyAreSaved) {
+  addMacro(7, "Seven");
+  open();
+  for (const char* base : {"one", "two"}) {
+    ASSERT_TRUE(LXAction::SaveObject(MacroInfo(), file(std::string(base) + ".mac")));
+    import(file(std::string(base) + ".mac"));
+  }
+  press("applyBtn");
+  EXPECT_EQ(NerinAction::getMacroByName("one")->macroId(), 8);
+  EXPECT_EQ(NerinAction::getMacroByName("two")->macroId(), 9);
+}
+
 TEST_F(MacroExchange, FilesWithoutAMacroAreIgnored) {
   ASSERT_TRUE(LXAction::SaveObject(MacroKeyInfo(1, 2, 3), file("event.mac")));
   fs::create_directory(file("folder.mac"));

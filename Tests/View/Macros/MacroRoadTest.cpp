@@ -6,10 +6,10 @@
 #include <gmock/gmock.h>
 
 #include "Action/Catalogue/MacroCatalogue.h"
+#include "MacroPlayer/MacroPlayback.h"
 #include "Tests/Kit/Desktop/NativeEvent.h"
 #include "Tests/Support/EditorTest.h"
 #include "View/Macros/MacroView.h"
-#include "VirtualMouse/MacroPlayback.h"
 
 using testing::ElementsAreArray;
 using testing::IsEmpty;

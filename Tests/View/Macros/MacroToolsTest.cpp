@@ -123,6 +123,20 @@ TEST_F(MacroToolsTest, LinesAreDuplicatedBehindThemselves) {
   EXPECT_EQ(commands()[6]->keyCode(), 2);
 }
 
+TEST_F(MacroToolsTest, OpenForTheRowsThatAreChosenTogether) {
+  openTools(5);
+  hitKey(field("firstRowTxt"), Qt::Key_Escape);
+  select(1);
+  table().setFocus();
+  QTest::keyClick(&table(), Qt::Key_Down, Qt::ShiftModifier);
+  QTest::keyClick(&table(), Qt::Key_Down, Qt::ShiftModifier);
+  press("toolsBtn");
+  EXPECT_EQ(textOf(field("firstRowTxt")), "2");
+  EXPECT_EQ(textOf(field("lastRowTxt")), "4");
+  enter("pausesTxt", "77");
+  EXPECT_THAT(pauses(), ElementsAre(0, 77, 77, 77, 20));
+}
+
 TEST_F(MacroToolsTest, AMacroIsNotDuplicatedBeyondItsLimit) {
   openTools(39);
   EXPECT_FALSE(tool("duplicateBtn").isEnabled());

@@ -1,5 +1,6 @@
 // The time strip, the fields of the selected command, the keys of the table, and undo.
 
+#include <QAccessible>
 #include <QLabel>
 #include <QTest>
 
@@ -81,6 +82,26 @@ TEST_F(MacroWorkbenchTest, TheStripShowsKeysAndPausesToScale) {
   EXPECT_EQ(strip().timeline().spanOf(4)->release, MacroTimeline::none);
 }
 
+TEST_F(MacroWorkbenchTest, AScreenReaderHearsTheNumbersAndSelectsCommands) {
+  openOnChord();
+  const auto* length = QAccessible::queryAccessibleInterface(&part<QLabel>("lengthTxt"));
+  EXPECT_EQ(length->text(QAccessible::Name), "Length: 1000 ms");
+  std::vector<std::string> heard;
+  for (const auto* label : editor().findChildren<QLabel*>()) {
+    heard.push_back(label->accessibleName().toStdString());
+  }
+  EXPECT_THAT(heard, testing::IsSupersetOf({"Events: 5 / 40", "Memory: 20 / 2000"}));
+  auto* commandTable = QAccessible::queryAccessibleInterface(&table())->tableInterface();
+  ASSERT_NE(commandTable, nullptr);
+  ASSERT_TRUE(commandTable->selectRow(3));
+  EXPECT_EQ(row(), 3);
+  EXPECT_EQ(textOf(pauseField()), "500");
+  EXPECT_EQ(editor().selKeyInfo(), commands()[3]);
+  QAccessible::queryAccessibleInterface(&part<LXTextField>("macroNameTxt"))
+      ->setText(QAccessible::Value, QStringLiteral("Combo"));
+  EXPECT_EQ(editor().currMacroInfo()->nameStr(), "Combo");
+}
+
 TEST_F(MacroWorkbenchTest, WithoutPausesEveryCommandHasAPlace) {
   openOn(4, 0);
   EXPECT_EQ(length(), "0 ms");
@@ -132,6 +153,51 @@ TEST_F(MacroWorkbenchTest, TableAndStripSelectTheSameCommand) {
   hitKey(strip(), Qt::Key_Home);
   EXPECT_EQ(row(), 0);
   EXPECT_EQ(editor().selKeyInfo(), commands()[0]);
+}
+
+TEST_F(MacroWorkbenchTest, ShiftChoosesRowsTogetherInTableAndStrip) {
+  openOnChord();
+  const auto chosen = [this] {
+    std::string rows;
+    const auto& model = *qobject_cast<MacroCommandModel*>(table().model());
+    for (int i = 0; i < model.rowCount(); ++i) {
+      rows += model.isChosen(i) ? 'x' : '.';
+    }
+    return rows;
+  };
+  const auto clickRow = [this](int row, Qt::KeyboardModifiers modifiers) {
+    QTest::mouseClick(table().viewport(), Qt::LeftButton, modifiers, {40, 20 * row + 10});
+  };
+  clickRow(3, {});
+  EXPECT_EQ(chosen(), "...x.");
+  clickRow(1, Qt::ShiftModifier);
+  EXPECT_EQ(chosen(), ".xxx.");
+  EXPECT_EQ(row(), 1);
+  EXPECT_EQ(strip().accessibleDescription(), "Press B, 100 ms / 1000 ms, From line 2 to line 4");
+  clickRow(1, {});  // the selected row alone, again
+  EXPECT_EQ(chosen(), ".x...");
+  QTest::keyClick(&strip(), Qt::Key_Right, Qt::ShiftModifier);
+  QTest::keyClick(&strip(), Qt::Key_End, Qt::ShiftModifier);
+  EXPECT_EQ(chosen(), ".xxxx");
+  hit(Qt::Key_Up, Qt::ShiftModifier);
+  EXPECT_EQ(chosen(), ".xxx.");
+  hit(Qt::Key_Up);
+  EXPECT_EQ(chosen(), "..x..");
+  EXPECT_EQ(strip().accessibleDescription(), "Release A, 200 ms / 1000 ms");
+  // By dragging along the strip.
+  const int y = strip().height() - 3;
+  const auto xOf = [this](int of) { return static_cast<int>(strip().barOf(of).left()) + 2; };
+  QTest::mousePress(&strip(), Qt::LeftButton, {}, {xOf(0), y});
+  const QPointF end(strip().width() - 8, y);
+  QMouseEvent move(QEvent::MouseMove, end, strip().mapToGlobal(end), Qt::NoButton, Qt::LeftButton,
+                   {});
+  QCoreApplication::sendEvent(&strip(), &move);
+  QTest::mouseRelease(&strip(), Qt::LeftButton, {}, end.toPoint());
+  EXPECT_EQ(chosen(), "xxxxx");
+  EXPECT_EQ(row(), 4);
+  // An edit leaves only the command that it was made in.
+  hit(Qt::Key_Delete);
+  EXPECT_EQ(chosen(), "...x");
 }
 
 TEST_F(MacroWorkbenchTest, ThePauseOfTheSelectedCommandIsTyped) {

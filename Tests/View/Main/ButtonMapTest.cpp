@@ -227,3 +227,33 @@ TEST_F(ButtonMap, HoveringRepaintsTheButtonAndItsLineOnly) {
   EXPECT_LE(line.boundingRect().width(), size.width());
   EXPECT_LE(line.boundingRect().height(), size.height());
 }
+
+TEST_F(ButtonMap, ACaptionWithTheKeyboardDrawsItsLineAndLightsItsMarker) {
+  QApplication::setActiveWindow(&window());
+  for (const Marker& one : topMarkers) {
+    button(one.caption).setFocus(Qt::TabFocusReason);
+    expectLine(*m_top, "MainView1_Line" + std::to_string(one.pair));
+    EXPECT_THAT(lit(*m_top), UnorderedElementsAre(one.marker));
+  }
+  button("WhellUpBtn").setFocus(Qt::TabFocusReason);
+  expectLine(*m_top, "MainView1_Line2");
+  EXPECT_THAT(lit(*m_top), UnorderedElementsAre("WhellTagBtn"));
+  button("applyBtn").setFocus(Qt::TabFocusReason);
+  button("menuBtn").setFocus(Qt::TabFocusReason);
+  expectNoLine(*m_top);
+}
+
+TEST_F(ButtonMap, ThePointerShowsItsOwnPairAndGivesTheFocusedOneBack) {
+  QApplication::setActiveWindow(&window());
+  button("leftClickBtn").setFocus(Qt::TabFocusReason);
+  hover(button("rightBtn"));
+  expectLine(*m_top, "MainView1_Line5");
+  leave(button("rightBtn"));
+  expectLine(*m_top, "MainView1_Line1");
+}
+
+TEST_F(ButtonMap, ACaptionThatWasClickedDrawsNoLineOnceThePointerIsGone) {
+  QApplication::setActiveWindow(&window());
+  button("leftClickBtn").setFocus(Qt::MouseFocusReason);
+  expectNoLine(*m_top);
+}

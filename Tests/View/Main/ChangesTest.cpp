@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 
 #include "Action/Edit/Drafts.h"
+#include "Kit/Widgets/LXProgressBar.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "Tests/Support/ViewTest.h"
 #include "View/Main/ChangesList.h"
@@ -85,6 +86,45 @@ TEST_F(WindowChanges, AreListedByARightClickOnApply) {
   EXPECT_EQ(words[0], "Lift-off height: 9 instead of " + std::to_string(m_lift));
   EXPECT_THAT(words[1], StartsWith("Thumb button 2: Disable instead of "));
   EXPECT_TRUE(editState->isNeedSave()) << "nothing is applied by it";
+}
+
+TEST_F(WindowChanges, OfATrialAreThatApplyGivesTheMouseTheProfilesOwnLevels) {
+  lift(9);
+  click("applyBtn");
+  ASSERT_FALSE(button("applyBtn").isEnabled());
+  const auto held = [this] {
+    const auto image = mouse().imageReport(mouse().activeSlot());
+    return Bytes(image.begin(), image.end());
+  };
+  const auto applied = held();
+  click("preformanceBtn");
+  const auto childButton = [this](const char* name) {
+    return child()->findChild<LXButton*>(QString::fromLatin1(name));
+  };
+  auto* slider = child()->findChild<LXProgressBar*>(QStringLiteral("dpiPro"));
+  QTest::keyClick(slider, Qt::Key_Right);
+  clickThroughWindow(*childButton("applyBtn"));
+  clickThroughWindow(*childButton("cancelBtn"));
+  ASSERT_EQ(child(), nullptr);
+  EXPECT_EQ(status(),
+            "The mouse keeps the DPI settings you tried. Apply gives it the profile's own");
+  EXPECT_NE(held(), applied);
+  ASSERT_TRUE(button("applyBtn").isEnabled());
+  clickThroughWindow(arrow());
+  EXPECT_THAT(rows(), testing::IsEmpty());
+  QStringList shown;
+  for (const QLabel* label : list().findChildren<QLabel*>()) {
+    shown.append(label->text());
+  }
+  EXPECT_TRUE(shown.contains(
+      QStringLiteral("Nothing is changed, but the mouse may have other settings. Apply writes "
+                     "these again")))
+      << shown.join(u'|').toStdString();
+  hit(Qt::Key_Escape);
+  clickThroughWindow(button("applyBtn"));
+  EXPECT_EQ(held(), applied);
+  EXPECT_FALSE(button("applyBtn").isEnabled());
+  EXPECT_FALSE(NerinAction::hasDraft(0));
 }
 
 TEST_F(WindowChanges, AreListedByTheArrowBesideApply) {
@@ -254,6 +294,17 @@ TEST_F(WindowChanges, AreInTheLanguageOfTheUser) {
   view().showChanges();
   EXPECT_THAT(rows(), ElementsAre(HasSubstr(" statt ")));
   EXPECT_EQ(takeBackBtn(1)->text(), QStringLiteral("Zurücknehmen"));
+}
+
+TEST_F(WindowChanges, TheOpenListStandsInTheTreeOfAScreenReader) {
+  lift(m_lift + 1);
+  auto* apply = QAccessible::queryAccessibleInterface(&button("applyBtn"));
+  EXPECT_EQ(apply->childCount(), 0);
+  arrow().click();
+  ASSERT_EQ(apply->childCount(), 1);
+  EXPECT_EQ(apply->child(0)->object(), &list());
+  hit(Qt::Key_Escape);
+  EXPECT_EQ(apply->childCount(), 0);
 }
 
 TEST_F(WindowChanges, ADifferenceCanBeReadByScreenReaders) {

@@ -7,7 +7,9 @@
 
 #include <gmock/gmock.h>
 
+#include "Action/Device/DeviceLink.h"
 #include "Action/NerinAction.h"
+#include "Kit/Core/ObservedDeviceRequester.h"
 #include "Tests/Support/ViewTest.h"
 #include "View/Windows/Termination.h"
 #include "View/Windows/TransferProgress.h"
@@ -214,4 +216,35 @@ TEST_F(Transfer, AMouseThatAnswersNonsenseStopsNothing) {
     EXPECT_EQ(editState->isNeedSave(), kind == MouseScenario::Kind::Absent);
     EXPECT_EQ(button("applyBtn").isEnabled(), kind == MouseScenario::Kind::Absent);
   }
+}
+
+TEST_F(Transfer, EveryTransferOfEveryWindowHasTheWaitCursor) {
+  start();
+  int transfers = 0;
+  int unseen = 0;
+  const auto mouse = *NerinAction::sysDeviceReq;
+  *NerinAction::sysDeviceReq = std::make_shared<ObservedDeviceRequester>(
+      mouse, ObservedDeviceRequester::Observer{
+                 [&](const LXDeviceRequest&) {
+                   const QCursor* cursor = QApplication::overrideCursor();
+                   ++transfers;
+                   unseen += cursor == nullptr || cursor->shape() != Qt::WaitCursor ? 1 : 0;
+                 },
+                 nullptr});
+  for (const char* opener : {"preformanceBtn", "lightOptionBtn", "WhellBtn"}) {
+    click(opener);
+    ASSERT_NE(child(), nullptr) << opener;
+    for (const char* end : {"applyBtn", "cancelBtn"}) {
+      child()->findChild<LXButton*>(QString::fromLatin1(end))->click();
+    }
+    process();
+  }
+  click("battleModeBtn");
+  click("profile3Btn");
+  click("profileNewBtn");
+  click("applyBtn");
+  EXPECT_GT(transfers, 30);
+  EXPECT_EQ(unseen, 0);
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+  *NerinAction::sysDeviceReq = mouse;
 }

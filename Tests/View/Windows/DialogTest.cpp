@@ -260,3 +260,39 @@ TEST_F(Dialog, APlainQuestionIsAnsweredByItsButtons) {
   onBox([](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); });
   EXPECT_FALSE(real.chooseInfoMessage("Replace it?"));
 }
+
+// A key that was pressed before the window opened and is still down.
+void holdKey(QWidget& widget, Qt::Key key) {
+  for (int i = 0; i < 3; ++i) {
+    QKeyEvent repeat(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
+    QApplication::sendEvent(&widget, &repeat);
+  }
+}
+
+TEST_F(Dialog, AKeyThatIsHeldAnswersNoQuestion) {
+  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape, Qt::Key_Space}) {
+    bool isOpen = false;
+    EXPECT_FALSE(answer(true, [&](LXNoTitleWindow& window, PopDialogView& dialog) {
+      holdKey(*dialog.okBtn(), key);
+      holdKey(dialog, key);
+      isOpen = window.isVisible();
+      dialog.cancelBtn()->click();
+    }));
+    EXPECT_TRUE(isOpen) << key;
+  }
+}
+
+TEST_F(Dialog, AKeyThatIsHeldEndsNoPlainMessage) {
+  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+    bool isOpen = false;
+    onBox([&](QMessageBox& box) {
+      holdKey(*box.button(QMessageBox::Ok), key);
+      holdKey(box, key);
+      isOpen = box.isVisible();
+      QTest::keyClick(box.button(QMessageBox::Ok), Qt::Key_Return);
+      EXPECT_FALSE(box.isVisible());
+    });
+    realPlatform(nullptr, nullptr).showInfoMessage("Profile data destruction");
+    EXPECT_TRUE(isOpen) << key;
+  }
+}

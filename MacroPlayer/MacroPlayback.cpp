@@ -1,4 +1,4 @@
-#include "VirtualMouse/MacroPlayback.h"
+#include "MacroPlayer/MacroPlayback.h"
 
 #include <algorithm>
 #include <array>
