@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QtMath>
 #include <algorithm>
 
 #include "Action/Device/DeviceSettings.h"
@@ -73,15 +74,32 @@ QRect litPartOf(const QPixmap& picture) {
       lit |= QRect(QPoint(first, y), QPoint(last, y));
     }
   }
-  const int ratio = qRound(picture.devicePixelRatio());
-  return lit.isEmpty() ? QRect()
-                       : QRect(QPoint(lit.left() / ratio, lit.top() / ratio),
-                               QPoint(lit.right() / ratio, lit.bottom() / ratio));
+  if (lit.isEmpty()) {
+    return {};
+  }
+  // At every quarter of a scale, a multiple of four lies between two pixels.
+  constexpr int step = 4;
+  const qreal size = step * picture.devicePixelRatio();
+  const auto floor = [size](int pixel) { return qFloor(pixel / size) * step; };
+  const auto ceil = [size](int pixel) { return qCeil(pixel / size) * step; };
+  const QPoint first(floor(lit.left()), floor(lit.top()));
+  return {first, QSize(ceil(lit.right() + 1) - first.x(), ceil(lit.bottom() + 1) - first.y())};
 }
 
 double distance(const LightColor& one, const LightColor& other) {
   return std::abs(one.red - other.red) + std::abs(one.green - other.green) +
          std::abs(one.blue - other.blue);
+}
+
+LXImage tinted(const LXImage& light, const QColor& color) {
+  return LXImage([light, color](qreal ratio) {
+    QPixmap picture = light.pixmap(ratio);
+    QPainter tint(&picture);
+    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    tint.fillRect(picture.rect(), color);
+    tint.end();
+    return LXImage::Loaded{picture, light.size()};
+  });
 }
 
 QRect inside(const Artwork::Frame& frame, const Artwork::Frame& parent) {
@@ -96,11 +114,9 @@ void LightView::initData() {
   setImageByName(QStringLiteral("LightOptionView_Normal.png"));
   for (int zone = 1; zone <= zones; ++zone) {
     const auto index = static_cast<std::size_t>(zone - 1);
-    const QPixmap picture = pictures::load(QStringLiteral("LightZone%1.png").arg(zone)).pixmap();
-    const QRect lit = litPartOf(picture);
-    const int ratio = qRound(picture.devicePixelRatio());
-    m_lights[index] =
-        lit.isEmpty() ? QPixmap() : picture.copy(QRect(lit.topLeft() * ratio, lit.size() * ratio));
+    const QString name = QStringLiteral("LightZone%1.png").arg(zone);
+    const QRect lit = litPartOf(pictures::load(name).pixmap());
+    m_lights[index] = pictures::load(name).slice(lit);
     m_lightPlaces[index] = lit.translated(frameRect(frames::stageView).topLeft());
   }
   m_barColors = barColorsOf(pictures::load(QStringLiteral("ColorBar.png")).pixmap());
@@ -513,11 +529,8 @@ void LightView::drawLights(QPainter& painter) {
     }
     if (const QColor color = colors[i].shown(); m_tinted[i].isNull() || m_tints[i] != color) {
       m_tints[i] = color;
-      m_tinted[i] = m_lights[i];
-      QPainter tint(&m_tinted[i]);
-      tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
-      tint.fillRect(m_tinted[i].rect(), color);
+      m_tinted[i] = tinted(m_lights[i], color);
     }
-    painter.drawPixmap(m_lightPlaces[i].topLeft(), m_tinted[i]);
+    m_tinted[i].draw(painter, m_lightPlaces[i].topLeft());
   }
 }

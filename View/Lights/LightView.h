@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QPixmap>
 #include <array>
 #include <cstdint>
 #include <map>
@@ -120,10 +119,10 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   std::array<LXImageView*, zoneCount> m_lines{};
   std::array<QRect, zoneCount> m_btnColorRect{};
   // Of the pictures of the lights, the parts that are not transparent, and where they lie.
-  std::array<QPixmap, zoneCount> m_lights;
+  std::array<LXImage, zoneCount> m_lights;
   std::array<QRect, zoneCount> m_lightPlaces{};
   // The lights in the colors that were drawn last.
-  std::array<QPixmap, zoneCount> m_tinted;
+  std::array<LXImage, zoneCount> m_tinted;
   std::array<QColor, zoneCount> m_tints;
   LXSetpPanelObj* m_lightSetp = nullptr;
   LXSetpPanelObj* m_lightTagSetp = nullptr;

@@ -60,10 +60,10 @@ void TimeStrip::say() {
     return;
   }
   const auto row = static_cast<std::size_t>(m_row);
-  const QString here =
-      QStringLiteral("%1 / %2").arg(MacroCommandModel::milliseconds(m_timeline.starts[row]),
-                                    MacroCommandModel::milliseconds(m_timeline.length));
-  QString words = MacroCommandModel::describe(*(*m_commands)[row]) + QStringLiteral(", ") + here;
+  QString words = QStringLiteral("%1, %2 / %3")
+                      .arg(MacroCommandModel::describe(*(*m_commands)[row]),
+                           MacroCommandModel::milliseconds(m_timeline.starts[row]),
+                           MacroCommandModel::milliseconds(m_timeline.length));
   if (m_firstChosen < m_lastChosen) {
     words += QStringLiteral(", %1 %2 %3 %4")
                  .arg(NerinAction::tooltipText("From line"), QString::number(m_firstChosen + 1),

@@ -350,12 +350,12 @@ TEST_F(KeyCaptureAssign, SaysHowToBeginAndHowToLeave) {
   EXPECT_EQ(sub().accessibleDescription().toStdString(), hint());
   EXPECT_EQ(sub().accessibleName(), "Keyboard key");
   clickField();
-  EXPECT_EQ(hint(), "Press a key. Esc twice or a click elsewhere ends this");
+  EXPECT_EQ(hint(), "Press a key. Esc twice or a click elsewhere ends this.");
   EXPECT_EQ(sub().accessibleDescription().toStdString(), hint());
   tap(KeyEsc, Qt::Key_Escape);
-  EXPECT_EQ(hint(), "Esc again ends this and keeps K. Esc is also in the list");
+  EXPECT_EQ(hint(), "Esc again ends this and keeps K. Esc is also in the list.");
   tap(KeyEqual);
-  EXPECT_EQ(hint(), "Press a key. Esc twice or a click elsewhere ends this");
+  EXPECT_EQ(hint(), "Press a key. Esc twice or a click elsewhere ends this.");
   EXPECT_EQ(note(), "The mouse cannot send this key");
   press("applyBtn");
   EXPECT_EQ(hint(), "");

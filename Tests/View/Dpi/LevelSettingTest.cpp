@@ -177,7 +177,7 @@ TEST_F(LevelSetting, CancelSendsTheEditAgainAndKeepsTheProfile) {
   EXPECT_TRUE(isSameProfile(editState->selProfile(), m_stored));
   EXPECT_TRUE(isSameProfile(editState->currFWProfile(), m_stored));
   EXPECT_THAT(told(), IsEmpty());
-  EXPECT_EQ(said, "The mouse keeps the DPI settings you tried. Apply gives it the profile's own");
+  EXPECT_EQ(said, "The mouse keeps the DPI settings you tried. Apply gives it the profile's own.");
   EXPECT_TRUE(editState->isNeedSave());
 }
 

@@ -320,7 +320,8 @@ TEST_F(Performance, CancelSaysWhatTheMouseKeepsAndLeavesTheProfileToBeApplied) {
   EXPECT_EQ(said(), "");
   EXPECT_FALSE(editState->isNeedSave());
   press("cancelBtn");
-  EXPECT_EQ(said(), "The mouse keeps the DPI settings you tried. Apply gives it the profile's own");
+  EXPECT_EQ(said(),
+            "The mouse keeps the DPI settings you tried. Apply gives it the profile's own.");
   EXPECT_TRUE(editState->isNeedSave());
   EXPECT_TRUE(isStoredAsBefore());
 }
@@ -341,7 +342,7 @@ TEST_F(Performance, ACancelThatTheMouseDidNotTakeSaysThat) {
   edit();
   mouse().detach();
   press("cancelBtn");
-  EXPECT_EQ(said(), "The mouse did not take all of it. Try again");
+  EXPECT_EQ(said(), "The mouse did not take all of it. Try again.");
   EXPECT_FALSE(editState->isNeedSave());
   mouse().attach();
   openWindow();
@@ -349,7 +350,7 @@ TEST_F(Performance, ACancelThatTheMouseDidNotTakeSaysThat) {
   press("applyBtn");
   mouse().detach();
   press("cancelBtn");
-  EXPECT_EQ(said(), "The mouse did not take all of it. Try again");
+  EXPECT_EQ(said(), "The mouse did not take all of it. Try again.");
   EXPECT_TRUE(editState->isNeedSave()) << "the trial before is still there";
 }
 

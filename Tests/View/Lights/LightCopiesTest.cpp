@@ -65,7 +65,7 @@ TEST_F(LightCopies, AColorGoesFromLightToLightByKey) {
   open();
   copy("midLightBtn");
   EXPECT_EQ(clipboard(), "#0A141E");
-  EXPECT_EQ(said(), "Copied: #0A141E. Ctrl+V gives it to another light");
+  EXPECT_EQ(said(), "Copied: #0A141E. Ctrl+V gives it to another light.");
   EXPECT_EQ(light().currSelectedIndex(), 0) << "copying changes nothing";
   paste("leftLightTagBtn");
   EXPECT_THAT(colors(), ElementsAre("#0a141e", "#28323c", "#46505a", "#0a141e"));
@@ -115,7 +115,7 @@ TEST_F(LightCopies, ATextThatIsNoColorIsNotPasted) {
     statusline::clear();
     paste("midLightBtn");
     EXPECT_EQ(colors(), opened) << text;
-    EXPECT_EQ(said(), "There is no color to paste. Copy one with Ctrl+C first") << text;
+    EXPECT_EQ(said(), "There is no color to paste. Copy one with Ctrl+C first.") << text;
   }
   setClipboard(std::string(100000, '1').c_str());
   paste("midLightBtn");
@@ -127,7 +127,7 @@ TEST_F(LightCopies, AllLightsGoFromSlotToSlot) {
   press("midLightBtn");
   copyAll("midLightBtn");
   EXPECT_EQ(clipboard(), "#0A141E #28323C #46505A #646E78");
-  EXPECT_EQ(said(), "Copied: all lights. Ctrl+V gives them to another slot");
+  EXPECT_EQ(said(), "Copied: all lights. Ctrl+V gives them to another slot.");
   press("cancelBtn");
   open();
   for (int i = 0; i < 4; ++i) {
@@ -149,7 +149,7 @@ TEST_F(LightCopies, OneColorIsUsedForAllLightsFromTheMenu) {
   chooseEntry("useForAllLights");
   EXPECT_FALSE(menu().isVisible());
   EXPECT_THAT(colors(), testing::Each("#46505a"));
-  EXPECT_EQ(said(), "All lights have this color. Ctrl+Z takes it back");
+  EXPECT_EQ(said(), "All lights have this color. Ctrl+Z takes it back.");
   // The swatches of the chosen light, and the history of the others.
   EXPECT_EQ(light().currSelectedIndex(), 2);
   EXPECT_EQ(light().beforeColor(), stored(40, 50, 60));

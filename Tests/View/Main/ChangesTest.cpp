@@ -107,7 +107,7 @@ TEST_F(WindowChanges, OfATrialAreThatApplyGivesTheMouseTheProfilesOwnLevels) {
   clickThroughWindow(*childButton("cancelBtn"));
   ASSERT_EQ(child(), nullptr);
   EXPECT_EQ(status(),
-            "The mouse keeps the DPI settings you tried. Apply gives it the profile's own");
+            "The mouse keeps the DPI settings you tried. Apply gives it the profile's own.");
   EXPECT_NE(held(), applied);
   ASSERT_TRUE(button("applyBtn").isEnabled());
   clickThroughWindow(arrow());
@@ -118,7 +118,7 @@ TEST_F(WindowChanges, OfATrialAreThatApplyGivesTheMouseTheProfilesOwnLevels) {
   }
   EXPECT_TRUE(shown.contains(
       QStringLiteral("Nothing is changed, but the mouse may have other settings. Apply writes "
-                     "these again")))
+                     "these again.")))
       << shown.join(u'|').toStdString();
   hit(Qt::Key_Escape);
   clickThroughWindow(button("applyBtn"));

@@ -54,7 +54,7 @@ bool isKey(const QString& text) {
 }
 
 // What stands outside of the marks, without what is the same everywhere.
-QStringList strangers(QString text) {
+QStringList strangers(QString text, bool mayBeKey = false) {
   static const QRegularExpression lookedUp(
       openMark + QStringLiteral("[^%1%2]*").arg(openMark, closeMark) + closeMark);
   // From the inside out: a text may be filled into another.
@@ -65,7 +65,7 @@ QStringList strangers(QString text) {
   static const QRegularExpression color(QStringLiteral("#[0-9A-F]{6}"));
   // Keys are named as they are engraved, some with what a PC has there: "F14 (Scroll Lock)".
   static const QRegularExpression separator(QStringLiteral("^[\\s:]+"));
-  if (isKey(text.remove(separator).trimmed().section(QStringLiteral(" ("), 0, 0))) {
+  if (mayBeKey && isKey(text.remove(separator).trimmed().section(QStringLiteral(" ("), 0, 0))) {
     return {};
   }
   static const QRegularExpression newProfile(QStringLiteral("NewPF_[0-9]+"));
@@ -118,8 +118,11 @@ class LookedUp : public AssignTest {
       if (m_older.contains(widget)) {
         continue;
       }
+      const bool mayBeKey = qobject_cast<const LXButton*>(widget) != nullptr ||
+                            qobject_cast<const QLineEdit*>(widget) != nullptr ||
+                            qobject_cast<const QAbstractItemView*>(widget) != nullptr;
       for (const QString& text : textsOf(*widget)) {
-        if (!strangers(text).isEmpty()) {
+        if (!strangers(text, mayBeKey).isEmpty()) {
           found.insert(widget->objectName().toStdString() + " (" +
                        widget->metaObject()->className() + "): " + text.toStdString());
         }
