@@ -3,6 +3,7 @@
 import contextlib
 import io
 import os
+import shutil
 import sys
 import tempfile
 import unittest
@@ -233,13 +234,13 @@ class Shipped(unittest.TestCase):
     FOLDER = os.path.join(ROOT, "Resources", "Texts")
 
     def testTheLanguagesAreInLineWithTheTemplate(self):
+        names = [name for name in os.listdir(self.FOLDER)
+                 if os.path.isfile(os.path.join(self.FOLDER, name))]
         with tempfile.TemporaryDirectory() as folder:
-            for name in os.listdir(self.FOLDER):
-                with open(os.path.join(self.FOLDER, name), "rb") as source, \
-                        open(os.path.join(folder, name), "wb") as copy:
-                    copy.write(source.read())
+            for name in names:
+                shutil.copy(os.path.join(self.FOLDER, name), folder)
             updater.updateAll(folder)
-            for name in os.listdir(self.FOLDER):
+            for name in names:
                 with open(os.path.join(self.FOLDER, name), "rb") as shipped, \
                         open(os.path.join(folder, name), "rb") as updated:
                     self.assertEqual(shipped.read(), updated.read(),
