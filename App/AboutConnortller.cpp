@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Pictures.h"
@@ -51,27 +52,33 @@ AboutConnortller::AboutConnortller() : m_window(aboutSize) {
   rows->setContentsMargins(margin, margin, margin, margin);
   rows->setSpacing(margin / 3);
   rows->addWidget(label(QStringLiteral("NerinOption"), titleSize, QFont::DemiBold, "#F2F4F7"));
-  rows->addWidget(
-      label(NerinAction::tooltipText("Version") + u' ' + QCoreApplication::applicationVersion(),
-            textSize, QFont::Normal, "#9AA3B2"));
-  rows->addWidget(label(NerinAction::tooltipText("Configures the Corvex NERIN gaming mouse."),
-                        textSize, QFont::Normal, "#9AA3B2"));
+  m_version = label({}, textSize, QFont::Normal, "#9AA3B2");
+  m_line = label({}, textSize, QFont::Normal, "#9AA3B2");
+  rows->addWidget(m_version);
+  rows->addWidget(m_line);
   rows->addStretch();
-  auto* close = new QPushButton(NerinAction::tooltipText("Close"));
-  close->setObjectName(QStringLiteral("closeBtn"));
-  close->setDefault(true);
-  close->setAutoDefault(true);
-  close->setMinimumSize(112, 40);
-  QObject::connect(close, &QPushButton::clicked, &m_window, &QWidget::close);
-  rows->addWidget(close, 0, Qt::AlignRight);
+  m_close = new QPushButton;
+  m_close->setObjectName(QStringLiteral("closeBtn"));
+  m_close->setDefault(true);
+  m_close->setAutoDefault(true);
+  m_close->setMinimumSize(112, 40);
+  QObject::connect(m_close, &QPushButton::clicked, &m_window, &QWidget::close);
+  rows->addWidget(m_close, 0, Qt::AlignRight);
   m_window.setObjectName(QStringLiteral("About"));
-  m_window.setWindowTitle(NerinAction::tooltipText("About NerinOption"));
   m_window.setContentView(content);
   m_window.setIsCanDrag(true);
   m_window.setDragHeight(dragStrip);
   m_window.setClosesOnEscape(true);
   m_window.setWindowModality(Qt::ApplicationModal);
   m_window.setWindowDelegate(this);
+}
+
+void AboutConnortller::showTexts() {
+  m_version->setText(NerinAction::tooltipText("Version") + u' ' +
+                     QCoreApplication::applicationVersion());
+  m_line->setText(NerinAction::tooltipText("Configures the Corvex NERIN gaming mouse."));
+  m_close->setText(NerinAction::tooltipText("Close"));
+  m_window.setWindowTitle(NerinAction::tooltipText("About NerinOption"));
 }
 
 void AboutConnortller::runModal(const QWidget* over) {
@@ -82,6 +89,12 @@ void AboutConnortller::runModal(const QWidget* over) {
   const NestedLoop scope;
   QEventLoop loop;
   m_loop = &loop;
+  showTexts();
+  if (over != nullptr) {
+    // Window managers keep it in front of the window that it belongs to.
+    m_window.winId();
+    m_window.windowHandle()->setTransientParent(over->window()->windowHandle());
+  }
   m_window.center(over);
   m_window.show();
   loop.exec();

@@ -23,6 +23,12 @@ class AboutConnortller : public LXWindowDelegate {
  private:
   class Content;
 
+  // Says the texts in the language of now.
+  void showTexts();
+
   LXNoTitleWindow m_window;
+  class QLabel* m_version = nullptr;
+  class QLabel* m_line = nullptr;
+  class QPushButton* m_close = nullptr;
   class QEventLoop* m_loop = nullptr;
 };

@@ -40,7 +40,7 @@ if("${program}" IS_NEWER_THAN "${tests}" OR "${CMAKE_CURRENT_LIST_FILE}" IS_NEWE
     string(REGEX REPLACE "\\.\\*$" "" test "${entry}")
     string(APPEND content
            "add_test(\"${test}\" \"${program}\" \"--gtest_filter=${entry}\")\n"
-           "set_tests_properties(\"${test}\" PROPERTIES TIMEOUT 300)\n")
+           "set_tests_properties(\"${test}\" PROPERTIES TIMEOUT 900)\n")
   endforeach()
   file(WRITE "${tests}" "${content}")
 endif()

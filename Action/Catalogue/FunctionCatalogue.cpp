@@ -57,6 +57,21 @@ void loadMenu(NerinAction::MenuRoot& root, const pugi::xml_node& section, bool i
   NerinAction::initMenuPro(*root, section, isTooltip);
 }
 
+void loadSection(CatalogueFile& file, const char* name, void (*load)(const pugi::xml_node&)) {
+  if (const pugi::xml_node section = file.section(name)) {
+    load(section);
+  }
+}
+
+void loadFunctionMenus(CatalogueFile& file) {
+  loadSection(file, "MacroInsertMenu", NerinAction::initMacroInsertMenulist);
+  loadSection(file, "KeyAssignMenu", NerinAction::initKeyAssignMenulist);
+  loadSection(file, "SingleMenu", NerinAction::initSingleMenulist);
+  loadSection(file, "MacroRepeatMenu", NerinAction::initRepeatMenulist);
+  loadSection(file, "SensitivityMenu", NerinAction::initSensitivityMenulist);
+  loadSection(file, "LevelMenu", NerinAction::initLevelMenulist);
+}
+
 std::string textOfKey(const std::string& key) {
   return LXAction::getNonullStr(TooltipManager::shareTooltipManager().getTooltip(key));
 }
@@ -107,19 +122,17 @@ void NerinAction::initMenuList() {
   if (!file.load()) {
     return;
   }
-  const auto load = [&](const char* name, void (*loadSection)(const pugi::xml_node&)) {
-    if (const pugi::xml_node section = file.section(name)) {
-      loadSection(section);
-    }
-  };
-  load("MacroList", initMacroList);
+  loadSection(file, "MacroList", initMacroList);
   macromerge::remember();
-  load("MacroInsertMenu", initMacroInsertMenulist);
-  load("KeyAssignMenu", initKeyAssignMenulist);
-  load("SingleMenu", initSingleMenulist);
-  load("MacroRepeatMenu", initRepeatMenulist);
-  load("SensitivityMenu", initSensitivityMenulist);
-  load("LevelMenu", initLevelMenulist);
+  loadFunctionMenus(file);
+}
+
+void NerinAction::reloadFunctionMenus() {
+  CatalogueFile file;
+  if (file.load()) {
+    *functionMenus = {};
+    loadFunctionMenus(file);
+  }
 }
 
 void NerinAction::initMacroInsertMenulist(const pugi::xml_node& section) {

@@ -35,6 +35,8 @@ inline ProcessWide<FunctionMenus> functionMenus;
 // Loads the menus and the macros. Copies the file that came with the program into the support
 // folder first when there is none. A file that is not XML leaves everything empty.
 void initMenuList();
+// Loads the menus again, in the language of now. The macros stay as they are.
+void reloadFunctionMenus();
 void initMacroInsertMenulist(const pugi::xml_node& section);
 void initKeyAssignMenulist(const pugi::xml_node& section);
 void initSingleMenulist(const pugi::xml_node& section);

@@ -6,6 +6,9 @@
 namespace preferencekeys {
 
 inline constexpr const char* osd = "OSDTag";
+// The code of the chosen language, such as "pt-BR"; absent or empty for that of the system. The
+// service needs no language.
+inline constexpr const char* language = "Language";
 inline constexpr const char* linkApp = "LinkApp";
 
 // The number is 1..10 for the link record of a slot and starts at 0 inside "LinkApp".

@@ -5,6 +5,7 @@
 
 #include <pugixml.hpp>
 
+#include "Action/Texts/Language.h"
 #include "Action/Texts/UserCatalogue.h"
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXLogger.h"
@@ -13,18 +14,6 @@
 namespace {
 
 constexpr const char* catalogueFile = "Tooltip.xml";
-
-struct LanguageName {
-  const char* code;
-  const char* name;
-};
-
-constexpr LanguageName languageNames[] = {
-    {"en", "US"},       {"zh-Hant", "TC"}, {"zh-Hans", "SC"}, {"cs", "Czech"},
-    {"fr", "French"},   {"de", "German"},  {"el", "Greek"},   {"it", "Italian"},
-    {"ja", "Japanese"}, {"ko", "Korean"},  {"pl", "Polish"},  {"pt-BR", "Portuguese(Brazil)"},
-    {"ru", "Russian"},  {"es", "Spanish"}, {"tr", "Turkish"},
-};
 
 ProcessWide<std::unique_ptr<TooltipManager>> sharedManager;
 
@@ -73,7 +62,8 @@ void TooltipManager::releaseTooltipManager() {
 
 TooltipManager::TooltipManager() {
   initData();
-  setLanByname(getSysLanName());
+  const auto chosen = language::chosen();
+  setLanByname(chosen ? language::ofCode(*chosen)->name : getSysLanName());
 }
 
 void TooltipManager::initData() {
@@ -110,18 +100,15 @@ void TooltipManager::initData() {
 }
 
 std::optional<std::string> TooltipManager::getSysLanName() {
-  const std::string code = LXAction::getSysLanName().value_or("en");
-  const auto* found =
-      std::find_if(std::begin(languageNames), std::end(languageNames),
-                   [&](const LanguageName& language) { return language.code == code; });
-  return found != std::end(languageNames) ? std::optional<std::string>(found->name) : std::nullopt;
+  const auto* found = language::ofCode(LXAction::getSysLanName().value_or("en"));
+  return found != nullptr ? std::optional<std::string>(found->name) : std::nullopt;
 }
 
 std::optional<std::string> TooltipManager::codeOfLan(const std::string& name) {
-  const auto* found =
-      std::find_if(std::begin(languageNames), std::end(languageNames),
-                   [&](const LanguageName& language) { return language.name == name; });
-  return found != std::end(languageNames) ? std::optional<std::string>(found->code) : std::nullopt;
+  const auto languages = language::all();
+  const auto found = std::find_if(languages.begin(), languages.end(),
+                                  [&](const auto& language) { return language.name == name; });
+  return found != languages.end() ? std::optional<std::string>(found->code) : std::nullopt;
 }
 
 void TooltipManager::setLanByname(const std::optional<std::string>& name) {

@@ -17,7 +17,7 @@ class TooltipManager {
   // Destroys the manager; the next call loads the file again.
   static void releaseTooltipManager();
 
-  // Loads the file and chooses the system's language.
+  // Loads the file and chooses the user's language, see Language.h, or else the system's.
   TooltipManager();
   TooltipManager(const TooltipManager&) = delete;
   TooltipManager& operator=(const TooltipManager&) = delete;

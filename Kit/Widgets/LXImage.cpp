@@ -7,7 +7,12 @@
 #include <utility>
 #include <vector>
 
+#include "Kit/Core/ProcessWide.h"
+
 namespace {
+
+// Pictures of an older edition are loaded again.
+ProcessWide<int> currentEdition;
 
 // Of a scaled length, for what is left of a fraction after multiplying.
 constexpr qreal roundingError = 1e-6;
@@ -74,14 +79,16 @@ struct LXImage::Source {
   QSize size;
   qreal ratio = 0;  // of the screen that the pixmaps are for; 0 for one that is given as it is
   std::vector<Part> parts;
+  int edition = *currentEdition;
   bool isLoaded = false;
 
-  // Forgets what was loaded for a screen of another scale.
+  // Forgets what was loaded for a screen of another scale, or with other words.
   void useRatio(qreal newRatio) {
-    if (!load || qFuzzyCompare(ratio, newRatio)) {
+    if (!load || (qFuzzyCompare(ratio, newRatio) && edition == *currentEdition)) {
       return;
     }
     ratio = newRatio;
+    edition = *currentEdition;
     if (isLoaded) {
       whole = QPixmap();
       isLoaded = false;
@@ -144,6 +151,10 @@ LXImage::LXImage(const QPixmap& pixmap)
     m_source->size = pixmap.deviceIndependentSize().toSize();
     m_source->isLoaded = true;
   }
+}
+
+void LXImage::reloadAll() {
+  ++*currentEdition;
 }
 
 bool LXImage::isLoaded() const {

@@ -39,6 +39,8 @@ class LXImage {
   LXImage slice(const QRect& rect, bool isExpected = true) const;
   // Marks the slice as one that will be drawn after all.
   void expect() const;
+  // Lets all pictures be loaded again when they are next drawn: their words have changed.
+  static void reloadAll();
   // The picture as a pixmap for a screen of that scale; 0 stands for the finest screen.
   QPixmap pixmap(qreal ratio = 0) const;
   void draw(QPainter& painter, const QPoint& position) const;

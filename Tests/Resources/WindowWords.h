@@ -95,6 +95,10 @@ inline constexpr WindowWord pictureWords[] = {
 // own English text.
 inline constexpr const char* plainWords[] = {
     "Menu",
+    "Language",
+    "System",
+    "%1 (no font for its letters)",
+    "No installed font has the letters of your language.",
     "About NerinOption",
     "Help",
     "Web page",

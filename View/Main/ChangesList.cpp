@@ -78,9 +78,6 @@ void addValue(QHBoxLayout& row, const QString& text, const std::optional<QColor>
 ChangesList::ChangesList(QWidget* parent)
     : QFrame(parent, Qt::Popup), m_scroll(new QScrollArea(this)) {
   setObjectName(QStringLiteral("changesList"));
-  const QString heading = NerinAction::tooltipText("What would Apply change?");
-  setWindowTitle(heading);
-  setAccessibleName(heading);
   // The button that opened the list closes it by the same click.
   setAttribute(Qt::WA_NoMouseReplay);
   setStyleSheet(QStringLiteral(
@@ -96,10 +93,10 @@ ChangesList::ChangesList(QWidget* parent)
       "QPushButton:focus { border: 2px solid #F2F4F7; }"));
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(margin, margin, margin, margin);
-  auto* head = label(heading, bright, QFont::DemiBold, listWidth - 2 * margin);
-  head->setFont(pictures::font(headType, QFont::DemiBold));
-  head->setText(heading);
-  column->addWidget(head);
+  m_heading = label({}, bright, QFont::DemiBold, listWidth - 2 * margin);
+  m_heading->setFont(pictures::font(headType, QFont::DemiBold));
+  showTexts();
+  column->addWidget(m_heading);
   m_scroll->setObjectName(QStringLiteral("changesScroll"));
   m_scroll->setFocusPolicy(Qt::NoFocus);
   m_scroll->setFrameShape(QFrame::NoFrame);
@@ -107,6 +104,13 @@ ChangesList::ChangesList(QWidget* parent)
   m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   column->addWidget(m_scroll);
   setFixedWidth(listWidth);
+}
+
+void ChangesList::showTexts() {
+  const QString heading = NerinAction::tooltipText("What would Apply change?");
+  setWindowTitle(heading);
+  setAccessibleName(heading);
+  m_heading->setText(heading);
 }
 
 QWidget* ChangesList::rowOf(const Row& row, int index) {

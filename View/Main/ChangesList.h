@@ -30,6 +30,8 @@ class ChangesList : public QFrame {
 
   explicit ChangesList(QWidget* parent);
 
+  // Says the heading in the language of now.
+  void showTexts();
   // Shows the rows, or else the words that say why there are none. The focus stays at its row, or
   // goes to the last one.
   void fill(const std::vector<Row>& rows, const QString& none);
@@ -48,6 +50,7 @@ class ChangesList : public QFrame {
   QWidget* rowOf(const Row& row, int index);
   int focusedRow() const;
 
+  class QLabel* m_heading;
   QScrollArea* m_scroll;
   std::vector<QWidget*> m_buttons;
 };

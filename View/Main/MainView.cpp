@@ -19,6 +19,7 @@
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXLogger.h"
 #include "Kit/Core/LXPlatform.h"
+#include "View/Main/LanguageMenu.h"
 #include "View/Main/MainSubView1.h"
 #include "View/Main/MainSubView2.h"
 #include "View/Main/MainViewTags.h"
@@ -55,7 +56,7 @@ void MainView::initData() {
   NerinAction::getSysPath();
   // The log file needs the support folder.
   LXAction::setLoggerHasFile(true);
-  TooltipManager::shareTooltipManager();
+  m_isLanguageUnreadable = !LanguageMenu::canReadLanguage();
   NerinAction::initMenuList();
   m_areMacrosBack = NerinAction::restoreMacroDraft();
   ProfieController::getShareProCon();
@@ -74,6 +75,10 @@ void MainView::refreshData() {
     editState->clearNeedSave();
   }
   refreshApplyBtn();
+  if (m_isLanguageUnreadable && m_statusLine->text().isEmpty()) {
+    statusline::say(
+        NerinAction::tooltipText("No installed font has the letters of your language."));
+  }
   if (std::exchange(m_areMacrosBack, false) && m_statusLine->text().isEmpty()) {
     statusline::say(NerinAction::tooltipText("Your edits are back."));
   }

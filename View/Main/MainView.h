@@ -27,6 +27,7 @@ class LXTextField;
 class MainSubView1;
 class MainSubView2;
 class ProgressLine;
+class LanguageMenu;
 class QPushButton;
 
 // The root of the pop-up menu of library profiles, created once and refilled.
@@ -131,6 +132,8 @@ class MainView : public TavImageView,
   // --- The application menu, help and the end ----------------------------------------------
 
   QMenu& applicationMenu() { return m_menu; }
+  // Speaks another language from now on, in everything that is shown; none for the system's.
+  void changeLanguage(const std::optional<std::string>& code);
   void refreshOsdMenu();
   void osdClick();
   void menuNeedsUpdate();
@@ -167,6 +170,8 @@ class MainView : public TavImageView,
   void initTabOrder();
   void initShortcuts();
   void initStatus();
+  // The texts that no control brings along, in the language of now.
+  void showTexts();
 
   void selectSlot(int newIndex, int oldIndex);
   void selectMode(int newIndex, int oldIndex);
@@ -239,7 +244,12 @@ class MainView : public TavImageView,
   std::array<QWidget*, slotTabs> m_draftMarks{};
   std::unique_ptr<LXMenulist> m_profileList;
   QMenu m_menu;
+  QAction* m_aboutMenu = nullptr;
   QAction* m_osdMenu = nullptr;
+  QAction* m_webMenu = nullptr;
+  QAction* m_helpMenu = nullptr;
+  QAction* m_quitMenu = nullptr;
+  std::unique_ptr<LanguageMenu> m_languageMenu;
   LXSetpPanelObj* m_profileStep = nullptr;
   LXSetpPanelObj* m_modeStep = nullptr;
   LXSetpPanelObj* m_subViewStep = nullptr;
@@ -258,6 +268,8 @@ class MainView : public TavImageView,
   // The latest slot that was reported and not yet shown; slotTabs for none.
   std::atomic<std::int32_t> m_reportedSlot = slotTabs;
   bool m_areMacrosBack = false;
+  // The texts are English because no font has the letters of the user's language.
+  bool m_isLanguageUnreadable = false;
   // Written on the thread that delivers the service's reports.
   std::atomic<bool> m_isOutPlus = false;
   std::atomic<bool> m_isDevOnTag = false;

@@ -5,7 +5,11 @@
 #include <QShortcut>
 #include <QTimer>
 
+#include "Action/Catalogue/FunctionCatalogue.h"
+#include "Action/Texts/Language.h"
 #include "ArtworkFrames.h"
+#include "View/Main/ChangesList.h"
+#include "View/Main/LanguageMenu.h"
 #include "View/Main/MainSubView1.h"
 #include "View/Main/MainSubView2.h"
 #include "View/Main/MainView.h"
@@ -157,6 +161,7 @@ void MainView::initControls() {
   initStatus();
   initChanges();
   initTabOrder();
+  showTexts();
   m_progressBar = new ProgressLine(this);
   m_progressBar->setObjectName(QStringLiteral("progressBar"));
   m_progressBar->setGeometry(frameRect(frames::progressBar));
@@ -180,8 +185,6 @@ void MainView::initButtons() {
             ? addCheckBox(control.frame, control.tag, control.name, control.tooltipKey)
             : addButton(control.frame, control.tag, control.name, control.tooltipKey);
   }
-  // The tooltip is that of another button, but the picture says "OK".
-  m_okBtn->setAccessibleName(NerinAction::tooltipText("OK"));
   m_currProfileBtn->setBtnTextAlignment(Qt::AlignLeft);
   m_currProfileBtn->setLeftPad(captionLeftPad);
   m_currProfileBtn->setRightPad(captionRightPad);
@@ -196,8 +199,6 @@ void MainView::initNameField() {
       frameRect(frames::profileNameTxt).adjusted(nameFieldPad, 0, -nameFieldPad, 0), *this,
       nameType);
   m_profileNameTxt->setObjectName(QStringLiteral("profileNameTxt"));
-  m_profileNameTxt->setAccessibleName(NerinAction::tooltipText("Profile name"));
-  m_profileNameTxt->setToolTip(m_profileNameTxt->accessibleName());
   m_profileNameTxt->setTextColor(Qt::black);
   // They end the program, and what is half typed with it.
   for (LXButton* end : {m_closeBtn, m_cancelBtn}) {
@@ -241,20 +242,58 @@ void MainView::initStepPanels() {
 }
 
 void MainView::initMenu() {
-  m_menu.addAction(NerinAction::tooltipText("About NerinOption"), this, &MainView::aboutRequested)
-      ->setObjectName(QStringLiteral("aboutMenu"));
-  m_osdMenu = m_menu.addAction(QString(), this, &MainView::osdClick);
-  m_osdMenu->setObjectName(QStringLiteral("osdMenu"));
+  const auto add = [this](const char* name, auto act) {
+    QAction* action = m_menu.addAction(QString(), this, act);
+    action->setObjectName(QString::fromLatin1(name));
+    return action;
+  };
+  m_aboutMenu = add("aboutMenu", &MainView::aboutRequested);
+  m_osdMenu = add("osdMenu", &MainView::osdClick);
+  m_languageMenu = std::make_unique<LanguageMenu>(
+      m_menu, [this](const std::optional<std::string>& code) { changeLanguage(code); });
   m_menu.addSeparator();
-  m_menu.addAction(NerinAction::tooltipText("Web page"), this, &MainView::connectTtsSite)
-      ->setObjectName(QStringLiteral("webMenu"));
-  m_menu.addAction(NerinAction::tooltipText("Help"), this, &MainView::openHelpPro)
-      ->setObjectName(QStringLiteral("helpMenu"));
+  m_webMenu = add("webMenu", &MainView::connectTtsSite);
+  m_helpMenu = add("helpMenu", &MainView::openHelpPro);
   m_menu.addSeparator();
-  m_menu.addAction(NerinAction::tooltipText("Quit"), this, &MainView::closeAppPro)
-      ->setObjectName(QStringLiteral("quitMenu"));
+  m_quitMenu = add("quitMenu", &MainView::closeAppPro);
   m_menuBtn->setOpenedList(&m_menu);
   connect(&m_menu, &QMenu::aboutToShow, this, &MainView::menuNeedsUpdate);
+}
+
+void MainView::showTexts() {
+  // The tooltip is that of another button, but the picture says "OK".
+  m_okBtn->setAccessibleName(NerinAction::tooltipText("OK"));
+  m_profileNameTxt->setAccessibleName(NerinAction::tooltipText("Profile name"));
+  m_profileNameTxt->setToolTip(m_profileNameTxt->accessibleName());
+  const QString words = NerinAction::tooltipText("What would Apply change?");
+  m_changesBtn->setAccessibleName(words);
+  m_changesBtn->setToolTip(words);
+  m_changesList->showTexts();
+  m_aboutMenu->setText(NerinAction::tooltipText("About NerinOption"));
+  m_webMenu->setText(NerinAction::tooltipText("Web page"));
+  m_helpMenu->setText(NerinAction::tooltipText("Help"));
+  m_quitMenu->setText(NerinAction::tooltipText("Quit"));
+  m_languageMenu->showTexts();
+}
+
+void MainView::changeLanguage(const std::optional<std::string>& code) {
+  m_profileNameTxt->commit();
+  const bool isKept = language::choose(code);
+  NerinAction::reloadFunctionMenus();
+  // The words are drawn into the pictures.
+  LXImage::reloadAll();
+  NerinAction::refreshTooltips(*this);
+  showTexts();
+  m_profileList.reset();
+  refreshProfileMenu();
+  fillSettingData();
+  showTitle(m_currProfileBtn->title().isEmpty()
+                ? std::nullopt
+                : std::optional(m_currProfileBtn->title().toStdString()));
+  showDraftMarks();
+  statusline::clear();
+  statusline::tell(Outcome::of(SlotStep::SavePreferences, isKept));
+  update();
 }
 
 void MainView::initStatus() {
@@ -266,9 +305,6 @@ void MainView::initStatus() {
   m_changesBtn->setObjectName(QStringLiteral("changesBtn"));
   m_changesBtn->setGeometry(frames::applyBtn.x - changesGap - changesWidth, frames::applyBtn.y,
                             changesWidth, frames::applyBtn.height);
-  const QString words = NerinAction::tooltipText("What would Apply change?");
-  m_changesBtn->setAccessibleName(words);
-  m_changesBtn->setToolTip(words);
   for (std::size_t i = 0; i < m_draftMarks.size(); ++i) {
     auto* mark = new QWidget(m_profileBtns[i]);
     mark->setObjectName(QStringLiteral("draftMark%1").arg(i + 1));

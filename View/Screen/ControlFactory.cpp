@@ -11,6 +11,9 @@
 
 namespace {
 
+// The property of a button with the key of its tooltip.
+constexpr const char* textKey = "textKey";
+
 constexpr qreal captionSize = 12;
 constexpr int menuFontSize = 12;
 constexpr int listTitleLeftPad = 12;
@@ -178,5 +181,15 @@ QString NerinAction::tooltipText(const std::string& key) {
 void NerinAction::initTooltip(LXButton& button, const QString& name,
                               const std::string& tooltipKey) {
   button.setObjectName(name);
+  button.setProperty(textKey, QString::fromStdString(tooltipKey));
   button.setToolTip(tooltipText(tooltipKey));
+}
+
+void NerinAction::refreshTooltips(const QWidget& parent) {
+  for (LXButton* button : parent.findChildren<LXButton*>()) {
+    const QVariant key = button->property(textKey);
+    if (key.isValid()) {
+      button->setToolTip(tooltipText(key.toString().toStdString()));
+    }
+  }
 }

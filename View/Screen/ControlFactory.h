@@ -60,5 +60,7 @@ QString tooltipText(const std::string& key);
 
 // Sets the control's object name and its tooltip, which is also the text for screen readers.
 void initTooltip(LXButton& button, const QString& name, const std::string& tooltipKey);
+// Says the tooltips of all buttons in the widget again, in the language of now.
+void refreshTooltips(const QWidget& parent);
 
 }  // namespace NerinAction

@@ -19,6 +19,7 @@
 #include <pugixml.hpp>
 
 #include "Action/Catalogue/MacroCatalogue.h"
+#include "Action/Texts/Language.h"
 #include "Kit/Core/LXKey.h"
 #include "Tests/Support/EditorTest.h"
 #include "View/Macros/MacroView.h"
@@ -55,6 +56,13 @@ bool isKey(const QString& text) {
 
 // What stands outside of the marks, without what is the same everywhere.
 QStringList strangers(QString text, bool mayBeKey = false) {
+  // Languages by their own names, and the way back from a foreign one.
+  for (const auto& one : language::all()) {
+    if (text == QString::fromUtf8(one.ownName)) {
+      return {};
+    }
+  }
+  text.remove(QStringLiteral(" (Language)"));
   static const QRegularExpression lookedUp(
       openMark + QStringLiteral("[^%1%2]*").arg(openMark, closeMark) + closeMark);
   // From the inside out: a text may be filled into another.
