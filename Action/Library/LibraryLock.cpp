@@ -25,7 +25,7 @@ librarylock::Handle librarylock::acquire(std::chrono::milliseconds limit) {
   // The disk may be slow: the program stands still until the lock is let go.
   auto busy = std::make_shared<BusyLock>();
   busy->lock = FileLock::acquire(std::filesystem::path(NerinAction::getSysPath()) / ".lock", limit);
-  const Handle lock = busy->lock ? Handle(busy, busy->lock.get()) : nullptr;
+  Handle lock = busy->lock ? Handle(busy, busy->lock.get()) : nullptr;
   *held = lock;
   return lock;
 }
