@@ -9,6 +9,7 @@
 
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Pictures.h"
+#include "View/Windows/HelpDocument.h"
 #include "View/Windows/NestedLoop.h"
 
 namespace {
@@ -67,6 +68,7 @@ AboutConnortller::AboutConnortller() : m_window(aboutSize) {
   m_window.setObjectName(QStringLiteral("About"));
   m_window.setWindowTitle(NerinAction::tooltipText("About NerinOption"));
   m_window.setContentView(content);
+  helpdocument::serve(m_window, "start");
   m_window.setIsCanDrag(true);
   m_window.setDragHeight(dragStrip);
   m_window.setClosesOnEscape(true);

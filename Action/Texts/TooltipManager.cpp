@@ -117,6 +117,13 @@ std::optional<std::string> TooltipManager::getSysLanName() {
   return found != std::end(languageNames) ? std::optional<std::string>(found->name) : std::nullopt;
 }
 
+std::string TooltipManager::languageCode() const {
+  const auto* known = std::find_if(
+      std::begin(languageNames), std::end(languageNames),
+      [this](const auto& one) { return m_currLan != nullptr && m_currLan->name == one.name; });
+  return known != std::end(languageNames) ? known->code : languageNames[0].code;
+}
+
 void TooltipManager::setLanByname(const std::optional<std::string>& name) {
   const auto found = std::find_if(m_infoList.begin(), m_infoList.end(), [&](const auto& language) {
     return name && language->name == name;

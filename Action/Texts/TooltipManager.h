@@ -27,6 +27,9 @@ class TooltipManager {
   void initData();
   // The catalogue's name for the system's language; no value for an unknown language.
   static std::optional<std::string> getSysLanName();
+  // The selected language as the system names it: "en", "pt-BR", "zh-Hant". English for a language
+  // that only the user's file has.
+  std::string languageCode() const;
   // Selects the first language of that exact name, or the fallback.
   void setLanByname(const std::optional<std::string>& name);
 

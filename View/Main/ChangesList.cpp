@@ -13,6 +13,7 @@
 
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Pictures.h"
+#include "View/Windows/HelpDocument.h"
 
 namespace {
 
@@ -78,6 +79,7 @@ void addValue(QHBoxLayout& row, const QString& text, const std::optional<QColor>
 ChangesList::ChangesList(QWidget* parent)
     : QFrame(parent, Qt::Popup), m_scroll(new QScrollArea(this)) {
   setObjectName(QStringLiteral("changesList"));
+  helpdocument::serve(*this, "changes");
   const QString heading = NerinAction::tooltipText("What would Apply change?");
   setWindowTitle(heading);
   setAccessibleName(heading);

@@ -5,6 +5,7 @@
 #include <QPushButton>
 
 #include "Kit/Desktop/HeldKeys.h"
+#include "View/Windows/HelpDocument.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/PopDialogView.h"
 
@@ -33,6 +34,7 @@ int run(const std::string& text, QMessageBox::StandardButtons buttons) {
   // It may name files and profiles.
   box.setTextFormat(Qt::PlainText);
   box.setWindowModality(Qt::WindowModal);
+  helpdocument::serve(box, "messages");
   box.setWindowFlag(Qt::FramelessWindowHint);
   box.setDefaultButton(QMessageBox::Ok);
   box.button(QMessageBox::Ok)->setObjectName(QStringLiteral("finish"));
