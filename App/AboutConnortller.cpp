@@ -10,6 +10,7 @@
 
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Pictures.h"
+#include "View/Windows/HelpDocument.h"
 #include "View/Windows/NestedLoop.h"
 
 namespace {
@@ -66,6 +67,7 @@ AboutConnortller::AboutConnortller() : m_window(aboutSize) {
   rows->addWidget(m_close, 0, Qt::AlignRight);
   m_window.setObjectName(QStringLiteral("About"));
   m_window.setContentView(content);
+  helpdocument::serve(m_window, "start");
   m_window.setIsCanDrag(true);
   m_window.setDragHeight(dragStrip);
   m_window.setClosesOnEscape(true);

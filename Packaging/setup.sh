@@ -7,12 +7,14 @@ build_packages=(
   qt6-translations-l10n
 )
 test_packages=(
-  at-spi2-core clang-format clang-tidy dbus gir1.2-glib-2.0 libglib2.0-bin libgmock-dev libgtest-dev
-  libumockdev-dev openbox python3 python3-gi python3-pyatspi umockdev x11-utils xdotool xvfb
+  at-spi2-core chromium chromium-driver clang-format clang-tidy dbus gir1.2-glib-2.0 libglib2.0-bin libgmock-dev libgtest-dev
+  libumockdev-dev openbox python3 python3-gi python3-pyatspi
+  python3-selenium umockdev x11-utils xdotool xvfb
 )
 tour_packages=(
   dbus gir1.2-glib-2.0 openbox python3 python3-gi x11-utils xdotool xvfb
 )
+help_packages=("${tour_packages[@]}" pngquant)
 bench_packages=(libbenchmark-dev)
 fuzz_packages=(clang libclang-rt-14-dev)
 

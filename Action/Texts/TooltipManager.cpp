@@ -111,6 +111,11 @@ std::optional<std::string> TooltipManager::codeOfLan(const std::string& name) {
   return found != languages.end() ? std::optional<std::string>(found->code) : std::nullopt;
 }
 
+std::string TooltipManager::languageCode() const {
+  const auto code = m_currLan != nullptr ? codeOfLan(m_currLan->name.value_or("")) : std::nullopt;
+  return code.value_or(language::all().front().code);
+}
+
 void TooltipManager::setLanByname(const std::optional<std::string>& name) {
   const auto found = std::find_if(m_infoList.begin(), m_infoList.end(), [&](const auto& language) {
     return name && language->name == name;

@@ -30,6 +30,9 @@ class TooltipManager {
   // The code of the language with that name in the catalogue, such as "pt-BR"; no value for a name
   // that is none of the program's.
   static std::optional<std::string> codeOfLan(const std::string& name);
+  // The selected language as the system names it: "en", "pt-BR", "zh-Hant". English for a language
+  // that only the user's file has.
+  std::string languageCode() const;
   // Selects the first language of that exact name, or the fallback.
   void setLanByname(const std::optional<std::string>& name);
 

@@ -152,6 +152,21 @@ KeyAssignSubView* KeyAssignView::currentPart() const {
   return hasPart ? m_subViews[static_cast<std::size_t>(m_currFunId - Macro)] : nullptr;
 }
 
+std::string KeyAssignView::helpChapter() const {
+  switch (m_currFunId) {
+    case Macro:
+      return "assign-macro";
+    case SingleKey:
+      return "assign-key";
+    case Sensitivity:
+      return "assign-dpi";
+    case Launch:
+      return "assign-program";
+    default:
+      return "assign";
+  }
+}
+
 void KeyAssignView::sayEffect() {
   const KeyAssignSubView* part = currentPart();
   const std::string effect = part != nullptr ? assignmentnotes::effectOf(part->note()) : "";

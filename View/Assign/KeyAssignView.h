@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "Action/Record/Records.h"
 #include "Kit/Widgets/LXMenulist.h"
@@ -34,6 +35,8 @@ class KeyAssignView : public ChildView, public LXMenulistDelegate, public LXSetp
 
   KeyAssignView();
   ~KeyAssignView() override;
+  // That of the part that is shown.
+  std::string helpChapter() const override;
 
   // 0..15
   void setBtnIndex(int btnIndex) { m_btnIndex = btnIndex; }

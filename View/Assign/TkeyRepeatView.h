@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "View/Windows/ChildView.h"
 
@@ -16,6 +17,7 @@ class TkeyRepeatView : public ChildView {
   static constexpr std::uint32_t maximumCount = 9999;
 
   TkeyRepeatView();
+  std::string helpChapter() const override { return "assign-macro"; }
 
   void setRepeatCount(int repeatCount);
   int repeatCount() const { return m_repeatCount; }

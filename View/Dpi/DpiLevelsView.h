@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "Action/Record/Outcome.h"
 #include "Action/Record/Records.h"
@@ -24,6 +25,7 @@ class DpiLevelsView : public ChildView,
  public:
   void fillSettingData() override;
   std::optional<_Nerin_PROFILE> workingProfile() override;
+  std::string helpChapter() const override { return "dpi"; }
   // Marks a level, 0..4, of the visible set.
   void setSelectedDpi(std::uint32_t level);
   // Sets the number of levels in use. Numbers outside 1..5 do not change the screen.

@@ -35,6 +35,7 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   };
 
   LightView();
+  std::string helpChapter() const override { return "led"; }
 
   void fillSettingData() override;
   std::optional<_Nerin_PROFILE> workingProfile() override;

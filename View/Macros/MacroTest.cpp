@@ -14,6 +14,7 @@
 #include "View/Macros/MacroWarningWords.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Pictures.h"
+#include "View/Windows/HelpDocument.h"
 
 namespace {
 
@@ -89,6 +90,7 @@ MacroTest::MacroTest(QWidget* parent)
       m_played(new QPlainTextEdit(this)),
       m_button(new QPushButton(this)) {
   setObjectName(QStringLiteral("macroTest"));
+  helpdocument::serve(*this, "macro-test");
   const QString heading = tooltipText("What the mouse will send");
   setAccessibleName(heading);
   setWindowTitle(heading);

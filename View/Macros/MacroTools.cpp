@@ -12,6 +12,7 @@
 #include "View/Macros/MacroWorkbench.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Pictures.h"
+#include "View/Windows/HelpDocument.h"
 
 namespace {
 
@@ -73,6 +74,7 @@ bool macrotools::duplicate(MacroInfo::Events& commands, Rows rows) {
 MacroTools::MacroTools(QWidget* parent) : QFrame(parent, Qt::Popup | Qt::FramelessWindowHint) {
   setObjectName(QStringLiteral("macroTools"));
   setAccessibleName(NerinAction::tooltipText("Tools for lines"));
+  helpdocument::serve(*this, "macro-tools");
   setFont(pictures::font(typeSize, QFont::Medium));
   setStyleSheet(
       QStringLiteral("MacroTools { background: #15171C; border: 1px solid #5A6270; }"

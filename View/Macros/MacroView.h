@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <string>
 #include <vector>
 
 #include "Action/Catalogue/MacroInfo.h"
@@ -94,6 +95,7 @@ class MacroView : public ChildView,
 
   MacroView();
   ~MacroView() override;
+  std::string helpChapter() const override { return "macros"; }
 
   void refreshData() override;
   void fillSettingData() override;

@@ -13,6 +13,7 @@
 
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Pictures.h"
+#include "View/Windows/HelpDocument.h"
 
 namespace {
 
@@ -78,6 +79,7 @@ void addValue(QHBoxLayout& row, const QString& text, const std::optional<QColor>
 ChangesList::ChangesList(QWidget* parent)
     : QFrame(parent, Qt::Popup), m_scroll(new QScrollArea(this)) {
   setObjectName(QStringLiteral("changesList"));
+  helpdocument::serve(*this, "changes");
   // The button that opened the list closes it by the same click.
   setAttribute(Qt::WA_NoMouseReplay);
   setStyleSheet(QStringLiteral(

@@ -25,6 +25,7 @@
 #include "View/Main/MainViewTags.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Windows/ChildView.h"
+#include "View/Windows/HelpDocument.h"
 #include "View/Windows/ProgramPanel.h"
 #include "View/Windows/StatusLine.h"
 #include "View/Windows/Termination.h"
@@ -62,8 +63,7 @@ void MainView::initData() {
   ProfieController::getShareProCon();
   setImageByName(QStringLiteral("MainView_Normal.png"));
   NerinAction::startListenDev();
-  m_lochelpPath =
-      (LXPlatform::current().resourceFolder / "Help" / "UserInterfaceSetupGuide_en.html").string();
+  m_lochelpPath = helpdocument::path().string();
 }
 
 void MainView::refreshData() {
@@ -322,7 +322,9 @@ void MainView::connectTtsSite() {
   }
 }
 
-void MainView::openHelpPro() const {
+void MainView::openHelpPro() {
+  // The language can have changed.
+  m_lochelpPath = helpdocument::path().string();
   if (!LXAction::openFile(m_lochelpPath)) {
     LXLogger::warning("no program opens " + m_lochelpPath);
   }

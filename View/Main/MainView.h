@@ -138,7 +138,7 @@ class MainView : public TavImageView,
   void osdClick();
   void menuNeedsUpdate();
   static void connectTtsSite();
-  void openHelpPro() const;
+  void openHelpPro();
   static void closeAppPro();
   // The same, and gives up the edit of the current slot.
   static void cancelPro();

@@ -17,6 +17,7 @@
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
 #include "View/Screen/Pictures.h"
+#include "View/Windows/HelpDocument.h"
 #include "View/Windows/TransferProgress.h"
 
 namespace {
@@ -364,8 +365,7 @@ void MainView::initShortcuts() {
     m_profileNameTxt->commit();
     m_applyBtn->click();
   });
-  connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, m_helpBtn,
-          &QAbstractButton::click);
+  helpdocument::serve(*this, "main");
 }
 
 QString MainView::physicalButtonName(int index) {

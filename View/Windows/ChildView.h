@@ -2,6 +2,7 @@
 
 #include <QRect>
 #include <optional>
+#include <string>
 
 #include "Action/Record/Records.h"
 #include "View/Screen/TavImageView.h"
@@ -22,6 +23,9 @@ class ChildView : public TavImageView {
   // The profile with what the user has changed in this window so far, to be kept as a draft. No
   // value for a window that does not change the profile before it closes.
   virtual std::optional<_Nerin_PROFILE> workingProfile() { return std::nullopt; }
+
+  // The chapter of the help about this window.
+  virtual std::string helpChapter() const = 0;
 
   // Handles the three end buttons. Subclasses handle the others.
   void buttonAction(LXButton& sender) override;

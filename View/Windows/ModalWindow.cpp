@@ -5,6 +5,7 @@
 #include <QScreen>
 
 #include "View/Windows/ChildView.h"
+#include "View/Windows/HelpDocument.h"
 #include "View/Windows/LocalNotifications.h"
 
 ModalWindow::ModalWindow(ChildView* view, int dragHeight, const QString& title, QWidget* over)
@@ -15,6 +16,7 @@ ModalWindow::ModalWindow(ChildView* view, int dragHeight, const QString& title, 
   setDragHeight(dragHeight);
   setClosesOnEscape(true);
   setContentView(view);
+  helpdocument::serve(*this, [view] { return view->helpChapter(); });
   fitInto(screen()->availableSize().height());
   center(over);
 }

@@ -6,6 +6,7 @@
 
 #include "Kit/Desktop/HeldKeys.h"
 #include "View/Screen/ControlFactory.h"
+#include "View/Windows/HelpDocument.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/PopDialogView.h"
 
@@ -34,6 +35,7 @@ int run(const std::string& text, QMessageBox::StandardButtons buttons) {
   // It may name files and profiles.
   box.setTextFormat(Qt::PlainText);
   box.setWindowModality(Qt::WindowModal);
+  helpdocument::serve(box, "messages");
   box.setWindowFlag(Qt::FramelessWindowHint);
   box.setDefaultButton(QMessageBox::Ok);
   box.button(QMessageBox::Ok)->setObjectName(QStringLiteral("finish"));

@@ -16,6 +16,7 @@
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
 #include "View/Screen/Pictures.h"
+#include "View/Windows/HelpDocument.h"
 #include "View/Windows/NestedLoop.h"
 #include "View/Windows/Termination.h"
 
@@ -168,6 +169,7 @@ bool NerinAction::showPopView(const std::string& key, bool isChoose, const PopFo
   window.setIsCanDrag(true);
   window.setDragHeight(dragStrip);
   window.setWindowModality(Qt::WindowModal);
+  helpdocument::serve(window, "messages");
   heldkeys::dropIn(window);
   auto* view = new PopDialogView(dialogSize, key, std::nullopt, isChoose);
   view->construct();

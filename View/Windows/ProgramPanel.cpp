@@ -18,6 +18,7 @@
 #include "Kit/Desktop/FilePanel.h"
 #include "Kit/Desktop/HeldKeys.h"
 #include "View/Screen/ControlFactory.h"
+#include "View/Windows/HelpDocument.h"
 
 namespace fs = std::filesystem;
 
@@ -81,6 +82,7 @@ ProgramPanel::ProgramPanel(Programs programs, const std::set<std::string>& used,
            std::tuple(!used.contains(b.path.string()), !b.isRunning);
   });
   setObjectName(QStringLiteral("programPanel"));
+  helpdocument::serve(*this, "programs");
   setWindowTitle(NerinAction::tooltipText("Choose a program"));
   setWindowModality(Qt::WindowModal);
   setStyleSheet(QString::fromLatin1(panelStyle));
