@@ -9,6 +9,8 @@ test_packages=(
   at-spi2-core clang-format clang-tidy dbus gir1.2-glib-2.0 libglib2.0-bin libgmock-dev libgtest-dev
   libumockdev-dev openbox python3 python3-gi python3-pyatspi umockdev x11-utils xdotool xvfb
 )
+# The kernel itself is downloaded and unpacked by Tests/UsbStack/boot.py, not installed.
+usb_stack_packages=(cpio qemu-system-x86)
 tour_packages=(
   dbus gir1.2-glib-2.0 openbox python3 python3-gi x11-utils xdotool xvfb
 )
