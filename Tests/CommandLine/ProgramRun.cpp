@@ -41,7 +41,7 @@ std::vector<std::string> environmentFor(const RunSettings& settings) {
   std::vector<std::string> variables{"HOME=" + settings.home.string(), "LANG=C.UTF-8"};
   for (const char* name : {"PATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"}) {
     if (const char* value = std::getenv(name)) {
-      variables.push_back(std::string(name) + "=" + value);
+      variables.push_back(std::string(name).append("=").append(value));
     }
   }
   for (const auto& [name, value] : settings.environment) {
@@ -52,6 +52,7 @@ std::vector<std::string> environmentFor(const RunSettings& settings) {
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) {
     pointers.push_back(text.data());
   }

@@ -7,8 +7,8 @@
 #include "VirtualMouse/VirtualMouse.h"
 
 // What the mouse tells a host about itself when it is plugged in: a full-speed device with a boot
-// mouse as interface 0 and a vendor's HID as interface 1. The host's driver sends only reports that
-// these descriptors declare, with the sizes that they declare.
+// mouse as interface 0 and a vendor's HID as interface 1. From these descriptors the host's drivers
+// learn which nodes to make, and how to read a motion.
 
 // Buttons, X, Y and wheel, a byte each: what interface 0 reports of a motion.
 inline constexpr std::size_t motionReportSize = 4;

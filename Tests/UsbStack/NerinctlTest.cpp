@@ -1,6 +1,7 @@
 // nerinctl does with a mouse behind the kernel's drivers what it does with the virtual one.
 
 #include <filesystem>
+#include <future>
 #include <memory>
 #include <thread>
 
@@ -83,8 +84,11 @@ class UsbNerinctl : public testing::Test {
   void expectTheSameWithBothMice(const Words& command) {
     SCOPED_TRACE(command[0]);
     m_mouse.atTheMouse([](VirtualMouse& mouse) { mouse.clearTranscript(); });
-    const RunResult usb = m_usbUser.run(traced(m_usbUser, command));
+    // At once, because most of the time they wait for their mice.
+    auto usbRun =
+        std::async(std::launch::async, [&] { return m_usbUser.run(traced(m_usbUser, command)); });
     const RunResult virtually = m_virtualUser.runWithMouse(traced(m_virtualUser, command));
+    const RunResult usb = usbRun.get();
     EXPECT_EQ(usb.exitCode, 0) << usb.errors;
     EXPECT_EQ(virtually.exitCode, 0) << virtually.errors;
     EXPECT_EQ(usb.output, virtually.output);
@@ -109,6 +113,11 @@ TEST_F(UsbNerinctl, DoesTheSameAsWithTheVirtualMouseByteForByte) {
   expectTheSameWithBothMice({"read", "--slot", "2"});
   expectTheSameWithBothMice({"switch", "2"});
   expectTheSameWithBothMice({"dpi", "--set", "3=1600x800", "--active", "3"});
+  expectTheSameWithBothMice({"rate", "250"});
+  expectTheSameWithBothMice({"lift", "7"});
+  expectTheSameWithBothMice({"leds", "--all", "12ab9f"});
+  expectTheSameWithBothMice({"mode", "battle"});
+  expectTheSameWithBothMice({"backup", "all"});
   EXPECT_THAT(m_mouse.atTheMouse([](const VirtualMouse& mouse) { return mouse.faults(); }),
               IsEmpty());
 }
@@ -126,7 +135,7 @@ TEST_F(UsbNerinctl, SaysWhatAUserWithoutTheRuleHasToDo) {
 }
 
 TEST_F(UsbNerinctl, FinishesAnApplyDuringWhichTheMouseWasUnplugged) {
-  m_mouse.setAnswerTime(milliseconds(250));
+  m_mouse.setAnswerTime(milliseconds(150));
   RunResult cut;
   std::thread applying([&] { cut = m_usbUser.run({"apply", "Office", "--slot", "2"}); });
   // In the middle of the first macro.

@@ -78,6 +78,7 @@ class UsbPointer : public UsbStackTest {
 
 constexpr milliseconds stepTime(8);
 constexpr milliseconds writingTime(80);
+constexpr int macroCount = 6;
 
 }  // namespace
 
@@ -101,7 +102,7 @@ TEST_F(UsbPointer, KeepsMovingDuringEachWriteOf2053Bytes) {
   m_mouse.moveEvery(stepTime);
   ASSERT_TRUE(eventually([&] { return desktop.way() > 0; })) << "the pointer does not move";
   m_mouse.setAnswerTime(writingTime);
-  for (int macro = 0; macro < 10; ++macro) {
+  for (int macro = 0; macro < macroCount; ++macro) {
     const Bytes report = MouseHost::numberedReport(4, macro, macro);
     ASSERT_TRUE(host.command({0xC4, 0x0B, static_cast<std::uint8_t>(macro), 1}));
     const int wayBefore = desktop.way();
@@ -116,7 +117,7 @@ TEST_F(UsbPointer, KeepsMovingDuringEachWriteOf2053Bytes) {
   EXPECT_FALSE(desktop.hasLost());
   EXPECT_EQ(binding(), before);
   m_mouse.atTheMouse([](const VirtualMouse& mouse) {
-    for (int macro = 0; macro < 10; ++macro) {
+    for (int macro = 0; macro < macroCount; ++macro) {
       Bytes written = MouseHost::numberedReport(4, macro, macro);
       written[0] = 0xB0;  // so the mouse marks a macro that it holds
       EXPECT_EQ(MouseHost::copyOf(mouse.macroReport(macro)), written) << macro;

@@ -29,10 +29,6 @@ std::size_t transfersOf(UsbMouse& mouse) {
 
 }  // namespace
 
-TEST_F(UsbPresence, PluggingInSendsNoReport) {
-  EXPECT_EQ(transfersOf(m_mouse), 0U);
-}
-
 TEST_F(UsbPresence, UnpluggingWhileIdleIsNoticed) {
   Host host;
   ASSERT_TRUE(host.isOn());
@@ -48,14 +44,12 @@ TEST_F(UsbPresence, ReturningIsNoticed) {
   Host host;
   ASSERT_TRUE(host.isOn());
   const std::uint64_t connection = host.requester().connection();
-  for (int time = 0; time < 2; ++time) {
-    unplug();
-    EXPECT_TRUE(eventually([&] { return !host.isOn(); }, seconds(2)));
-    plug();
-    EXPECT_TRUE(eventually([&] { return host.isOn(); }, seconds(2)));
-    EXPECT_TRUE(host.writeReport(MouseHost::numberedReport(5, time))) << host.error().message();
-  }
-  EXPECT_EQ(host.requester().connection(), connection + 2);
+  unplug();
+  EXPECT_TRUE(eventually([&] { return !host.isOn(); }, seconds(2)));
+  plug();
+  EXPECT_TRUE(eventually([&] { return host.isOn(); }, seconds(2)));
+  EXPECT_TRUE(host.writeReport(MouseHost::numberedReport(5, 1))) << host.error().message();
+  EXPECT_EQ(host.requester().connection(), connection + 1);
   EXPECT_THAT(m_mouse.atTheMouse([](const VirtualMouse& mouse) { return mouse.faults(); }),
               IsEmpty());
 }

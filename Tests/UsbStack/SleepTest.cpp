@@ -55,9 +55,11 @@ TEST_F(UsbSleep, AProgramThatSleptWithTheMachineFindsTheMouseAgain) {
   const std::uint64_t connection = host.requester().connection();
   // All devices are suspended and resumed, with nothing in between.
   ASSERT_EQ(writeLine("/sys/power/pm_test", "devices"), 0);
-  ASSERT_EQ(writeLine("/sys/module/suspend/parameters/pm_test_delay", "1"), 0);
+  ASSERT_EQ(writeLine("/sys/module/suspend/parameters/pm_test_delay", "0"), 0);
   unplug();
+  const std::string sleepsBefore = lineOf("/sys/power/suspend_stats/success");
   EXPECT_EQ(writeLine("/sys/power/state", "freeze"), 0) << "the machine does not sleep";
+  EXPECT_NE(lineOf("/sys/power/suspend_stats/success"), sleepsBefore);
   plug();
   EXPECT_TRUE(eventually([&] { return host.isOn(); }, seconds(2)));
   EXPECT_EQ(host.requester().connection(), connection + 1);

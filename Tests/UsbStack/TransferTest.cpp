@@ -20,6 +20,8 @@ class UsbTransfer : public testing::Test {
     s_mouse = std::make_unique<UsbMouse>(0);
     s_mouse->plug();
     ASSERT_TRUE(eventually([] { return PluggedMouse(0).isReady(); }));
+    s_transfersOfPlugging =
+        s_mouse->atTheMouse([](const VirtualMouse& mouse) { return mouse.transcript().size(); });
   }
   static void TearDownTestSuite() {
     s_mouse.reset();
@@ -41,6 +43,7 @@ class UsbTransfer : public testing::Test {
   void expectLastSeen(const SetupPacket& setup, const Bytes& data);
 
   static inline std::unique_ptr<UsbMouse> s_mouse;
+  static inline std::size_t s_transfersOfPlugging = 0;
   UsbMouse& m_mouse = *s_mouse;
 };
 
@@ -58,6 +61,10 @@ void UsbTransfer::expectLastSeen(const SetupPacket& setup, const Bytes& data) {
 }
 
 }  // namespace
+
+TEST_F(UsbTransfer, NoneCarriesAReportWhileTheMouseIsPluggedIn) {
+  EXPECT_EQ(s_transfersOfPlugging, 0U);
+}
 
 TEST_F(UsbTransfer, CarriesACommandByteForByte) {
   Host host;

@@ -82,21 +82,21 @@ def kernel_in(work):
     folder = work / "kernel"
     present = folder / "package"
     known = kernel_package()
-    if known is None and not present.exists():
+    if known is None and present.exists():
+        return folder
+    if known is None:
         update_lists()
         known = kernel_package()
-    if known is not None:
-        package = "=".join(known)
-        if not present.exists() or present.read_text() != package:
-            try:
-                unpack(package, folder)
-            except subprocess.CalledProcessError:
-                # Debian keeps no old versions, and the lists may be of last week.
-                update_lists()
-                package = "=".join(kernel_package())
-                unpack(package, folder)
-    elif not present.exists():
+    if known is None:
         fail(f"apt does not know {META_PACKAGE}")
+    package = "=".join(known)
+    if not present.exists() or present.read_text() != package:
+        try:
+            unpack(package, folder)
+        except subprocess.CalledProcessError:
+            # Debian keeps no old versions, and the lists may be of last week.
+            update_lists()
+            unpack("=".join(kernel_package()), folder)
     return folder
 
 
