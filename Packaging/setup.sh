@@ -11,6 +11,8 @@ test_packages=(
   libumockdev-dev openbox python3 python3-gi python3-pyatspi
   python3-selenium umockdev x11-utils xdotool xvfb
 )
+# The kernel itself is downloaded and unpacked by Tests/UsbStack/boot.py, not installed.
+usb_stack_packages=(cpio qemu-system-x86)
 tour_packages=(
   dbus gir1.2-glib-2.0 openbox python3 python3-gi x11-utils xdotool xvfb
 )

@@ -41,7 +41,7 @@ std::vector<std::string> environmentFor(const RunSettings& settings) {
   std::vector<std::string> variables{"HOME=" + settings.home.string(), "LANG=C.UTF-8"};
   for (const char* name : {"PATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"}) {
     if (const char* value = std::getenv(name)) {
-      variables.push_back(std::string(name) + "=" + value);
+      variables.push_back(std::string(name).append("=").append(value));
     }
   }
   for (const auto& [name, value] : settings.environment) {
@@ -52,6 +52,7 @@ std::vector<std::string> environmentFor(const RunSettings& settings) {
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) {
     pointers.push_back(text.data());
   }
@@ -75,11 +76,11 @@ void limitFiles(std::uint64_t bytes) {
   signal(SIGXFSZ, SIG_IGN);
 }
 
+// Allocates nothing, because another thread of the test can have held the lock of the heap when
+// this process was made.
 [[noreturn]] void becomeProgram(const RunSettings& settings, const Channel& output,
-                                const Channel& errors, std::vector<std::string>& arguments,
-                                std::vector<std::string>& environment) {
-  const std::vector<char*> argumentPointers = pointersTo(arguments);
-  const std::vector<char*> environmentPointers = pointersTo(environment);
+                                const Channel& errors, const std::vector<char*>& arguments,
+                                const std::vector<char*>& environment) {
   close(STDIN_FILENO);
   dup2(output.writing, STDOUT_FILENO);
   dup2(errors.writing, STDERR_FILENO);
@@ -93,7 +94,7 @@ void limitFiles(std::uint64_t bytes) {
     limitFiles(*settings.fileSizeLimit);
   }
   if (chdir(settings.workingFolder.c_str()) == 0) {
-    execve(NERINCTL, argumentPointers.data(), environmentPointers.data());
+    execve(NERINCTL, arguments.data(), environment.data());
   }
   _exit(127);
 }
@@ -131,7 +132,9 @@ RunResult runProgram(const std::vector<std::string>& arguments, const RunSetting
   const Channel errors = makeChannel(settings.hasTerminal);
   std::vector<std::string> words{"nerinctl"};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<std::string> environment = environmentFor(settings);
+  std::vector<std::string> variables = environmentFor(settings);
+  const std::vector<char*> argumentPointers = pointersTo(words);
+  const std::vector<char*> environmentPointers = pointersTo(variables);
   const pid_t program = fork();
   if (program < 0) {
     throw std::runtime_error("no process");
@@ -139,7 +142,7 @@ RunResult runProgram(const std::vector<std::string>& arguments, const RunSetting
   if (program == 0) {
     // An alarm survives execve.
     alarm(secondsPerRun);
-    becomeProgram(settings, output, errors, words, environment);
+    becomeProgram(settings, output, errors, argumentPointers, environmentPointers);
   }
   close(output.writing);
   close(errors.writing);
