@@ -259,7 +259,8 @@ TEST(NerinctlFullDisk, LosesNothingOnAVerySmallOne) {
                     "for this one";
   }
   const TestHome user;
-  constexpr std::size_t size = 1024 * 1024;
+  // The catalogue takes half a megabyte of it.
+  constexpr std::size_t size = 2 * 1024 * 1024;
   onSmallDisk(user.home, size, [&] {
     fillLibrary(user);
     fillUp(user.home / "filler");
