@@ -86,6 +86,16 @@ def startBrowser(folder):
     return webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
 
 
+def onEachPage(test):
+    """Calls a test with the address of each page."""
+    def run(self):
+        for name in sorted(os.listdir(FOLDER)):
+            with self.subTest(name):
+                test(self, "file://" + os.path.join(FOLDER, name))
+
+    return run
+
+
 class HelpInBrowser(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -94,12 +104,8 @@ class HelpInBrowser(unittest.TestCase):
         cls.browser = startBrowser(temporary.name)
         cls.addClassCleanup(cls.browser.quit)
 
-    def each(self):
-        pages = sorted(name for name in os.listdir(FOLDER) if name.endswith(".html"))
-        self.assertIn("UserInterfaceSetupGuide_en.html", pages)
-        for name in pages:
-            with self.subTest(name):
-                yield "file://" + os.path.join(FOLDER, name)
+    def testHasSomethingToLookAt(self):
+        self.assertIn("UserInterfaceSetupGuide_en.html", os.listdir(FOLDER))
 
     def show(self, address, width=1000, scheme="light", media=""):
         self.browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
@@ -115,61 +121,61 @@ class HelpInBrowser(unittest.TestCase):
         color = self.ask("return getComputedStyle(document.body).backgroundColor;")
         return sum(int(part) for part in color[4:-1].split(","))
 
-    def testFitsEveryWidth(self):
-        for address in self.each():
-            for width in WIDTHS:
-                self.show(address, width)
-                self.assertLessEqual(
-                    self.ask("return document.documentElement.scrollWidth;"), width)
-                self.assertEqual(self.ask(TOO_WIDE), [], width)
+    @onEachPage
+    def testFitsEveryWidth(self, address):
+        for width in WIDTHS:
+            self.show(address, width)
+            self.assertLessEqual(
+                self.ask("return document.documentElement.scrollWidth;"), width)
+            self.assertEqual(self.ask(TOO_WIDE), [], width)
 
-    def testCanBeReadInLightAndDark(self):
-        for address in self.each():
-            grounds = {}
-            for scheme in SCHEMES:
-                self.show(address, scheme=scheme)
-                grounds[scheme] = self.ground()
-                contrasts = self.ask(CONTRASTS)
-                self.assertGreater(len(contrasts), 200)
-                self.assertGreaterEqual(contrasts[0][0], LEAST_CONTRAST, contrasts[0])
-            self.assertGreater(grounds["light"], 700)
-            self.assertLess(grounds["dark"], 120)
+    @onEachPage
+    def testCanBeReadInLightAndDark(self, address):
+        grounds = {}
+        for scheme in SCHEMES:
+            self.show(address, scheme=scheme)
+            grounds[scheme] = self.ground()
+            contrasts = self.ask(CONTRASTS)
+            self.assertGreater(len(contrasts), 200)
+            self.assertGreaterEqual(contrasts[0][0], LEAST_CONTRAST, contrasts[0])
+        self.assertGreater(grounds["light"], 700)
+        self.assertLess(grounds["dark"], 120)
 
-    def testIsPrintedOnWhite(self):
-        for address in self.each():
-            self.show(address, scheme="dark", media="print")
-            self.assertEqual(self.ground(), 3 * 255)
-            self.assertGreaterEqual(self.ask(CONTRASTS)[0][0], 7)
+    @onEachPage
+    def testIsPrintedOnWhite(self, address):
+        self.show(address, scheme="dark", media="print")
+        self.assertEqual(self.ground(), 3 * 255)
+        self.assertGreaterEqual(self.ask(CONTRASTS)[0][0], 7)
 
-    def testShowsItsPictures(self):
-        for address in self.each():
-            self.show(address, 400)
-            pictures = self.ask(PICTURES)
-            self.assertEqual(len(pictures), 13)
-            for isComplete, width, shown in pictures:
-                self.assertTrue(isComplete)
-                self.assertGreater(width, 200)
-                self.assertGreater(shown, 200)
+    @onEachPage
+    def testShowsItsPictures(self, address):
+        self.show(address, 400)
+        pictures = self.ask(PICTURES)
+        self.assertEqual(len(pictures), 13)
+        for isComplete, width, shown in pictures:
+            self.assertTrue(isComplete)
+            self.assertGreater(width, 200)
+            self.assertGreater(shown, 200)
 
-    def testGoesWhereItsLinksSay(self):
-        for address in self.each():
-            self.show(address)
-            self.assertEqual(self.ask(LOST_LINKS), [])
+    @onEachPage
+    def testGoesWhereItsLinksSay(self, address):
+        self.show(address)
+        self.assertEqual(self.ask(LOST_LINKS), [])
 
-    def testOpensAtAChapter(self):
-        for address in self.each():
-            self.show("about:blank")
-            self.show(address + "#keys")
-            top = self.ask("return document.getElementById('keys').getBoundingClientRect().top;")
-            self.assertLess(abs(top), 40)
+    @onEachPage
+    def testOpensAtAChapter(self, address):
+        self.show("about:blank")
+        self.show(address + "#keys")
+        top = self.ask("return document.getElementById('keys').getBoundingClientRect().top;")
+        self.assertLess(abs(top), 40)
 
-    def testHasNoErrorsAndLoadsNothing(self):
-        for address in self.each():
-            self.browser.get_log("browser")
-            self.show(address)
-            self.assertEqual(self.browser.get_log("browser"), [])
-            loaded = self.ask("return performance.getEntriesByType('resource').map(e => e.name);")
-            self.assertEqual([name for name in loaded if not name.startswith("data:")], [])
+    @onEachPage
+    def testHasNoErrorsAndLoadsNothing(self, address):
+        self.browser.get_log("browser")
+        self.show(address)
+        self.assertEqual(self.browser.get_log("browser"), [])
+        loaded = self.ask("return performance.getEntriesByType('resource').map(e => e.name);")
+        self.assertEqual([name for name in loaded if not name.startswith("data:")], [])
 
 
 if __name__ == "__main__":

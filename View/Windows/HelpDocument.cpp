@@ -2,6 +2,7 @@
 
 #include <QShortcut>
 #include <QUrl>
+#include <QWidget>
 #include <system_error>
 #include <utility>
 

@@ -96,6 +96,17 @@ TEST_F(WindowDrafts, CancelGivesTheEditUp) {
   EXPECT_EQ(status(), "");
 }
 
+TEST_F(WindowDrafts, QuitOfTheMenuKeepsTheEditForTheNextStart) {
+  start();
+  edit();
+  view().keepDrafts();
+  menuItem("quitMenu").trigger();
+  EXPECT_TRUE(termination::isTerminating());
+  startAgain();
+  EXPECT_EQ(editState->selProfile().liftHeight, 7U);
+  EXPECT_EQ(status(), "Your edits are back");
+}
+
 TEST_F(WindowDrafts, UnpluggingUnderTheQuestionKeepsTheEdit) {
   start();
   edit();
