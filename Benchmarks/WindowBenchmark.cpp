@@ -1,10 +1,13 @@
 #include <QApplication>
 #include <QEnterEvent>
+#include <QMouseEvent>
 
 #include <benchmark/benchmark.h>
 
 #include "Benchmarks/BenchmarkHome.h"
 #include "Kit/Widgets/LXButton.h"
+#include "View/Lights/ColorPicker.h"
+#include "View/Lights/LightView.h"
 #include "View/Main/MainSubView1.h"
 
 namespace {
@@ -41,5 +44,34 @@ void hoverCaption(benchmark::State& state) {
   state.SetLabel("two repaints, each in less than 2 ms");
 }
 BENCHMARK(hoverCaption)->Unit(benchmark::kMillisecond);
+
+// The pointer drags through the field of colors: the light in the drawing, its well, the sliders
+// and the number fields follow.
+void dragColor(benchmark::State& state) {
+  application();
+  const BenchmarkHome home;
+  LightView view;
+  view.construct();
+  view.fillSettingData();
+  view.show();
+  QApplication::processEvents();
+  auto* field = view.findChild<HueSaturationView*>();
+  const auto send = [field](QEvent::Type type, const QPointF& at) {
+    QMouseEvent event(type, at, field->mapToGlobal(at),
+                      type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    QApplication::sendEvent(field, &event);
+    QApplication::processEvents();
+  };
+  send(QEvent::MouseButtonPress, {5, 5});
+  int step = 0;
+  for (auto iteration : state) {
+    static_cast<void>(iteration);
+    ++step;
+    send(QEvent::MouseMove, QPointF(5 + step % (field->width() - 10), 5 + step % 80));
+  }
+  state.SetLabel("a frame in less than 2 ms");
+}
+BENCHMARK(dragColor)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -206,7 +206,7 @@ class AssignedFunction(Roads):
             self.desktop.strike("+Alt_L", 0.1, "+F4", 0.1, "-F4", 0.1, "-Alt_L")
             wait_until(lambda: panel.picture("newKeyEdt", KEY_PANEL) != waiting, 30,
                        "the key's name")
-            self.child("Key assignment", "KeyAssignView")
+            self.child("Button assignment", "KeyAssignView")
 
         self.go("leftBtn2", 10, "Mouse or Key Function", press, "02003d0000", "Key F4")
 

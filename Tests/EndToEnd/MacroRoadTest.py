@@ -167,7 +167,7 @@ class ByKeyboardAlone(RoadTest):
         self.assertKept()
 
         self.use("Wheel up: Scroll Up", self.main)
-        panel = self.tree.window("Key assignment")
+        panel = self.tree.window("Button assignment")
         self.use("Function", panel)
         self.desktop.type("Macro")
         self.desktop.key("Return")
@@ -175,7 +175,7 @@ class ByKeyboardAlone(RoadTest):
         self.desktop.type("Combo")
         self.desktop.key("Return")
         self.use("Close", panel)
-        self.gone("Key assignment")
+        self.gone("Button assignment")
         self.tree.named(self.main, "Wheel up: Combo")
 
         self.use("What would Apply change?", self.main)
@@ -230,11 +230,11 @@ class ThroughTheTreeAlone(RoadTest):
         self.assertKept()
 
         self.press("Wheel up: Scroll Up")
-        panel = self.tree.window("Key assignment")
+        panel = self.tree.window("Button assignment")
         self.choose("Function", "Macro Key", panel)
         self.choose("Select a macro", "Combo", panel)
         self.press("Close", panel)
-        self.gone("Key assignment")
+        self.gone("Button assignment")
         self.tree.named(self.main, "Wheel up: Combo")
         self.press("What would Apply change?")
         self.assertListed()

@@ -268,8 +268,7 @@ class Keyboard(DemoTest):
         self.tabTo("profileNewBtn")
         self.desktop.key("space")
         self.waitForRed("applyBtn")
-        self.tabTo("profileNameTxt")
-        # Tab selects the contents of the field.
+        # The name of the new profile is selected.
         self.desktop.type("Blind")
         self.desktop.key("Return")
         wait_until(lambda: self.profiles(DEMO) == ["Blind.pro"], 30, "the profile's file")

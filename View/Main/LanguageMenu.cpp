@@ -18,6 +18,7 @@ constexpr qreal typeSize = 12;
 
 LanguageMenu::LanguageMenu(QMenu& menu, const Choose& choose) : m_menu(menu.addMenu(QString())) {
   m_menu->setObjectName(QStringLiteral("languageMenu"));
+  m_menu->menuAction()->setObjectName(QStringLiteral("languages"));
   auto* group = new QActionGroup(m_menu);
   const auto add = [&](const QString& name, const QString& text) {
     QAction* action = m_menu->addAction(text);
