@@ -49,6 +49,19 @@ void LXTextField::commitNow() {
   }
 }
 
+// A field in which nothing was typed leaves undo and redo to its window.
+bool LXTextField::event(QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride) {
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if ((key->matches(QKeySequence::Undo) && !isUndoAvailable()) ||
+        (key->matches(QKeySequence::Redo) && !isRedoAvailable())) {
+      event->ignore();
+      return false;
+    }
+  }
+  return QLineEdit::event(event);
+}
+
 void LXTextField::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
     if (!isReadOnly()) {

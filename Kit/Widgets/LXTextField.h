@@ -32,6 +32,7 @@ class LXTextField : public QLineEdit {
   bool isTypedIn() const { return hasFocus() && text() != m_settled; }
 
  protected:
+  bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   // Is called before the action.

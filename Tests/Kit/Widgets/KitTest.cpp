@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QTest>
 
 #include <gmock/gmock.h>
@@ -480,4 +481,22 @@ TEST_F(Widgets, AWindowThatFitsDoesNotScroll) {
   window.fitInto(680);
   EXPECT_EQ(window.size(), QSize(300, 200));
   EXPECT_EQ(content->parentWidget(), &window);
+}
+
+TEST_F(Widgets, AFieldInWhichNothingWasTypedLeavesUndoToItsWindow) {
+  QWidget window;
+  auto* field = new LXTextField(&window);
+  field->setText(QStringLiteral("Profile"));
+  int undone = 0;
+  QObject::connect(new QShortcut(QKeySequence::Undo, &window), &QShortcut::activated, &window,
+                   [&] { ++undone; });
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  field->setFocus();
+  QTest::keyClick(field, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(undone, 1);
+  QTest::keyClicks(field, QStringLiteral("x"));
+  QTest::keyClick(field, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(undone, 1);
+  EXPECT_EQ(field->text(), QStringLiteral("Profile"));
 }
