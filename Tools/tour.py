@@ -14,6 +14,7 @@ import tempfile
 import time
 
 from desktop_session import DesktopSession, frames, middle, wait_until, writePng
+from saved_profiles import linkedPrograms
 
 TITLE = "NerinOptionDemo"
 PANEL_TITLE = "The virtual mouse"
@@ -230,16 +231,7 @@ class Tour:
         self.log += [step] + (lines or ["  nothing"])
 
     def library(self):
-        """{name of a saved profile: the program that it is linked to, or None}."""
-        folder = os.path.join(self.support, "Profiles")
-        found = {}
-        for name in os.listdir(folder):
-            with open(os.path.join(folder, name), "rb") as file:
-                data = file.read()
-            title, path = (data[start:start + 256].split(b"\0")[0].decode()
-                           for start in (9, 5001))
-            found[title] = path if data[5000] else None
-        return found
+        return linkedPrograms(self.support)
 
     def start(self):
         self._process = self.session.start(self.program)

@@ -17,6 +17,7 @@ top = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(top, "Tools"))
 
 from desktop_session import DesktopSession, frames, wait_until  # noqa: E402
+from saved_profiles import linkedPrograms  # noqa: E402
 
 BUILD = os.path.abspath(sys.argv.pop(1) if len(sys.argv) > 1 else "build/dev")
 TITLE = "NerinOptionDemo"
@@ -126,14 +127,8 @@ class AccessibleTest(unittest.TestCase):
         return next(one["slot"] for one in self.mouse("slots") if one["active"])
 
     def library(self):
-        """{name of a saved profile: whether it is linked to a program}."""
-        folder = os.path.join(self.support, "Profiles")
-        found = {}
-        for name in os.listdir(folder):
-            with open(os.path.join(folder, name), "rb") as file:
-                data = file.read()
-            found[data[9:265].split(b"\0")[0].decode()] = data[5000] != 0
-        return found
+        """{name of a saved profile: the program that it is linked to, or None}."""
+        return linkedPrograms(self.support)
 
     def press(self, name, window=None):
         self.tree.press(self.tree.named(window or self.main, name))
