@@ -33,51 +33,38 @@ bool NerinAction::isSameEdit(const _Nerin_CONFIG& a, const _Nerin_CONFIG& b) {
 }
 
 void EditHistory::begin(const std::optional<_Nerin_CONFIG>& held, const _Nerin_CONFIG& now) {
-  m_undo.clear();
-  m_redo.clear();
+  m_steps.clear();
   m_held = held;
   m_now = now;
 }
 
 void EditHistory::note(const _Nerin_CONFIG& now) {
   if (!NerinAction::isSameEdit(m_now, now)) {
-    m_undo.push_back(m_now);
-    if (m_undo.size() > maximumSteps) {
-      m_undo.pop_front();
-    }
-    m_redo.clear();
+    m_steps.note(m_now);
   }
   m_now = now;
 }
 
 void EditHistory::follow(const _Nerin_CONFIG& now) {
-  for (Steps* steps : {&m_undo, &m_redo}) {
-    for (_Nerin_CONFIG& step : *steps) {
-      if (step.profileId == m_now.profileId) {
-        step.profileId = now.profileId;
-      }
-      if (isSameText(step.profileName, m_now.profileName)) {
-        setText(step.profileName, textOf(now.profileName));
-      }
+  m_steps.forEach([&](_Nerin_CONFIG& step) {
+    if (step.profileId == m_now.profileId) {
+      step.profileId = now.profileId;
     }
-  }
+    if (isSameText(step.profileName, m_now.profileName)) {
+      setText(step.profileName, textOf(now.profileName));
+    }
+  });
   m_now = now;
 }
 
 const _Nerin_CONFIG& EditHistory::undo() {
-  go(m_undo, m_redo);
+  m_now = m_steps.undo(m_now);
   return m_now;
 }
 
 const _Nerin_CONFIG& EditHistory::redo() {
-  go(m_redo, m_undo);
+  m_now = m_steps.redo(m_now);
   return m_now;
-}
-
-void EditHistory::go(Steps& from, Steps& to) {
-  to.push_back(m_now);
-  m_now = from.back();
-  from.pop_back();
 }
 
 void NerinAction::beginHistory(bool isKnown) {

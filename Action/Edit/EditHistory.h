@@ -1,17 +1,15 @@
 #pragma once
 
-#include <deque>
 #include <optional>
 
 #include "Action/Record/Records.h"
+#include "Kit/Core/UndoSteps.h"
 
 // Undo and redo over what the user edits in the current slot: the record, the name, the linked
 // program and the linked profile. A read of a slot begins the history anew, so that no step of one
 // slot reaches another. An Apply keeps it: undoing past an Apply is a new edit.
 class EditHistory {
  public:
-  static constexpr std::size_t maximumSteps = 200;
-
   // Begins with what the slot holds; nothing if that is not known.
   void begin(const std::optional<_Nerin_CONFIG>& held, const _Nerin_CONFIG& now);
   // Takes a step where the edit has changed. A change of the linked profile alone is none: it comes
@@ -24,21 +22,16 @@ class EditHistory {
   void hold(const _Nerin_CONFIG& now) { m_held = now; }
   const std::optional<_Nerin_CONFIG>& held() const { return m_held; }
 
-  bool canUndo() const { return !m_undo.empty(); }
-  bool canRedo() const { return !m_redo.empty(); }
+  bool canUndo() const { return m_steps.canUndo(); }
+  bool canRedo() const { return m_steps.canRedo(); }
   // Goes one step. Call only if that is possible. Returns what the edit was or is to be.
   const _Nerin_CONFIG& undo();
   const _Nerin_CONFIG& redo();
 
  private:
-  using Steps = std::deque<_Nerin_CONFIG>;
-
-  void go(Steps& from, Steps& to);
-
   std::optional<_Nerin_CONFIG> m_held;
   _Nerin_CONFIG m_now{};
-  Steps m_undo;  // the nearest step is the last one
-  Steps m_redo;
+  UndoSteps<_Nerin_CONFIG> m_steps;
 };
 
 namespace NerinAction {

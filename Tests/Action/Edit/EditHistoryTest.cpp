@@ -184,7 +184,7 @@ TEST_F(EditUndo, KeepsABoundedNumberOfSteps) {
   EditHistory history;
   _Nerin_CONFIG content{};
   history.begin(content, content);
-  for (std::uint32_t i = 1; i <= EditHistory::maximumSteps + 5; ++i) {
+  for (std::uint32_t i = 1; i <= UndoSteps<_Nerin_CONFIG>::maximum + 5; ++i) {
     content.profile.liftHeight = i;
     history.note(content);
   }
@@ -193,7 +193,7 @@ TEST_F(EditUndo, KeepsABoundedNumberOfSteps) {
     content = history.undo();
     ++steps;
   }
-  EXPECT_EQ(steps, EditHistory::maximumSteps);
+  EXPECT_EQ(steps, UndoSteps<_Nerin_CONFIG>::maximum);
   EXPECT_EQ(content.profile.liftHeight, 5U);
 }
 
