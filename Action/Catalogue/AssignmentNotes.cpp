@@ -21,6 +21,31 @@ struct OtherName {
 constexpr std::array<OtherName, 4> otherNames{
     {{105, "Print Screen"}, {107, "Scroll Lock"}, {113, "Pause"}, {114, "Insert"}}};
 
+struct Words {
+  Note note;
+  const char* text;    // beside the choice
+  const char* effect;  // of an Apply
+};
+
+constexpr std::array<Words, 8> allWords{{
+    {Note::None, "", ""},
+    {Note::UnsendableKey, "The mouse cannot send this key", "The button will do nothing"},
+    {Note::NoKey, "No key chosen: the button will do nothing",
+     "No key chosen: the button will do nothing"},
+    {Note::NoFunction, "No function chosen: nothing changes",
+     "No function chosen: nothing changes"},
+    {Note::NoMacro, "No macro chosen: the button will do nothing",
+     "No macro chosen: the button will do nothing"},
+    {Note::SharedMacroName, "Two macros have this name", ""},
+    {Note::LongMacroName, "This name is longer than the mouse keeps (21 letters)", ""},
+    {Note::NoProgram, "No program chosen", "No program chosen: nothing changes"},
+}};
+
+const Words& wordsOf(Note note) {
+  return *std::find_if(allWords.begin(), allWords.end(),
+                       [&](const Words& words) { return words.note == note; });
+}
+
 // Names that the program gives are not names of the user.
 bool hasOwnName(const MacroInfo& macro) {
   return macro.nameStr() && !macro.nameStr()->starts_with(NerinAction::generatedMacroName);
@@ -81,41 +106,9 @@ Note assignmentnotes::ofProgram(const std::string& path) {
 }
 
 const char* assignmentnotes::textOf(Note note) {
-  switch (note) {
-    case Note::UnsendableKey:
-      return "The mouse cannot send this key";
-    case Note::NoKey:
-      return "No key chosen: the button will do nothing";
-    case Note::NoFunction:
-      return "No function chosen: nothing changes";
-    case Note::NoMacro:
-      return "No macro chosen: the button will do nothing";
-    case Note::SharedMacroName:
-      return "Two macros have this name";
-    case Note::LongMacroName:
-      return "This name is longer than the mouse keeps (21 letters)";
-    case Note::NoProgram:
-      return "No program chosen";
-    case Note::None:
-      break;
-  }
-  return "";
+  return wordsOf(note).text;
 }
 
 const char* assignmentnotes::effectOf(Note note) {
-  switch (note) {
-    case Note::UnsendableKey:
-      return "The button will do nothing";
-    case Note::NoProgram:
-      return "No program chosen: nothing changes";
-    case Note::NoKey:
-    case Note::NoFunction:
-    case Note::NoMacro:
-      return textOf(note);
-    case Note::SharedMacroName:
-    case Note::LongMacroName:
-    case Note::None:
-      break;
-  }
-  return "";
+  return wordsOf(note).effect;
 }

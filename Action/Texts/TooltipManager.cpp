@@ -104,16 +104,12 @@ std::optional<std::string> TooltipManager::getSysLanName() {
   return found != nullptr ? std::optional<std::string>(found->name) : std::nullopt;
 }
 
-std::optional<std::string> TooltipManager::codeOfLan(const std::string& name) {
-  const auto languages = language::all();
-  const auto found = std::find_if(languages.begin(), languages.end(),
-                                  [&](const auto& language) { return language.name == name; });
-  return found != languages.end() ? std::optional<std::string>(found->code) : std::nullopt;
-}
-
 std::string TooltipManager::languageCode() const {
-  const auto code = m_currLan != nullptr ? codeOfLan(m_currLan->name.value_or("")) : std::nullopt;
-  return code.value_or(language::all().front().code);
+  const auto languages = language::all();
+  const auto found = std::find_if(languages.begin(), languages.end(), [&](const auto& language) {
+    return m_currLan != nullptr && m_currLan->name == language.name;
+  });
+  return found != languages.end() ? found->code : languages.front().code;
 }
 
 void TooltipManager::setLanByname(const std::optional<std::string>& name) {

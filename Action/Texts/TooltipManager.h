@@ -27,9 +27,6 @@ class TooltipManager {
   void initData();
   // The catalogue's name for the system's language; no value for an unknown language.
   static std::optional<std::string> getSysLanName();
-  // The code of the language with that name in the catalogue, such as "pt-BR"; no value for a name
-  // that is none of the program's.
-  static std::optional<std::string> codeOfLan(const std::string& name);
   // The selected language as the system names it: "en", "pt-BR", "zh-Hant". English for a language
   // that only the user's file has.
   std::string languageCode() const;

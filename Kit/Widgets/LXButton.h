@@ -105,8 +105,6 @@ class LXButton : public QAbstractButton {
   QWidget* openedList() const { return m_openedList; }
   // Gives the button the focus and shows it, even in a window that is not active yet.
   void showFocus();
-  // Whether it has the focus and shows it.
-  bool showsFocus() const { return m_showsFocus; }
   // Whether the pointer gave it the focus.
   bool isFocusFromPointer() const { return m_isFocusFromPointer; }
   // Corner radius of the focus ring.

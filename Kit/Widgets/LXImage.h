@@ -15,7 +15,8 @@ class QPainter;
 // so that its words stay sharp at 125 % too. A window that moves to another screen brings it again.
 class LXImage {
  public:
-  // Its last column and row may be partly covered: at 125 %, a picture of 5 pixels takes 6.25.
+  // `size` is the picture's place, in device-independent pixels. The pixmap covers it with whole
+  // device pixels: at 125 % a place of 5 pixels is 6.25 device pixels wide, and the pixmap 7.
   struct Loaded {
     QPixmap pixmap;
     QSize size;

@@ -8,10 +8,12 @@
 #include <vector>
 
 #include "Action/Record/Records.h"
+#include "Kit/Core/UndoSteps.h"
 #include "Kit/Widgets/LXButton.h"
 #include "Kit/Widgets/LXSetpPanelObj.h"
 #include "View/Lights/ColorPicker.h"
 #include "View/Lights/LightColor.h"
+#include "View/Lights/TintedLights.h"
 #include "View/Windows/ChildView.h"
 
 class LXColorView;
@@ -79,7 +81,6 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
 
  private:
   using Colors = std::array<LightColor, zoneCount>;
-  using Steps = std::vector<Colors>;
 
   void initCopies();
   void addCopyActions(LXButton& button, int zone);
@@ -97,7 +98,11 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   void noteStep();
   // Changes what differs, with the history of those zones, and shows it.
   void takeColors(const Colors& colors);
-  void stepColors(Steps& from, Steps& to, const char* text);
+  void undoColors();
+  void redoColors();
+  void finishStep();
+  // Takes the colors and says which lights have changed.
+  void showStep(const Colors& after, const char* text);
   // The last zone keeps its original history.
   void noteHistory(int zone, const LightColor& before, const LightColor& after);
   const LightColor& historyAfter(int zone);
@@ -106,7 +111,6 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   void initZones();
   void initPicker();
   void drawColorBtn(QPainter& painter) const;
-  void drawLights(QPainter& painter);
   void takePicked();
   void showInSliders();
   void showPicked(const LightColor& color);
@@ -119,12 +123,7 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   std::array<LXButton*, zoneCount> m_markerBtns{};
   std::array<LXImageView*, zoneCount> m_lines{};
   std::array<QRect, zoneCount> m_btnColorRect{};
-  // Of the pictures of the lights, the parts that are not transparent, and where they lie.
-  std::array<LXImage, zoneCount> m_lights;
-  std::array<QRect, zoneCount> m_lightPlaces{};
-  // The lights in the colors that were drawn last.
-  std::array<LXImage, zoneCount> m_tinted;
-  std::array<QColor, zoneCount> m_tints;
+  std::optional<TintedLights> m_lights;
   LXSetpPanelObj* m_lightSetp = nullptr;
   LXSetpPanelObj* m_lightTagSetp = nullptr;
   LXColorView* m_beforeColorView = nullptr;
@@ -141,9 +140,7 @@ class LightView : public ChildView, public LXSetpPanelDelegate, public LXButtonD
   // The color at the press of a drag or of a held key, which are one change together.
   std::optional<LightColor> m_pressedAt;
   bool m_isPressNoted = false;
-  // The colors before and after, for undo and redo; the nearest step is the last one.
-  Steps m_undo;
-  Steps m_redo;
+  UndoSteps<Colors> m_steps;
   QMenu* m_lightMenu = nullptr;
   LightColor m_before;
   LightColor m_after;

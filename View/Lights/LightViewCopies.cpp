@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr std::size_t maximumSteps = 200;
 constexpr QKeyCombination copyKeys = Qt::CTRL | Qt::Key_C;
 constexpr QKeyCombination copyAllKeys = Qt::CTRL | Qt::SHIFT | Qt::Key_C;
 constexpr QKeyCombination pasteKeys = Qt::CTRL | Qt::Key_V;
@@ -150,11 +149,7 @@ void LightView::useForAllLights(int zone) {
 }
 
 void LightView::noteStep() {
-  m_undo.push_back(currentColors());
-  if (m_undo.size() > maximumSteps) {
-    m_undo.erase(m_undo.begin());
-  }
-  m_redo.clear();
+  m_steps.note(currentColors());
 }
 
 void LightView::takeColors(const Colors& colors) {
@@ -174,17 +169,28 @@ void LightView::takeColors(const Colors& colors) {
   displayBtnColor();
 }
 
-void LightView::stepColors(Steps& from, Steps& to, const char* text) {
-  m_pressedAt.reset();
-  // A typed color is a step of its own.
-  m_colorPanel->commit();
-  if (from.empty() || !m_isOverFill) {
-    return;
+void LightView::undoColors() {
+  finishStep();
+  if (m_isOverFill && m_steps.canUndo()) {
+    showStep(m_steps.undo(currentColors()), "Undone: %1");
   }
+}
+
+void LightView::redoColors() {
+  finishStep();
+  if (m_isOverFill && m_steps.canRedo()) {
+    showStep(m_steps.redo(currentColors()), "Done again: %1");
+  }
+}
+
+// A typed color is a step of its own.
+void LightView::finishStep() {
+  m_pressedAt.reset();
+  m_colorPanel->commit();
+}
+
+void LightView::showStep(const Colors& after, const char* text) {
   const Colors before = currentColors();
-  const Colors after = from.back();
-  from.pop_back();
-  to.push_back(before);
   takeColors(after);
   QStringList names;
   for (std::size_t i = 0; i < zoneCount; ++i) {
@@ -207,9 +213,9 @@ void LightView::keyPressEvent(QKeyEvent* event) {
   } else if (keys == pasteKeys) {
     pasteColor(zone);
   } else if (keys == undoKeys) {
-    stepColors(m_undo, m_redo, "Undone: %1");
+    undoColors();
   } else if (keys == redoKeys) {
-    stepColors(m_redo, m_undo, "Done again: %1");
+    redoColors();
   } else {
     ChildView::keyPressEvent(event);
   }

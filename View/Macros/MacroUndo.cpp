@@ -1,14 +1,7 @@
 #include "View/Macros/MacroUndo.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <utility>
-
-namespace {
-
-constexpr std::size_t mostSteps = 200;
-
-}  // namespace
 
 MacroUndo::State MacroUndo::stateOf(const MacroInfo::Events& commands) {
   State state;
@@ -21,8 +14,7 @@ MacroUndo::State MacroUndo::stateOf(const MacroInfo::Events& commands) {
 
 void MacroUndo::start(const MacroInfo::Events* commands) {
   m_now = commands != nullptr ? stateOf(*commands) : State();
-  m_before.clear();
-  m_after.clear();
+  m_steps.clear();
 }
 
 void MacroUndo::note(const MacroInfo::Events& commands) {
@@ -30,28 +22,19 @@ void MacroUndo::note(const MacroInfo::Events& commands) {
   if (now == m_now) {
     return;
   }
-  m_before.push_back(std::exchange(m_now, std::move(now)));
-  if (m_before.size() > mostSteps) {
-    m_before.erase(m_before.begin());
-  }
-  m_after.clear();
+  m_steps.note(std::exchange(m_now, std::move(now)));
 }
 
 int MacroUndo::undo(MacroInfo::Events& commands) {
-  return move(m_before, m_after, commands);
+  return m_steps.canUndo() ? moveTo(m_steps.undo(m_now), commands) : -1;
 }
 
 int MacroUndo::redo(MacroInfo::Events& commands) {
-  return move(m_after, m_before, commands);
+  return m_steps.canRedo() ? moveTo(m_steps.redo(m_now), commands) : -1;
 }
 
-int MacroUndo::move(std::vector<State>& from, std::vector<State>& to, MacroInfo::Events& commands) {
-  if (from.empty()) {
-    return -1;
-  }
-  to.push_back(std::exchange(m_now, std::move(from.back())));
-  from.pop_back();
-  const State& old = to.back();
+int MacroUndo::moveTo(State state, MacroInfo::Events& commands) {
+  const State old = std::exchange(m_now, std::move(state));
   const auto differs = std::mismatch(m_now.begin(), m_now.end(), old.begin(), old.end()).first;
   MacroInfo::Events restored;
   restored.reserve(m_now.size());

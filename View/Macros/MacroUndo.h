@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Action/Catalogue/MacroInfo.h"
+#include "Kit/Core/UndoSteps.h"
 
 // The states of a macro's commands while the editor is open on it.
 class MacroUndo {
@@ -24,9 +25,8 @@ class MacroUndo {
   using State = std::vector<Command>;
 
   static State stateOf(const MacroInfo::Events& commands);
-  int move(std::vector<State>& from, std::vector<State>& to, MacroInfo::Events& commands);
+  int moveTo(State state, MacroInfo::Events& commands);
 
   State m_now;
-  std::vector<State> m_before;
-  std::vector<State> m_after;
+  UndoSteps<State> m_steps;
 };

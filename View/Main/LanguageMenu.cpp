@@ -49,10 +49,7 @@ bool LanguageMenu::hasLettersOf(const std::string& text) {
 
 bool LanguageMenu::canReadLanguage() {
   auto& texts = TooltipManager::shareTooltipManager();
-  const auto code = texts.currLan() != nullptr
-                        ? TooltipManager::codeOfLan(texts.currLan()->name.value_or(""))
-                        : std::nullopt;
-  if (!code || hasLettersOf(language::ofCode(*code)->ownName)) {
+  if (hasLettersOf(language::ofCode(texts.languageCode())->ownName)) {
     return true;
   }
   texts.setLanByname(language::all().front().name);

@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include "View/Lights/LightColor.h"
+#include "View/Lights/TintedLights.h"
 #include "View/Screen/Pictures.h"
 
 MapLights::MapLights(const QString& stem, const QPoint& place, QWidget* parent)
@@ -34,14 +35,10 @@ LXImage::Loaded MapLights::drawn(qreal ratio) const {
   QPixmap all;
   QSize size;
   for (std::size_t zone = 0; zone < zoneCount; ++zone) {
-    QPixmap light = m_lights[zone].pixmap(ratio);
-    if (light.isNull()) {
+    if (m_lights[zone].isNull()) {
       continue;
     }
-    QPainter tint(&light);
-    tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    tint.fillRect(QRectF(QPointF(), light.deviceIndependentSize()), (*m_colors)[zone]);
-    tint.end();
+    const QPixmap light = tinted(m_lights[zone], (*m_colors)[zone]).pixmap(ratio);
     if (all.isNull()) {
       size = m_lights[zone].size();
       all = QPixmap(light.size());

@@ -31,14 +31,11 @@ QtTexts::~QtTexts() {
 }
 
 const QTranslator* QtTexts::words() const {
-  const LanData* language = TooltipManager::shareTooltipManager().currLan();
-  const std::string name = language != nullptr ? language->name.value_or("") : std::string();
-  auto& words = m_words[name];
+  const std::string code = TooltipManager::shareTooltipManager().languageCode();
+  auto& words = m_words[code];
   if (!words) {
     words = std::make_unique<QTranslator>();
-    if (const auto code = TooltipManager::codeOfLan(name)) {
-      loadWords(*words, *code);
-    }
+    loadWords(*words, code);
   }
   return words.get();
 }
