@@ -30,15 +30,6 @@ EventLoop::Time now() {
   return std::chrono::steady_clock::now();
 }
 
-bool hasAnyDraft() {
-  for (int slot = 0; slot < static_cast<int>(Links::slotCount); ++slot) {
-    if (NerinAction::hasDraft(slot)) {
-      return true;
-    }
-  }
-  return false;
-}
-
 }  // namespace
 
 Companion::Companion(EventLoop& loop, BusConnection& bus, Settings settings)
@@ -235,8 +226,9 @@ SwitchPolicy::Program Companion::programOf(const AppIdentity& identity) const {
 }
 
 void Companion::decide() {
-  m_policy.pause(m_hasWindow && hasAnyDraft() ? SwitchPolicy::Pause::WindowHasEdits
-                                              : SwitchPolicy::Pause::None);
+  m_policy.pause(m_hasWindow && NerinAction::isAnyDraftOnDisk()
+                     ? SwitchPolicy::Pause::WindowHasEdits
+                     : SwitchPolicy::Pause::None);
   if (const auto wanted = m_policy.wanted(now())) {
     int written = *wanted;
     const auto result = m_mouse.writeSlot([&](int slot) {

@@ -39,6 +39,9 @@ class Companion {
   // Looks for the mouse and begins to work.
   void begin();
 
+  // Why the mouse has its slot, as other programs read it.
+  const std::string& explanation() const { return m_explanation; }
+
  private:
   void obey(const WindowMessage& message);
   void report(const DeviceReport& report);
