@@ -1,6 +1,7 @@
 // nerin-companion: what NerinOption does while its window is closed.
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -9,6 +10,7 @@
 #include "Action/Edit/Drafts.h"
 #include "Action/NerinAction.h"
 #include "Companion/Service/Companion.h"
+#include "Kit/Bus/CompanionAddress.h"
 #include "Kit/Core/HostEnvironment.h"
 #include "Kit/Core/LXLogger.h"
 #include "Kit/Core/LXPlatform.h"
@@ -78,6 +80,7 @@ int work(const Options& options) {
   NerinAction::leaveDraftsAlone();
   Companion::Settings settings;
   settings.mouseFile = options.virtualFile;
+  settings.hasOwnDisplay = hasDisplayOfItsOwn(std::getenv("XDG_CURRENT_DESKTOP"));
   if (options.virtualFile.empty()) {
     std::error_code error;
     settings.windowProgram =
@@ -86,7 +89,7 @@ int work(const Options& options) {
   int code = Done;
   {
     Companion companion(loop, *bus, std::move(settings));
-    bus->requestName(Companion::busName, [&](bool isOurs) {
+    bus->requestName(companionaddress::service, [&](bool isOurs) {
       if (isOurs) {
         companion.begin();
       } else {

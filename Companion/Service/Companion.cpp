@@ -6,10 +6,12 @@
 
 #include <systemd/sd-bus.h>
 
+#include "Action/Device/SlotTransfer.h"
 #include "Action/Edit/DraftFiles.h"
 #include "Action/Edit/Drafts.h"
 #include "Action/Library/SupportFolder.h"
 #include "Action/NerinAction.h"
+#include "Kit/Bus/CompanionAddress.h"
 #include "Kit/Core/LXLogger.h"
 
 using namespace std::chrono_literals;
@@ -23,6 +25,10 @@ constexpr auto busyPause = 250ms;
 constexpr std::chrono::seconds firstForegroundPause{1};
 constexpr std::chrono::seconds longestForegroundPause{30};
 constexpr auto reopenLimit = 60s;
+// After sleep, the bus needs a moment to find its devices.
+constexpr auto resumePause = 2s;
+// A held button may send its report again.
+constexpr auto launchPause = 500ms;
 // The window that asked for it has to end first.
 constexpr auto reopenPause = 500ms;
 
@@ -35,8 +41,9 @@ EventLoop::Time now() {
 Companion::Companion(EventLoop& loop, BusConnection& bus, Settings settings)
     : m_loop(loop),
       m_bus(bus),
-      m_launcher(bus),
       m_settings(std::move(settings)),
+      m_launcher(bus),
+      m_display(bus, m_settings.hasOwnDisplay),
       m_mouse(loop, m_settings.udevControl,
               {.reported = [this](const DeviceReport& one) { report(one); },
                .came =
@@ -44,13 +51,22 @@ Companion::Companion(EventLoop& loop, BusConnection& bus, Settings settings)
                      m_policy.mouseCame(reading.slot);
                      decide();
                    },
-               .heard = [](const HidInputReport&) { return false; }}),
+               .heard = [this](const HidInputReport& one) { return launch(one); }}),
       m_foregroundTimer(loop, [this] { openForeground(); }),
       m_decideTimer(loop, [this] { decide(); }),
-      m_reopenTimer(loop, [this] { reopenWindow(); }) {
-  m_bus.publish(busPath, busName,
-                {{"Explanation", [this] { return m_explanation; }},
-                 {"Foreground", [this] { return m_foreground ? m_foreground->name() : "none"; }}});
+      m_reopenTimer(loop, [this] { reopenWindow(); }),
+      m_resumeTimer(loop, [this] {
+        m_mouse.look();
+        m_mouse.ring();
+      }) {
+  m_bus.publish(
+      companionaddress::path, companionaddress::interface,
+      {{companionaddress::explanation, [this] { return m_explanation; }},
+       {companionaddress::foreground,
+        [this] {
+          return m_foreground ? m_foreground->name() : m_links.isEmpty() ? "not needed" : "none";
+        }},
+       {companionaddress::mouse, [this] { return m_settings.mouseFile.string(); }}});
   explain();
 }
 
@@ -67,6 +83,14 @@ void Companion::begin() {
                     });
   watchWindow();
   watchFiles();
+  m_session = std::make_unique<SessionState>(
+      m_loop.handle(),
+      [this] {
+        // The right to open the mouse comes and goes with the seat.
+        m_mouse.look();
+        decide();
+      },
+      [this] { m_resumeTimer.startIn(resumePause); });
   NerinAction::startListenDev();
   reloadLinks();
   m_mouse.look();
@@ -77,6 +101,10 @@ void Companion::obey(const WindowMessage& message) {
   if (const auto slot = message.chosenSlot()) {
     m_policy.personChose(*slot, now());
     m_mouse.note(*slot);
+    showSlot();
+  }
+  if (const auto text = displayOf(message)) {
+    show(*text);
   }
   switch (message.code) {
     case NerinAction::MessageProfileApplied:
@@ -107,6 +135,7 @@ void Companion::report(const DeviceReport& one) {
   switch (one.type) {
     case DeviceReport::SlotChanged:
       m_policy.personChose(one.value, now());
+      showSlot();
       break;
     case DeviceReport::Removed:
       m_policy.mouseGone();
@@ -115,6 +144,7 @@ void Companion::report(const DeviceReport& one) {
       reopenWindow();
       break;
     case DeviceReport::DpiChanged:
+      show(levelDisplay(one.value));
       break;
   }
   decide();
@@ -172,6 +202,7 @@ void Companion::setHasWindow(bool hasWindow) {
 
 void Companion::reloadLinks() {
   m_links.reload();
+  m_buttons = learnedbuttons::all();
   if (m_links.isEmpty()) {
     // Nobody needs to know what is in front, so that nothing wakes this program up for it.
     m_foreground.reset();
@@ -225,10 +256,52 @@ SwitchPolicy::Program Companion::programOf(const AppIdentity& identity) const {
   return program;
 }
 
+// True for a button that somebody taught, whether or not it launches something here.
+bool Companion::launch(const HidInputReport& report) {
+  const auto known = std::find_if(m_buttons.begin(), m_buttons.end(), [&](const auto& entry) {
+    return entry.second.fits(report.interfaceNumber, report.bytes);
+  });
+  if (known == m_buttons.end()) {
+    return false;
+  }
+  const int button = known->first;
+  const auto last = m_launches.find(button);
+  const bool isHeld = last != m_launches.end() && now() - last->second < launchPause;
+  m_launches[button] = now();
+  const bool isClosed = m_session && m_session->isClosed();
+  if (isHeld || isClosed || !m_policy.slot()) {
+    return true;
+  }
+  // Only what a person put there in this program: never a path out of somebody else's profile.
+  const auto path = NerinAction::daemonGetLaunchPath(*m_policy.slot(), button);
+  if (path && !path->empty()) {
+    m_launcher.launch(*path);
+  }
+  return true;
+}
+
+void Companion::showSlot() {
+  if (!m_policy.slot() || !NerinAction::daemonGetOsd()) {
+    return;
+  }
+  const auto name = NerinAction::getFWProfileName(static_cast<std::uint8_t>(*m_policy.slot()));
+  m_mouse.noteTransfer();
+  const std::string profile = name.outcome.isDone() ? name.value.value_or("") : "";
+  m_display.show(slotDisplay(*m_policy.slot(), profile, m_policy.explanation()));
+}
+
+void Companion::show(const DisplayText& text) {
+  if (NerinAction::daemonGetOsd()) {
+    m_display.show(text);
+  }
+}
+
 void Companion::decide() {
-  m_policy.pause(m_hasWindow && NerinAction::isAnyDraftOnDisk()
-                     ? SwitchPolicy::Pause::WindowHasEdits
-                     : SwitchPolicy::Pause::None);
+  const bool isClosed = m_session && m_session->isClosed();
+  const bool hasEdits = m_hasWindow && NerinAction::isAnyDraftOnDisk();
+  m_policy.pause(isClosed   ? SwitchPolicy::Pause::Locked
+                 : hasEdits ? SwitchPolicy::Pause::WindowHasEdits
+                            : SwitchPolicy::Pause::None);
   if (const auto wanted = m_policy.wanted(now())) {
     int written = *wanted;
     const auto result = m_mouse.writeSlot([&](int slot) {
@@ -250,6 +323,7 @@ void Companion::decide() {
             "NerinDevStatus", "",
             LXUserInfo{{"type", static_cast<std::int32_t>(DeviceReport::SlotChanged)},
                        {"value", written}});
+        showSlot();
       }
     }
   }
@@ -265,7 +339,7 @@ void Companion::explain() {
   std::string text = m_policy.explanation();
   if (text != m_explanation) {
     m_explanation = std::move(text);
-    m_bus.tellChanged("Explanation");
+    m_bus.tellChanged(companionaddress::explanation);
   }
 }
 

@@ -2,12 +2,16 @@
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "Action/Service/LearnedButtons.h"
 #include "Companion/Desktop/Foreground.h"
 #include "Companion/Desktop/Launcher.h"
+#include "Companion/Desktop/ScreenDisplay.h"
+#include "Companion/Desktop/SessionState.h"
 #include "Companion/Loop/EventLoop.h"
 #include "Companion/Policy/SwitchPolicy.h"
 #include "Companion/Policy/WindowMessage.h"
@@ -19,13 +23,12 @@
 // the program in front. Made of policies that decide and parts that act; this joins them.
 class Companion {
  public:
-  static constexpr const char* busName = "com.corvex.NerinOption.Companion";
-  static constexpr const char* busPath = "/com/corvex/NerinOption/Companion";
-
   struct Settings {
     std::filesystem::path udevControl = "/run/udev/control";
     // The window's program, to be opened again; empty if it is unknown.
     std::filesystem::path windowProgram;
+    // Whether the desktop has a display of its own kind.
+    bool hasOwnDisplay = false;
     // A file whose writing is a change of the mouse: the memory of a virtual one.
     std::filesystem::path mouseFile;
   };
@@ -52,14 +55,21 @@ class Companion {
   void openForeground();
   void takeForeground(const std::optional<AppIdentity>& identity);
   SwitchPolicy::Program programOf(const AppIdentity& identity) const;
+  bool launch(const HidInputReport& report);
+  void showSlot();
+  void show(const DisplayText& text);
   void decide();
   void explain();
   void reopenWindow();
 
   EventLoop& m_loop;
   BusConnection& m_bus;
-  Launcher m_launcher;
   Settings m_settings;
+  Launcher m_launcher;
+  ScreenDisplay m_display;
+  std::unique_ptr<SessionState> m_session;
+  std::map<int, ButtonPattern> m_buttons;
+  std::map<int, EventLoop::Time> m_launches;
   MouseWatch m_mouse;
   SwitchPolicy m_policy;
   Links m_links;
@@ -72,6 +82,7 @@ class Companion {
   bool m_hasWindow = false;
   std::optional<EventLoop::Time> m_reopenUntil;
   EventLoop::Timer m_reopenTimer;
+  EventLoop::Timer m_resumeTimer;
   std::unique_ptr<EventLoop::Watch> m_draftWatch;
   std::unique_ptr<EventLoop::Watch> m_preferenceWatch;
   std::unique_ptr<EventLoop::Watch> m_mouseFileWatch;

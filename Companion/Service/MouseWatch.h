@@ -44,6 +44,8 @@ class MouseWatch {
   void setIsTrial(bool isTrial) { m_isTrial = isTrial; }
   // Another program set the slot.
   void note(int slot);
+  // This program has just used the mouse.
+  void noteTransfer() { m_doorbell.transferred(std::chrono::steady_clock::now()); }
 
   bool isThere() const { return m_presence.isThere; }
   const std::optional<MouseReading>& reading() const { return m_reading; }

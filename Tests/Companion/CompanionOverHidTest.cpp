@@ -10,13 +10,16 @@
 #include <systemd/sd-bus.h>
 
 #include "Action/Edit/Drafts.h"
+#include "Action/Library/PreferenceKeys.h"
 #include "Action/NerinAction.h"
 #include "Companion/Service/Companion.h"
 #include "Kit/Bus/BusQuestion.h"
+#include "Kit/Bus/CompanionAddress.h"
 #include "Kit/Core/FileLock.h"
 #include "Kit/Core/LXPlatform.h"
 #include "Kit/Core/PreferenceFile.h"
 #include "Kit/Device/HidDeviceRequester.h"
+#include "Tests/Companion/FakeDesktop.h"
 #include "Tests/Support/EmulatedMouse.h"
 #include "Tests/Support/PrivateBus.h"
 #include "Tests/Support/Scratch.h"
@@ -59,7 +62,7 @@ class CompanionOverHid : public testing::Test {
         Companion::Settings{
             .udevControl = emulated.udevControl(), .windowProgram = {}, .mouseFile = {}});
     bool isAnswered = false;
-    m_bus->requestName(Companion::busName, [&](bool isOurs) {
+    m_bus->requestName(companionaddress::service, [&](bool isOurs) {
       EXPECT_TRUE(isOurs);
       m_companion->begin();
       isAnswered = true;
@@ -90,9 +93,10 @@ class CompanionOverHid : public testing::Test {
     std::string text;
     bool isAnswered = false;
     connection->call(
-        {Companion::busName, Companion::busPath, "org.freedesktop.DBus.Properties", "Get"},
+        {companionaddress::service, companionaddress::path, "org.freedesktop.DBus.Properties",
+         "Get"},
         [](sd_bus_message* call) {
-          sd_bus_message_append(call, "ss", Companion::busName, "Explanation");
+          sd_bus_message_append(call, "ss", companionaddress::service, "Explanation");
         },
         [&](sd_bus_message* answer) {
           const char* found = nullptr;
@@ -220,6 +224,116 @@ TEST_F(CompanionOverHid, WaitsForNobodyAndReadsWhenTheMouseIsFree) {
   EXPECT_THAT(reports(), ElementsAre());
   other.reset();
   EXPECT_THAT(reports(600ms), ElementsAre(report(1, 6)));
+}
+
+// The seventh button sends a report, and launches a program that leaves a file.
+class LaunchOverHid : public CompanionOverHid {
+ protected:
+  LaunchOverHid() {
+    const auto program = files / "program";
+    writeText(program, "#!/bin/sh\ntouch \"$0.started\"\n");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    EXPECT_TRUE(PreferenceFile(NerinAction::preferenceFilePath())
+                    .setValue(preferencekeys::launchPath(0, 6), program.string()));
+    EXPECT_TRUE(learnedbuttons::keep(6, {1, {7, 0x22, std::nullopt, 0, 0, 0, 0, 0, 0}}));
+  }
+
+  void press() { emulated.sendInput(1, {7, 0x22, 5, 0, 0, 0, 0, 0, 0}); }
+  bool isStartedSoon(std::chrono::milliseconds limit = 20s) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    const auto started = files / "program.started";
+    while (!std::filesystem::exists(started) && std::chrono::steady_clock::now() < end) {
+      m_loop.runUntil([] { return false; }, 10ms);
+    }
+    return std::filesystem::exists(started);
+  }
+
+  FakeDesktop desktop{m_loop};
+  Scratch files;
+};
+
+TEST_F(LaunchOverHid, ALearnedButtonStartsItsProgram) {
+  emulated.plugWithVendorInput();
+  start();
+  reports();
+  emulated.mouse().clearTranscript();
+  press();
+  EXPECT_TRUE(isStartedSoon());
+  // It is no doorbell.
+  EXPECT_TRUE(emulated.mouse().transcript().empty());
+}
+
+TEST_F(LaunchOverHid, AHeldButtonStartsItOnce) {
+  emulated.plugWithVendorInput();
+  start();
+  reports();
+  press();
+  ASSERT_TRUE(isStartedSoon());
+  std::filesystem::remove(files / "program.started");
+  press();
+  EXPECT_FALSE(isStartedSoon(400ms));
+}
+
+TEST_F(LaunchOverHid, NothingStartsOnAnotherSlot) {
+  emulated.plugWithVendorInput();
+  emulated.mouse().pressSlotButton(3);
+  start();
+  reports();
+  press();
+  EXPECT_FALSE(isStartedSoon(500ms));
+}
+
+TEST_F(LaunchOverHid, NothingStartsWhileTheSessionIsLocked) {
+  emulated.plugWithVendorInput();
+  start();
+  desktop.setIsLocked(true);
+  reports();
+  EXPECT_EQ(explanation(), "Slot 1: slots do not follow programs while the session is locked");
+  press();
+  EXPECT_FALSE(isStartedSoon(500ms));
+  desktop.setIsLocked(false);
+  reports(600ms);
+  press();
+  EXPECT_TRUE(isStartedSoon());
+}
+
+TEST_F(LaunchOverHid, AnotherSlotIsShownInOneNotification) {
+  emulated.plugWithVendorInput();
+  MouseHost::write(emulated.mouse(), MouseHost::nameReport(6, "Games"));
+  start();
+  reports();
+  for (const int slot : {6, 7}) {
+    emulated.mouse().pressSlotButton(slot);
+    emulated.sendInput(1, {7, 9, 9, 9, 9, 9, 9, 9, 9});
+    reports();
+  }
+  ASSERT_EQ(desktop.shown.size(), 2U);
+  EXPECT_EQ(desktop.shown[0].replaced, 0U);
+  EXPECT_EQ(desktop.shown[0].summary, "Slot 7: Games");
+  EXPECT_EQ(desktop.shown[0].body, "Slot 7, the last one chosen by hand");
+  EXPECT_EQ(desktop.shown[1].replaced, 41U);
+}
+
+TEST_F(LaunchOverHid, NothingIsShownWhileTheDisplayIsOff) {
+  ASSERT_TRUE(
+      PreferenceFile(NerinAction::preferenceFilePath()).setValue(preferencekeys::osd, false));
+  emulated.plugWithVendorInput();
+  start();
+  reports();
+  emulated.mouse().pressSlotButton(6);
+  emulated.sendInput(1, {7, 9, 9, 9, 9, 9, 9, 9, 9});
+  EXPECT_THAT(reports(), ElementsAre(report(1, 6)));
+  EXPECT_TRUE(desktop.shown.empty());
+}
+
+TEST_F(LaunchOverHid, TheMouseIsReadAgainAfterSleep) {
+  emulated.plugWithVendorInput();
+  start();
+  reports();
+  emulated.mouse().pressSlotButton(6);
+  desktop.sleepAndResume();
+  EXPECT_THAT(reports(1500ms), ElementsAre());
+  EXPECT_THAT(reports(1000ms), ElementsAre(report(1, 6)));
 }
 
 TEST_F(CompanionOverHid, SendsNothingWhileNothingHappens) {

@@ -12,6 +12,7 @@
 #include "Action/Library/PreferenceKeys.h"
 #include "Action/NerinAction.h"
 #include "Companion/Service/Companion.h"
+#include "Kit/Bus/CompanionAddress.h"
 #include "Kit/Core/LXPlatform.h"
 #include "Kit/Core/PreferenceFile.h"
 #include "Tests/Companion/PrivateDisplay.h"
@@ -50,7 +51,7 @@ class CompanionOverX11 : public testing::Test {
         loop, *m_bus,
         Companion::Settings{.udevControl = m_home / "none", .windowProgram = {}, .mouseFile = {}});
     bool isAnswered = false;
-    m_bus->requestName(Companion::busName, [&](bool) {
+    m_bus->requestName(companionaddress::service, [&](bool) {
       m_companion->begin();
       isAnswered = true;
     });

@@ -1,0 +1,78 @@
+#include "Tests/Companion/FakeDesktop.h"
+
+#include <cstring>
+#include <stdexcept>
+
+#include <stdlib.h>
+
+namespace {
+
+constexpr const char* session = "/org/freedesktop/login1/session/auto";
+// As real signals have it.
+constexpr const char* numberedSession = "/org/freedesktop/login1/session/_31";
+
+int notify(sd_bus_message* call, void* data, sd_bus_error* /*error*/) {
+  auto& desktop = *static_cast<FakeDesktop*>(data);
+  const char* name = nullptr;
+  const char* icon = nullptr;
+  const char* summary = nullptr;
+  const char* body = nullptr;
+  std::uint32_t replaced = 0;
+  sd_bus_message_read(call, "susss", &name, &replaced, &icon, &summary, &body);
+  desktop.shown.push_back({replaced, summary, body});
+  return sd_bus_reply_method_return(call, "u", 41);
+}
+
+int readFlag(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/, const char* property,
+             sd_bus_message* reply, void* data, sd_bus_error* /*error*/) {
+  const bool isLocked = static_cast<FakeDesktop*>(data)->isLocked;
+  return sd_bus_message_append(reply, "b",
+                               std::strcmp(property, "Active") == 0 || isLocked ? 1 : 0);
+}
+
+const sd_bus_vtable notifications[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_METHOD("Notify", "susssasa{sv}i", "u", notify, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_VTABLE_END};
+const sd_bus_vtable login[] = {SD_BUS_VTABLE_START(0),
+                               SD_BUS_PROPERTY("LockedHint", "b", readFlag, 0, 0),
+                               SD_BUS_PROPERTY("Active", "b", readFlag, 0, 0), SD_BUS_VTABLE_END};
+
+}  // namespace
+
+FakeDesktop::FakeDesktop(EventLoop& loop) {
+  // One bus is both of them.
+  setenv("DBUS_SYSTEM_BUS_ADDRESS", getenv("DBUS_SESSION_BUS_ADDRESS"), 1);
+  if (sd_bus_open_user(&m_bus) < 0 ||
+      sd_bus_add_object_vtable(m_bus, nullptr, "/org/freedesktop/Notifications",
+                               "org.freedesktop.Notifications", notifications, this) < 0 ||
+      sd_bus_add_object_vtable(m_bus, nullptr, session, "org.freedesktop.login1.Session", login,
+                               this) < 0 ||
+      sd_bus_request_name(m_bus, "org.freedesktop.Notifications", 0) < 0 ||
+      sd_bus_request_name(m_bus, "org.freedesktop.login1", 0) < 0 ||
+      sd_bus_attach_event(m_bus, loop.handle(), 0) < 0) {
+    throw std::runtime_error("no desktop");
+  }
+}
+
+FakeDesktop::~FakeDesktop() {
+  sd_bus_flush_close_unref(m_bus);
+  unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+}
+
+void FakeDesktop::setIsLocked(bool locked) {
+  isLocked = locked;
+  sd_bus_message* signal = nullptr;
+  sd_bus_message_new_signal(m_bus, &signal, numberedSession, "org.freedesktop.DBus.Properties",
+                            "PropertiesChanged");
+  sd_bus_message_append(signal, "sa{sv}as", "org.freedesktop.login1.Session", 0, 1, "LockedHint");
+  sd_bus_send(m_bus, signal, nullptr);
+  sd_bus_message_unref(signal);
+}
+
+void FakeDesktop::sleepAndResume() {
+  for (const int isBefore : {1, 0}) {
+    sd_bus_emit_signal(m_bus, "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
+                       "PrepareForSleep", "b", isBefore);
+  }
+}
