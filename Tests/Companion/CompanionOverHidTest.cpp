@@ -263,6 +263,21 @@ TEST_F(LaunchOverHid, ALearnedButtonStartsItsProgram) {
   EXPECT_TRUE(emulated.mouse().transcript().empty());
 }
 
+TEST_F(LaunchOverHid, TheServiceManagerStartsItInAUnitOfItsOwn) {
+  desktop.becomeServiceManager();
+  emulated.plugWithVendorInput();
+  start();
+  reports();
+  press();
+  EXPECT_FALSE(isStartedSoon(500ms));
+  ASSERT_EQ(desktop.started.size(), 1U);
+  const FakeDesktop::Started& started = desktop.started[0];
+  EXPECT_EQ(started.command, std::vector<std::string>{(files / "program").string()});
+  EXPECT_THAT(started.unit, testing::MatchesRegex("app-nerin-program@[0-9]+-1\\.service"));
+  EXPECT_EQ(started.mode, "fail");
+  EXPECT_EQ(started.texts.at("ExitType"), "cgroup");
+}
+
 TEST_F(LaunchOverHid, AHeldButtonStartsItOnce) {
   emulated.plugWithVendorInput();
   start();

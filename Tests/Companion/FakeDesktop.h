@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,16 @@ class FakeDesktop {
 
   void setIsLocked(bool isLocked);
   void sleepAndResume();
+  // From now on the session has a service manager, which notes what it shall start.
+  void becomeServiceManager();
+
+  struct Started {
+    std::string unit;
+    std::string mode;
+    std::map<std::string, std::string> texts;  // the properties of a unit that are texts
+    std::vector<std::string> command;
+  };
+  std::vector<Started> started;
 
   std::vector<Shown> shown;
   bool isLocked = false;
