@@ -81,7 +81,9 @@ int work(const Options& options) {
   Companion::Settings settings;
   settings.mouseFile = options.virtualFile;
   settings.hasOwnDisplay = hasDisplayOfItsOwn(std::getenv("XDG_CURRENT_DESKTOP"));
-  if (options.virtualFile.empty()) {
+  if (!options.virtualFile.empty()) {
+    settings.udevControl.clear();
+  } else {
     std::error_code error;
     settings.windowProgram =
         std::filesystem::read_symlink("/proc/self/exe", error).replace_filename("NerinOption");

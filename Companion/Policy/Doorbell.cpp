@@ -1,8 +1,7 @@
 #include "Companion/Policy/Doorbell.h"
 
 void Doorbell::heard(std::uint8_t reportId, Time now) {
-  const bool isEcho = m_lastTransfer && now - *m_lastTransfer < echo;
-  if (isEcho || isDisarmed(reportId)) {
+  if (isEcho(now) || isDisarmed(reportId)) {
     return;
   }
   m_ringing.insert(reportId);

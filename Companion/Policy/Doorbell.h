@@ -23,6 +23,7 @@ class Doorbell {
   static constexpr auto fruitlessTime = std::chrono::seconds(10);
 
   void heard(std::uint8_t reportId, Time now);
+  bool isEcho(Time now) const { return m_lastTransfer && now - *m_lastTransfer < echo; }
   void transferred(Time now) { m_lastTransfer = now; }
   // When to read the mouse; nothing while the bell is silent.
   std::optional<Time> due() const;

@@ -164,7 +164,7 @@ void Companion::watchFiles() {
   });
   if (!m_settings.mouseFile.empty()) {
     m_mouseFileWatch =
-        m_loop.watchFolder(m_settings.mouseFile.parent_path(), [this] { m_mouse.ring(); });
+        m_loop.watchFolder(m_settings.mouseFile.parent_path(), [this] { m_mouse.ringByFile(); });
   }
 }
 

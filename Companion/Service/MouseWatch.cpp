@@ -55,6 +55,9 @@ MouseWatch::MouseWatch(EventLoop& loop, const std::filesystem::path& udevControl
       m_listener(std::move(listener)),
       m_monitor(udevControl),
       m_readTimer(loop, [this] { read(); }) {
+  if (udevControl.empty()) {
+    return;
+  }
   if (m_monitor.descriptor() >= 0) {
     m_presenceWatch = loop.watch(m_monitor.descriptor(), [this] {
       if (m_monitor.takeNews().isAny) {
@@ -136,6 +139,12 @@ void MouseWatch::hear() {
 void MouseWatch::ring() {
   if (m_presence.isThere) {
     m_readTimer.startIn(Doorbell::quiet);
+  }
+}
+
+void MouseWatch::ringByFile() {
+  if (!m_doorbell.isEcho(now())) {
+    ring();
   }
 }
 

@@ -28,7 +28,8 @@ class MouseWatch {
   };
   enum class Written { Done, Unchanged, Busy, Failed };
 
-  // `udevControl` is a file that exists while udevd runs.
+  // `udevControl` is a file that exists while udevd runs; empty for a virtual mouse, which udev
+  // does not know and which stays.
   MouseWatch(EventLoop& loop, const std::filesystem::path& udevControl, Listener listener);
   ~MouseWatch();
   MouseWatch(const MouseWatch&) = delete;
@@ -40,6 +41,8 @@ class MouseWatch {
   void lookAnew();
   // Something may have happened that no report told: the mouse is read soon.
   void ring();
+  // The file of a virtual mouse was written. What this program did there is no news.
+  void ringByFile();
   // What is read next tells nothing to anybody: this was tried in the window.
   void setIsTrial(bool isTrial) { m_isTrial = isTrial; }
   // Another program set the slot.

@@ -49,7 +49,8 @@ class CompanionOverX11 : public testing::Test {
   void start() {
     m_companion = std::make_unique<Companion>(
         loop, *m_bus,
-        Companion::Settings{.udevControl = m_home / "none", .windowProgram = {}, .mouseFile = {}});
+        Companion::Settings{
+            .udevControl = {}, .windowProgram = {}, .mouseFile = mouse->memoryFile()});
     bool isAnswered = false;
     m_bus->requestName(companionaddress::service, [&](bool) {
       m_companion->begin();
@@ -82,10 +83,15 @@ class CompanionOverX11 : public testing::Test {
   PrivateBus bus;
   PrivateDisplay display;
   EventLoop loop;
-  std::shared_ptr<VirtualMouse> mouse = std::make_shared<VirtualMouse>();
 
  private:
   Scratch m_home;
+  Scratch m_mouseFolder;
+
+ protected:
+  std::shared_ptr<VirtualMouse> mouse = std::make_shared<VirtualMouse>(m_mouseFolder / "mouse");
+
+ private:
   std::shared_ptr<BusConnection> m_bus;
   std::unique_ptr<Companion> m_companion;
 };
@@ -156,6 +162,22 @@ TEST_F(CompanionOverX11, WaitsUntilTheWindowHasNoEdits) {
   EXPECT_EQ(mouse->activeSlot(), 0);
   draftfiles::remove("slot-1.xml");
   EXPECT_TRUE(getsSlot(2));
+}
+
+TEST_F(CompanionOverX11, AskingAVirtualMouseIsNoReasonToAskItAgain) {
+  link(2, "Blender");
+  start();
+  wait(1s);
+  mouse->clearTranscript();
+  wait(1500ms);
+  EXPECT_TRUE(mouse->transcript().empty());
+}
+
+TEST_F(CompanionOverX11, APressOnAVirtualMouseIsSeenInItsFile) {
+  start();
+  wait(500ms);
+  VirtualMouse(mouse->memoryFile()).pressSlotButton(5);
+  EXPECT_TRUE(says("Slot 6, the last one chosen by hand"));
 }
 
 TEST_F(CompanionOverX11, SaysWhenTheDesktopIsGone) {
