@@ -2,6 +2,7 @@
 #include <fstream>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -36,6 +37,8 @@ class CompanionOverX11 : public testing::Test {
     platform.notificationCenter = m_bus;
     platform.deviceRequester = std::make_shared<VirtualDeviceRequester>(mouse);
     platform.mouseWait = 0ms;
+    // As the mouse needs it: the times are measured.
+    platform.sleep = [](std::chrono::microseconds time) { std::this_thread::sleep_for(time); };
     LXPlatform::install(platform);
     NerinAction::leaveDraftsAlone();
   }
