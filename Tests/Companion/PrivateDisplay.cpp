@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <sstream>
 #include <stdexcept>
 #include <thread>
 
@@ -17,21 +18,33 @@ std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply) {
   return {reply, &std::free};
 }
 
+// The whole line that is a number; empty if there is none yet.
+std::string numberIn(const std::string& text) {
+  std::istringstream lines(text.substr(0, text.rfind('\n') + 1));
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.empty() && line.find_first_not_of("0123456789") == std::string::npos) {
+      return line;
+    }
+  }
+  return {};
+}
+
 }  // namespace
 
 PrivateDisplay::PrivateDisplay(bool hasWindowManager) {
   m_server = std::make_unique<ChildProcess>(std::vector<std::string>{
       "Xvfb", "-displayfd", "1", "-screen", "0", "800x600x24", "-nolisten", "tcp", "-noreset"});
+  // Servers that start at the same time first complain about the numbers that are taken.
+  std::string said;
   std::string number;
-  while (number.find('\n') == std::string::npos) {
+  while (number.empty()) {
     const std::string part = m_server->read(20s);
     if (part.empty()) {
-      throw std::runtime_error("no X server: " + number);
+      throw std::runtime_error("no X server: " + said);
     }
-    number += part;
+    said += part;
+    number = numberIn(said);
   }
-  number.resize(number.find('\n'));
-  number.erase(0, number.find_last_not_of("0123456789") + 1);
   setenv("DISPLAY", (":" + number).c_str(), 1);
   unsetenv("WAYLAND_DISPLAY");
   unsetenv("XAUTHORITY");
