@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "Action/Library/ProfieController.h"
@@ -17,6 +18,10 @@ void addShowCommand(GrammarCommand program, Command& chosen);
 void addSettingCommands(GrammarCommand program, Command& chosen);
 void addMacroCommands(GrammarCommand program, Command& chosen);
 void addBackupCommands(GrammarCommand program, Command& chosen);
+void addCompanionCommands(GrammarCommand program, Command& chosen);
+
+// A text of the companion (Kit/Bus/CompanionAddress.h); nothing if it does not run.
+std::optional<std::string> askCompanion(const char* property);
 
 // Adds a command with one or two arguments.
 void addWithWord(GrammarCommand group, Command& chosen, const std::string& name,

@@ -67,6 +67,7 @@ void Session::begin(const SessionOptions& options) {
   std::shared_ptr<LXDeviceRequester> requester;
   if (m_isVirtual) {
     requester = virtualMouse(options);
+    m_virtualFile = std::filesystem::absolute(*options.virtualFile).string();
   } else {
     m_usbMouse = std::make_shared<HidDeviceRequester>();
     requester = m_usbMouse;
@@ -158,12 +159,20 @@ ProfieController& Session::openLibraryWithMacros() {
   return library;
 }
 
-void Session::openMouse() {
+void Session::findMouse() {
   NerinAction::startListenDev();
   if (!NerinAction::checkListenDev()) {
     throw CommandError(ExitCode::NoMouse, m_usbMouse ? m_usbMouse->explainAbsence()
                                                      : "the virtual mouse is not plugged in");
   }
+}
+
+std::string Session::explainAbsence() const {
+  return m_usbMouse ? m_usbMouse->explainAbsence() : "";
+}
+
+void Session::openMouse() {
+  findMouse();
   m_mouseHold = std::make_unique<NerinAction::MouseHold>();
   if (NerinAction::MouseHold::error()) {
     throw CommandError(ExitCode::Failed, "another program is using the mouse");

@@ -40,6 +40,10 @@ class Session {
   // openLibrary for commands that need the macros: throws CommandError if the macro file is
   // damaged.
   ProfieController& openLibraryWithMacros();
+  // Finds the mouse without holding it. Throws CommandError if it is not there.
+  void findMouse();
+  // Why the USB mouse cannot be used, and what helps; empty if it can, and for a virtual one.
+  std::string explainAbsence() const;
   // Holds the mouse until the end of the run, since a command may read, change and write back.
   // Throws CommandError if the mouse is not there, or if another program keeps it.
   void openMouse();
@@ -51,6 +55,8 @@ class Session {
   void showProgress(std::size_t macros);
 
   bool isVirtual() const { return m_isVirtual; }
+  // The whole path of the virtual mouse's file; empty for the USB mouse.
+  const std::string& virtualFile() const { return m_virtualFile; }
 
  private:
   void openTrace(const SessionOptions& options);
@@ -62,6 +68,7 @@ class Session {
   librarylock::Handle m_libraryLock;
   std::unique_ptr<NerinAction::MouseHold> m_mouseHold;
   bool m_isVirtual = false;
+  std::string m_virtualFile;
   std::shared_ptr<HidDeviceRequester> m_usbMouse;
   std::ofstream m_trace;
   std::string m_traceFile;

@@ -10,6 +10,7 @@
 #include "CommandLine/CommandError.h"
 #include "CommandLine/Commands.h"
 #include "CommandLine/RecordOutput.h"
+#include "Kit/Bus/CompanionAddress.h"
 
 namespace {
 
@@ -35,6 +36,15 @@ void offerToFinish(int slot, std::vector<std::string>& lines) {
   }
 }
 
+// Why the mouse has its slot. Nothing if no companion works with this mouse.
+std::optional<std::string> companionsWordOn(const Session& session) {
+  const auto mouse = askCompanion(companionaddress::mouse);
+  if (!mouse || *mouse != session.virtualFile()) {
+    return std::nullopt;
+  }
+  return askCompanion(companionaddress::explanation);
+}
+
 void status(Session& session) {
   ProfieController& library = session.openLibrary();
   session.openMouse();
@@ -55,12 +65,17 @@ void status(Session& session) {
       unfinished.push_back(each + 1);
     }
   }
+  const auto explanation = companionsWordOn(session);
+  if (explanation) {
+    rows.push_back({"why", printable(*explanation)});
+  }
   session.output.print(table(rows), {{"mouse", session.isVirtual() ? "virtual" : "usb"},
                                      {"activeSlot", slot + 1},
                                      {"name", nameJson(name)},
                                      {"inLibrary", isInLibrary(library, name)},
                                      {"profiles", library.getProfileCount()},
                                      {"macros", macros},
+                                     {"why", explanation ? Json(*explanation) : Json(nullptr)},
                                      {"unfinished", unfinished}});
 }
 

@@ -66,6 +66,7 @@ int run(int argc, char** argv) {
   addSettingCommands(program, chosen);
   addMacroCommands(program, chosen);
   addBackupCommands(program, chosen);
+  addCompanionCommands(program, chosen);
   if (const auto code = program.parse(argc, argv)) {
     return static_cast<int>(*code);
   }

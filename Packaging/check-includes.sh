@@ -16,12 +16,14 @@ declare -A allowed=(
   [Kit/Desktop]='Kit/Desktop Kit/Core'
   [View]='View Kit/Widgets Kit/Desktop Action MacroPlayer Kit/Core'
   [App]='App View Kit/Widgets Kit/Desktop Action VirtualMouse Kit/Device Kit/Bus Kit/Core'
+  [Companion]='Companion Action VirtualMouse Kit/Device Kit/Bus Kit/Core'
   [CommandLine]='CommandLine Action VirtualMouse Kit/Device Kit/Bus Kit/Core'
 )
 # layer -> its folders, lowest first. A folder may include from itself and from those before it.
 declare -A ladder=(
   [Action]='Record Wire Library Texts Service Catalogue Device Edit'
   [View]='Screen Windows Lights Dpi Macros Assign Main'
+  [Companion]='Policy Loop Desktop Service'
 )
 # The layers that may use Qt.
 knows_qt=' Kit/Bus Kit/Widgets Kit/Desktop View App '
@@ -72,6 +74,6 @@ done
 
 # A variable of the process that is no constant stands in a ProcessWide, which a test resets.
 refuse 'declare it as a ProcessWide (Kit/Core/ProcessWide.h)' < <(
-  grep -rHnE '^inline [^(]*(;|=|\{)' Action View App CommandLine --include='*.cpp' --include='*.h' \
+  grep -rHnE '^inline [^(]*(;|=|\{)' Action View App CommandLine Companion --include='*.cpp' --include='*.h' \
     2>/dev/null | grep -vE 'inline (constexpr|const|ProcessWide)|inline namespace' || true)
 exit "$status"

@@ -3,7 +3,7 @@
 build_packages=(
   cmake fonts-inter gettext g++ librsvg2-bin ninja-build pkg-config python3 python3-polib
   libcli11-dev libfontconfig-dev libglib2.0-dev libhidapi-dev libicu-dev libplist-dev libpng-dev libpugixml-dev
-  libspdlog-dev libudev-dev nlohmann-json3-dev qt6-base-dev
+  libspdlog-dev libsystemd-dev libudev-dev libxcb1-dev nlohmann-json3-dev qt6-base-dev
   qt6-translations-l10n
 )
 test_packages=(

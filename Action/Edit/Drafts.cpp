@@ -209,6 +209,16 @@ bool NerinAction::hasDraft(int slot) {
   return loaded().drafts.contains(slot);
 }
 
+bool NerinAction::isAnyDraftOnDisk() {
+  for (int slot = 0; slot < limits::slotCount; ++slot) {
+    std::error_code error;
+    if (std::filesystem::exists(draftfiles::pathOf(editFile(slot)), error)) {
+      return true;
+    }
+  }
+  return false;
+}
+
 std::optional<SlotDraft> NerinAction::draftOf(int slot) {
   const auto draft = loaded().drafts.find(slot);
   return draft != store->drafts.end() ? std::optional(draft->second) : std::nullopt;

@@ -15,6 +15,9 @@ namespace NerinAction {
 // without it, such a draft is forgotten again.
 void keepDraft(const _Nerin_PROFILE* working = nullptr);
 bool hasDraft(int slot);
+// For another program than the one in which somebody edits: whether that one keeps a draft of any
+// slot. Looks at the disk each time.
+bool isAnyDraftOnDisk();
 std::optional<SlotDraft> draftOf(int slot);
 // For a program in which nobody edits: from now on it changes no draft, since they are another
 // program's. It still says which Applies began and ended.

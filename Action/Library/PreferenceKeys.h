@@ -10,6 +10,7 @@ inline constexpr const char* osd = "OSDTag";
 // service needs no language.
 inline constexpr const char* language = "Language";
 inline constexpr const char* linkApp = "LinkApp";
+inline constexpr const char* learnedButtons = "LearnedButtons";
 
 // The number is 1..10 for the link record of a slot and starts at 0 inside "LinkApp".
 inline std::string profile(int number) {
@@ -22,6 +23,11 @@ inline std::string linkIsActive(int slot) {
 
 inline std::string launchPath(int slot, int button) {
   return profile(slot) + "_" + std::to_string(button);
+}
+
+// Inside "LearnedButtons"; starts at 0.
+inline std::string button(int number) {
+  return "Button_" + std::to_string(number);
 }
 
 }  // namespace preferencekeys

@@ -4,13 +4,14 @@
 #include <optional>
 #include <string>
 
+#include "Kit/Bus/NotificationAddress.h"
 #include "Kit/Core/LXNotificationCenter.h"
 
 // A broadcast notification as a D-Bus signal. The member is the name of the notification; the
 // arguments are the object and the user info, if there is any.
 struct NotificationSignal {
-  static constexpr const char* path = "/com/corvex/NerinOption";
-  static constexpr const char* interface = "com.corvex.NerinOption.Notification";
+  static constexpr const char* path = notificationaddress::path;
+  static constexpr const char* interface = notificationaddress::interface;
 
   std::string name;
   std::string object;

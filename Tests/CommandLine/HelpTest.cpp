@@ -35,6 +35,8 @@ const std::vector<Words> everyCommand{
     {"mode"},
     {"macros", "show"},
     {"backup"},
+    {"learn"},
+    {"doctor"},
     {"macros", "import"},
     {"restore"},
     {"macros", "export"},

@@ -38,6 +38,7 @@ TEST(NerinctlSlots, TellsTheStateOfAMouseAsDelivered) {
                                          {"inLibrary", false},
                                          {"profiles", 0},
                                          {"macros", 0},
+                                         {"why", nullptr},
                                          {"unfinished", json::array()}}));
   EXPECT_THAT(user.lines({"status"}),
               ElementsAre("mouse           virtual", "active slot     1 Profile#1",

@@ -15,9 +15,11 @@
 #include <utility>
 #include <vector>
 
+#include <fcntl.h>
 #include <linux/capability.h>
 #include <linux/hidraw.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <umockdev.h>
 #include <unistd.h>
@@ -37,6 +39,11 @@ constexpr const char* pointerDescriptor =
 constexpr const char* longReportDescriptor =
     "05010906A101050719E029E71500250175019508810295067508150025650507190029658100C0"
     "06A1FF0901A101150026FF0075088504090296040808B10285050903969900B10285060904964500B102C0";
+// The same with an input report of eight bytes in the vendor's collection.
+constexpr const char* vendorInputDescriptor =
+    "05010906A101050719E029E71500250175019508810295067508150025650507190029658100C0"
+    "06A1FF0901A101150026FF0075088504090296040808B10285050903969900B10285060904964500B102"
+    "8507090595088102C0";
 
 std::string hex(unsigned value, int digits) {
   std::array<char, 16> text{};
@@ -104,10 +111,35 @@ class Silence {
   std::vector<std::filesystem::path> m_sockets;
 };
 
+const char* descriptorOf(const EmulatedInterface& interface) {
+  if (interface.number == 0) {
+    return pointerDescriptor;
+  }
+  return interface.hasVendorInput ? vendorInputDescriptor : longReportDescriptor;
+}
+
+// The mouse's end of a node that carries input reports.
+struct Pipe {
+  explicit Pipe(const std::filesystem::path& file) {
+    if (::mkfifo(file.c_str(), 0600) == 0) {
+      descriptor = ::open(file.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    }
+    if (descriptor < 0) {
+      throw std::system_error(errno, std::generic_category(), file.string());
+    }
+  }
+  ~Pipe() { ::close(descriptor); }
+  Pipe(const Pipe&) = delete;
+  Pipe& operator=(const Pipe&) = delete;
+
+  int descriptor = -1;
+};
+
 struct PluggedNode {
   EmulatedInterface interface;
   std::vector<std::string> sysPaths;  // the node's first, then its parents up to the interface
   int plug = 0;
+  std::shared_ptr<Pipe> pipe;  // null for a node that sends nothing
 };
 
 }  // namespace
@@ -194,9 +226,7 @@ long EmulatedMouse::State::answer(UMockdevIoctlClient* client, int& error) {
   long result = -1;
   const std::span<std::uint8_t> buffer(data->data, static_cast<std::size_t>(data->data_len));
   if (request == HIDIOCGRDESCSIZE) {
-    const int size = static_cast<int>(
-        std::strlen(node->second.interface.number == 0 ? pointerDescriptor : longReportDescriptor) /
-        2);
+    const int size = static_cast<int>(std::strlen(descriptorOf(node->second.interface)) / 2);
     std::memcpy(buffer.data(), &size, sizeof(size));
     result = 0;
   } else if (request == HIDIOCSFEATURE(_IOC_SIZE(request)) && buffer.size() >= 2) {
@@ -281,6 +311,22 @@ void EmulatedMouse::plug(int firstNode) {
   plugInterface({.number = 1, .node = firstNode + 1});
 }
 
+void EmulatedMouse::plugWithVendorInput(int firstNode) {
+  plugInterface({.number = 0, .node = firstNode});
+  plugInterface({.number = 1, .node = firstNode + 1, .hasVendorInput = true});
+}
+
+void EmulatedMouse::sendInput(int interfaceNumber, const std::vector<std::uint8_t>& report) {
+  const std::lock_guard lock(m_state->mutex);
+  for (const auto& [node, plugged] : m_state->nodes) {
+    if (plugged.interface.number == interfaceNumber) {
+      if (::write(plugged.pipe->descriptor, report.data(), report.size()) < 0) {
+        throw std::system_error(errno, std::generic_category(), node);
+      }
+    }
+  }
+}
+
 void EmulatedMouse::plugInterface(const EmulatedInterface& interface) {
   const std::string name = "hidraw" + std::to_string(interface.node);
   const std::string node = "/dev/" + name;
@@ -292,7 +338,8 @@ void EmulatedMouse::plugInterface(const EmulatedInterface& interface) {
 
   m_state->listen(node);
   std::unique_lock lock(m_state->mutex);
-  PluggedNode plugged{.interface = interface, .sysPaths = {}, .plug = ++m_state->plugs};
+  PluggedNode plugged{
+      .interface = interface, .sysPaths = {}, .plug = ++m_state->plugs, .pipe = nullptr};
   // The kernel counts every HID device it has ever seen.
   const std::string hidName =
       "0003:" + vid + ":" + pid + "." + upperHex(static_cast<unsigned>(plugged.plug), 4);
@@ -316,13 +363,20 @@ void EmulatedMouse::plugInterface(const EmulatedInterface& interface) {
   devices += "P: " + usbInterface +
              "\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_interface\nA: bInterfaceNumber=" +
              hex(static_cast<unsigned>(interface.number), 2) + "\\n\n\n";
-  devices += "P: " + hidDevice + "\nE: SUBSYSTEM=hid\nE: HID_ID=0003:0000" + vid + ":0000" + pid +
-             "\nE: HID_NAME=Gaming Mouse\nE: HID_UNIQ=\nH: report_descriptor=" +
-             (interface.number == 0 ? pointerDescriptor : longReportDescriptor) + "\n\n";
+  devices +=
+      "P: " + hidDevice + "\nE: SUBSYSTEM=hid\nE: HID_ID=0003:0000" + vid + ":0000" + pid +
+      "\nE: HID_NAME=Gaming Mouse\nE: HID_UNIQ=\nH: report_descriptor=" + descriptorOf(interface) +
+      "\n\n";
   // hidapi finds the report descriptor through this link.
   devices += "P: " + rawDevice + "\nE: SUBSYSTEM=hidraw\nE: DEVNAME=" + node +
              "\nL: device=../../../" + hidName + "\n\n";
-  std::ofstream(m_state->fileOf(node)).flush();
+  if (interface.hasVendorInput) {
+    lock.lock();
+    m_state->nodes[node].pipe = std::make_shared<Pipe>(m_state->fileOf(node));
+    lock.unlock();
+  } else {
+    std::ofstream(m_state->fileOf(node)).flush();
+  }
   const Silence silence(m_state->root, m_state->isSilent);
   GError* error = nullptr;
   umockdev_testbed_add_from_string(m_state->testbed, devices.c_str(), &error);

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "VirtualMouse/VirtualMouse.h"
 
@@ -14,6 +15,9 @@ struct EmulatedInterface {
   std::string port = "1-4";
   std::uint16_t vid = 0x264A;
   std::uint16_t pid = 0x1001;
+  // Interface 1 only: it has an input report of the vendor's own, number 7 with eight bytes, and
+  // its node can be sent reports.
+  bool hasVendorInput = false;
 };
 
 // A mouse that looks real to hidapi and libudev: two hidraw nodes in a umockdev testbed, with a
@@ -33,6 +37,10 @@ class EmulatedMouse {
   // Interface 0 gets the node /dev/hidraw<firstNode>, interface 1 the next one.
   void plug(int firstNode = 3);
   void plugInterface(const EmulatedInterface& interface);
+  // The same as plug, with a vendor input report on interface 1.
+  void plugWithVendorInput(int firstNode = 3);
+  // The mouse sends an input report by itself. The first reader gets it, unlike at a real node.
+  void sendInput(int interfaceNumber, const std::vector<std::uint8_t>& report);
   // Removes the device. Open nodes behave like those of a lost device.
   void unplug();
 

@@ -89,6 +89,16 @@ TEST_F(Drafts, ANewProfileStaysUnlinked) {
   EXPECT_THAT(namesOf(library().profileArr()), ElementsAre("Work", "Fresh"));
 }
 
+TEST_F(Drafts, AnotherProgramSeesThemComeAndGo) {
+  putWork();
+  EXPECT_FALSE(NerinAction::isAnyDraftOnDisk());
+  editState->edit().liftHeight = 7;
+  NerinAction::keepDraft();
+  EXPECT_TRUE(NerinAction::isAnyDraftOnDisk());
+  EXPECT_TRUE(NerinAction::applySlot().isDone());
+  EXPECT_FALSE(NerinAction::isAnyDraftOnDisk());
+}
+
 TEST_F(Drafts, WithoutAnEditNothingIsWritten) {
   putWork();
   NerinAction::keepDraft();

@@ -1,7 +1,8 @@
-#include "Kit/Core/UndoSteps.h"
+#include <string>
 
 #include <gtest/gtest.h>
-#include <string>
+
+#include "Kit/Core/UndoSteps.h"
 
 TEST(UndoSteps, LeadBackAndForthThroughWhatWasNoted) {
   UndoSteps<std::string> steps;

@@ -1,0 +1,364 @@
+#include "Companion/Service/Companion.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include <systemd/sd-bus.h>
+
+#include "Action/Device/SlotTransfer.h"
+#include "Action/Edit/DraftFiles.h"
+#include "Action/Edit/Drafts.h"
+#include "Action/Library/SupportFolder.h"
+#include "Action/NerinAction.h"
+#include "Kit/Bus/CompanionAddress.h"
+#include "Kit/Core/LXLogger.h"
+
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* windowName = "com.corvex.NerinOption";
+constexpr auto busyPause = 250ms;
+// A desktop that ends or crashes comes back soon, or not at all.
+constexpr std::chrono::seconds firstForegroundPause{1};
+constexpr std::chrono::seconds longestForegroundPause{30};
+constexpr auto reopenLimit = 60s;
+// After sleep, the bus needs a moment to find its devices.
+constexpr auto resumePause = 2s;
+// A held button may send its report again.
+constexpr auto launchPause = 500ms;
+// The window that asked for it has to end first.
+constexpr auto reopenPause = 500ms;
+
+EventLoop::Time now() {
+  return std::chrono::steady_clock::now();
+}
+
+}  // namespace
+
+Companion::Companion(EventLoop& loop, BusConnection& bus, Settings settings)
+    : m_loop(loop),
+      m_bus(bus),
+      m_settings(std::move(settings)),
+      m_launcher(bus),
+      m_display(bus, m_settings.hasOwnDisplay),
+      m_mouse(loop, m_settings.udevControl,
+              {.reported = [this](const DeviceReport& one) { report(one); },
+               .came =
+                   [this](const MouseReading& reading) {
+                     m_policy.mouseCame(reading.slot);
+                     decide();
+                   },
+               .heard = [this](const HidInputReport& one) { return launch(one); }}),
+      m_foregroundTimer(loop, [this] { openForeground(); }),
+      m_decideTimer(loop, [this] { decide(); }),
+      m_reopenTimer(loop, [this] { reopenWindow(); }),
+      m_resumeTimer(loop, [this] {
+        m_mouse.look();
+        m_mouse.ring();
+      }) {
+  m_bus.publish(
+      companionaddress::path, companionaddress::interface,
+      {{companionaddress::explanation, [this] { return m_explanation; }},
+       {companionaddress::foreground,
+        [this] {
+          return m_foreground ? m_foreground->name() : m_links.isEmpty() ? "not needed" : "none";
+        }},
+       {companionaddress::mouse, [this] { return m_settings.mouseFile.string(); }}});
+  explain();
+}
+
+Companion::~Companion() {
+  m_bus.forgetEverybody();
+}
+
+void Companion::begin() {
+  m_bus.addObserver("NerinSettingChange",
+                    [this](const std::string& object, const LXUserInfo& userInfo) {
+                      if (const auto message = windowMessageOf(object, userInfo)) {
+                        obey(*message);
+                      }
+                    });
+  watchWindow();
+  watchFiles();
+  m_session = std::make_unique<SessionState>(
+      m_loop.handle(),
+      [this] {
+        // The right to open the mouse comes and goes with the seat.
+        m_mouse.look();
+        decide();
+      },
+      [this] { m_resumeTimer.startIn(resumePause); });
+  NerinAction::startListenDev();
+  reloadLinks();
+  m_mouse.look();
+  explain();
+}
+
+void Companion::obey(const WindowMessage& message) {
+  if (const auto slot = message.chosenSlot()) {
+    m_policy.personChose(*slot, now());
+    m_mouse.note(*slot);
+    showSlot();
+  }
+  if (const auto text = displayOf(message)) {
+    show(*text);
+  }
+  switch (message.code) {
+    case NerinAction::MessageProfileApplied:
+      reloadLinks();
+      m_mouse.ring();
+      break;
+    case NerinAction::MessageDpiTemporary:
+      m_mouse.setIsTrial(message.value(0) != 0);
+      m_mouse.ring();
+      break;
+    case NerinAction::MessageRelaunch:
+      m_reopenUntil = now() + reopenLimit;
+      m_mouse.setIsTrial(false);
+      reloadLinks();
+      m_mouse.look();
+      reopenWindow();
+      break;
+    default:
+      break;
+  }
+  decide();
+}
+
+void Companion::report(const DeviceReport& one) {
+  m_bus.postNotificationName(
+      "NerinDevStatus", "",
+      LXUserInfo{{"type", static_cast<std::int32_t>(one.type)}, {"value", one.value}});
+  switch (one.type) {
+    case DeviceReport::SlotChanged:
+      m_policy.personChose(one.value, now());
+      showSlot();
+      break;
+    case DeviceReport::Removed:
+      m_policy.mouseGone();
+      break;
+    case DeviceReport::Attached:
+      reopenWindow();
+      break;
+    case DeviceReport::DpiChanged:
+      show(levelDisplay(one.value));
+      break;
+  }
+  decide();
+}
+
+void Companion::watchFiles() {
+  // Both folders belong to this product, and may not exist before its first start.
+  const fs::path drafts = draftfiles::pathOf("any").parent_path();
+  const fs::path preferences = NerinAction::preferenceFilePath().parent_path();
+  std::error_code ignored;
+  fs::create_directories(drafts, ignored);
+  fs::create_directories(preferences, ignored);
+  m_draftWatch = m_loop.watchFolder(drafts, [this] { decide(); });
+  m_preferenceWatch = m_loop.watchFolder(preferences, [this] {
+    reloadLinks();
+    decide();
+  });
+  if (!m_settings.mouseFile.empty()) {
+    m_mouseFileWatch =
+        m_loop.watchFolder(m_settings.mouseFile.parent_path(), [this] { m_mouse.ringByFile(); });
+  }
+}
+
+void Companion::watchWindow() {
+  m_bus.watch(std::string("type='signal',sender='org.freedesktop.DBus',"
+                          "member='NameOwnerChanged',arg0='") +
+                  windowName + "'",
+              [this](sd_bus_message* signal) {
+                const char* name = nullptr;
+                const char* before = nullptr;
+                const char* after = nullptr;
+                if (sd_bus_message_read(signal, "sss", &name, &before, &after) > 0) {
+                  setHasWindow(*after != '\0');
+                }
+              });
+  m_bus.call(
+      {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner"},
+      [](sd_bus_message* call) { sd_bus_message_append(call, "s", windowName); },
+      [this](sd_bus_message* answer) {
+        int hasOwner = 0;
+        if (answer != nullptr && sd_bus_message_read(answer, "b", &hasOwner) > 0) {
+          setHasWindow(hasOwner != 0);
+        }
+      });
+}
+
+void Companion::setHasWindow(bool hasWindow) {
+  m_hasWindow = hasWindow;
+  if (!hasWindow) {
+    // A window that ended without a word left no trial behind.
+    m_mouse.setIsTrial(false);
+  }
+  decide();
+}
+
+void Companion::reloadLinks() {
+  m_links.reload();
+  m_buttons = learnedbuttons::all();
+  if (m_links.isEmpty()) {
+    // Nobody needs to know what is in front, so that nothing wakes this program up for it.
+    m_foreground.reset();
+    m_foregroundTimer.stop();
+    m_front.reset();
+    m_policy.setSight(SwitchPolicy::Sight::InFront);
+  } else if (!m_foreground) {
+    openForeground();
+  }
+  if (m_policy.program()) {
+    m_policy.relinked(m_front ? programOf(*m_front).slot : std::nullopt);
+  }
+}
+
+void Companion::openForeground() {
+  m_foreground = foreground::open(
+      m_loop, [this](const std::optional<AppIdentity>& identity) { takeForeground(identity); },
+      [this] {
+        m_foreground.reset();
+        m_policy.setSight(SwitchPolicy::Sight::None);
+        m_foregroundPause = firstForegroundPause;
+        m_foregroundTimer.startIn(m_foregroundPause);
+        explain();
+      });
+  m_policy.setSight(m_foreground ? SwitchPolicy::Sight::InFront : SwitchPolicy::Sight::None);
+  if (!m_foreground && m_foregroundPause < longestForegroundPause) {
+    m_foregroundPause = std::min(2 * m_foregroundPause, longestForegroundPause);
+    m_foregroundTimer.startIn(m_foregroundPause);
+  }
+  explain();
+}
+
+void Companion::takeForeground(const std::optional<AppIdentity>& identity) {
+  // Between two windows there is none.
+  if (!identity) {
+    return;
+  }
+  m_front = identity;
+  m_policy.inFront(programOf(*identity), now());
+  decide();
+}
+
+SwitchPolicy::Program Companion::programOf(const AppIdentity& identity) const {
+  const auto match = m_links.find(identity, m_policy.slot());
+  SwitchPolicy::Program program{
+      .id = keyOf(identity), .name = identity.appId, .slot = std::nullopt};
+  if (match) {
+    program.name = match->name;
+    program.slot = match->slot;
+  }
+  return program;
+}
+
+// True for a button that somebody taught, whether or not it launches something here.
+bool Companion::launch(const HidInputReport& report) {
+  const auto known = std::find_if(m_buttons.begin(), m_buttons.end(), [&](const auto& entry) {
+    return entry.second.fits(report.interfaceNumber, report.bytes);
+  });
+  if (known == m_buttons.end()) {
+    return false;
+  }
+  const int button = known->first;
+  const auto last = m_launches.find(button);
+  const bool isHeld = last != m_launches.end() && now() - last->second < launchPause;
+  m_launches[button] = now();
+  const bool isClosed = m_session && m_session->isClosed();
+  if (isHeld || isClosed || !m_policy.slot()) {
+    return true;
+  }
+  // Only what a person put there in this program: never a path out of somebody else's profile.
+  const auto path = NerinAction::daemonGetLaunchPath(*m_policy.slot(), button);
+  if (path && !path->empty()) {
+    m_launcher.launch(*path);
+  }
+  return true;
+}
+
+void Companion::showSlot() {
+  if (!m_policy.slot() || !NerinAction::daemonGetOsd()) {
+    return;
+  }
+  const auto name = NerinAction::getFWProfileName(static_cast<std::uint8_t>(*m_policy.slot()));
+  m_mouse.noteTransfer();
+  const std::string profile = name.outcome.isDone() ? name.value.value_or("") : "";
+  m_display.show(slotDisplay(*m_policy.slot(), profile, m_policy.explanation()));
+}
+
+void Companion::show(const DisplayText& text) {
+  if (NerinAction::daemonGetOsd()) {
+    m_display.show(text);
+  }
+}
+
+void Companion::decide() {
+  const bool isClosed = m_session && m_session->isClosed();
+  const bool hasEdits = m_hasWindow && NerinAction::isAnyDraftOnDisk();
+  m_policy.pause(isClosed   ? SwitchPolicy::Pause::Locked
+                 : hasEdits ? SwitchPolicy::Pause::WindowHasEdits
+                            : SwitchPolicy::Pause::None);
+  if (const auto wanted = m_policy.wanted(now())) {
+    int written = *wanted;
+    const auto result = m_mouse.writeSlot([&](int slot) {
+      m_policy.mouseHas(slot);
+      const auto target = m_policy.wanted(now());
+      written = target.value_or(written);
+      return target;
+    });
+    if (result == MouseWatch::Written::Busy) {
+      m_decideTimer.startIn(busyPause);
+      explain();
+      return;
+    }
+    if (result != MouseWatch::Written::Unchanged) {
+      const bool isDone = result == MouseWatch::Written::Done;
+      m_policy.wrote(written, isDone, now());
+      if (isDone) {
+        m_bus.postNotificationName(
+            "NerinDevStatus", "",
+            LXUserInfo{{"type", static_cast<std::int32_t>(DeviceReport::SlotChanged)},
+                       {"value", written}});
+        showSlot();
+      }
+    }
+  }
+  if (const auto due = m_policy.due(now())) {
+    m_decideTimer.startAt(*due);
+  } else {
+    m_decideTimer.stop();
+  }
+  explain();
+}
+
+void Companion::explain() {
+  std::string text = m_policy.explanation();
+  if (text != m_explanation) {
+    m_explanation = std::move(text);
+    m_bus.tellChanged(companionaddress::explanation);
+  }
+}
+
+void Companion::reopenWindow() {
+  if (!m_reopenUntil || m_settings.windowProgram.empty()) {
+    return;
+  }
+  if (now() > *m_reopenUntil) {
+    m_reopenUntil.reset();
+    return;
+  }
+  // The arrival of the mouse calls again.
+  if (!m_mouse.isThere()) {
+    return;
+  }
+  if (m_hasWindow) {
+    m_reopenTimer.startIn(reopenPause);
+    return;
+  }
+  m_reopenUntil.reset();
+  m_launcher.launch(m_settings.windowProgram);
+}
