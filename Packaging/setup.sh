@@ -9,7 +9,7 @@ build_packages=(
 test_packages=(
   at-spi2-core chromium chromium-driver clang-format clang-tidy dbus gir1.2-glib-2.0 libglib2.0-bin libgmock-dev libgtest-dev
   libumockdev-dev openbox python3 python3-gi python3-pyatspi
-  python3-selenium umockdev x11-utils xdotool xvfb
+  fonts-wqy-microhei python3-selenium umockdev x11-utils xdotool xvfb
 )
 # The kernel itself is downloaded and unpacked by Tests/UsbStack/boot.py, not installed.
 usb_stack_packages=(cpio qemu-system-x86)

@@ -141,13 +141,16 @@ QSize LXButton::sizeHint() const {
   return m_images.normal.isNull() ? QSize(80, 24) : m_images.normal.size();
 }
 
+bool LXButton::isCaptionCut() const {
+  return fontMetrics().horizontalAdvance(text()) > captionRoom().width();
+}
+
 // A tooltip that repeats the caption is only shown when the caption is cut.
 bool LXButton::event(QEvent* event) {
   if (event->type() != QEvent::ToolTip) {
     return QAbstractButton::event(event);
   }
-  const bool isRead = !text().isEmpty() && toolTip() == text() &&
-                      fontMetrics().horizontalAdvance(text()) <= captionRoom().width();
+  const bool isRead = !text().isEmpty() && toolTip() == text() && !isCaptionCut();
   QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
                      isRead ? QString() : plainTip(toolTip()), this);
   return true;

@@ -103,6 +103,8 @@ class LXButton : public QAbstractButton {
   // The list that the button opens.
   void setOpenedList(QWidget* list) { m_openedList = list; }
   QWidget* openedList() const { return m_openedList; }
+  // Whether the caption is longer than its room, so that its end is not shown.
+  bool isCaptionCut() const;
   // Gives the button the focus and shows it, even in a window that is not active yet.
   void showFocus();
   // Whether the pointer gave it the focus.

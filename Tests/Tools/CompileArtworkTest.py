@@ -453,7 +453,7 @@ class ShippedArtwork(unittest.TestCase):
 
     def testTypeHasThreeSizes(self):
         self.assertEqual({word["fontSize"] for screen in self.screens for word in screen.words},
-                         {15, 12, 10.5})
+                         {15, 12, 11})
 
 
 class Contrast(unittest.TestCase):

@@ -15,7 +15,7 @@ using frames = Artwork::DpiSliderView;
 using framesXY = Artwork::DpiSliderViewXY;
 
 constexpr QSize labelSize(32, 14);
-constexpr qreal labelType = 10.5;
+constexpr qreal labelType = 11;
 // For the wheel and the page keys.
 constexpr int pageSteps = 4;
 

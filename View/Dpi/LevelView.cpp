@@ -18,7 +18,7 @@ using frames = Artwork::LevelView;
 using framesXY = Artwork::LevelXYView;
 
 constexpr int dpiDigits = 4;
-constexpr qreal numberType = 10.5;
+constexpr qreal numberType = 11;
 
 }  // namespace
 

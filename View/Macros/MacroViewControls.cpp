@@ -21,7 +21,7 @@ using frames = Artwork::MacroView;
 
 constexpr int longestDelay = 5000;
 constexpr int delayDigits = 4;
-constexpr qreal smallType = 10.5;
+constexpr qreal smallType = 11;
 constexpr int nameMargin = 12 - LXTextField::ownMargin;
 constexpr auto recordShortcut = Qt::CTRL | Qt::Key_R;
 

@@ -24,11 +24,25 @@ constexpr int pauseStep = 10;
 constexpr int keyMargin = 10 - LXTextField::ownMargin;
 constexpr qreal lengthType = 12;
 constexpr qreal warningType = 12;
+constexpr QChar ellipsis(0x2026);
 
 void describe(QWidget& widget, const char* name, const char* key) {
   widget.setObjectName(QString::fromLatin1(name));
   widget.setAccessibleName(NerinAction::tooltipText(key));
   widget.setToolTip(NerinAction::tooltipText(key));
+}
+
+// The text, or as many of its words as the lines of the label hold.
+QString fittingIn(const QLabel& label, const QString& text) {
+  QString shown = text;
+  const auto fits = [&] {
+    return label.fontMetrics().boundingRect(label.rect(), Qt::TextWordWrap, shown).height() <=
+           label.height();
+  };
+  for (qsizetype length = text.size(); length > 0 && !fits(); --length) {
+    shown = text.first(length).trimmed() + ellipsis;
+  }
+  return shown;
 }
 
 }  // namespace
@@ -54,6 +68,7 @@ MacroWorkbench::MacroWorkbench(TavImageView& view)
   m_warning->setGeometry(frameRect(frames::warningTxt));
   m_warning->setObjectName(QStringLiteral("warningTxt"));
   m_warning->setTextFormat(Qt::PlainText);
+  m_warning->setWordWrap(true);
   m_warning->setFont(pictures::font(warningType, QFont::Medium));
   QPalette colors = m_warning->palette();
   colors.setColor(QPalette::WindowText, QColor::fromRgb(Artwork::Color::emberLit));
@@ -127,8 +142,7 @@ void MacroWorkbench::showSummary(bool isRecording) {
       m_commands == nullptr || isRecording
           ? QString()
           : macrowarnings::summaryOf(NerinAction::warningsOf(*m_commands), *m_commands);
-  const QString shown =
-      m_warning->fontMetrics().elidedText(warning, Qt::ElideRight, m_warning->width());
+  const QString shown = fittingIn(*m_warning, warning);
   m_warning->setText(shown);
   m_warning->setAccessibleName(warning);
   m_warning->setToolTip(shown == warning ? QString() : warning.toHtmlEscaped());

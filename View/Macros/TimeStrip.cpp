@@ -18,8 +18,8 @@ constexpr double highestBar = 18;
 constexpr double laneGap = 2;
 constexpr double barRadius = 2;
 constexpr double textMargin = 4;
-constexpr double leastTextHeight = 9;
-constexpr qreal typeSize = 9.5;
+constexpr double leastTextHeight = 12;
+constexpr qreal typeSize = 11;
 
 QColor color(std::uint32_t rgb) {
   return QColor::fromRgb(rgb);

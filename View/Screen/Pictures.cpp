@@ -25,8 +25,8 @@
 namespace {
 
 constexpr qreal pointsPerInch = 72;
-// Smaller type is unreadable; longer text is cut instead.
-constexpr int smallestType = 8;
+// Smaller type is hard to read; longer text is cut instead.
+constexpr int smallestType = 11;
 
 QString pathOf(const QString& fileName) {
   return QString::fromStdString(LXPlatform::current().resourceFolder.string()) + u'/' + fileName;
