@@ -1,5 +1,7 @@
+#include <QAction>
 #include <QApplication>
 #include <QEnterEvent>
+#include <QMenu>
 #include <QMouseEvent>
 
 #include <benchmark/benchmark.h>
@@ -9,6 +11,7 @@
 #include "View/Lights/ColorPicker.h"
 #include "View/Lights/LightView.h"
 #include "View/Main/MainSubView1.h"
+#include "View/Main/MainView.h"
 
 namespace {
 
@@ -73,5 +76,28 @@ void dragColor(benchmark::State& state) {
   state.SetLabel("a frame in less than 2 ms");
 }
 BENCHMARK(dragColor)->Unit(benchmark::kMillisecond);
+
+// From the click in the menu to the painted main window in the other language. Most of it reads the
+// pictures anew, because their words are drawn into them.
+void changeLanguage(benchmark::State& state) {
+  application();
+  const BenchmarkHome home;
+  MainView view;
+  view.construct();
+  view.show();
+  QApplication::processEvents();
+  bool isGerman = false;
+  for (auto iteration : state) {
+    static_cast<void>(iteration);
+    isGerman = !isGerman;
+    view.applicationMenu()
+        .findChild<QAction*>(isGerman ? QStringLiteral("language_de")
+                                      : QStringLiteral("language_ru"))
+        ->trigger();
+    QApplication::processEvents();
+  }
+  state.SetLabel("in less than 100 ms");
+}
+BENCHMARK(changeLanguage)->Unit(benchmark::kMillisecond);
 
 }  // namespace
