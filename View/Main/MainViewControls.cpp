@@ -3,7 +3,6 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QShortcut>
-#include <QTimer>
 
 #include "Action/Catalogue/FunctionCatalogue.h"
 #include "Action/Texts/Language.h"
@@ -17,6 +16,7 @@
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
 #include "View/Screen/Pictures.h"
+#include "View/Windows/AfterWork.h"
 #include "View/Windows/HelpDocument.h"
 #include "View/Windows/TransferProgress.h"
 
@@ -317,9 +317,7 @@ void MainView::initStatus() {
     mark->hide();
     m_draftMarks[i] = mark;
   }
-  auto* timer = new QTimer(this);
-  connect(timer, &QTimer::timeout, this, &MainView::keepDrafts);
-  timer->start(draftMilliseconds);
+  new AfterWork(draftMilliseconds, [this] { keepDrafts(); }, this);
 }
 
 // In the order of the work: a slot, its buttons, its profile, the rest of it, and Apply.

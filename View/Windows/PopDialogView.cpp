@@ -25,7 +25,7 @@ namespace {
 using frames = Artwork::WarningNoDevice;
 constexpr QSize dialogSize(frames::screenWidth, frames::screenHeight);
 constexpr int dragStrip = 50;
-constexpr int followMilliseconds = 200;
+constexpr int followMilliseconds = 500;
 constexpr qreal linkSize = 12;
 
 ProcessWide<std::function<bool(const std::string&, bool)>> answererInUse;
