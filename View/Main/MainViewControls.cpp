@@ -317,7 +317,8 @@ void MainView::initStatus() {
     mark->hide();
     m_draftMarks[i] = mark;
   }
-  new AfterWork(draftMilliseconds, [this] { keepDrafts(); }, this);
+  new AfterWork(
+      draftMilliseconds, [this] { keepDrafts(); }, this);
 }
 
 // In the order of the work: a slot, its buttons, its profile, the rest of it, and Apply.
