@@ -50,9 +50,10 @@ UserFolders hostenvironment::userFolders(const std::string& name) {
 fs::path hostenvironment::resourceFolder() {
   std::error_code error;
   const fs::path program = fs::read_symlink("/proc/self/exe", error);
-  const fs::path prefix = program.parent_path().parent_path();
-  const fs::path beside = prefix / "resources";
-  return fs::is_directory(beside, error) ? beside : prefix / "share" / "NerinOption";
+  const fs::path beside = program.parent_path().parent_path() / "resources";
+  return fs::is_directory(beside, error)
+             ? beside
+             : (program.parent_path() / NERIN_DATA_FROM_PROGRAMS).lexically_normal();
 }
 
 fs::path hostenvironment::runtimeFolder() {
