@@ -12,8 +12,10 @@
 #include "View/Windows/TransferProgress.h"
 
 LXPlatform realPlatform(std::shared_ptr<LXDeviceRequester> requester,
-                        std::shared_ptr<LXNotificationCenter> center) {
+                        std::shared_ptr<LXNotificationCenter> center, const std::string& bundle) {
   LXPlatform platform;
+  platform.bundleIdentifier = bundle;
+  platform.userFolders = hostenvironment::userFolders(bundle);
   platform.homeFolder = hostenvironment::homeFolder();
   platform.runtimeFolder = hostenvironment::runtimeFolder();
   platform.resourceFolder = hostenvironment::resourceFolder();

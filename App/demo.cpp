@@ -30,8 +30,7 @@ int run(QApplication& application) {
   }
   auto center = std::make_shared<DemoNotificationCenter>();
   const std::weak_ptr<DemoNotificationCenter> service = center;
-  LXPlatform platform = realPlatform(nullptr, std::move(center));
-  platform.bundleIdentifier = bundle;
+  LXPlatform platform = realPlatform(nullptr, std::move(center), bundle);
   LXPlatform::install(platform);
   NerinAction::getSysPath();
   const auto mouse = std::make_shared<VirtualMouse>(std::filesystem::path(*sysPath) / "mouse");

@@ -18,6 +18,43 @@ std::string unknownCommand(const CLI::App& program) {
   return group->get_require_subcommand_min() > 0 && !words.empty() ? words.front() : std::string();
 }
 
+Json describeOption(const CLI::Option& option) {
+  Json names = Json::array();
+  for (const std::string& name : option.get_snames()) {
+    names.push_back("-" + name);
+  }
+  for (const std::string& name : option.get_lnames()) {
+    names.push_back("--" + name);
+  }
+  if (option.get_positional()) {
+    names.push_back(option.get_name(true));
+  }
+  return {{"names", names},
+          {"isArgument", option.get_positional()},
+          {"takesValue", option.get_expected_max() > 0},
+          {"isRepeated", option.get_expected_max() > 1},
+          {"isRequired", option.get_required()},
+          // With the allowed values, where only some are.
+          {"value", option.get_type_name()},
+          {"description", option.get_description()}};
+}
+
+Json describeCommand(const CLI::App& command) {
+  Json options = Json::array();
+  for (const CLI::Option* option : command.get_options()) {
+    options.push_back(describeOption(*option));
+  }
+  Json commands = Json::array();
+  for (const CLI::App* each : command.get_subcommands([](const CLI::App*) { return true; })) {
+    commands.push_back(describeCommand(*each));
+  }
+  return {{"name", command.get_name()},
+          {"description", command.get_description()},
+          {"footer", command.get_footer()},
+          {"options", options},
+          {"commands", commands}};
+}
+
 }  // namespace
 
 GrammarOption& GrammarOption::required() {
@@ -81,6 +118,10 @@ Grammar::~Grammar() = default;
 
 void Grammar::addVersion(const std::string& version) {
   m_program->set_version_flag("--version", version);
+}
+
+std::string Grammar::describe() const {
+  return describeCommand(*m_program).dump(2);
 }
 
 std::optional<ExitCode> Grammar::parse(int argc, const char* const* argv) {

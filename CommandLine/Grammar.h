@@ -60,6 +60,8 @@ class Grammar : public GrammarCommand {
   Grammar& operator=(const Grammar&) = delete;
 
   void addVersion(const std::string& version);
+  // All commands, arguments and options, in JSON: what completion and the manual page are made of.
+  std::string describe() const;
   // Parses the line. Returns an exit code if nothing is left to do, after help or a usage error.
   // Throws CommandError for an unknown command.
   std::optional<ExitCode> parse(int argc, const char* const* argv);

@@ -78,6 +78,7 @@ void Session::begin(const SessionOptions& options) {
   }
   LXPlatform platform;
   platform.homeFolder = hostenvironment::homeFolder();
+  platform.userFolders = hostenvironment::userFolders(platform.bundleIdentifier);
   if (!m_isVirtual) {
     platform.runtimeFolder = hostenvironment::runtimeFolder();
   }

@@ -11,6 +11,7 @@
 #include "CommandLine/Commands.h"
 #include "CommandLine/RecordOutput.h"
 #include "Kit/Bus/CompanionAddress.h"
+#include "Kit/Core/LXPlatform.h"
 
 namespace {
 
@@ -45,6 +46,19 @@ std::optional<std::string> companionsWordOn(const Session& session) {
   return askCompanion(companionaddress::explanation);
 }
 
+std::string placeOf(const UserFolders& folders) {
+  return printable(folders.support.string()) +
+         (folders.layout == UserFolders::Layout::Xdg ? "" : " (where it was already)");
+}
+
+Json foldersJson(const UserFolders& folders) {
+  return {{"layout", folders.layout == UserFolders::Layout::Xdg ? "xdg" : "library"},
+          {"support", nameJson(folders.support.string())},
+          {"preferences", nameJson(folders.preferences.string())},
+          {"drafts", nameJson(folders.drafts.string())},
+          {"log", nameJson(folders.log.string())}};
+}
+
 void status(Session& session) {
   ProfieController& library = session.openLibrary();
   session.openMouse();
@@ -65,6 +79,8 @@ void status(Session& session) {
       unfinished.push_back(each + 1);
     }
   }
+  const UserFolders& folders = LXPlatform::current().userFolders;
+  rows.push_back({"files", placeOf(folders)});
   const auto explanation = companionsWordOn(session);
   if (explanation) {
     rows.push_back({"why", printable(*explanation)});
@@ -76,6 +92,7 @@ void status(Session& session) {
                                      {"profiles", library.getProfileCount()},
                                      {"macros", macros},
                                      {"why", explanation ? Json(*explanation) : Json(nullptr)},
+                                     {"files", foldersJson(folders)},
                                      {"unfinished", unfinished}});
 }
 

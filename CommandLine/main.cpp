@@ -3,6 +3,7 @@
 #include <iostream>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -67,6 +68,11 @@ int run(int argc, char** argv) {
   addMacroCommands(program, chosen);
   addBackupCommands(program, chosen);
   addCompanionCommands(program, chosen);
+  // For the build, which makes completion and the manual page of it.
+  if (argc == 2 && std::string_view(argv[1]) == "--grammar") {
+    std::cout << program.describe() << '\n';
+    return static_cast<int>(ExitCode::Done);
+  }
   if (const auto code = program.parse(argc, argv)) {
     return static_cast<int>(*code);
   }

@@ -48,6 +48,7 @@ void logToJournal() {
 LXPlatform realPlatform(const Options& options, std::shared_ptr<BusConnection> bus) {
   LXPlatform platform;
   platform.homeFolder = hostenvironment::homeFolder();
+  platform.userFolders = hostenvironment::userFolders(platform.bundleIdentifier);
   platform.resourceFolder = hostenvironment::resourceFolder();
   platform.preferredLanguage = hostenvironment::preferredLanguage();
   platform.notificationCenter = std::move(bus);

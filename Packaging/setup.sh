@@ -3,16 +3,20 @@
 build_packages=(
   cmake fonts-inter gettext g++ librsvg2-bin ninja-build pkg-config python3 python3-polib
   libcli11-dev libfontconfig-dev libglib2.0-dev libhidapi-dev libicu-dev libplist-dev libpng-dev libpugixml-dev
-  libspdlog-dev libsystemd-dev libudev-dev libxcb1-dev nlohmann-json3-dev qt6-base-dev
+  libspdlog-dev libsystemd-dev libudev-dev libx11-dev libxcb1-dev nlohmann-json3-dev qt6-base-dev
   qt6-translations-l10n
 )
 test_packages=(
-  at-spi2-core chromium chromium-driver clang-format clang-tidy dbus gir1.2-glib-2.0 libglib2.0-bin libgmock-dev libgtest-dev
-  libumockdev-dev openbox python3 python3-gi python3-pyatspi
-  fonts-wqy-microhei python3-selenium umockdev x11-utils xdotool xvfb
+  appstream at-spi2-core chromium chromium-driver clang-format clang-tidy dbus
+  desktop-file-utils fish fonts-wqy-microhei gir1.2-glib-2.0 libglib2.0-bin libgmock-dev
+  libgtest-dev libumockdev-dev man-db openbox python3 python3-gi python3-pyatspi
+  python3-selenium umockdev x11-utils xdotool xvfb zsh
 )
 # The kernel itself is downloaded and unpacked by Tests/UsbStack/boot.py, not installed.
 usb_stack_packages=(cpio qemu-system-x86)
+package_packages=(debhelper dpkg-dev fakeroot)
+# What runs in the new Debian is installed there, not here.
+package_test_packages=(appstream debootstrap desktop-file-utils fish lintian zsh)
 tour_packages=(
   dbus gir1.2-glib-2.0 openbox python3 python3-gi x11-utils xdotool xvfb
 )

@@ -191,6 +191,17 @@ class DesktopSession:
     def __exit__(self, *_error):
         self._end()
 
+    # Where a program, by its identifier, keeps the user's files.
+
+    def support(self, program):
+        return os.path.join(self.home, ".local", "share", program)
+
+    def state(self, program):
+        return os.path.join(self.home, ".local", "state", program)
+
+    def preferences(self, program):
+        return os.path.join(self.home, ".config", program + ".plist")
+
     def _startServices(self):
         self.environment = {name: os.environ[name] for name in INHERITED if name in os.environ}
         self.environment.update(HOME=self.home, LANG=self.language, XDG_RUNTIME_DIR=self._runtime,

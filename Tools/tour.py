@@ -92,8 +92,7 @@ class Tour:
         self.folder = folder
         self.program = os.path.join(build, "bin", "NerinOptionDemo")
         self.screens = frames(os.path.join(build, "generated", "ArtworkFrames.h"))
-        self.support = os.path.join(session.home, "Library", "Application Support",
-                                    "com.corvex.NerinOptionDemo")
+        self.support = session.support("com.corvex.NerinOptionDemo")
         self.mouse = Mouse(os.path.join(build, "bin", "nerinctl"),
                            os.path.join(self.support, "mouse"), scratch)
         self.listener = session.listen()

@@ -2,20 +2,20 @@
 
 #include <system_error>
 
-#include "Action/Library/SupportFolder.h"
 #include "Kit/Core/DurableFile.h"
-#include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXLogger.h"
+#include "Kit/Core/LXPlatform.h"
 
 namespace fs = std::filesystem;
 
 fs::path draftfiles::pathOf(const std::string& name) {
-  return fs::path(NerinAction::getSysPath()) / "Drafts" / name;
+  return LXPlatform::current().userFolders.drafts / name;
 }
 
 bool draftfiles::write(const std::string& name, const std::string& document) {
   const fs::path file = pathOf(name);
-  if (!LXAction::creatDirectoryPro(file.parent_path())) {
+  if (!UserFolders::make(file.parent_path())) {
+    LXLogger::error("the folder cannot be made: " + file.parent_path().string());
     return false;
   }
   const auto error = durable::writeFile(file, document);

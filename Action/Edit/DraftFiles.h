@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-// The files in the folder "Drafts" of the support folder. A disk that does not take one is logged:
+// The files in the folder of the drafts. A disk that does not take one is logged:
 // what it was to keep then lasts as long as the program.
 namespace draftfiles {
 

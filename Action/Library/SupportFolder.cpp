@@ -1,16 +1,13 @@
 #include "Action/Library/SupportFolder.h"
 
 #include "Kit/Core/DurableFile.h"
-#include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXLogger.h"
 #include "Kit/Core/LXPlatform.h"
 
 const std::string& NerinAction::getSysPath() {
   if (sysPath->empty()) {
-    const LXPlatform& platform = LXPlatform::current();
-    *sysPath = (platform.homeFolder / "Library" / "Application Support" / platform.bundleIdentifier)
-                   .string();
-    if (!LXAction::creatDirectoryPro(*sysPath)) {
+    *sysPath = LXPlatform::current().userFolders.support.string();
+    if (!UserFolders::make(*sysPath)) {
       LXLogger::error("the folder cannot be made: " + *sysPath);
     }
     durable::sweepTemporaries(*sysPath);
@@ -20,6 +17,5 @@ const std::string& NerinAction::getSysPath() {
 }
 
 std::filesystem::path NerinAction::preferenceFilePath() {
-  const LXPlatform& platform = LXPlatform::current();
-  return platform.homeFolder / "Library" / "Preferences" / (platform.bundleIdentifier + ".plist");
+  return LXPlatform::current().userFolders.preferences;
 }

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdint>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 #include <sys/epoll.h>
@@ -26,6 +27,24 @@ std::uint64_t microsecondsOf(EventLoop::Time time) {
   // The steady clock is the monotonic clock of the kernel.
   const auto count = duration_cast<microseconds>(time.time_since_epoch()).count();
   return static_cast<std::uint64_t>(std::max<std::int64_t>(count, 1));
+}
+
+// Whether one of the waiting events is about a file of this name; with an empty name, about any.
+// Reads all of them.
+bool tellsOf(int descriptor, const std::string& name) {
+  alignas(inotify_event) std::array<char, 4096> buffer;
+  bool tells = false;
+  for (ssize_t size = 0; (size = ::read(descriptor, buffer.data(), buffer.size())) > 0;) {
+    const char* const end = buffer.data() + size;
+    for (const char* place = buffer.data(); place < end;) {
+      const auto* event = reinterpret_cast<const inotify_event*>(place);
+      // Where events were lost, it may have been among them.
+      const bool wereLost = (event->mask & IN_Q_OVERFLOW) != 0;
+      tells = tells || wereLost || name.empty() || (event->len > 0 && name == event->name);
+      place += sizeof(inotify_event) + event->len;
+    }
+  }
+  return tells;
 }
 
 }  // namespace
@@ -92,15 +111,25 @@ std::unique_ptr<EventLoop::Watch> EventLoop::watch(int descriptor,
 
 std::unique_ptr<EventLoop::Watch> EventLoop::watchFolder(const std::filesystem::path& folder,
                                                          std::function<void()> whenChanged) {
+  return watchNames(folder, {}, std::move(whenChanged));
+}
+
+std::unique_ptr<EventLoop::Watch> EventLoop::watchFile(const std::filesystem::path& file,
+                                                       std::function<void()> whenChanged) {
+  return watchNames(file.parent_path(), file.filename().string(), std::move(whenChanged));
+}
+
+std::unique_ptr<EventLoop::Watch> EventLoop::watchNames(const std::filesystem::path& folder,
+                                                        const std::string& name,
+                                                        std::function<void()> whenChanged) {
   const int descriptor = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
   if (descriptor < 0) {
     return nullptr;
   }
-  auto result = watch(descriptor, [descriptor, changed = std::move(whenChanged)] {
-    alignas(inotify_event) std::array<char, 4096> buffer;
-    while (::read(descriptor, buffer.data(), buffer.size()) > 0) {
+  auto result = watch(descriptor, [descriptor, name, changed = std::move(whenChanged)] {
+    if (tellsOf(descriptor, name)) {
+      changed();
     }
-    changed();
   });
   constexpr std::uint32_t events = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE;
   if (!result || ::inotify_add_watch(descriptor, folder.c_str(), events) < 0) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 struct sd_event;
 struct sd_event_source;
@@ -40,6 +41,9 @@ class EventLoop {
   // watched.
   std::unique_ptr<Watch> watchFolder(const std::filesystem::path& folder,
                                      std::function<void()> whenChanged);
+  // The same for one file, which need not exist; its folder must.
+  std::unique_ptr<Watch> watchFile(const std::filesystem::path& file,
+                                   std::function<void()> whenChanged);
 
   // A time at which to call, once; starting it again moves the time.
   class Timer {
@@ -58,6 +62,10 @@ class EventLoop {
   };
 
  private:
+  // With an empty name: all files of the folder.
+  std::unique_ptr<Watch> watchNames(const std::filesystem::path& folder, const std::string& name,
+                                    std::function<void()> whenChanged);
+
   sd_event* m_event = nullptr;
 };
 

@@ -13,6 +13,7 @@
 #include "Action/NerinAction.h"
 #include "Kit/Bus/CompanionAddress.h"
 #include "Kit/Core/LXLogger.h"
+#include "Kit/Core/UserFolders.h"
 
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
@@ -151,14 +152,14 @@ void Companion::report(const DeviceReport& one) {
 }
 
 void Companion::watchFiles() {
-  // Both folders belong to this product, and may not exist before its first start.
+  // Neither folder need exist before the first start.
   const fs::path drafts = draftfiles::pathOf("any").parent_path();
-  const fs::path preferences = NerinAction::preferenceFilePath().parent_path();
-  std::error_code ignored;
-  fs::create_directories(drafts, ignored);
-  fs::create_directories(preferences, ignored);
+  const fs::path preferences = NerinAction::preferenceFilePath();
+  UserFolders::make(drafts);
+  UserFolders::make(preferences.parent_path());
   m_draftWatch = m_loop.watchFolder(drafts, [this] { decide(); });
-  m_preferenceWatch = m_loop.watchFolder(preferences, [this] {
+  // Other programs have their files beside the preferences.
+  m_preferenceWatch = m_loop.watchFile(preferences, [this] {
     reloadLinks();
     decide();
   });

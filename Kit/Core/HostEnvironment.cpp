@@ -10,6 +10,24 @@
 
 namespace fs = std::filesystem;
 
+namespace {
+
+// A folder that cannot be looked at counts as there: to begin an empty library elsewhere would look
+// like the loss of the user's own.
+bool mayBeThere(const fs::path& folder) {
+  std::error_code error;
+  const fs::file_status status = fs::symlink_status(folder, error);
+  return status.type() != fs::file_type::not_found;
+}
+
+// The folder that the variable names. One that is empty or relative counts as not set.
+fs::path baseFolder(const char* variable, const fs::path& standard) {
+  const char* value = std::getenv(variable);
+  return value != nullptr && *value == '/' ? fs::path(value) : standard;
+}
+
+}  // namespace
+
 fs::path hostenvironment::homeFolder() {
   if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') {
     return home;
@@ -18,12 +36,24 @@ fs::path hostenvironment::homeFolder() {
   return user != nullptr ? user->pw_dir : "/";
 }
 
+UserFolders hostenvironment::userFolders(const std::string& name) {
+  const fs::path home = homeFolder();
+  const UserFolders library = UserFolders::inLibrary(home, name);
+  if (mayBeThere(library.support)) {
+    return library;
+  }
+  return UserFolders::inXdg(baseFolder("XDG_DATA_HOME", home / ".local" / "share"),
+                            baseFolder("XDG_CONFIG_HOME", home / ".config"),
+                            baseFolder("XDG_STATE_HOME", home / ".local" / "state"), name);
+}
+
 fs::path hostenvironment::resourceFolder() {
   std::error_code error;
   const fs::path program = fs::read_symlink("/proc/self/exe", error);
-  const fs::path prefix = program.parent_path().parent_path();
-  const fs::path beside = prefix / "resources";
-  return fs::is_directory(beside, error) ? beside : prefix / "share" / "NerinOption";
+  const fs::path beside = program.parent_path().parent_path() / "resources";
+  return fs::is_directory(beside, error)
+             ? beside
+             : (program.parent_path() / NERIN_DATA_FROM_PROGRAMS).lexically_normal();
 }
 
 fs::path hostenvironment::runtimeFolder() {

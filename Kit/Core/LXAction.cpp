@@ -160,8 +160,5 @@ void LXAction::setLoggerTempLevel() {
 }
 
 void LXAction::setLoggerHasFile(bool hasFile) {
-  const LXPlatform& platform = LXPlatform::current();
-  LXLogger::setFile(hasFile ? platform.homeFolder / "Library" / "Logs" /
-                                  (platform.bundleIdentifier + ".log")
-                            : fs::path());
+  LXLogger::setFile(hasFile ? LXPlatform::current().userFolders.log : fs::path());
 }

@@ -10,6 +10,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "Kit/Core/UserFolders.h"
+
 namespace {
 
 constexpr std::size_t fileSize = std::size_t{1024} * 1024;
@@ -52,8 +54,7 @@ void makePrivate(const std::filesystem::path& file, int flags) {
 
 // Called before the log is opened at first, and anew after each rotation.
 void prepareFile(const std::filesystem::path& file) {
-  std::error_code ignored;
-  std::filesystem::create_directories(file.parent_path(), ignored);
+  UserFolders::make(file.parent_path());
   makePrivate(file, O_CREAT);
 }
 

@@ -22,6 +22,9 @@ class NoNotificationCenter final : public LXNotificationCenter {
 };
 
 LXPlatform withHarmlessDefaults(LXPlatform platform) {
+  if (platform.userFolders.support.empty()) {
+    platform.userFolders = UserFolders::inLibrary(platform.homeFolder, platform.bundleIdentifier);
+  }
   if (!platform.deviceRequester) {
     platform.deviceRequester = std::make_shared<NoDeviceRequester>();
   }

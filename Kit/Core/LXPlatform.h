@@ -9,6 +9,7 @@
 
 #include "Kit/Core/LXDeviceRequester.h"
 #include "Kit/Core/LXNotificationCenter.h"
+#include "Kit/Core/UserFolders.h"
 
 // Everything that the program needs from outside. `main` installs the real platform, a test a fake
 // one; nothing else accesses the environment.
@@ -22,6 +23,9 @@ struct LXPlatform {
   std::filesystem::path runtimeFolder;
   // Names the support folder and the preference file.
   std::string bundleIdentifier = "com.corvex.NerinOption";
+  // Where the files of this user lie. While it has no support folder: below "Library" in the home
+  // folder.
+  UserFolders userFolders;
   // The user's first preferred language as the system names it ("de_AT.UTF-8", "pt-BR"), or none.
   std::optional<std::string> preferredLanguage;
   std::shared_ptr<LXDeviceRequester> deviceRequester;

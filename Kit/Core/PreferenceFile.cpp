@@ -9,6 +9,7 @@
 #include "Kit/Core/FileLock.h"
 #include "Kit/Core/LXLogger.h"
 #include "Kit/Core/PropertyList.h"
+#include "Kit/Core/UserFolders.h"
 #include "Kit/Core/Utf8.h"
 
 namespace fs = std::filesystem;
@@ -151,7 +152,7 @@ bool PreferenceFile::setValues(const std::string& dictionary,
 
 bool PreferenceFile::change(const std::function<void(void* root)>& edit) {
   std::error_code error;
-  fs::create_directories(m_path.parent_path(), error);
+  UserFolders::make(m_path.parent_path());
   // Otherwise the change of another program, between the read and the write, would be lost.
   const auto lock = FileLock::acquire(lockOf(m_path), lockLimit);
   if (!lock) {

@@ -105,8 +105,8 @@ TEST(NerinctlFinish, AnswersFourWhereNothingIsToFinish) {
   const std::string memory = user.mouseMemory();
   expectComplaint(user.runWithMouse({"finish", "2"}), 4, "no Apply to slot 2 was interrupted");
   expectComplaint(user.runWithMouse({"finish", "11"}), 4, "no such slot: 11");
-  std::filesystem::create_directories(user.supportFolder() / "Drafts");
-  writeFile(user.supportFolder() / "Drafts" / "applying-2.xml", "<SlotDraft");
+  std::filesystem::create_directories(user.folders().drafts);
+  writeFile(user.folders().drafts / "applying-2.xml", "<SlotDraft");
   expectComplaint(user.runWithMouse({"finish", "2"}), 4,
                   "what slot 2 was to get cannot be read; apply a profile to it");
   EXPECT_EQ(user.mouseMemory(), memory);
@@ -156,7 +156,7 @@ TEST(NerinctlFinish, UsesTheProfileThatTheLibraryGotMeanwhile) {
   }
   EXPECT_EQ(user.json({"finish", "2"})["profile"], "Fresh");
   EXPECT_EQ(user.json({"profiles", "list"}).size(), 1U);
-  EXPECT_THAT(std::filesystem::directory_iterator(user.supportFolder() / "Drafts"),
+  EXPECT_THAT(std::filesystem::directory_iterator(user.folders().drafts),
               testing::Eq(std::filesystem::directory_iterator()))
       << "what was finished is no edit any more";
 }

@@ -147,6 +147,7 @@ class Window {
   Window(const TestHome& user, Count& count) : m_count(count) {
     LXPlatform platform;
     platform.homeFolder = user.home;
+    platform.userFolders = user.folders();
     platform.resourceFolder = NERIN_RESOURCES;
     platform.mouseWait = std::chrono::milliseconds(200);
     // Much shorter than the mouse's pauses, so that the programs meet more often.

@@ -107,6 +107,7 @@ TEST(Hammering, LosesNoProfileAndBringsNoneBack) {
   user.prepare({"profiles", "list"});
   LXPlatform platform;
   platform.homeFolder = user.home;
+  platform.userFolders = user.folders();
   platform.resourceFolder = NERIN_RESOURCES;
   LXPlatform::install(std::move(platform));
   ProcessWideBase::resetAll();

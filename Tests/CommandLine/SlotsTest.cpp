@@ -159,8 +159,8 @@ TEST(NerinctlDiff, TellsWhatWasEditedAndNotApplied) {
   setText(draft.content.profileName, "Profile#2");
   setText(draft.content.activeAppPath, "/usr/bin/game");
   draft.content.isActiveApp = 1;
-  std::filesystem::create_directories(user.supportFolder() / "Drafts");
-  std::ofstream(user.supportFolder() / "Drafts" / "slot-2.xml") << documentOf(draft);
+  std::filesystem::create_directories(user.folders().drafts);
+  std::ofstream(user.folders().drafts / "slot-2.xml") << documentOf(draft);
   const json changes = user.json({"diff", "--slot", "2"})["changes"];
   ASSERT_EQ(changes.size(), 2U) << changes;
   EXPECT_EQ(changes[0]["about"], "lift height");

@@ -103,12 +103,9 @@ std::string TestHome::mouseMemory() const {
   return readFile(mouseFile);
 }
 
-fs::path TestHome::supportFolder() const {
-  return home / "Library" / "Application Support" / "com.corvex.NerinOption";
-}
-
-fs::path TestHome::preferences() const {
-  return home / "Library" / "Preferences" / "com.corvex.NerinOption.plist";
+UserFolders TestHome::folders() const {
+  return UserFolders::inXdg(home / ".local/share", home / ".config", home / ".local/state",
+                            "com.corvex.NerinOption");
 }
 
 void TestHome::addProfile(ProfileValue profile) const {

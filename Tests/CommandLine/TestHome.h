@@ -10,6 +10,7 @@
 #include "Action/Catalogue/MacroInfo.h"
 #include "Action/Library/ProfileValue.h"
 #include "Kit/Core/KeyedArchive.h"
+#include "Kit/Core/UserFolders.h"
 #include "Tests/CommandLine/ProgramRun.h"
 #include "Tests/Support/Scratch.h"
 #include "Tests/VirtualMouse/MouseHost.h"
@@ -45,9 +46,11 @@ class TestHome {
   // The user's data: every file of the home folder, by path, and the memory of the mouse.
   std::map<std::string, std::string> library() const;
   std::string mouseMemory() const;
-  std::filesystem::path supportFolder() const;
+  // Where the program keeps them, as long as nothing else is set up.
+  UserFolders folders() const;
+  std::filesystem::path supportFolder() const { return folders().support; }
   std::filesystem::path profileFolder() const { return supportFolder() / "Profiles"; }
-  std::filesystem::path preferences() const;
+  std::filesystem::path preferences() const { return folders().preferences; }
 
   // Import a profile or macro into the library.
   void addProfile(ProfileValue profile) const;

@@ -9,6 +9,7 @@ WindowLike::WindowLike(const TestHome& user)
     : m_mouse(std::make_shared<VirtualMouse>(user.mouseFile)) {
   LXPlatform platform;
   platform.homeFolder = user.home;
+  platform.userFolders = user.folders();
   platform.resourceFolder = NERIN_RESOURCES;
   platform.sleep = [](std::chrono::microseconds) {};
   platform.deviceRequester = std::make_shared<VirtualDeviceRequester>(m_mouse);

@@ -65,7 +65,7 @@ class RecordedKeys(RecordingTest):
         self.assertLessEqual(pauses[0], took * 1000 + TOLERANCE)
         self.quit()
         # The display did repeat the key.
-        path = os.path.join(self.desktop.home, "Library", "Logs", "com.corvex.%s.log" % DEMO)
+        path = os.path.join(self.desktop.state("com.corvex." + DEMO), "com.corvex.%s.log" % DEMO)
         with open(path, encoding="utf-8") as file:
             words = [line.split()[-1] for line in file]
         self.assertGreater(words.count("keyDown"), 2)

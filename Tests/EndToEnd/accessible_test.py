@@ -12,6 +12,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+from pathlib import Path
 
 top = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 sys.path.insert(0, os.path.join(top, "Tools"))
@@ -93,7 +94,9 @@ class AccessibleTest(unittest.TestCase):
         cls.screens = frames(os.path.join(BUILD, "generated", "ArtworkFrames.h"))
 
     def setUp(self):
-        shutil.rmtree(os.path.join(self.desktop.home, "Library"), ignore_errors=True)
+        for folder in (self.support, self.desktop.state("com.corvex.NerinOptionDemo")):
+            shutil.rmtree(folder, ignore_errors=True)
+        Path(self.desktop.preferences("com.corvex.NerinOptionDemo")).unlink(missing_ok=True)
         self.process = self.desktop.start(os.path.join(BUILD, "bin", "NerinOptionDemo"),
                                           QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
         self.addCleanup(self.desktop.stop, self.process)
@@ -107,8 +110,7 @@ class AccessibleTest(unittest.TestCase):
 
     @property
     def support(self):
-        return os.path.join(self.desktop.home, "Library", "Application Support",
-                            "com.corvex.NerinOptionDemo")
+        return self.desktop.support("com.corvex.NerinOptionDemo")
 
     def mouse(self, *arguments):
         """The answer of nerinctl on a copy of the memory, which the program has locked."""

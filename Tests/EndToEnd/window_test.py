@@ -118,12 +118,10 @@ class WindowTest(unittest.TestCase):
         self.known = 0
 
     def support(self, program, *path):
-        return os.path.join(self.desktop.home, "Library", "Application Support",
-                            "com.corvex." + program, *path)
+        return os.path.join(self.desktop.support("com.corvex." + program), *path)
 
     def preferences(self, program):
-        path = os.path.join(self.desktop.home, "Library", "Preferences",
-                            "com.corvex.%s.plist" % program)
+        path = self.desktop.preferences("com.corvex." + program)
         if not os.path.exists(path):
             return {}
         with open(path, "rb") as file:
