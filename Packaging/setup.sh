@@ -3,8 +3,9 @@
 build_packages=(
   cmake fonts-inter gettext g++ librsvg2-bin ninja-build pkg-config python3 python3-polib
   libcli11-dev libfontconfig-dev libglib2.0-dev libhidapi-dev libicu-dev libplist-dev libpng-dev libpugixml-dev
-  libspdlog-dev libsystemd-dev libudev-dev libxcb1-dev nlohmann-json3-dev qt6-base-dev
-  qt6-translations-l10n qt6-wayland
+  libspdlog-dev libsystemd-dev libudev-dev libwayland-bin libwayland-dev libx11-dev libxcb1-dev
+  nlohmann-json3-dev qt6-base-dev qt6-base-private-dev qt6-translations-l10n qt6-wayland
+  wayland-protocols
 )
 test_packages=(
   at-spi2-core chromium chromium-driver clang-format clang-tidy dbus gir1.2-glib-2.0 grim libglib2.0-bin libgmock-dev libgtest-dev
