@@ -152,6 +152,9 @@ void prepareApplication(QApplication& application) {
   mallopt(M_ARENA_MAX, 1);
 #endif
   QCoreApplication::setOrganizationDomain(QStringLiteral("corvex.com"));
+  // The id under which the desktop knows the program, and finds its entry.
+  QGuiApplication::setDesktopFileName(QStringLiteral("com.corvex.") +
+                                      QCoreApplication::applicationName());
   QCoreApplication::setApplicationVersion(QStringLiteral(NERIN_VERSION));
   QApplication::setStyle(new HouseStyle);
   QApplication::setPalette(darkColors());

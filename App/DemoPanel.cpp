@@ -1,5 +1,6 @@
 #include "App/DemoPanel.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QFontDatabase>
 #include <QHBoxLayout>
@@ -102,6 +103,20 @@ void DemoPanel::pressSlotButton() {
   m_report({{"type", slotChanged}, {"value", next}});
   m_slotBox->setCurrentIndex(next);
   refresh();
+}
+
+void DemoPanel::showAfterFirstWindow() {
+  setAttribute(Qt::WA_ShowWithoutActivating);
+  qApp->installEventFilter(this);
+}
+
+bool DemoPanel::eventFilter(QObject* watched, QEvent* event) {
+  const auto* widget = qobject_cast<QWidget*>(watched);
+  if (event->type() == QEvent::Show && widget != nullptr && widget->isWindow()) {
+    qApp->removeEventFilter(this);
+    QMetaObject::invokeMethod(this, &QWidget::show, Qt::QueuedConnection);
+  }
+  return QWidget::eventFilter(watched, event);
 }
 
 void DemoPanel::standBeside(const QWidget& window) {

@@ -22,10 +22,16 @@ class DemoPanel : public QWidget {
 
   DemoPanel(std::shared_ptr<VirtualMouse> mouse, Report report);
 
+  // Shows the panel as soon as another window of the program is there, which keeps the keyboard. A
+  // desktop that places windows itself puts a later one beside the others or in front of them.
+  void showAfterFirstWindow();
   // Right of the window, or overlapping its edge if the screen ends there.
   void standBeside(const QWidget& window);
   // What the slot (0..9) holds, in words and bytes.
   QString describe(int slot) const;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void unplug();

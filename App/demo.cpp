@@ -51,7 +51,7 @@ int run(QApplication& application) {
       receiver->report("NerinDevStatus", userInfo);
     }
   });
-  panel.show();
+  panel.showAfterFirstWindow();
   delegate.start();
   if (termination::isTerminating()) {
     return 0;

@@ -1,16 +1,17 @@
 # Sourced by run and test: installs the Debian 12 packages and builds.
 
 build_packages=(
-  cmake fonts-inter gettext g++ librsvg2-bin ninja-build pkg-config python3 python3-polib
-  libcli11-dev libfontconfig-dev libglib2.0-dev libhidapi-dev libicu-dev libplist-dev libpng-dev libpugixml-dev
-  libspdlog-dev libsystemd-dev libudev-dev libx11-dev libxcb1-dev nlohmann-json3-dev qt6-base-dev
-  qt6-translations-l10n
+  cmake fonts-inter g++ gettext libcli11-dev libfontconfig-dev libglib2.0-dev libhidapi-dev
+  libicu-dev libplist-dev libpng-dev libpugixml-dev librsvg2-bin libspdlog-dev libsystemd-dev
+  libudev-dev libwayland-bin libwayland-dev libx11-dev libxcb1-dev ninja-build
+  nlohmann-json3-dev pkg-config python3 python3-polib qt6-base-dev qt6-base-private-dev
+  qt6-translations-l10n qt6-wayland wayland-protocols
 )
 test_packages=(
   appstream at-spi2-core chromium chromium-driver clang-format clang-tidy dbus
-  desktop-file-utils fish fonts-wqy-microhei gir1.2-glib-2.0 libglib2.0-bin libgmock-dev
+  desktop-file-utils fish fonts-wqy-microhei gir1.2-glib-2.0 grim libglib2.0-bin libgmock-dev
   libgtest-dev libumockdev-dev man-db openbox python3 python3-gi python3-pyatspi
-  python3-selenium umockdev x11-utils xdotool xvfb zsh
+  python3-selenium sway umockdev x11-utils xdotool xvfb zsh
 )
 # The kernel itself is downloaded and unpacked by Tests/UsbStack/boot.py, not installed.
 usb_stack_packages=(cpio qemu-system-x86)

@@ -13,7 +13,29 @@ set_target_properties(PkgConfig::gio PROPERTIES INTERFACE_COMPILE_OPTIONS "")
 pkg_check_modules(hidapi REQUIRED IMPORTED_TARGET hidapi-hidraw)
 pkg_check_modules(udev REQUIRED IMPORTED_TARGET libudev)
 pkg_check_modules(systemd REQUIRED IMPORTED_TARGET libsystemd)
-pkg_check_modules(xcb REQUIRED IMPORTED_TARGET xcb)
+# Without X11 the companion cannot tell which program is in front on an X server, and a held key
+# repeats there as many keys.
+if(NERIN_X11)
+  find_package(X11 GLOBAL)
+  pkg_check_modules(xcb IMPORTED_TARGET xcb)
+endif()
+# Without Wayland's headers the windows run on Wayland all the same, but the compositor keeps its
+# shortcuts while a macro is recorded, and the line of an Apply stands still there. Qt hands out the
+# connection only by a header of its own inside.
+if(NERIN_WAYLAND)
+  pkg_check_modules(wayland IMPORTED_TARGET wayland-client)
+  find_program(WAYLAND_SCANNER wayland-scanner)
+  find_file(NERIN_INHIBIT_PROTOCOL keyboard-shortcuts-inhibit-unstable-v1.xml
+            PATHS /usr/share/wayland-protocols/unstable/keyboard-shortcuts-inhibit)
+  find_path(NERIN_QPA_HEADERS qpa/qplatformnativeinterface.h
+            PATHS ${Qt6Gui_PRIVATE_INCLUDE_DIRS} NO_DEFAULT_PATH)
+  if(TARGET PkgConfig::wayland AND WAYLAND_SCANNER AND NERIN_INHIBIT_PROTOCOL
+     AND NERIN_QPA_HEADERS)
+    set(NERIN_HAS_WAYLAND ON)
+  else()
+    message(STATUS "Built without Wayland: see docs/wayland.md for what is missing then")
+  endif()
+endif()
 if(NERIN_TESTS)
   find_package(GTest REQUIRED)
   pkg_check_modules(umockdev REQUIRED IMPORTED_TARGET umockdev-1.0)

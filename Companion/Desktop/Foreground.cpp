@@ -5,10 +5,13 @@
 #include <iterator>
 #include <system_error>
 
+#ifdef NERIN_X11
 #include "Companion/Desktop/X11Foreground.h"
+#endif
 
 namespace fs = std::filesystem;
 
+#ifdef NERIN_X11
 namespace {
 
 bool isSet(const char* variable) {
@@ -26,6 +29,12 @@ std::unique_ptr<Foreground> foreground::open(EventLoop& loop, Foreground::Change
   }
   return X11Foreground::open(loop, std::move(changed), std::move(lost));
 }
+#else
+std::unique_ptr<Foreground> foreground::open(EventLoop& /*loop*/, Foreground::Changed /*changed*/,
+                                             std::function<void()> /*lost*/) {
+  return nullptr;
+}
+#endif
 
 void foreground::describeProcess(AppIdentity& identity) {
   if (identity.pid <= 0) {

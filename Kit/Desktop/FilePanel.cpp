@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "Kit/Core/ProcessWide.h"
+#include "Kit/Core/Utf8.h"
 #include "Kit/Desktop/HeldKeys.h"
 
 namespace {
@@ -34,9 +35,8 @@ class ProgramFilter : public QSortFilterProxyModel {
 class Panel : public QFileDialog {
  public:
   Panel(QWidget* parent, filepanel::Kind kind) : QFileDialog(parent), m_kind(kind) {
+    setOption(QFileDialog::DontUseNativeDialog);
     if (m_kind == filepanel::Kind::Program) {
-      // The desktop's own panel supports no filter model.
-      setOption(QFileDialog::DontUseNativeDialog);
       setProxyModel(new ProgramFilter(this));
     }
   }
@@ -54,6 +54,13 @@ class Panel : public QFileDialog {
  private:
   filepanel::Kind m_kind;
 };
+
+std::filesystem::path withExtension(std::filesystem::path path, const std::string& extension) {
+  if (utf8::lowercased(path.extension().string()) != extension) {
+    path += extension;
+  }
+  return path;
+}
 
 filepanel::Answer run(Panel& dialog, const filepanel::Request& request) {
   if (*answererInUse) {
@@ -99,7 +106,8 @@ filepanel::Answer filepanel::saveFile(QWidget* parent, const Request& request) {
   Request save = request;
   save.isSave = true;
   dialog.selectFile(QString::fromStdString(request.name));
-  return run(dialog, save);
+  const Answer chosen = run(dialog, save);
+  return chosen ? Answer(withExtension(*chosen, request.extension)) : std::nullopt;
 }
 
 void filepanel::setAnswerer(std::function<Answer(const Request&)> answerer) {

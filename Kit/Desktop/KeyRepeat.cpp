@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 
 // After Qt's headers, because those of X define many macros.
+#if defined(NERIN_X11) && QT_CONFIG(xcb)
 #include <X11/XKBlib.h>
 
 void keyrepeat::withoutReleases() {
@@ -15,3 +16,6 @@ void keyrepeat::withoutReleases() {
     XkbSetDetectableAutoRepeat(x11->display(), True, nullptr);
   }
 }
+#else
+void keyrepeat::withoutReleases() {}
+#endif

@@ -120,8 +120,8 @@ class PanelTest(DemoTest):
 
     def choose(self, window, button, entries, title, *parts):
         width, titles = entries
-        window.click(button, *parts)
-        self.chooseRow(titles.index(title), len(titles), width)
+        self.chooseRow(window.id, window.frame(button, *parts), titles.index(title), len(titles),
+                       width)
 
     def assertMemory(self, expected):
         """All bytes of the mouse match."""
@@ -261,8 +261,8 @@ class RecordedMacro(Roads):
         self.assertTrue(all(95 <= delay < 60000 for delay in (kept[0][2], kept[1][2])))
 
         def pick(panel):
-            panel.click("tkeySelBtn", MACRO_PANEL)
-            self.chooseRow(0, 1, MACRO_LIST_WIDTH)
+            self.chooseRow(panel.id, panel.frame("tkeySelBtn", MACRO_PANEL), 0, 1,
+                           MACRO_LIST_WIDTH)
             self.choose(panel, "repeatSelBtn", REPEATS, "Repeat by Count", MACRO_PANEL)
             count = self.child("Repeat count", "TkeyRepeatView")
             # The count has the keyboard focus and is selected.

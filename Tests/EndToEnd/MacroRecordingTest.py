@@ -9,8 +9,6 @@ from window_test import DEMO, DemoTest, middle, wait_until
 A, B, C, ALT, F4, LEFT_SHIFT, RIGHT_SHIFT = 0, 11, 8, 58, 118, 56, 60
 LEFT, RIGHT, MIDDLE = 120, 121, 122
 PRESS, RELEASE, MOUSE_PRESS, MOUSE_RELEASE = 0, 1, 3, 4
-# Key codes of the display. The name of the right Shift key would press another key.
-SHIFT_KEYS = "50", "62"
 # How much shorter a recorded pause may be: the display counts whole milliseconds.
 TOLERANCE = 5
 # Much longer than the delay after which the display repeats a key.
@@ -41,6 +39,9 @@ class RecordingTest(DemoTest):
 
 
 class RecordedKeys(RecordingTest):
+    # Key codes of the display. The name of the right Shift key would press another key.
+    SHIFT_KEYS = "50", "62"
+
     def testAreRowsInOrderWithTheirPauses(self):
         gaps = [100, 300, 150, 50, 200]
         keys = ["+a", "-a", "+b", "+c", "-b", "-c"]
@@ -72,7 +73,7 @@ class RecordedKeys(RecordingTest):
         self.assertEqual(words.count("keyUp"), 1)
 
     def testOneOfTwoShiftKeysThatIsLetGoIsAPress(self):
-        left, right = SHIFT_KEYS
+        left, right = self.SHIFT_KEYS
         self.desktop.strike("+" + left, 0.05, "+" + right, 0.05, "-" + left, 0.05, "-" + right,
                             0.05, "+" + right, 0.05, "-" + right)
         rows, _ = self.finish()
@@ -93,7 +94,6 @@ class RecordedKeys(RecordingTest):
         self.desktop.strike(*closing)
         self.waitForNoOther()
         self.quit()
-
 
     def testOfAnotherWindowAreItsOwn(self):
         self.desktop.strike("+a", 0.05, "-a")

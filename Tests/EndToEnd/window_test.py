@@ -111,11 +111,16 @@ class ChildWindow:
 
 
 class WindowTest(unittest.TestCase):
+    maxDiff = None
+
     def setUp(self):
         self.folder = self.enterContext(tempfile.TemporaryDirectory(prefix="nerin-window-"))
-        self.desktop = self.enterContext(DesktopSession(self.folder, DESKTOP_SIZE))
+        self.desktop = self.enterContext(self.newDesktop())
         self.listener = self.desktop.listen()
         self.known = 0
+
+    def newDesktop(self):
+        return DesktopSession(self.folder, DESKTOP_SIZE)
 
     def support(self, program, *path):
         return os.path.join(self.desktop.support("com.corvex." + program), *path)
@@ -175,11 +180,14 @@ class DemoTest(WindowTest):
         self.program = self.desktop.start(os.path.join(BINARIES, DEMO))
         self.window = self.desktop.window(DEMO, size=MAIN_SIZE)
         self.panel = self.desktop.window(PANEL)
+        self.standApart()
+        wait_until(lambda: self.desktop.isHearing(self.program), 30, "the program on the bus")
+
+    def standApart(self):
         # The panel gets its place once the mouse has been read.
         right = self.desktop.geometry(self.window)[0] + MAIN_SIZE[0]
         wait_until(lambda: self.desktop.geometry(self.panel)[0] >= right, 30,
                    "the panel to stand beside the window")
-        wait_until(lambda: self.desktop.isHearing(self.program), 30, "the program on the bus")
 
     def click(self, control):
         self.desktop.click(self.window, *middle(FRAMES["MainView"][control]))
@@ -209,11 +217,11 @@ class DemoTest(WindowTest):
 
     def chooseProfile(self, row, count):
         """Clicks a row, counted from 0, of the list of `count` profiles."""
-        self.click("currProfileBtn")
-        self.chooseRow(row, count, LIST_WIDTH)
+        self.chooseRow(self.window, FRAMES["MainView"]["currProfileBtn"], row, count, LIST_WIDTH)
 
-    def chooseRow(self, row, count, width):
-        """Clicks a row, counted from 0, of the list that is open or about to open."""
+    def chooseRow(self, window, opener, row, count, width):
+        """Opens the list of a button, whose frame this is, and clicks a row, counted from 0."""
+        self.desktop.click(window, *middle(opener))
         listing = self.desktop.window(DEMO, size=listSize(width, count))
         self.desktop.click(listing, width // 2, BORDER + row * ROW_HEIGHT + ROW_HEIGHT // 2)
         wait_until(lambda: listing not in [one.id for one in self.desktop.windows()], 30,

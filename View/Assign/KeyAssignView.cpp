@@ -152,6 +152,12 @@ KeyAssignSubView* KeyAssignView::currentPart() const {
   return hasPart ? m_subViews[static_cast<std::size_t>(m_currFunId - Macro)] : nullptr;
 }
 
+bool KeyAssignView::staysOpen() {
+  const bool wasCapturing = m_singleKeyView->isCapturing();
+  m_singleKeyView->endCapture();
+  return wasCapturing;
+}
+
 std::string KeyAssignView::helpChapter() const {
   switch (m_currFunId) {
     case Macro:

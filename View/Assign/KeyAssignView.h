@@ -35,6 +35,8 @@ class KeyAssignView : public ChildView, public LXMenulistDelegate, public LXSetp
 
   KeyAssignView();
   ~KeyAssignView() override;
+  // Ends the capture of a key.
+  bool staysOpen() override;
   // That of the part that is shown.
   std::string helpChapter() const override;
 

@@ -10,6 +10,7 @@
 #include "Action/Wire/KeyCodes.h"
 #include "ArtworkFrames.h"
 #include "Kit/Core/LXKey.h"
+#include "Kit/Desktop/KeyboardHold.h"
 #include "Kit/Widgets/LXButton.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Screen/ControlFactory.h"
@@ -64,11 +65,7 @@ bool startsCapture(const QKeyEvent& event) {
 SubSingleKeyView::SubSingleKeyView(QWidget* parent)
     : KeyAssignSubView({frames::screenWidth, frames::screenHeight}, parent) {}
 
-SubSingleKeyView::~SubSingleKeyView() {
-  if (m_isCapturing) {
-    releaseKeyboard();
-  }
-}
+SubSingleKeyView::~SubSingleKeyView() = default;
 
 void SubSingleKeyView::initData() {
   setImageByName(QStringLiteral("SubSingleKeyView_Normal.png"));
@@ -293,7 +290,7 @@ void SubSingleKeyView::startCapture() {
   m_wasEscape = false;
   m_isLeaving = false;
   qApp->installEventFilter(this);
-  grabKeyboard();
+  m_keyboard = std::make_unique<KeyboardHold>(*this);
   showHint();
   update();
 }
@@ -304,7 +301,7 @@ void SubSingleKeyView::endCapture() {
   }
   m_isCapturing = false;
   qApp->removeEventFilter(this);
-  releaseKeyboard();
+  m_keyboard.reset();
   m_keys.forgetAll();
   showHint();
   update();

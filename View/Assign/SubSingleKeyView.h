@@ -8,6 +8,7 @@
 #include "Kit/Widgets/LXSetpPanelObj.h"
 #include "View/Assign/KeyAssignSubView.h"
 
+class KeyboardHold;
 class LXTextField;
 class MenuInfo;
 class QLabel;
@@ -46,6 +47,8 @@ class SubSingleKeyView : public KeyAssignSubView,
   std::int32_t selKeyCode() const { return m_selKeyCode; }
   int choice() const;
   bool isCapturing() const { return m_isCapturing; }
+  // Ends the capture, if any, and keeps the key.
+  void endCapture();
   // Ends the capture, if any, and takes the focus from this view.
   void leave();
   LXMenulist* singleList() const { return m_singleList.get(); }
@@ -62,7 +65,6 @@ class SubSingleKeyView : public KeyAssignSubView,
  private:
   void addKeyControls();
   void startCapture();
-  void endCapture();
   void take(const QKeyEvent& event);
   void setSelKeyCode(std::int32_t keyCode);
   void chooseKey(std::int32_t keyCode);
@@ -84,6 +86,7 @@ class SubSingleKeyView : public KeyAssignSubView,
   std::unique_ptr<LXMenulist> m_keyList;
   std::shared_ptr<MenuInfo> m_function;
   KeyTracker m_keys;
+  std::unique_ptr<KeyboardHold> m_keyboard;
   std::int32_t m_selKeyCode = noKey;
   // Showing a stored assignment is not choosing it.
   bool m_isFilling = false;

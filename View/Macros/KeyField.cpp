@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 
 #include "ArtworkFrames.h"
+#include "Kit/Desktop/KeyboardHold.h"
 #include "View/Screen/ControlFactory.h"
 
 namespace {
@@ -26,11 +27,7 @@ KeyField::KeyField(QWidget* parent) : LXTextField(parent) {
   setCursor(Qt::PointingHandCursor);
 }
 
-KeyField::~KeyField() {
-  if (m_isWaiting) {
-    releaseKeyboard();
-  }
-}
+KeyField::~KeyField() = default;
 
 void KeyField::setKey(const QString& words) {
   m_words = words;
@@ -44,7 +41,7 @@ void KeyField::wait() {
   setText(NerinAction::tooltipText("Press a key"));
   setTextColor(QColor::fromRgb(Artwork::Color::emberLit));
   qApp->installEventFilter(this);
-  grabKeyboard();
+  m_keyboard = std::make_unique<KeyboardHold>(*this);
 }
 
 bool KeyField::eventFilter(QObject* watched, QEvent* event) {
@@ -54,13 +51,19 @@ bool KeyField::eventFilter(QObject* watched, QEvent* event) {
   return LXTextField::eventFilter(watched, event);
 }
 
+bool KeyField::endWaiting() {
+  const bool wasWaiting = m_isWaiting;
+  leave();
+  return wasWaiting;
+}
+
 void KeyField::leave() {
   if (!m_isWaiting) {
     return;
   }
   m_isWaiting = false;
   qApp->removeEventFilter(this);
-  releaseKeyboard();
+  m_keyboard.reset();
   setTextColor(Qt::white);
   setText(m_words);
 }

@@ -3,9 +3,12 @@
 #include <QContextMenuEvent>
 #include <QMouseEvent>
 #include <cstdint>
+#include <memory>
 
 #include "Kit/Desktop/KeyTracker.h"
 #include "Kit/Widgets/LXTextField.h"
+
+class KeyboardHold;
 
 // Shows a key, and takes another one: Return, Space or a click starts it, and the next key or mouse
 // button ends it. Until then it owns the keyboard. A click elsewhere leaves the key as it is.
@@ -19,6 +22,8 @@ class KeyField : public LXTextField {
   // The key that it shows while it waits for none.
   void setKey(const QString& words);
   bool isWaiting() const { return m_isWaiting; }
+  // Leaves the key as it is. True if it was waiting for another one.
+  bool endWaiting();
 
  signals:
   // A Mac key code, or 120 to 122 for a mouse button.
@@ -40,6 +45,7 @@ class KeyField : public LXTextField {
   void takeKey(const QKeyEvent& event);
 
   KeyTracker m_keys;
+  std::unique_ptr<KeyboardHold> m_keyboard;
   QString m_words;
   bool m_isWaiting = false;
 };

@@ -7,6 +7,7 @@
 #include "Action/Catalogue/MacroIds.h"
 #include "Action/Edit/MacroDraft.h"
 #include "ArtworkFrames.h"
+#include "Kit/Desktop/KeyboardHold.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Macros/MacroMenulist.h"
 #include "View/Macros/MacroTest.h"

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -19,6 +18,7 @@
 #include "View/Macros/RigthMouseTBView.h"
 #include "View/Windows/ChildView.h"
 
+class KeyboardHold;
 class LXTextField;
 class MacroTest;
 class MacroTools;
@@ -96,6 +96,8 @@ class MacroView : public ChildView,
   MacroView();
   ~MacroView() override;
   std::string helpChapter() const override { return "macros"; }
+  // Ends a recording, whose commands are kept, or the choice of a key.
+  bool staysOpen() override;
 
   void refreshData() override;
   void fillSettingData() override;
@@ -216,6 +218,10 @@ class MacroView : public ChildView,
   void stopByShortcut();
   void takeKeyboard();
   void forgetKeys();
+  // Adds the releases of the keys that are down, as far as the macro has room.
+  void releaseHeldKeys();
+  // Removes the last command of the recording if it is the press of such a key.
+  void dropLastPress(bool (*isSuchKey)(std::int32_t keyCode));
   bool belongsToMacro(const QKeyEvent& event, std::uint16_t keyCode);
   void takeKey(const QKeyEvent& event);
   bool takeMouse(const QMouseEvent& event, bool isDown);
@@ -283,14 +289,18 @@ class MacroView : public ChildView,
   // The event clock in milliseconds; no value before the first event of a recording.
   std::optional<std::uint64_t> m_oldTime;
   std::uint64_t m_eventTime = 0;
+  // When the last event was seen, by this machine's clock.
+  std::uint64_t m_seenTime = 0;
   std::int32_t m_currDefDelayTim = 0;
   std::int32_t m_currInsertType = 1;
   int m_currDelayType = 1;
   int m_currInsertDelayType = 1;
   KeyTracker m_keys;
-  // The keys (Mac key codes) that were pressed during the recording and are still down, and the
-  // mouse buttons, by where they were pressed.
-  std::set<std::uint16_t> m_pressedKeys;
+  std::unique_ptr<KeyboardHold> m_keyboard;
+  bool m_isKeyElsewhere = false;
+  // The keys (Mac key codes) that were pressed during the recording and are still down, in the
+  // order of their presses, and the mouse buttons, by where they were pressed.
+  std::vector<std::uint16_t> m_pressedKeys;
   Qt::MouseButtons m_buttonsOnStop;
   Qt::MouseButtons m_buttonsElsewhere;
 };

@@ -11,9 +11,11 @@
 #include <chrono>
 #include <set>
 #include <utility>
+#include <vector>
 
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXLogger.h"
+#include "Kit/Desktop/KeyboardHold.h"
 #include "Kit/Desktop/NativeKeys.h"
 #include "Kit/Widgets/LXNumberTextField.h"
 #include "Kit/Widgets/LXTextField.h"
@@ -87,6 +89,12 @@ bool isControl(std::int32_t keyCode) {
   constexpr std::int32_t leftControl = 59;
   constexpr std::int32_t rightControl = 62;
   return keyCode == leftControl || keyCode == rightControl;
+}
+
+bool isOption(std::int32_t keyCode) {
+  constexpr std::int32_t leftOption = 58;
+  constexpr std::int32_t rightOption = 61;
+  return keyCode == leftOption || keyCode == rightOption;
 }
 
 // A layout without Latin letters has the shortcut on the same physical key.
@@ -165,6 +173,7 @@ void MacroView::setRecState(bool isRecord, bool isInsert) {
     m_buttonsOnStop = {};
     m_buttonsElsewhere = {};
     forgetKeys();
+    m_isKeyElsewhere = false;
     qApp->installEventFilter(this);
     m_table->setFocus(Qt::OtherFocusReason);
     takeKeyboard();
@@ -175,11 +184,11 @@ void MacroView::setRecState(bool isRecord, bool isInsert) {
   setInsertState(isInsert);
 }
 
-// Grabs the keyboard so that the macro also gets the desktop's shortcuts, but no keys for other
+// Holds the keyboard so that the macro also gets the desktop's shortcuts, but no keys for other
 // windows.
 void MacroView::takeKeyboard() {
-  if (m_isRecord && !m_isInfoShown) {
-    m_table->grabKeyboard();
+  if (m_isRecord && !m_isInfoShown && !m_keyboard) {
+    m_keyboard = std::make_unique<KeyboardHold>(*m_table);
   }
 }
 
@@ -191,8 +200,29 @@ void MacroView::forgetKeys() {
 void MacroView::endRecording() {
   m_isRecord = false;
   qApp->removeEventFilter(this);
-  if (m_table != nullptr) {
-    m_table->releaseKeyboard();
+  m_keyboard.reset();
+}
+
+// A desktop that keeps Alt+F4 for itself sends its Alt, which is not meant for the macro.
+bool MacroView::staysOpen() {
+  if (!m_isRecord) {
+    return m_workbench->endKeyChoice();
+  }
+  dropLastPress(isOption);
+  releaseHeldKeys();
+  activeStop().click();
+  return true;
+}
+
+// The other window gets their releases. They are let go in the opposite order, as hands do.
+void MacroView::releaseHeldKeys() {
+  m_eventTime += clockMilliseconds() - m_seenTime;
+  m_seenTime = clockMilliseconds();
+  const std::vector<std::uint16_t> held = std::exchange(m_pressedKeys, {});
+  for (auto key = held.rbegin(); key != held.rend(); ++key) {
+    if (keyArrs() != nullptr && keyArrs()->size() < maximumCommands) {
+      AddNewKey(*key, MacroKeyInfo::KeyRelease);
+    }
   }
 }
 
@@ -213,19 +243,24 @@ bool MacroView::checkMouseEvent(const QMouseEvent& event) const {
 
 // Delays use the time of the events. Synthetic events may not have one.
 void MacroView::rememberTime(const QInputEvent& event) {
-  m_eventTime = event.timestamp() != 0 ? event.timestamp() : clockMilliseconds();
+  m_seenTime = clockMilliseconds();
+  m_eventTime = event.timestamp() != 0 ? event.timestamp() : m_seenTime;
 }
 
 // A key that was already down, such as the one that pressed the Record button, neither repeats nor
 // releases in the macro.
 bool MacroView::belongsToMacro(const QKeyEvent& event, std::uint16_t keyCode) {
   if (event.type() == QEvent::KeyRelease) {
-    return m_pressedKeys.erase(keyCode) != 0;
+    return std::erase(m_pressedKeys, keyCode) != 0;
   }
-  if (event.isAutoRepeat() && !m_pressedKeys.contains(keyCode)) {
+  const bool isDown =
+      std::find(m_pressedKeys.begin(), m_pressedKeys.end(), keyCode) != m_pressedKeys.end();
+  if (event.isAutoRepeat() && !isDown) {
     return false;
   }
-  m_pressedKeys.insert(keyCode);
+  if (!isDown) {
+    m_pressedKeys.push_back(keyCode);
+  }
   return true;
 }
 
@@ -240,22 +275,31 @@ bool MacroView::isStopShortcut(const QKeyEvent& event) const {
          !event.modifiers().testAnyFlags(others);
 }
 
-// The Control key of the shortcut was recorded before anybody could know what it was for. Without
-// it, the command before it is the last one, which has no pause.
+// The Control key of the shortcut was recorded before anybody could know what it was for.
 void MacroView::stopByShortcut() {
-  MacroInfo::Events& events = *keyArrs();
-  if (m_lastKeyInfo && m_lastKeyInfo->keyFlag() == MacroKeyInfo::KeyPress &&
-      isControl(m_lastKeyInfo->keyCode())) {
-    const std::int32_t row = indexOf(m_lastKeyInfo.get());
-    events.erase(events.begin() + row);
-    if (static_cast<std::size_t>(row) > m_recordedFrom) {
-      events[static_cast<std::size_t>(row) - 1]->setDelay(0);
-    }
-    m_selKeyInfo = nullptr;
-    reloadTable();
-    selectComByIndex(std::max(0, row - 1));
-  }
+  dropLastPress(isControl);
   activeStop().click();
+}
+
+// Without it, the command before it is the last one, which has no pause.
+void MacroView::dropLastPress(bool (*isSuchKey)(std::int32_t keyCode)) {
+  if (!m_lastKeyInfo || m_lastKeyInfo->keyFlag() != MacroKeyInfo::KeyPress ||
+      !isSuchKey(m_lastKeyInfo->keyCode())) {
+    return;
+  }
+  MacroInfo::Events& events = *keyArrs();
+  const std::int32_t row = indexOf(m_lastKeyInfo.get());
+  events.erase(events.begin() + row);
+  std::erase(m_pressedKeys, m_lastKeyInfo->keyCode());
+  m_lastKeyInfo = nullptr;
+  --m_currInsertIndex;
+  if (static_cast<std::size_t>(row) > m_recordedFrom) {
+    m_lastKeyInfo = events[static_cast<std::size_t>(row) - 1];
+    m_lastKeyInfo->setDelay(0);
+  }
+  m_selKeyInfo = nullptr;
+  reloadTable();
+  selectComByIndex(std::max(0, row - 1));
 }
 
 // Held keys repeat as presses, and must neither start nor stop again.
@@ -344,7 +388,7 @@ void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
     if (!m_isInfoShown && !(keyFlag <= MacroKeyInfo::KeyRelease && isControl(code))) {
       m_isInfoShown = true;
       // The user may answer with a key, which the table must not grab.
-      m_table->releaseKeyboard();
+      m_keyboard.reset();
       auto* keys = new MessageKeys;
       const QPointer<MacroView> self = this;
       LXAction::showInfoMessage(
@@ -380,8 +424,13 @@ void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
 }
 
 // Takes keys before Qt uses them for shortcuts and focus, and clicks before a control uses them.
-// Leaves the events of a message alone.
+// Leaves the events of a message alone. A key comes to a window and then to the widget that holds
+// the keyboard, also from another window, until the desktop has said which one has the focus.
 bool MacroView::eventFilter(QObject* watched, QEvent* event) {
+  if (watched->isWindowType() &&
+      (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease)) {
+    m_isKeyElsewhere = watched != window()->windowHandle();
+  }
   const auto* widget = qobject_cast<QWidget*>(watched);
   const bool isOurs =
       widget != nullptr ? widget->window() == window() : watched == window()->windowHandle();
@@ -394,7 +443,9 @@ bool MacroView::eventFilter(QObject* watched, QEvent* event) {
       break;
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
-      takeKey(*static_cast<QKeyEvent*>(event));
+      if (!m_isKeyElsewhere) {
+        takeKey(*static_cast<QKeyEvent*>(event));
+      }
       break;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonRelease:
@@ -421,7 +472,8 @@ bool MacroView::event(QEvent* event) {
     forgetKeys();
     takeKeyboard();
   } else if (m_isRecord && event->type() == QEvent::WindowDeactivate) {
-    m_table->releaseKeyboard();
+    releaseHeldKeys();
+    m_keyboard.reset();
   }
   return ChildView::event(event);
 }

@@ -207,6 +207,10 @@ void MacroWorkbench::moveRow(int row, int gap) {
   emit edited(gap < row ? gap : gap - 1);
 }
 
+bool MacroWorkbench::endKeyChoice() {
+  return m_key->endWaiting();
+}
+
 void MacroWorkbench::undo() {
   const int row = m_commands != nullptr && m_isUsable ? m_undo.undo(*m_commands) : -1;
   if (row >= 0) {

@@ -39,6 +39,8 @@ class MacroWorkbench : public QObject {
   Rows chosenRows() const;
   // False while a recording runs.
   void setUsable(bool isUsable);
+  // Leaves the key of the row as it is. True if its field was waiting for another one.
+  bool endKeyChoice();
   // The view's field of that kind was committed. False if it is not the pause of the row.
   bool takePause(LXNumberTextField& field);
   // The command moves to where the gap before that row was.

@@ -133,12 +133,12 @@ void MainView::extentProfile() {
   }
   const NestedLoop scope;
   const auto chosen = filepanel::saveFile(this, {.folder = LXPlatform::current().documentsFolder(),
-                                                 .name = profile->name().value_or("")});
+                                                 .name = profile->name().value_or(""),
+                                                 .extension = ".pro"});
   if (!chosen || termination::isTerminating()) {
     return;
   }
-  fs::path path = *chosen;
-  path += ".pro";
+  const fs::path& path = *chosen;
   std::error_code error;
   if (fs::exists(path, error) &&
       !LXAction::ChooseInfoMessage(NerinAction::tooltipText(replaceQuestion).toStdString())) {

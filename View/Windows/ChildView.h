@@ -18,6 +18,9 @@ class ChildView : public TavImageView {
 
   // 1 if a button kept the edit, otherwise 0.
   int endTag() const { return m_endTag; }
+  // The window is to close. True if the view ended only what it was doing, such as a
+  // recording; then the window stays, and nothing is lost.
+  virtual bool staysOpen() { return false; }
   // The window's owner calls this when the window closes.
   void windowCloses();
   // The profile with what the user has changed in this window so far, to be kept as a draft. No

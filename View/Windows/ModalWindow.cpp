@@ -1,5 +1,6 @@
 #include "View/Windows/ModalWindow.h"
 
+#include <QCloseEvent>
 #include <QEventLoop>
 #include <QPointer>
 #include <QScreen>
@@ -7,6 +8,7 @@
 #include "View/Windows/ChildView.h"
 #include "View/Windows/HelpDocument.h"
 #include "View/Windows/LocalNotifications.h"
+#include "View/Windows/Termination.h"
 
 ModalWindow::ModalWindow(ChildView* view, int dragHeight, const QString& title, QWidget* over)
     : LXNoTitleWindow(view->size(), over), m_view(view) {
@@ -38,6 +40,10 @@ int ModalWindow::run() {
 }
 
 void ModalWindow::closeEvent(QCloseEvent* event) {
+  if (!termination::isTerminating() && m_view->staysOpen()) {
+    event->ignore();
+    return;
+  }
   m_view->windowCloses();
   LXNoTitleWindow::closeEvent(event);
 }

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "Kit/Core/ProcessWide.h"
+#include "Kit/Desktop/WaylandDisplay.h"
 
 namespace {
 
@@ -32,6 +33,8 @@ ProgressLine::ProgressLine(QWidget* parent) : QWidget(parent) {
 void ProgressLine::showFraction(double fraction) {
   m_fraction = fraction;
   repaint();
+  // No event is handled during the transfers, which would send it.
+  waylanddisplay::flush();
 }
 
 void ProgressLine::paintEvent(QPaintEvent* /*event*/) {

@@ -130,6 +130,27 @@ TEST_F(FilePanel, ASavePanelProposesTheNameAndLeavesReplacingToItsCaller) {
             m_folder / "a.pro");
 }
 
+TEST_F(FilePanel, EveryPanelIsTheToolkitsOwn) {
+  const auto isOwn = [](QFileDialog& panel) {
+    EXPECT_TRUE(panel.testOption(QFileDialog::DontUseNativeDialog));
+  };
+  for (const filepanel::Kind kind : {filepanel::Kind::File, filepanel::Kind::Program}) {
+    onPanel(isOwn);
+    EXPECT_EQ(filepanel::openFile(nullptr, {.folder = m_folder, .kind = kind}), std::nullopt);
+  }
+  onPanel(isOwn);
+  EXPECT_EQ(filepanel::saveFile(nullptr, {.folder = m_folder}), std::nullopt);
+}
+
+TEST_F(FilePanel, ASavedFileGetsItsExtensionOnce) {
+  for (const auto& [typed, saved] : {std::pair("new", "new.pro"), std::pair("a.pro", "a.pro"),
+                                     std::pair("A.PRO", "A.PRO"), std::pair("1.2", "1.2.pro")}) {
+    onPanel([&](QFileDialog& panel) { enter(panel, m_folder / typed); });
+    EXPECT_EQ(filepanel::saveFile(nullptr, {.folder = m_folder, .extension = ".pro"}),
+              m_folder / saved);
+  }
+}
+
 TEST_F(FilePanel, OnlyProgramsCanBeChosenAsPrograms) {
   const filepanel::Request programs{.folder = m_folder, .kind = filepanel::Kind::Program};
   for (const char* name : {"editor.desktop", "tool.AppImage", "script"}) {

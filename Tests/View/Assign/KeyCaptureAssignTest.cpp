@@ -299,6 +299,15 @@ TEST_F(KeyCaptureAssign, AHeldKeyThatStartsItIsNotCaptured) {
   EXPECT_EQ(sub().selKeyCode(), 36);
 }
 
+TEST_F(KeyCaptureAssign, AskedToCloseTheWindowItEndsAndKeepsTheWindow) {
+  openCapture();
+  auto& view = *qobject_cast<ChildView*>(sub().parentWidget());
+  EXPECT_TRUE(view.staysOpen());
+  EXPECT_FALSE(sub().isCapturing());
+  EXPECT_EQ(QWidget::keyboardGrabber(), nullptr);
+  EXPECT_FALSE(view.staysOpen());
+}
+
 TEST_F(KeyCaptureAssign, ItOwnsTheKeyboardUntilItEnds) {
   const std::function<void()> ends[] = {
       [this] { QTest::mouseClick(host().windowHandle(), Qt::LeftButton, {}, QPoint(4, 4)); },

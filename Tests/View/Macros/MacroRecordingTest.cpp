@@ -13,7 +13,13 @@ using testing::SizeIs;
 
 namespace {
 
-class MacroRecording : public MacroViewTest {};
+class MacroRecording : public MacroViewTest {
+ protected:
+  void loseKeyboard() {
+    QEvent event(QEvent::WindowDeactivate);
+    QCoreApplication::sendEvent(&editor(), &event);
+  }
+};
 
 }  // namespace
 
@@ -164,6 +170,69 @@ TEST_F(MacroRecording, AnInsertedRecordingStandsBeforeOrAfterTheSelectedCommand)
   control("recordBtn").click();
   stop();
   EXPECT_FALSE(editor().isInsert());
+}
+
+TEST_F(MacroRecording, KeysThatAreHeldAreLetGoWhenTheWindowLosesTheKeyboard) {
+  openAndRecord();
+  down(KeyLeftShift, 1000);
+  down(KeyA, 1100);
+  down(KeyB, 1200);
+  up(KeyB, 1300);
+  loseKeyboard();
+  EXPECT_TRUE(editor().isRecord());
+  EXPECT_EQ(QWidget::keyboardGrabber(), nullptr);
+  // The other window has the releases, and what is pressed there stays there.
+  up(KeyA, 1400);
+  up(KeyLeftShift, 1500);
+  stop();
+  EXPECT_THAT(kinds(), ElementsAre("56/0", "0/0", "11/0", "11/1", "0/1", "56/1"));
+}
+
+TEST_F(MacroRecording, ReleasesOfHeldKeysNeedRoom) {
+  openAndRecord();
+  for (std::uint64_t i = 0; i < 19; ++i) {
+    down(KeyA, 1000 + 20 * i);
+    up(KeyA, 1010 + 20 * i);
+  }
+  down(KeyA, 2000);
+  down(KeyB, 2010);
+  loseKeyboard();
+  EXPECT_THAT(commands(), SizeIs(40));
+  EXPECT_THAT(m_shown, IsEmpty());
+  stop();
+}
+
+TEST_F(MacroRecording, AKeyOfAnotherWindowIsNotRecordedBeforeTheDesktopHasSaidSo) {
+  openAndRecord();
+  QWidget other;
+  other.show();
+  QKeyEvent key = nativeEvent(QEvent::KeyPress, KeyB);
+  QCoreApplication::sendEvent(other.windowHandle(), &key);
+  // The window hands it to the widget that holds the keyboard.
+  QCoreApplication::sendEvent(&table(), &key);
+  EXPECT_THAT(commands(), IsEmpty());
+  QKeyEvent own = nativeEvent(QEvent::KeyPress, KeyA);
+  QCoreApplication::sendEvent(host().windowHandle(), &own);
+  EXPECT_THAT(kinds(), ElementsAre("0/0"));
+  stop();
+}
+
+TEST_F(MacroRecording, AskedToCloseItStopsAndKeepsWhatItHas) {
+  openAndRecord();
+  down(KeyA, 1000);
+  EXPECT_TRUE(editor().staysOpen());
+  EXPECT_FALSE(editor().isRecord());
+  EXPECT_THAT(kinds(), ElementsAre("0/0", "0/1"));
+  EXPECT_FALSE(editor().staysOpen());
+}
+
+TEST_F(MacroRecording, TheAltOfTheShortcutThatClosesIsNoneOfItsCommands) {
+  openAndRecord();
+  down(KeyA, 1000);
+  up(KeyA, 1100);
+  down(KeyLeftAlt, 1900);
+  EXPECT_TRUE(editor().staysOpen());
+  EXPECT_THAT(rows(), ElementsAre("0/0/100", "0/1/0"));
 }
 
 TEST_F(MacroRecording, AWindowThatClosesEndsIt) {

@@ -110,12 +110,12 @@ TEST_F(MainViewProfiles, RenameToAnotherProfilesNameTakesAFreeOne) {
 TEST_F(MainViewProfiles, ExportAppendsTheExtensionAndAsksBeforeItReplaces) {
   start();
   applyNew();
-  m_chosen = home() / "Office.pro";
+  m_chosen = home() / "Office";
   click("profileExportBtn");
   ASSERT_EQ(m_panels.size(), 1U);
   EXPECT_EQ(m_panels[0].name, "NewPF_1");
   EXPECT_EQ(m_panels[0].folder, home() / "Documents");
-  const auto path = home() / "Office.pro.pro";
+  const auto path = home() / "Office.pro";
   EXPECT_EQ(std::filesystem::file_size(path), 5264U);
   writeText(path, "precious");
   m_answer = false;
@@ -127,6 +127,20 @@ TEST_F(MainViewProfiles, ExportAppendsTheExtensionAndAsksBeforeItReplaces) {
   m_chosen.reset();
   click("profileExportBtn");
   EXPECT_EQ(m_shown.size(), 2U);
+}
+
+TEST_F(MainViewProfiles, ExportKeepsAnExtensionThatTheUserTyped) {
+  start();
+  applyNew();
+  for (const char* name : {"typed.pro", "TYPED.PRO", "version 1.2.pro"}) {
+    m_chosen = home() / name;
+    click("profileExportBtn");
+    EXPECT_EQ(std::filesystem::file_size(home() / name), 5264U);
+    EXPECT_FALSE(std::filesystem::exists(home() / (name + std::string(".pro"))));
+  }
+  m_chosen = home() / "version 1.3";
+  click("profileExportBtn");
+  EXPECT_EQ(std::filesystem::file_size(home() / "version 1.3.pro"), 5264U);
 }
 
 TEST_F(MainViewProfiles, ImportAddsAndTellsOfABrokenFile) {
