@@ -48,6 +48,12 @@ bool isUsable(const QWidget& widget) {
           widget.focusPolicy() != Qt::NoFocus);
 }
 
+// Who gets the keys.
+std::string inFocus() {
+  const QWidget* const focus = QApplication::focusWidget();
+  return focus == nullptr ? "" : " in " + nameOf(*focus);
+}
+
 std::string at(const QPoint& place) {
   return " at " + std::to_string(place.x()) + ',' + std::to_string(place.y());
 }
@@ -161,7 +167,7 @@ void RandomUser::hitKey(QWidget& window, const Tell& tell) {
   const Qt::Key key = isControl ? m_dice.of(withControl) : m_dice.of(plain);
   Qt::KeyboardModifiers keys = isControl ? Qt::ControlModifier : Qt::NoModifier;
   keys |= m_dice.percent(10) ? Qt::ShiftModifier : Qt::NoModifier;
-  tell("hits " + QKeySequence(key | keys).toString().toStdString());
+  tell("hits " + QKeySequence(key | keys).toString().toStdString() + inFocus());
   InputQueue(window, m_time).hit(key, keys, key == Qt::Key_Space ? QStringLiteral(" ") : QString());
 }
 
@@ -169,7 +175,7 @@ void RandomUser::holdKey(QWidget& window, const Tell& tell) {
   if (!m_held.empty() && m_dice.percent(60)) {
     const int key = m_held.back();
     m_held.pop_back();
-    tell("lets " + QKeySequence(key).toString().toStdString() + " go");
+    tell("lets " + QKeySequence(key).toString().toStdString() + " go" + inFocus());
     InputQueue(window, m_time).letGo(key);
     return;
   }
@@ -177,7 +183,7 @@ void RandomUser::holdKey(QWidget& window, const Tell& tell) {
                                    Qt::Key_Space, Qt::Key_Return,  Qt::Key_F5};
   const Qt::Key key = m_dice.of(keys);
   const int repeats = m_dice.between(0, 5);
-  tell("holds " + QKeySequence(key).toString().toStdString());
+  tell("holds " + QKeySequence(key).toString().toStdString() + inFocus());
   m_held.push_back(key);
   InputQueue(window, m_time).hold(key, repeats);
 }
@@ -199,7 +205,7 @@ void RandomUser::type(QWidget& window, const Tell& tell) {
       QString(3000, u'x'),
       QStringLiteral("a\tb\u0001")};
   const QString& text = m_dice.of(texts);
-  tell("types \"" + text.left(20).toStdString() + '"');
+  tell("types \"" + text.left(20).toStdString() + '"' + inFocus());
   QWidget* const focus = QApplication::focusWidget();
   if (focus != nullptr && (text.size() > 20 || m_dice.percent(40))) {
     QInputMethodEvent event;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QTimer>
+#include <algorithm>
 #include <deque>
 #include <fstream>
 #include <iostream>
@@ -38,8 +39,8 @@ extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 namespace {
 
 constexpr std::size_t maximumLiveBytes = 200UL << 20U;
-// How many steps back a deletion may have begun: it asks first.
-constexpr std::size_t memory = 8;
+// How many steps back a deletion may lie that is seen now.
+constexpr std::size_t memory = 3;
 constexpr int pulseMilliseconds = 100;
 constexpr int waitMilliseconds = 5;
 
@@ -102,16 +103,11 @@ void Run::tell(const std::string& what) {
   }
 }
 
+// Only one button deletes, and it does not ask.
 bool Run::canDelete() const {
-  for (const std::string& what : m_latest) {
-    for (const char* word : {"profileDelBtn", "hits Ctrl", "undo", "Undo", "offer", "Delete",
-                             "hits Space", "hits Return", "hits Enter", "holds", "types"}) {
-      if (what.find(word) != std::string::npos) {
-        return true;
-      }
-    }
-  }
-  return false;
+  return std::any_of(m_latest.begin(), m_latest.end(), [](const std::string& what) {
+    return what.find("profileDelBtn") != std::string::npos;
+  });
 }
 
 void Run::checkAll(bool isStart) {
