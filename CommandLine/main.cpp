@@ -3,22 +3,17 @@
 #include <iostream>
 #include <sstream>
 #include <string>
-#include <string_view>
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include "CommandLine/CommandError.h"
-#include "CommandLine/Commands.h"
+#include "CommandLine/CommandLine.h"
+#include "CommandLine/Output.h"
 #include "CommandLine/Session.h"
 #include "CommandLine/Warnings.h"
-#include "Kit/Core/LXPlatform.h"
 
 namespace {
-
-constexpr const char* exitCodes =
-    "Exit codes: 0 done, 1 failed, 2 usage, 3 no mouse, 4 no such profile, macro or slot.\n"
-    "Slots are 1 to 10, as on the tabs.";
 
 // A file that is opened while a standard stream is closed would get its descriptor and its output.
 void occupyStandardStreams() {
@@ -40,47 +35,14 @@ void complain(const std::string& message) {
 }
 
 int run(int argc, char** argv) {
-  Grammar program(
-      "Configures the NERIN gaming mouse: its ten slots, profiles, macros and settings.",
-      "nerinctl", exitCodes);
-  SessionOptions options;
-  bool isJson = false;
-  program
-      .addOption("--virtual", options.virtualFile,
-                 "Use a virtual mouse whose memory is this file, made when missing")
-      .typeName("FILE");
-  program
-      .addOption("--scenario", options.scenario,
-                 "How the virtual mouse misbehaves: healthy, absent, unplugged-after=N, slow, "
-                 "short, random, garbage")
-      .typeName("NAME");
-  program.addOption("--trace", options.traceFile, "Write every transfer and pause to this file")
-      .typeName("FILE");
-  program.addFlag("--json", isJson, "Answer in JSON");
-  program.addVersion(NERIN_VERSION);
-  program.requireCommand();
-
-  Command chosen;
-  addSlotCommands(program, chosen);
-  addProfileCommands(program, chosen);
-  addShowCommand(program, chosen);
-  addSettingCommands(program, chosen);
-  addMacroCommands(program, chosen);
-  addBackupCommands(program, chosen);
-  addCompanionCommands(program, chosen);
-  // For the build, which makes completion and the manual page of it.
-  if (argc == 2 && std::string_view(argv[1]) == "--grammar") {
-    std::cout << program.describe() << '\n';
-    return static_cast<int>(ExitCode::Done);
-  }
-  if (const auto code = program.parse(argc, argv)) {
+  CommandLine line;
+  if (const auto code = line.parse(argc, argv)) {
     return static_cast<int>(*code);
   }
-
   Session session;
-  session.output.setJson(isJson);
-  session.begin(options);
-  chosen(session);
+  session.output.setJson(line.isJson);
+  session.begin(line.options);
+  line.chosen(session);
   session.end();
   return static_cast<int>(ExitCode::Done);
 }

@@ -86,6 +86,12 @@ fs::path fuzz::putFile(const fs::path& name, std::string_view bytes) {
   return path;
 }
 
+void fuzz::emptyFolder(const fs::path& folder) {
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    fs::remove_all(entry.path());
+  }
+}
+
 void fuzz::answerReadsWith(std::span<const std::uint8_t> answers) {
   theHome().requester->answers = answers;
 }

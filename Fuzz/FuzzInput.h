@@ -21,6 +21,10 @@ std::string_view textOf(const std::uint8_t* data, std::size_t size);
 // Writes the bytes to a file below home and creates the folders above it.
 std::filesystem::path putFile(const std::filesystem::path& name, std::string_view bytes);
 
+// Removes what lies in a folder. Damaged files are kept aside, and thousands of them take longer
+// than the target itself.
+void emptyFolder(const std::filesystem::path& folder);
+
 // The mouse accepts every write and answers reads with consecutive pieces of these bytes, each of
 // the requested length. When no bytes are left, reads fail. The bytes must outlive the reads.
 void answerReadsWith(std::span<const std::uint8_t> answers);

@@ -7,6 +7,7 @@
 // Any bytes as the function catalogue: loaded, searched, and its macros written and read again.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::string folder = (fuzz::home(), NerinAction::getSysPath());
+  fuzz::emptyFolder(folder);
   fuzz::putFile(folder + "/MenuInfo.xml", fuzz::textOf(data, size));
   NerinAction::initMenuList();
   NerinAction::getSingleById(1);

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <stdexcept>
 #include <string>
@@ -21,10 +22,11 @@ void readAll(VirtualMouse& mouse) {
 }  // namespace
 
 // Any bytes as the memory file of a mouse: once unchanged, and once repeated after a valid header
-// until the file has the right size.
+// until the file has the right size. The first of them are what the mouse knew while it had power.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::string header{"NERINMEM\1\0\0\0\0\0\0\0", 16};
   static constexpr std::size_t memorySize = 11UL * 256 + 10UL * 70 + 190UL * 2053;
+  constexpr std::size_t powerSize = 16;
   std::string whole = header;
   while (size > 0 && whole.size() < header.size() + memorySize) {
     whole.append(fuzz::textOf(data, size));
@@ -32,6 +34,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   whole.resize(header.size() + memorySize);
   for (const std::string_view bytes : {fuzz::textOf(data, size), std::string_view(whole)}) {
     try {
+      fuzz::putFile("mouse.memory.power", fuzz::textOf(data, std::min(size, powerSize)));
       VirtualMouse mouse(fuzz::putFile("mouse.memory", bytes));
       readAll(mouse);
     } catch (const std::runtime_error&) {

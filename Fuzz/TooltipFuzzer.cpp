@@ -5,6 +5,7 @@
 // Any bytes as the text catalogue.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::string folder = (fuzz::home(), NerinAction::getSysPath());
+  fuzz::emptyFolder(folder);
   fuzz::putFile(folder + "/Tooltip.xml", fuzz::textOf(data, size));
   TooltipManager manager;
   manager.getTooltip("Disable");
