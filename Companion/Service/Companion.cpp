@@ -1,6 +1,7 @@
 #include "Companion/Service/Companion.h"
 
 #include <algorithm>
+#include <functional>
 #include <system_error>
 #include <utility>
 
@@ -64,13 +65,15 @@ Companion::Companion(EventLoop& loop, BusConnection& bus, Settings settings)
       {{companionaddress::explanation, [this] { return m_explanation; }},
        {companionaddress::foreground,
         [this] {
-          return m_foreground ? m_foreground->name() : m_links.isEmpty() ? "not needed" : "none";
+          return m_foreground ? m_foreground->name() : isForegroundNeeded() ? "none" : "not needed";
         }},
        {companionaddress::mouse, [this] { return m_settings.mouseFile.string(); }}});
   explain();
 }
 
 Companion::~Companion() {
+  // A window that stays must not show what is no longer so.
+  m_bus.postNotificationName(slotreason::notification, "", slotreason::userInfoOf({}));
   m_bus.forgetEverybody();
 }
 
@@ -81,6 +84,8 @@ void Companion::begin() {
                         obey(*message);
                       }
                     });
+  m_bus.addObserver(slotreason::question,
+                    [this](const std::string&, const LXUserInfo&) { tellReason(); });
   watchWindow();
   watchFiles();
   m_session = std::make_unique<SessionState>(
@@ -103,7 +108,7 @@ void Companion::obey(const WindowMessage& message) {
     m_mouse.note(*slot);
     showSlot();
   }
-  if (const auto text = displayOf(message)) {
+  if (const auto text = displayOf(message, std::ref(m_words))) {
     show(*text);
   }
   switch (message.code) {
@@ -144,7 +149,7 @@ void Companion::report(const DeviceReport& one) {
       reopenWindow();
       break;
     case DeviceReport::DpiChanged:
-      show(levelDisplay(one.value));
+      show(levelDisplay(one.value, std::ref(m_words)));
       break;
   }
   decide();
@@ -159,6 +164,7 @@ void Companion::watchFiles() {
   fs::create_directories(preferences, ignored);
   m_draftWatch = m_loop.watchFolder(drafts, [this] { decide(); });
   m_preferenceWatch = m_loop.watchFolder(preferences, [this] {
+    m_words.forget();
     reloadLinks();
     decide();
   });
@@ -203,7 +209,10 @@ void Companion::setHasWindow(bool hasWindow) {
 void Companion::reloadLinks() {
   m_links.reload();
   m_buttons = learnedbuttons::all();
-  if (m_links.isEmpty()) {
+  m_isOn = NerinAction::daemonGetSwitchSlots();
+  m_policy.setIsOn(m_isOn);
+  m_policy.setHasLinks(!m_links.isEmpty());
+  if (!isForegroundNeeded()) {
     // Nobody needs to know what is in front, so that nothing wakes this program up for it.
     m_foreground.reset();
     m_foregroundTimer.stop();
@@ -287,7 +296,7 @@ void Companion::showSlot() {
   const auto name = NerinAction::getFWProfileName(static_cast<std::uint8_t>(*m_policy.slot()));
   m_mouse.noteTransfer();
   const std::string profile = name.outcome.isDone() ? name.value.value_or("") : "";
-  m_display.show(slotDisplay(*m_policy.slot(), profile, m_policy.explanation()));
+  m_display.show(slotDisplay(m_policy.reason(), profile, std::ref(m_words)));
 }
 
 void Companion::show(const DisplayText& text) {
@@ -336,10 +345,20 @@ void Companion::decide() {
 }
 
 void Companion::explain() {
-  std::string text = m_policy.explanation();
-  if (text != m_explanation) {
-    m_explanation = std::move(text);
-    m_bus.tellChanged(companionaddress::explanation);
+  const SlotReason reason = m_policy.reason();
+  if (m_reason == reason) {
+    return;
+  }
+  m_reason = reason;
+  m_explanation = slotreason::sentenceOf(reason);
+  m_bus.tellChanged(companionaddress::explanation);
+  tellReason();
+}
+
+void Companion::tellReason() {
+  if (m_reason) {
+    m_bus.postNotificationName(slotreason::notification, m_reason->program,
+                               slotreason::userInfoOf(*m_reason));
   }
 }
 

@@ -17,6 +17,7 @@
 #include "Companion/Policy/WindowMessage.h"
 #include "Companion/Service/Links.h"
 #include "Companion/Service/MouseWatch.h"
+#include "Companion/Service/UserWords.h"
 #include "Kit/Bus/BusConnection.h"
 
 // The background program: it tells the others what the mouse does, and gives the mouse the slot of
@@ -60,6 +61,8 @@ class Companion {
   void show(const DisplayText& text);
   void decide();
   void explain();
+  void tellReason();
+  bool isForegroundNeeded() const { return m_isOn && !m_links.isEmpty(); }
   void reopenWindow();
 
   EventLoop& m_loop;
@@ -78,6 +81,9 @@ class Companion {
   std::chrono::seconds m_foregroundPause{1};
   EventLoop::Timer m_foregroundTimer;
   EventLoop::Timer m_decideTimer;
+  UserWords m_words;
+  bool m_isOn = true;
+  std::optional<SlotReason> m_reason;  // nothing before the first one
   std::string m_explanation;
   bool m_hasWindow = false;
   std::optional<EventLoop::Time> m_reopenUntil;
