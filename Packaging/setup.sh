@@ -3,13 +3,13 @@
 build_packages=(
   cmake fonts-inter gettext g++ librsvg2-bin ninja-build pkg-config python3 python3-polib
   libcli11-dev libfontconfig-dev libglib2.0-dev libhidapi-dev libicu-dev libplist-dev libpng-dev libpugixml-dev
-  libspdlog-dev libsystemd-dev libudev-dev libxcb1-dev nlohmann-json3-dev qt6-base-dev
+  libspdlog-dev libsystemd-dev libudev-dev libwayland-dev libxcb1-dev nlohmann-json3-dev qt6-base-dev
   qt6-translations-l10n
 )
 test_packages=(
   at-spi2-core chromium chromium-driver clang-format clang-tidy dbus gir1.2-glib-2.0 libglib2.0-bin libgmock-dev libgtest-dev
   libumockdev-dev openbox python3 python3-gi python3-pyatspi
-  python3-selenium umockdev x11-utils xdotool xvfb
+  python3-selenium sway umockdev wayland-protocols x11-utils xdotool xvfb
 )
 # The kernel itself is downloaded and unpacked by Tests/UsbStack/boot.py, not installed.
 usb_stack_packages=(cpio qemu-system-x86)

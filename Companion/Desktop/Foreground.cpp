@@ -4,7 +4,14 @@
 #include <fstream>
 #include <iterator>
 #include <system_error>
+#include <utility>
+#include <vector>
 
+#include "Companion/Desktop/ForegroundSearch.h"
+#include "Companion/Desktop/GnomeForeground.h"
+#include "Companion/Desktop/KWinForeground.h"
+#include "Companion/Desktop/RunningPrograms.h"
+#include "Companion/Desktop/WlrForeground.h"
 #include "Companion/Desktop/X11Foreground.h"
 
 namespace fs = std::filesystem;
@@ -18,13 +25,34 @@ bool isSet(const char* variable) {
 
 }  // namespace
 
-std::unique_ptr<Foreground> foreground::open(EventLoop& loop, Foreground::Changed changed,
-                                             std::function<void()> lost) {
-  // In a Wayland session, the X server knows only the programs that need it.
-  if (isSet("WAYLAND_DISPLAY") || !isSet("DISPLAY")) {
+std::unique_ptr<Foreground> foreground::open(EventLoop& loop, const Surroundings& surroundings,
+                                             const Foreground::Changed& changed,
+                                             const Foreground::Lost& lost) {
+  using Changed = Foreground::Changed;
+  using Lost = Foreground::Lost;
+  std::vector<ForegroundSearch::Way> ways;
+  if (isSet("WAYLAND_DISPLAY")) {
+    // The X server of such a session knows only the programs that need it, and is not asked.
+    ways.emplace_back([&loop](Changed tell, Lost end) {
+      return WlrForeground::open(loop, std::move(tell), std::move(end));
+    });
+    ways.emplace_back([&loop, folder = surroundings.runtimeFolder](Changed tell, Lost end) {
+      return KWinForeground::open(loop, folder, std::move(tell), std::move(end));
+    });
+    ways.emplace_back([&loop](Changed tell, Lost end) {
+      return GnomeForeground::open(loop, std::move(tell), std::move(end));
+    });
+  } else if (isSet("DISPLAY")) {
+    ways.emplace_back([&loop](Changed tell, Lost end) {
+      return X11Foreground::open(loop, std::move(tell), std::move(end));
+    });
+  } else {
     return nullptr;
   }
-  return X11Foreground::open(loop, std::move(changed), std::move(lost));
+  ways.emplace_back([&loop, isLinked = surroundings.isLinked](Changed tell, Lost end) {
+    return RunningPrograms::open(loop, isLinked, std::move(tell), std::move(end));
+  });
+  return std::make_unique<ForegroundSearch>(loop, std::move(ways), changed, lost);
 }
 
 void foreground::describeProcess(AppIdentity& identity) {

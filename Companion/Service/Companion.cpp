@@ -14,6 +14,7 @@
 #include "Action/NerinAction.h"
 #include "Kit/Bus/CompanionAddress.h"
 #include "Kit/Core/LXLogger.h"
+#include "Kit/Core/LXPlatform.h"
 
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
@@ -22,7 +23,6 @@ namespace {
 
 constexpr const char* windowName = "com.corvex.NerinOption";
 constexpr auto busyPause = 250ms;
-// A desktop that ends or crashes comes back soon, or not at all.
 constexpr std::chrono::seconds firstForegroundPause{1};
 constexpr std::chrono::seconds longestForegroundPause{30};
 constexpr auto reopenLimit = 60s;
@@ -60,14 +60,14 @@ Companion::Companion(EventLoop& loop, BusConnection& bus, Settings settings)
         m_mouse.look();
         m_mouse.ring();
       }) {
-  m_bus.publish(
-      companionaddress::path, companionaddress::interface,
-      {{companionaddress::explanation, [this] { return m_explanation; }},
-       {companionaddress::foreground,
-        [this] {
-          return m_foreground ? m_foreground->name() : isForegroundNeeded() ? "none" : "not needed";
-        }},
-       {companionaddress::mouse, [this] { return m_settings.mouseFile.string(); }}});
+  m_bus.publish(companionaddress::path, companionaddress::interface,
+                {{companionaddress::explanation, [this] { return m_explanation; }},
+                 {companionaddress::foreground,
+                  [this] {
+                    const std::string name = m_foreground ? m_foreground->name() : "";
+                    return !name.empty() ? name : isForegroundNeeded() ? "none" : "not needed";
+                  }},
+                 {companionaddress::mouse, [this] { return m_settings.mouseFile.string(); }}});
   explain();
 }
 
@@ -216,10 +216,13 @@ void Companion::reloadLinks() {
     // Nobody needs to know what is in front, so that nothing wakes this program up for it.
     m_foreground.reset();
     m_foregroundTimer.stop();
+    m_foregroundPause = firstForegroundPause;
     m_front.reset();
     m_policy.setSight(SwitchPolicy::Sight::InFront);
-  } else if (!m_foreground) {
+  } else if (!m_foreground || m_isForegroundLost) {
     openForeground();
+  } else {
+    m_foreground->linksChanged();
   }
   if (m_policy.program()) {
     m_policy.relinked(m_front ? programOf(*m_front).slot : std::nullopt);
@@ -227,30 +230,47 @@ void Companion::reloadLinks() {
 }
 
 void Companion::openForeground() {
+  m_isForegroundLost = false;
   m_foreground = foreground::open(
-      m_loop, [this](const std::optional<AppIdentity>& identity) { takeForeground(identity); },
-      [this] {
-        m_foreground.reset();
-        m_policy.setSight(SwitchPolicy::Sight::None);
-        m_foregroundPause = firstForegroundPause;
-        m_foregroundTimer.startIn(m_foregroundPause);
-        explain();
-      });
-  m_policy.setSight(m_foreground ? SwitchPolicy::Sight::InFront : SwitchPolicy::Sight::None);
-  if (!m_foreground && m_foregroundPause < longestForegroundPause) {
-    m_foregroundPause = std::min(2 * m_foregroundPause, longestForegroundPause);
-    m_foregroundTimer.startIn(m_foregroundPause);
+      m_loop,
+      {.runtimeFolder = LXPlatform::current().runtimeFolder,
+       .isLinked = [this](const AppIdentity& one) { return programOf(one).slot.has_value(); }},
+      [this](const std::optional<AppIdentity>& identity) { takeForeground(identity); },
+      [this] { loseForeground(); });
+  if (!m_foreground) {
+    m_policy.setSight(SwitchPolicy::Sight::None);
   }
   explain();
 }
 
-void Companion::takeForeground(const std::optional<AppIdentity>& identity) {
-  // Between two windows there is none.
-  if (!identity) {
-    return;
+void Companion::loseForeground() {
+  m_isForegroundLost = true;
+  m_policy.setSight(SwitchPolicy::Sight::None);
+  searchForegroundLater();
+  explain();
+}
+
+// A desktop that starts or crashes is there soon, or not at all.
+void Companion::searchForegroundLater() {
+  if (m_foregroundPause <= longestForegroundPause) {
+    m_foregroundTimer.startIn(m_foregroundPause);
+    m_foregroundPause *= 2;
   }
-  m_front = identity;
-  m_policy.inFront(programOf(*identity), now());
+}
+
+void Companion::takeForeground(const std::optional<AppIdentity>& identity) {
+  if (m_foreground->tellsRunning()) {
+    m_policy.setSight(SwitchPolicy::Sight::Running);
+    searchForegroundLater();
+  } else {
+    m_policy.setSight(SwitchPolicy::Sight::InFront);
+    m_foregroundPause = firstForegroundPause;
+  }
+  // Between two windows there is none.
+  if (identity) {
+    m_front = identity;
+    m_policy.inFront(programOf(*identity), now());
+  }
   decide();
 }
 

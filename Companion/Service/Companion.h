@@ -54,6 +54,8 @@ class Companion {
   void setHasWindow(bool hasWindow);
   void reloadLinks();
   void openForeground();
+  void loseForeground();
+  void searchForegroundLater();
   void takeForeground(const std::optional<AppIdentity>& identity);
   SwitchPolicy::Program programOf(const AppIdentity& identity) const;
   bool launch(const HidInputReport& report);
@@ -78,6 +80,7 @@ class Companion {
   Links m_links;
   std::unique_ptr<Foreground> m_foreground;
   std::optional<AppIdentity> m_front;
+  bool m_isForegroundLost = false;
   std::chrono::seconds m_foregroundPause{1};
   EventLoop::Timer m_foregroundTimer;
   EventLoop::Timer m_decideTimer;
