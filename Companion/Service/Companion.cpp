@@ -14,7 +14,6 @@
 #include "Action/NerinAction.h"
 #include "Kit/Bus/CompanionAddress.h"
 #include "Kit/Core/LXLogger.h"
-#include "Kit/Core/LXPlatform.h"
 
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
@@ -233,7 +232,7 @@ void Companion::openForeground() {
   m_isForegroundLost = false;
   m_foreground = foreground::open(
       m_loop,
-      {.runtimeFolder = LXPlatform::current().runtimeFolder,
+      {.runtimeFolder = m_settings.runtimeFolder,
        .isLinked = [this](const AppIdentity& one) { return programOf(one).slot.has_value(); }},
       [this](const std::optional<AppIdentity>& identity) { takeForeground(identity); },
       [this] { loseForeground(); });

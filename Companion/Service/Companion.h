@@ -30,6 +30,8 @@ class Companion {
     std::filesystem::path windowProgram;
     // Whether the desktop has a display of its own kind.
     bool hasOwnDisplay = false;
+    // A folder of this user for the time of the session; empty if there is none.
+    std::filesystem::path runtimeFolder;
     // A file whose writing is a change of the mouse: the memory of a virtual one.
     std::filesystem::path mouseFile;
   };

@@ -58,10 +58,12 @@ class CompanionOverHid : public testing::Test {
   }
 
   void start() {
-    m_companion = std::make_unique<Companion>(
-        m_loop, *m_bus,
-        Companion::Settings{
-            .udevControl = emulated.udevControl(), .windowProgram = {}, .mouseFile = {}});
+    m_companion =
+        std::make_unique<Companion>(m_loop, *m_bus,
+                                    Companion::Settings{.udevControl = emulated.udevControl(),
+                                                        .windowProgram = {},
+                                                        .runtimeFolder = {},
+                                                        .mouseFile = {}});
     bool isAnswered = false;
     m_bus->requestName(companionaddress::service, [&](bool isOurs) {
       EXPECT_TRUE(isOurs);

@@ -50,10 +50,12 @@ class CompanionOverX11 : public testing::Test {
   }
 
   void start() {
-    m_companion = std::make_unique<Companion>(
-        loop, *m_bus,
-        Companion::Settings{
-            .udevControl = {}, .windowProgram = {}, .mouseFile = mouse->memoryFile()});
+    m_companion =
+        std::make_unique<Companion>(loop, *m_bus,
+                                    Companion::Settings{.udevControl = {},
+                                                        .windowProgram = {},
+                                                        .runtimeFolder = {},
+                                                        .mouseFile = mouse->memoryFile()});
     bool isAnswered = false;
     m_bus->requestName(companionaddress::service, [&](bool) {
       m_companion->begin();
