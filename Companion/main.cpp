@@ -81,6 +81,7 @@ int work(const Options& options) {
   NerinAction::leaveDraftsAlone();
   Companion::Settings settings;
   settings.mouseFile = options.virtualFile;
+  settings.runtimeFolder = hostenvironment::runtimeFolder();
   settings.hasOwnDisplay = hasDisplayOfItsOwn(std::getenv("XDG_CURRENT_DESKTOP"));
   if (!options.virtualFile.empty()) {
     settings.udevControl.clear();

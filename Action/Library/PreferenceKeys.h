@@ -9,6 +9,8 @@ inline constexpr const char* osd = "OSDTag";
 // The code of the chosen language, such as "pt-BR"; absent or empty for that of the system. The
 // service needs no language.
 inline constexpr const char* language = "Language";
+// Whether the slot follows the linked programs; absent for yes.
+inline constexpr const char* switchSlots = "SwitchSlots";
 inline constexpr const char* linkApp = "LinkApp";
 inline constexpr const char* learnedButtons = "LearnedButtons";
 

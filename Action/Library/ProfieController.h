@@ -164,6 +164,9 @@ class ProfieController {
   [[nodiscard]] bool setIsOSD(bool isOSD);
   // The on-screen display is on by default; the first call stores the default.
   bool isOSD();
+  // Whether the slot follows the linked programs.
+  [[nodiscard]] bool setSwitchesSlots(bool switchesSlots);
+  bool switchesSlots() const;
 
   // --- Plain properties --------------------------------------------------------------------
 

@@ -149,3 +149,11 @@ bool ProfieController::isOSD() {
   }
   return m_isOSD;
 }
+
+bool ProfieController::setSwitchesSlots(bool switchesSlots) {
+  return preferences().setValue(preferencekeys::switchSlots, switchesSlots);
+}
+
+bool ProfieController::switchesSlots() const {
+  return preferences().boolFor(preferencekeys::switchSlots).value_or(true);
+}

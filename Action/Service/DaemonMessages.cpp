@@ -63,6 +63,10 @@ bool NerinAction::daemonGetOsd() {
   return PreferenceFile(preferenceFilePath()).boolFor(preferencekeys::osd).value_or(true);
 }
 
+bool NerinAction::daemonGetSwitchSlots() {
+  return PreferenceFile(preferenceFilePath()).boolFor(preferencekeys::switchSlots).value_or(true);
+}
+
 std::optional<std::string> NerinAction::daemonGetLaunchPath(int slot, int bIndex) {
   return PreferenceFile(preferenceFilePath()).stringFor(preferencekeys::launchPath(slot, bIndex));
 }

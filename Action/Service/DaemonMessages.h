@@ -34,6 +34,7 @@ void setIsDpiTem(bool isDpiTem);
 
 // For the service: each call reads the preference file again.
 bool daemonGetOsd();
+bool daemonGetSwitchSlots();
 std::optional<std::string> daemonGetLaunchPath(int slot, int bIndex);
 // No value when the slot has no active link.
 std::optional<std::string> daemonGetLinkAppPath(int slot);

@@ -4,14 +4,22 @@
 #include <fstream>
 #include <iterator>
 #include <system_error>
+#include <utility>
+#include <vector>
 
+#include "Companion/Desktop/ForegroundSearch.h"
+#include "Companion/Desktop/GnomeForeground.h"
+#include "Companion/Desktop/KWinForeground.h"
+#include "Companion/Desktop/RunningPrograms.h"
+#ifdef NERIN_WAYLAND
+#include "Companion/Desktop/WlrForeground.h"
+#endif
 #ifdef NERIN_X11
 #include "Companion/Desktop/X11Foreground.h"
 #endif
 
 namespace fs = std::filesystem;
 
-#ifdef NERIN_X11
 namespace {
 
 bool isSet(const char* variable) {
@@ -21,20 +29,39 @@ bool isSet(const char* variable) {
 
 }  // namespace
 
-std::unique_ptr<Foreground> foreground::open(EventLoop& loop, Foreground::Changed changed,
-                                             std::function<void()> lost) {
-  // In a Wayland session, the X server knows only the programs that need it.
-  if (isSet("WAYLAND_DISPLAY") || !isSet("DISPLAY")) {
+std::unique_ptr<Foreground> foreground::open(EventLoop& loop, const Surroundings& surroundings,
+                                             const Foreground::Changed& changed,
+                                             const Foreground::Lost& lost) {
+  using Changed = Foreground::Changed;
+  using Lost = Foreground::Lost;
+  std::vector<ForegroundSearch::Way> ways;
+  if (isSet("WAYLAND_DISPLAY")) {
+    // The X server of such a session knows only the programs that need it, and is not asked.
+#ifdef NERIN_WAYLAND
+    ways.emplace_back([&loop](Changed tell, Lost end) {
+      return WlrForeground::open(loop, std::move(tell), std::move(end));
+    });
+#endif
+    ways.emplace_back([&loop, folder = surroundings.runtimeFolder](Changed tell, Lost end) {
+      return KWinForeground::open(loop, folder, std::move(tell), std::move(end));
+    });
+    ways.emplace_back([&loop](Changed tell, Lost end) {
+      return GnomeForeground::open(loop, std::move(tell), std::move(end));
+    });
+  } else if (isSet("DISPLAY")) {
+#ifdef NERIN_X11
+    ways.emplace_back([&loop](Changed tell, Lost end) {
+      return X11Foreground::open(loop, std::move(tell), std::move(end));
+    });
+#endif
+  } else {
     return nullptr;
   }
-  return X11Foreground::open(loop, std::move(changed), std::move(lost));
+  ways.emplace_back([&loop, isLinked = surroundings.isLinked](Changed tell, Lost end) {
+    return RunningPrograms::open(loop, isLinked, std::move(tell), std::move(end));
+  });
+  return std::make_unique<ForegroundSearch>(loop, std::move(ways), changed, lost);
 }
-#else
-std::unique_ptr<Foreground> foreground::open(EventLoop& /*loop*/, Foreground::Changed /*changed*/,
-                                             std::function<void()> /*lost*/) {
-  return nullptr;
-}
-#endif
 
 void foreground::describeProcess(AppIdentity& identity) {
   if (identity.pid <= 0) {

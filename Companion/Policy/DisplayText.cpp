@@ -9,32 +9,33 @@ enum Setting : std::int32_t { Mode = 2, Level = 3, Rate = 4 };
 
 }  // namespace
 
-DisplayText slotDisplay(int slot, const std::string& profile, const std::string& explanation) {
-  const std::string number = "Slot " + std::to_string(slot + 1);
-  // The sentence names the slot itself.
-  return profile.empty() ? DisplayText{number, explanation}
-                         : DisplayText{number + ": " + profile, explanation};
+DisplayText slotDisplay(const SlotReason& reason, const std::string& profile, const Words& words) {
+  const std::string number = std::to_string(reason.slot + 1);
+  return {profile.empty() ? filledText(words("Slot %1"), {number})
+                          : filledText(words("Slot %1: %2"), {number, profile}),
+          slotreason::concernsProgram(reason) ? slotreason::sentenceOf(reason, words) : ""};
 }
 
-DisplayText levelDisplay(int level) {
-  return {"DPI level " + std::to_string(level + 1), ""};
+DisplayText levelDisplay(int level, const Words& words) {
+  return {filledText(words("DPI level %1"), {std::to_string(level + 1)}), ""};
 }
 
-std::optional<DisplayText> displayOf(const WindowMessage& message) {
+std::optional<DisplayText> displayOf(const WindowMessage& message, const Words& words) {
   if (message.code != settingChanged || message.values.size() < 2) {
     return std::nullopt;
   }
   const std::int32_t value = message.value(1);
   switch (message.value(0)) {
     case Mode:
-      return DisplayText{value == 0 ? "LED mode: Normal" : "LED mode: Battle", ""};
+      return DisplayText{words(value == 0 ? "LED mode: Normal" : "LED mode: Battle"), ""};
     case Level:
-      return levelDisplay(value);
+      return levelDisplay(value, words);
     case Rate:
       if (value < 0 || value >= rates) {
         return std::nullopt;
       }
-      return DisplayText{"Report rate: " + std::to_string(125 << value) + " Hz", ""};
+      return DisplayText{filledText(words("Report rate: %1 Hz"), {std::to_string(125 << value)}),
+                         ""};
     default:
       return std::nullopt;
   }

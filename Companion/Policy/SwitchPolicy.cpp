@@ -2,14 +2,6 @@
 
 #include <algorithm>
 
-namespace {
-
-std::string slotText(int slot) {
-  return "Slot " + std::to_string(slot + 1);
-}
-
-}  // namespace
-
 void SwitchPolicy::mouseCame(int slot) {
   m_current = slot;
   // A mouse that comes back with the slot that was set for a program still has the same base.
@@ -95,7 +87,7 @@ void SwitchPolicy::settle(Time now) {
 }
 
 std::optional<int> SwitchPolicy::target() const {
-  if (!m_current || m_pause != Pause::None || m_sight == Sight::None || !m_front ||
+  if (!m_current || !m_isOn || m_pause != Pause::None || m_sight == Sight::None || !m_front ||
       m_isOverridden) {
     return std::nullopt;
   }
@@ -126,39 +118,47 @@ std::optional<SwitchPolicy::Time> SwitchPolicy::due(Time now) const {
   return next;
 }
 
-std::string SwitchPolicy::explanation() const {
-  std::string text = sentence();
-  std::replace_if(
-      text.begin(), text.end(),
-      [](char character) { return static_cast<unsigned char>(character) < ' '; }, ' ');
-  return text;
-}
-
-std::string SwitchPolicy::sentence() const {
+SlotReason::Kind SwitchPolicy::reasonKind() const {
   if (!m_current) {
-    return "No mouse is there";
-  }
-  const std::string now = slotText(*m_current);
-  if (m_pause == Pause::WindowHasEdits) {
-    return now + ": slots do not follow programs while the window has edits that are not applied";
+    return SlotReason::NoMouse;
   }
   if (m_pause == Pause::Locked) {
-    return now + ": slots do not follow programs while the session is locked";
+    return SlotReason::Locked;
+  }
+  if (!m_isOn) {
+    return SlotReason::SwitchedOff;
+  }
+  if (!m_hasLinks) {
+    return SlotReason::NothingLinked;
+  }
+  if (m_pause == Pause::WindowHasEdits) {
+    return SlotReason::WindowHasEdits;
   }
   if (m_sight == Sight::None) {
-    return now + ": this desktop does not tell programs which window is in front";
+    return SlotReason::Untold;
   }
   if (m_hasFailed && target()) {
-    return now + ": " + slotText(*target()) + " could not be chosen and is tried again";
+    return SlotReason::TriedAgain;
   }
-  if (m_front && m_front->slot && m_front->slot == m_current) {
-    return now + ", because " + m_front->name +
-           (m_sight == Sight::Running ? " runs; this desktop does not tell programs which window "
-                                        "is in front"
-                                      : " is in front");
+  const bool isLinked = m_front && m_front->slot;
+  if (m_sight == Sight::Running) {
+    return isLinked && m_front->slot == m_current ? SlotReason::Running
+           : isLinked && m_isOverridden           ? SlotReason::ByHand
+                                                  : SlotReason::InsteadRunning;
   }
-  if (m_isOverridden && m_front && m_front->slot) {
-    return now + ", chosen by hand while " + m_front->name + " is in front";
+  if (isLinked && m_front->slot == m_current) {
+    return SlotReason::InFront;
   }
-  return now + ", the last one chosen by hand";
+  return isLinked && m_isOverridden ? SlotReason::ByHandMeanwhile : SlotReason::ByHand;
+}
+
+SlotReason SwitchPolicy::reason() const {
+  SlotReason reason{.kind = reasonKind(),
+                    .slot = m_current.value_or(0),
+                    .otherSlot = target().value_or(0),
+                    .program = {}};
+  if (m_front && m_front->slot) {
+    reason.program = m_front->name;
+  }
+  return reason;
 }

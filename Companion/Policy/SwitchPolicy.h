@@ -7,6 +7,8 @@
 #include <string>
 #include <utility>
 
+#include "Action/Service/SlotReason.h"
+
 // Which slot the mouse should have for the program in front, and why. It knows neither the mouse
 // nor the desktop: it is told what happened and when, and asked what to do. Slots count from 0; a
 // person reads them from 1.
@@ -48,6 +50,9 @@ class SwitchPolicy {
   void wrote(int slot, bool isDone, Time now);
   void pause(Pause pause) { m_pause = pause; }
   void setSight(Sight sight) { m_sight = sight; }
+  // Whether a person wants it at all, and has linked anything.
+  void setIsOn(bool isOn) { m_isOn = isOn; }
+  void setHasLinks(bool hasLinks) { m_hasLinks = hasLinks; }
 
   // The slot to write now: read the mouse first, tell mouseHas, and ask again.
   std::optional<int> wanted(Time now);
@@ -56,14 +61,15 @@ class SwitchPolicy {
 
   std::optional<int> slot() const { return m_current; }
   const std::optional<Program>& program() const { return m_front; }
-  // Why the mouse has its slot, in one sentence without a line break.
-  std::string explanation() const;
+  // Why the mouse has its slot, and the same in one English sentence.
+  SlotReason reason() const;
+  std::string explanation() const { return slotreason::sentenceOf(reason()); }
 
  private:
   void settle(Time now);
   std::optional<int> target() const;
   bool isOwnEcho(int slot, Time now) const;
-  std::string sentence() const;
+  SlotReason::Kind reasonKind() const;
 
   std::optional<int> m_current;  // what the mouse has; nothing without a mouse
   std::optional<int> m_base;     // the last slot that a person chose
@@ -72,6 +78,8 @@ class SwitchPolicy {
   std::optional<std::pair<Program, Time>> m_coming;
   bool m_isOverridden = false;  // a person chose another slot since the program is in front
   bool m_hasFailed = false;
+  bool m_isOn = true;
+  bool m_hasLinks = true;
   Pause m_pause = Pause::None;
   Sight m_sight = Sight::InFront;
   std::optional<Time> m_lastWrite;

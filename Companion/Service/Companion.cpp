@@ -1,6 +1,7 @@
 #include "Companion/Service/Companion.h"
 
 #include <algorithm>
+#include <functional>
 #include <system_error>
 #include <utility>
 
@@ -22,7 +23,6 @@ namespace {
 
 constexpr const char* windowName = "com.corvex.NerinOption";
 constexpr auto busyPause = 250ms;
-// A desktop that ends or crashes comes back soon, or not at all.
 constexpr std::chrono::seconds firstForegroundPause{1};
 constexpr std::chrono::seconds longestForegroundPause{30};
 constexpr auto reopenLimit = 60s;
@@ -60,18 +60,20 @@ Companion::Companion(EventLoop& loop, BusConnection& bus, Settings settings)
         m_mouse.look();
         m_mouse.ring();
       }) {
-  m_bus.publish(
-      companionaddress::path, companionaddress::interface,
-      {{companionaddress::explanation, [this] { return m_explanation; }},
-       {companionaddress::foreground,
-        [this] {
-          return m_foreground ? m_foreground->name() : m_links.isEmpty() ? "not needed" : "none";
-        }},
-       {companionaddress::mouse, [this] { return m_settings.mouseFile.string(); }}});
+  m_bus.publish(companionaddress::path, companionaddress::interface,
+                {{companionaddress::explanation, [this] { return m_explanation; }},
+                 {companionaddress::foreground,
+                  [this] {
+                    const std::string name = m_foreground ? m_foreground->name() : "";
+                    return !name.empty() ? name : isForegroundNeeded() ? "none" : "not needed";
+                  }},
+                 {companionaddress::mouse, [this] { return m_settings.mouseFile.string(); }}});
   explain();
 }
 
 Companion::~Companion() {
+  // A window that stays must not show what is no longer so.
+  m_bus.postNotificationName(slotreason::notification, "", slotreason::userInfoOf({}));
   m_bus.forgetEverybody();
 }
 
@@ -82,6 +84,8 @@ void Companion::begin() {
                         obey(*message);
                       }
                     });
+  m_bus.addObserver(slotreason::question,
+                    [this](const std::string&, const LXUserInfo&) { tellReason(); });
   watchWindow();
   watchFiles();
   m_session = std::make_unique<SessionState>(
@@ -104,7 +108,7 @@ void Companion::obey(const WindowMessage& message) {
     m_mouse.note(*slot);
     showSlot();
   }
-  if (const auto text = displayOf(message)) {
+  if (const auto text = displayOf(message, std::ref(m_words))) {
     show(*text);
   }
   switch (message.code) {
@@ -145,7 +149,7 @@ void Companion::report(const DeviceReport& one) {
       reopenWindow();
       break;
     case DeviceReport::DpiChanged:
-      show(levelDisplay(one.value));
+      show(levelDisplay(one.value, std::ref(m_words)));
       break;
   }
   decide();
@@ -160,6 +164,7 @@ void Companion::watchFiles() {
   m_draftWatch = m_loop.watchFolder(drafts, [this] { decide(); });
   // Other programs have their files beside the preferences.
   m_preferenceWatch = m_loop.watchFile(preferences, [this] {
+    m_words.forget();
     reloadLinks();
     decide();
   });
@@ -204,14 +209,20 @@ void Companion::setHasWindow(bool hasWindow) {
 void Companion::reloadLinks() {
   m_links.reload();
   m_buttons = learnedbuttons::all();
-  if (m_links.isEmpty()) {
+  m_isOn = NerinAction::daemonGetSwitchSlots();
+  m_policy.setIsOn(m_isOn);
+  m_policy.setHasLinks(!m_links.isEmpty());
+  if (!isForegroundNeeded()) {
     // Nobody needs to know what is in front, so that nothing wakes this program up for it.
     m_foreground.reset();
     m_foregroundTimer.stop();
+    m_foregroundPause = firstForegroundPause;
     m_front.reset();
     m_policy.setSight(SwitchPolicy::Sight::InFront);
-  } else if (!m_foreground) {
+  } else if (!m_foreground || m_isForegroundLost) {
     openForeground();
+  } else {
+    m_foreground->linksChanged();
   }
   if (m_policy.program()) {
     m_policy.relinked(m_front ? programOf(*m_front).slot : std::nullopt);
@@ -219,30 +230,47 @@ void Companion::reloadLinks() {
 }
 
 void Companion::openForeground() {
+  m_isForegroundLost = false;
   m_foreground = foreground::open(
-      m_loop, [this](const std::optional<AppIdentity>& identity) { takeForeground(identity); },
-      [this] {
-        m_foreground.reset();
-        m_policy.setSight(SwitchPolicy::Sight::None);
-        m_foregroundPause = firstForegroundPause;
-        m_foregroundTimer.startIn(m_foregroundPause);
-        explain();
-      });
-  m_policy.setSight(m_foreground ? SwitchPolicy::Sight::InFront : SwitchPolicy::Sight::None);
-  if (!m_foreground && m_foregroundPause < longestForegroundPause) {
-    m_foregroundPause = std::min(2 * m_foregroundPause, longestForegroundPause);
-    m_foregroundTimer.startIn(m_foregroundPause);
+      m_loop,
+      {.runtimeFolder = m_settings.runtimeFolder,
+       .isLinked = [this](const AppIdentity& one) { return programOf(one).slot.has_value(); }},
+      [this](const std::optional<AppIdentity>& identity) { takeForeground(identity); },
+      [this] { loseForeground(); });
+  if (!m_foreground) {
+    m_policy.setSight(SwitchPolicy::Sight::None);
   }
   explain();
 }
 
-void Companion::takeForeground(const std::optional<AppIdentity>& identity) {
-  // Between two windows there is none.
-  if (!identity) {
-    return;
+void Companion::loseForeground() {
+  m_isForegroundLost = true;
+  m_policy.setSight(SwitchPolicy::Sight::None);
+  searchForegroundLater();
+  explain();
+}
+
+// A desktop that starts or crashes is there soon, or not at all.
+void Companion::searchForegroundLater() {
+  if (m_foregroundPause <= longestForegroundPause) {
+    m_foregroundTimer.startIn(m_foregroundPause);
+    m_foregroundPause *= 2;
   }
-  m_front = identity;
-  m_policy.inFront(programOf(*identity), now());
+}
+
+void Companion::takeForeground(const std::optional<AppIdentity>& identity) {
+  if (m_foreground->tellsRunning()) {
+    m_policy.setSight(SwitchPolicy::Sight::Running);
+    searchForegroundLater();
+  } else {
+    m_policy.setSight(SwitchPolicy::Sight::InFront);
+    m_foregroundPause = firstForegroundPause;
+  }
+  // Between two windows there is none.
+  if (identity) {
+    m_front = identity;
+    m_policy.inFront(programOf(*identity), now());
+  }
   decide();
 }
 
@@ -288,7 +316,7 @@ void Companion::showSlot() {
   const auto name = NerinAction::getFWProfileName(static_cast<std::uint8_t>(*m_policy.slot()));
   m_mouse.noteTransfer();
   const std::string profile = name.outcome.isDone() ? name.value.value_or("") : "";
-  m_display.show(slotDisplay(*m_policy.slot(), profile, m_policy.explanation()));
+  m_display.show(slotDisplay(m_policy.reason(), profile, std::ref(m_words)));
 }
 
 void Companion::show(const DisplayText& text) {
@@ -337,10 +365,20 @@ void Companion::decide() {
 }
 
 void Companion::explain() {
-  std::string text = m_policy.explanation();
-  if (text != m_explanation) {
-    m_explanation = std::move(text);
-    m_bus.tellChanged(companionaddress::explanation);
+  const SlotReason reason = m_policy.reason();
+  if (m_reason == reason) {
+    return;
+  }
+  m_reason = reason;
+  m_explanation = slotreason::sentenceOf(reason);
+  m_bus.tellChanged(companionaddress::explanation);
+  tellReason();
+}
+
+void Companion::tellReason() {
+  if (m_reason) {
+    m_bus.postNotificationName(slotreason::notification, m_reason->program,
+                               slotreason::userInfoOf(*m_reason));
   }
 }
 

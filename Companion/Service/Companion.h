@@ -17,6 +17,7 @@
 #include "Companion/Policy/WindowMessage.h"
 #include "Companion/Service/Links.h"
 #include "Companion/Service/MouseWatch.h"
+#include "Companion/Service/UserWords.h"
 #include "Kit/Bus/BusConnection.h"
 
 // The background program: it tells the others what the mouse does, and gives the mouse the slot of
@@ -29,6 +30,8 @@ class Companion {
     std::filesystem::path windowProgram;
     // Whether the desktop has a display of its own kind.
     bool hasOwnDisplay = false;
+    // A folder of this user for the time of the session; empty if there is none.
+    std::filesystem::path runtimeFolder;
     // A file whose writing is a change of the mouse: the memory of a virtual one.
     std::filesystem::path mouseFile;
   };
@@ -53,6 +56,8 @@ class Companion {
   void setHasWindow(bool hasWindow);
   void reloadLinks();
   void openForeground();
+  void loseForeground();
+  void searchForegroundLater();
   void takeForeground(const std::optional<AppIdentity>& identity);
   SwitchPolicy::Program programOf(const AppIdentity& identity) const;
   bool launch(const HidInputReport& report);
@@ -60,6 +65,8 @@ class Companion {
   void show(const DisplayText& text);
   void decide();
   void explain();
+  void tellReason();
+  bool isForegroundNeeded() const { return m_isOn && !m_links.isEmpty(); }
   void reopenWindow();
 
   EventLoop& m_loop;
@@ -75,9 +82,13 @@ class Companion {
   Links m_links;
   std::unique_ptr<Foreground> m_foreground;
   std::optional<AppIdentity> m_front;
+  bool m_isForegroundLost = false;
   std::chrono::seconds m_foregroundPause{1};
   EventLoop::Timer m_foregroundTimer;
   EventLoop::Timer m_decideTimer;
+  UserWords m_words;
+  bool m_isOn = true;
+  std::optional<SlotReason> m_reason;  // nothing before the first one
   std::string m_explanation;
   bool m_hasWindow = false;
   std::optional<EventLoop::Time> m_reopenUntil;

@@ -48,8 +48,16 @@ struct BusConnection::State {
     Slot slot;
   };
 
+  struct Served {
+    std::string interface;
+    std::string member;
+    std::function<void(sd_bus_message* call)> act;
+    Slot slot;
+  };
+
   std::unique_ptr<sd_bus, Unref> bus;
   std::function<void()> lost;
+  std::list<Served> served;
   std::map<std::string, Observer> observers;
   bool isListening = false;
   std::list<Waiting> waiting;
@@ -69,6 +77,7 @@ struct BusConnection::State {
   void addMatch(const std::string& rule, Answer seen);
   void hear(sd_bus_message* signal);
 
+  static int called(sd_bus_message* message, void* data, sd_bus_error* error);
   static int arrived(sd_bus_message* message, void* data, sd_bus_error* error);
   static int readProperty(sd_bus* bus, const char* path, const char* interface,
                           const char* property, sd_bus_message* reply, void* data,
@@ -86,6 +95,17 @@ int BusConnection::State::arrived(sd_bus_message* message, void* data, sd_bus_er
     act(sd_bus_message_is_method_error(message, nullptr) > 0 ? nullptr : message);
   }
   return 0;
+}
+
+int BusConnection::State::called(sd_bus_message* message, void* data, sd_bus_error* /*error*/) {
+  const auto& one = *static_cast<Served*>(data);
+  if (sd_bus_message_is_method_call(message, one.interface.c_str(), one.member.c_str()) <= 0) {
+    return 0;
+  }
+  const auto act = one.act;
+  sd_bus_reply_method_return(message, "");
+  act(message);
+  return 1;
 }
 
 int BusConnection::State::readProperty(sd_bus* /*bus*/, const char* /*path*/,
@@ -160,6 +180,7 @@ void BusConnection::forgetEverybody() {
   m_state->observers.clear();
   m_state->waiting.clear();
   m_state->object.reset();
+  m_state->served.clear();
 }
 
 void BusConnection::requestName(const std::string& name,
@@ -269,6 +290,29 @@ void BusConnection::publish(const std::string& path, const std::string& interfac
                                table.data(), m_state.get()) >= 0) {
     m_state->object.reset(slot);
   }
+}
+
+void BusConnection::serve(const std::string& path, const std::string& interface,
+                          const std::string& member,
+                          std::function<void(sd_bus_message* call)> called) {
+  State::Served& one = m_state->served.emplace_back();
+  one.interface = interface;
+  one.member = member;
+  one.act = std::move(called);
+  sd_bus_slot* slot = nullptr;
+  if (sd_bus_add_object(m_state->bus.get(), &slot, path.c_str(), State::called, &one) >= 0) {
+    one.slot.reset(slot);
+  }
+}
+
+std::string BusConnection::uniqueName() const {
+  const char* name = nullptr;
+  // The library would wait for the bus.
+  if (sd_bus_is_ready(m_state->bus.get()) <= 0 ||
+      sd_bus_get_unique_name(m_state->bus.get(), &name) < 0) {
+    return {};
+  }
+  return name;
 }
 
 void BusConnection::tellChanged(const std::string& property) {

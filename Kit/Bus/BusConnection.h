@@ -59,6 +59,13 @@ class BusConnection final : public LXNotificationCenter {
   // Tells the programs that watch the object that the property has another text.
   void tellChanged(const std::string& property);
 
+  // Lets other programs call `member` of an object of this connection, for its life. The call is
+  // answered with nothing.
+  void serve(const std::string& path, const std::string& interface, const std::string& member,
+             std::function<void(sd_bus_message* call)> called);
+  // The address of this connection, which no other one has; empty before the bus has answered.
+  std::string uniqueName() const;
+
   // From now on nobody is called, whatever arrives: for the end of those who would be.
   void forgetEverybody();
 

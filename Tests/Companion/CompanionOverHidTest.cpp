@@ -42,6 +42,7 @@ class CompanionOverHid : public testing::Test {
     m_bus = BusConnection::open(m_loop.handle(), BusConnection::Kind::Session, [] {});
     LXPlatform platform;
     platform.homeFolder = m_home.folder();
+    platform.resourceFolder = NERIN_RESOURCES;
     platform.runtimeFolder = m_runtime.folder();
     platform.notificationCenter = m_bus;
     platform.deviceRequester = std::make_shared<HidDeviceRequester>(emulated.udevControl());
@@ -57,10 +58,12 @@ class CompanionOverHid : public testing::Test {
   }
 
   void start() {
-    m_companion = std::make_unique<Companion>(
-        m_loop, *m_bus,
-        Companion::Settings{
-            .udevControl = emulated.udevControl(), .windowProgram = {}, .mouseFile = {}});
+    m_companion =
+        std::make_unique<Companion>(m_loop, *m_bus,
+                                    Companion::Settings{.udevControl = emulated.udevControl(),
+                                                        .windowProgram = {},
+                                                        .runtimeFolder = {},
+                                                        .mouseFile = {}});
     bool isAnswered = false;
     m_bus->requestName(companionaddress::service, [&](bool isOurs) {
       EXPECT_TRUE(isOurs);
@@ -325,8 +328,25 @@ TEST_F(LaunchOverHid, AnotherSlotIsShownInOneNotification) {
   ASSERT_EQ(desktop.shown.size(), 2U);
   EXPECT_EQ(desktop.shown[0].replaced, 0U);
   EXPECT_EQ(desktop.shown[0].summary, "Slot 7: Games");
-  EXPECT_EQ(desktop.shown[0].body, "Slot 7, the last one chosen by hand");
+  EXPECT_EQ(desktop.shown[0].body, "");
   EXPECT_EQ(desktop.shown[1].replaced, 41U);
+}
+
+TEST_F(LaunchOverHid, TheDisplaySpeaksTheLanguageThatTheUserChose) {
+  PreferenceFile preferences(NerinAction::preferenceFilePath());
+  ASSERT_TRUE(preferences.setValue(preferencekeys::language, "de"));
+  emulated.plugWithVendorInput();
+  start();
+  reports();
+  NerinAction::sendRateChangeToDaemon(2);
+  reports();
+  ASSERT_TRUE(preferences.setValue(preferencekeys::language, "fr"));
+  reports();
+  NerinAction::sendModeChangeToDaemon(1);
+  reports();
+  ASSERT_EQ(desktop.shown.size(), 2U);
+  EXPECT_EQ(desktop.shown[0].summary, "Abfragerate: 500\u00a0Hz");
+  EXPECT_EQ(desktop.shown[1].summary, "Mode LED\u00a0: Combat");
 }
 
 TEST_F(LaunchOverHid, NothingIsShownWhileTheDisplayIsOff) {

@@ -50,10 +50,12 @@ class CompanionOverX11 : public testing::Test {
   }
 
   void start() {
-    m_companion = std::make_unique<Companion>(
-        loop, *m_bus,
-        Companion::Settings{
-            .udevControl = {}, .windowProgram = {}, .mouseFile = mouse->memoryFile()});
+    m_companion =
+        std::make_unique<Companion>(loop, *m_bus,
+                                    Companion::Settings{.udevControl = {},
+                                                        .windowProgram = {},
+                                                        .runtimeFolder = {},
+                                                        .mouseFile = mouse->memoryFile()});
     bool isAnswered = false;
     m_bus->requestName(companionaddress::service, [&](bool) {
       m_companion->begin();
@@ -73,6 +75,15 @@ class CompanionOverX11 : public testing::Test {
                                                  {preferencekeys::linkIsActive(slot), isActive}}));
   }
 
+  // The next notification of that name.
+  std::string nextOf(const std::string& name) {
+    while (const auto message = bus.nextNotification()) {
+      if (message->member == name) {
+        return message->body;
+      }
+    }
+    return "";
+  }
   bool getsSlot(int slot, std::chrono::milliseconds limit = 20s) {
     return loop.runUntil([&] { return mouse->activeSlot() == slot; }, limit);
   }
@@ -109,8 +120,9 @@ TEST_F(CompanionOverX11, ALinkedProgramGetsItsSlotAndAnotherOneGivesItBack) {
     const ProgramWindow blender("blender", "Blender");
     ASSERT_TRUE(getsSlot(2));
     EXPECT_TRUE(says("Slot 3, because Blender is in front"));
-    EXPECT_EQ(bus.nextNotification()->body, "s: {type=i:101 value=i:0}");
-    EXPECT_EQ(bus.nextNotification()->body, "s: {type=i:1 value=i:2}");
+    EXPECT_EQ(nextOf("NerinDevStatus"), "s: {type=i:101 value=i:0}");
+    EXPECT_EQ(nextOf("NerinDevStatus"), "s: {type=i:1 value=i:2}");
+    EXPECT_EQ(nextOf("NerinSlotReason"), "s:Blender {kind=i:3 otherSlot=i:0 slot=i:2}");
   }
   ProgramWindow other("other", "Other");
   ASSERT_TRUE(getsSlot(0));
@@ -137,6 +149,37 @@ TEST_F(CompanionOverX11, ALinkThatIsSwitchedOffDoesNothing) {
   const ProgramWindow blender("blender", "Blender");
   wait(1s);
   EXPECT_EQ(mouse->activeSlot(), 0);
+}
+
+TEST_F(CompanionOverX11, NothingFollowsProgramsWhileThisIsSwitchedOff) {
+  PreferenceFile preferences(NerinAction::preferenceFilePath());
+  ASSERT_TRUE(preferences.setValue(preferencekeys::switchSlots, false));
+  link(2, "Blender");
+  start();
+  const ProgramWindow blender("blender", "Blender");
+  wait(1s);
+  EXPECT_EQ(mouse->activeSlot(), 0);
+  EXPECT_TRUE(says("Slot 1: slots do not follow programs, because this is switched off"));
+  ASSERT_TRUE(preferences.setValue(preferencekeys::switchSlots, true));
+  EXPECT_TRUE(getsSlot(2));
+}
+
+TEST_F(CompanionOverX11, AWindowThatOpensLaterIsToldWhy) {
+  link(2, "Blender");
+  start();
+  const ProgramWindow blender("blender", "Blender");
+  ASSERT_TRUE(says("Slot 3, because Blender is in front"));
+  const auto window = BusConnection::open(loop.handle(), BusConnection::Kind::Session, [] {});
+  std::optional<SlotReason> told;
+  window->addObserver(slotreason::notification,
+                      [&](const std::string& object, const LXUserInfo& userInfo) {
+                        told = slotreason::reasonOf(object, userInfo);
+                      });
+  wait(300ms);
+  EXPECT_FALSE(told);
+  window->postNotificationName(slotreason::question, "", std::nullopt);
+  EXPECT_TRUE(loop.runUntil([&] { return told.has_value(); }, 20s));
+  EXPECT_EQ(told, (SlotReason{SlotReason::InFront, 2, 0, "Blender"}));
 }
 
 TEST_F(CompanionOverX11, ALinkMadeMeanwhileActsAtOnce) {

@@ -5,15 +5,29 @@
 
 namespace {
 
+// As if there were another language.
+std::string spoken(const std::string& name) {
+  return name == "Slot %1" ? "Platz %1" : name == "Slot %1: %2" ? "%2 (Platz %1)" : name;
+}
+
 TEST(DisplayText, ShowsTheSlotWithItsProfileAndWhy) {
-  EXPECT_EQ(slotDisplay(2, "Office", "Slot 3, because Files is in front"),
-            (DisplayText{"Slot 3: Office", "Slot 3, because Files is in front"}));
-  EXPECT_EQ(slotDisplay(2, "", "why"), (DisplayText{"Slot 3", "why"}));
+  const SlotReason files{SlotReason::InFront, 2, 0, "Files"};
+  EXPECT_EQ(slotDisplay(files, "Office", spoken),
+            (DisplayText{"Office (Platz 3)", "Slot 3, because Files is in front"}));
+  EXPECT_EQ(slotDisplay(files, "", spoken),
+            (DisplayText{"Platz 3", "Slot 3, because Files is in front"}));
+}
+
+TEST(DisplayText, SaysWhyOnlyWhereItConcernsAProgram) {
+  EXPECT_EQ(slotDisplay({SlotReason::NothingLinked, 2, 0, ""}, "", spoken).body, "");
+  EXPECT_EQ(slotDisplay({SlotReason::SwitchedOff, 2, 0, ""}, "", spoken).body, "");
+  EXPECT_EQ(slotDisplay({SlotReason::ByHand, 2, 0, ""}, "", spoken).body,
+            "Slot 3, the last one chosen by hand");
 }
 
 TEST(DisplayText, ShowsWhatTheWindowChanged) {
   const auto shown = [](std::vector<std::int32_t> values) {
-    const auto text = displayOf({111, std::move(values)});
+    const auto text = displayOf({111, std::move(values)}, spoken);
     return text ? text->summary : "";
   };
   EXPECT_EQ(shown({2, 0}), "LED mode: Normal");
@@ -25,7 +39,7 @@ TEST(DisplayText, ShowsWhatTheWindowChanged) {
   EXPECT_EQ(shown({4, -1}), "");
   EXPECT_EQ(shown({1, 3}), "");
   EXPECT_EQ(shown({2}), "");
-  EXPECT_FALSE(displayOf({110, {2, 1}}));
+  EXPECT_FALSE(displayOf({110, {2, 1}}, spoken));
 }
 
 TEST(DisplayText, KnowsTheDesktopWithADisplayOfItsOwn) {

@@ -136,7 +136,7 @@ TEST_F(SwitchPolicyTest, AFailedWriteIsTriedAgainAfterASecond) {
   ASSERT_EQ(policy.wanted(now), 2);
   policy.wrote(2, false, now);
   EXPECT_EQ(policy.slot(), 0);
-  EXPECT_EQ(policy.explanation(), "Slot 1: Slot 3 could not be chosen and is tried again");
+  EXPECT_EQ(policy.explanation(), "Slot 1: slot 3 could not be chosen and is tried again");
   EXPECT_EQ(policy.due(now), now + 1s);
   after(1s);
   EXPECT_EQ(obey(), 2);
@@ -205,9 +205,26 @@ TEST_F(SwitchPolicyTest, SaysThatTheDesktopTellsNothing) {
 TEST_F(SwitchPolicyTest, SaysThatTheProgramRunsWhereTheDesktopTellsNoMore) {
   policy.setSight(SwitchPolicy::Sight::Running);
   EXPECT_EQ(bring(linked("Blender", 2)), 2);
+  EXPECT_EQ(policy.explanation(), "Slot 3, because Blender is running");
+  EXPECT_EQ(bring(other("")), 0);
   EXPECT_EQ(policy.explanation(),
-            "Slot 3, because Blender runs; this desktop does not tell programs which window is in "
-            "front");
+            "This desktop does not tell programs which window is in front: switching while the "
+            "program runs instead");
+}
+
+TEST_F(SwitchPolicyTest, WritesNothingWhileItIsSwitchedOff) {
+  policy.setIsOn(false);
+  EXPECT_EQ(bring(linked("Blender", 2)), std::nullopt);
+  EXPECT_EQ(policy.due(now), std::nullopt);
+  EXPECT_EQ(policy.reason().kind, SlotReason::SwitchedOff);
+  policy.setIsOn(true);
+  EXPECT_EQ(obey(), 2);
+}
+
+TEST_F(SwitchPolicyTest, ExplainsNoProgramsWhileNoneIsLinked) {
+  policy.setHasLinks(false);
+  EXPECT_EQ(policy.reason().kind, SlotReason::NothingLinked);
+  EXPECT_EQ(policy.explanation(), "Slot 1, the last one chosen by hand");
 }
 
 TEST_F(SwitchPolicyTest, TheExplanationHasNoLineBreak) {

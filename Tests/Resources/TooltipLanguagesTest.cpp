@@ -50,6 +50,8 @@ const std::map<std::string, std::set<std::string>> sameInEnglish{
       "Polish"}},
     {"Program", {"Czech", "Polish", "Turkish"}},
     {"Slot", {"German", "Italian", "Portuguese(Brazil)", "Czech", "Polish"}},
+    {"Slot %1", {"German", "Italian", "Portuguese(Brazil)", "Czech", "Polish"}},
+    {"Slot %1: %2", {"German", "Italian", "Portuguese(Brazil)", "Czech", "Polish"}},
     {"Version", {"German", "French"}},
     {"ms",
      {"German", "French", "Spanish", "Italian", "Portuguese(Brazil)", "Japanese", "Korean", "TC",

@@ -156,7 +156,9 @@ void ViewTest::report(std::int32_t type, std::int32_t value) {
 std::vector<std::string> ViewTest::messages() const {
   std::vector<std::string> objects;
   for (const auto& post : posts()) {
-    objects.push_back(post.object);
+    if (post.name == "NerinSettingChange") {
+      objects.push_back(post.object);
+    }
   }
   return objects;
 }

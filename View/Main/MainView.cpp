@@ -23,6 +23,7 @@
 #include "View/Main/MainSubView1.h"
 #include "View/Main/MainSubView2.h"
 #include "View/Main/MainViewTags.h"
+#include "View/Main/SlotReasonLine.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Windows/ChildView.h"
 #include "View/Windows/HelpDocument.h"
@@ -301,6 +302,7 @@ void MainView::onProfileTextChange() {
 
 void MainView::menuNeedsUpdate() {
   refreshOsdMenu();
+  refreshSwitchMenu();
 }
 
 void MainView::refreshOsdMenu() {
@@ -313,6 +315,17 @@ void MainView::osdClick() {
   const bool isStored = library().setIsOSD(m_osdMenu->data().toInt() == 1);
   NerinAction::sendMessageToDaemon(NerinAction::MessageOsdChanged, {library().isOSD()});
   refreshOsdMenu();
+  statusline::tell(Outcome::of(SlotStep::SavePreferences, isStored));
+}
+
+void MainView::refreshSwitchMenu() {
+  m_switchMenu->setChecked(library().switchesSlots());
+}
+
+void MainView::switchClick() {
+  // The service sees it in the preferences.
+  const bool isStored = library().setSwitchesSlots(m_switchMenu->isChecked());
+  refreshSwitchMenu();
   statusline::tell(Outcome::of(SlotStep::SavePreferences, isStored));
 }
 

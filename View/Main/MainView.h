@@ -29,6 +29,7 @@ class MainSubView2;
 class ProgressLine;
 class LanguageMenu;
 class QPushButton;
+class SlotReasonLine;
 
 // The root of the pop-up menu of library profiles, created once and refilled.
 inline ProcessWide<std::shared_ptr<LXTreeNode>> profileNode;
@@ -136,6 +137,8 @@ class MainView : public TavImageView,
   void changeLanguage(const std::optional<std::string>& code);
   void refreshOsdMenu();
   void osdClick();
+  void refreshSwitchMenu();
+  void switchClick();
   void menuNeedsUpdate();
   static void connectTtsSite();
   void openHelpPro();
@@ -238,6 +241,7 @@ class MainView : public TavImageView,
   MainSubView2* m_subView2 = nullptr;
   ProgressLine* m_progressBar = nullptr;
   StatusLine* m_statusLine = nullptr;
+  std::unique_ptr<SlotReasonLine> m_slotReason;
   QPushButton* m_changesBtn = nullptr;
   ChangesList* m_changesList = nullptr;
   // One for each slot, over its tab: the slot has edits that are not applied.
@@ -246,6 +250,7 @@ class MainView : public TavImageView,
   QMenu m_menu;
   QAction* m_aboutMenu = nullptr;
   QAction* m_osdMenu = nullptr;
+  QAction* m_switchMenu = nullptr;
   QAction* m_webMenu = nullptr;
   QAction* m_helpMenu = nullptr;
   QAction* m_quitMenu = nullptr;

@@ -13,6 +13,7 @@
 #include "View/Main/MainSubView2.h"
 #include "View/Main/MainView.h"
 #include "View/Main/MainViewTags.h"
+#include "View/Main/SlotReasonLine.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Screen/Frames.h"
 #include "View/Screen/Pictures.h"
@@ -250,6 +251,8 @@ void MainView::initMenu() {
   };
   m_aboutMenu = add("aboutMenu", &MainView::aboutRequested);
   m_osdMenu = add("osdMenu", &MainView::osdClick);
+  m_switchMenu = add("switchMenu", &MainView::switchClick);
+  m_switchMenu->setCheckable(true);
   m_languageMenu = std::make_unique<LanguageMenu>(
       m_menu, [this](const std::optional<std::string>& code) { changeLanguage(code); });
   m_menu.addSeparator();
@@ -271,6 +274,7 @@ void MainView::showTexts() {
   m_changesBtn->setToolTip(words);
   m_changesList->showTexts();
   m_aboutMenu->setText(NerinAction::tooltipText("About NerinOption"));
+  m_switchMenu->setText(NerinAction::tooltipText("Switch slots for programs"));
   m_webMenu->setText(NerinAction::tooltipText("Web page"));
   m_helpMenu->setText(NerinAction::tooltipText("Help"));
   m_quitMenu->setText(NerinAction::tooltipText("Quit"));
@@ -292,6 +296,7 @@ void MainView::changeLanguage(const std::optional<std::string>& code) {
                 ? std::nullopt
                 : std::optional(m_currProfileBtn->title().toStdString()));
   showDraftMarks();
+  m_slotReason->showText();
   statusline::clear();
   statusline::tell(Outcome::of(SlotStep::SavePreferences, isKept));
   update();

@@ -9,6 +9,7 @@
 #include "Kit/Core/LXPlatform.h"
 #include "View/Main/LibraryWatch.h"
 #include "View/Main/MainView.h"
+#include "View/Main/SlotReasonLine.h"
 #include "View/Screen/ControlFactory.h"
 #include "View/Windows/LocalNotifications.h"
 #include "View/Windows/NestedLoop.h"
@@ -73,6 +74,7 @@ void MainView::initNotify() {
   LXPlatform::current().notificationCenter->addObserver(
       deviceStatus,
       [this](const std::string&, const LXUserInfo& userInfo) { devReportPro(userInfo); });
+  m_slotReason = std::make_unique<SlotReasonLine>(*m_statusLine);
   auto& notifications = LocalNotifications::shared();
   notifications.observe(NerinAction::notifyShowTip, this, [this] { ShowToolTip(); });
   notifications.observe(NerinAction::notifyHideTip, this, [this] { HideToolTip(); });
@@ -99,6 +101,7 @@ void MainView::lookForMouse() {
 
 void MainView::deallocNotify() {
   m_presenceWatch.reset();
+  m_slotReason.reset();
   LXPlatform::current().notificationCenter->removeObserver(deviceStatus);
 }
 

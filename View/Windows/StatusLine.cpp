@@ -23,6 +23,7 @@ constexpr int markWidth = 3;
 constexpr int gap = 10;
 constexpr QColor footerColor(0x15, 0x17, 0x1C);
 constexpr QColor wordColor(0xD5, 0xD9, 0xE0);
+constexpr QColor standingColor(0x9A, 0xA3, 0xB2);
 
 ProcessWide<std::vector<StatusLine*>> openLines;
 // The number of the slot that the mouse has moved to, for the words of HeldBack.
@@ -107,9 +108,6 @@ StatusLine::StatusLine(QWidget* parent)
   // Names of profiles come from anywhere.
   m_label->setTextFormat(Qt::PlainText);
   m_label->setWordWrap(true);
-  QPalette colors = m_label->palette();
-  colors.setColor(QPalette::WindowText, wordColor);
-  m_label->setPalette(colors);
   m_label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   m_button->setObjectName(QStringLiteral("statusOffer"));
   m_button->setFont(pictures::font(typeSize, QFont::DemiBold));
@@ -141,23 +139,35 @@ void StatusLine::say(const QString& text, Tone tone, const std::optional<Offer>&
   m_act = offer ? offer->act : nullptr;
   m_button->setText(offer ? offer->label : QString());
   m_button->setVisible(offer.has_value());
-  m_label->setText(text);
-  m_label->setToolTip(plainTip(text));
-  m_label->setAccessibleName(text);
-  // Screen readers would stop at an empty one.
-  m_label->setVisible(!text.isEmpty());
-  layOut();
-  update();
+  m_said = text;
+  showText();
   if (!text.isEmpty()) {
-    QAccessibleEvent changed(m_label, QAccessible::NameChanged);
-    QAccessible::updateAccessibility(&changed);
     QAccessibleEvent alert(m_label, QAccessible::Alert);
     QAccessible::updateAccessibility(&alert);
   }
 }
 
-QString StatusLine::text() const {
-  return m_label->text();
+void StatusLine::setStanding(const QString& text) {
+  m_standing = text;
+  showText();
+}
+
+void StatusLine::showText() {
+  const QString shown = m_said.isEmpty() ? m_standing : m_said;
+  QPalette colors = m_label->palette();
+  colors.setColor(QPalette::WindowText, m_said.isEmpty() ? standingColor : wordColor);
+  m_label->setPalette(colors);
+  m_label->setText(shown);
+  m_label->setToolTip(plainTip(shown));
+  m_label->setAccessibleName(shown);
+  // Screen readers would stop at an empty one.
+  m_label->setVisible(!shown.isEmpty());
+  layOut();
+  update();
+  if (!shown.isEmpty()) {
+    QAccessibleEvent changed(m_label, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&changed);
+  }
 }
 
 QPushButton* StatusLine::offerButton() const {
@@ -191,7 +201,7 @@ void StatusLine::layOut() {
 }
 
 void StatusLine::paintEvent(QPaintEvent* /*event*/) {
-  if (!m_label->text().isEmpty()) {
+  if (!m_said.isEmpty()) {
     QPainter painter(this);
     // A window's own hint may stand here while there is nothing to say.
     painter.fillRect(rect(), footerColor);

@@ -26,7 +26,11 @@ class StatusLine : public QWidget {
   explicit StatusLine(QWidget* parent = nullptr);
 
   void say(const QString& text, Tone tone, const std::optional<Offer>& offer);
-  QString text() const;
+  // What was said; empty while the standing text is shown.
+  QString text() const { return m_said; }
+  // What this line shows while nothing is said. Screen readers find it, but are not alerted.
+  void setStanding(const QString& text);
+  QString standing() const { return m_standing; }
   Tone tone() const { return m_tone; }
   // Null while nothing is offered.
   QPushButton* offerButton() const;
@@ -36,8 +40,11 @@ class StatusLine : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  void showText();
   void layOut();
 
+  QString m_said;
+  QString m_standing;
   QLabel* m_label;
   QPushButton* m_button;
   std::function<void()> m_act;

@@ -186,6 +186,34 @@ TEST_F(BusConnectionTest, OthersReadItsTexts) {
   EXPECT_EQ(output, "(<'Slot 1'>,)\n");
 }
 
+TEST_F(BusConnectionTest, OthersCallWhatItServes) {
+  const PrivateBus bus;
+  const auto server = open();
+  const auto caller = open();
+  std::vector<std::string> heard;
+  server->serve("/a", "x.Y", "Tell", [&](sd_bus_message* call) {
+    const char* text = nullptr;
+    ASSERT_GT(sd_bus_message_read(call, "s", &text), 0);
+    heard.emplace_back(text);
+  });
+  EXPECT_EQ(server->uniqueName(), "") << "the bus has not answered";
+  ASSERT_TRUE(runUntil([&] { return !server->uniqueName().empty(); }));
+  const std::string address = server->uniqueName();
+  std::vector<bool> answered;
+  const auto call = [&](const char* path, const char* member) {
+    caller->call(
+        {address.c_str(), path, "x.Y", member},
+        [](sd_bus_message* message) { sd_bus_message_append(message, "s", "word"); },
+        [&](sd_bus_message* answer) { answered.push_back(answer != nullptr); });
+  };
+  call("/a", "Tell");
+  call("/a", "Other");
+  call("/b", "Tell");
+  ASSERT_TRUE(runUntil([&] { return answered.size() == 3; }));
+  EXPECT_EQ(answered, (std::vector{true, false, false}));
+  EXPECT_EQ(heard, std::vector<std::string>{"word"});
+}
+
 TEST_F(BusConnectionTest, TellsOnceThatTheBusIsGone) {
   PrivateBus bus;
   const auto connection = open();

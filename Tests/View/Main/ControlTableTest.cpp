@@ -239,8 +239,8 @@ TEST_F(MainViewControls, TheMenuButtonOpensTheApplicationsMenu) {
       names.push_back(nameOf(*action));
     }
   }
-  EXPECT_THAT(names,
-              ElementsAre("aboutMenu", "osdMenu", "languages", "webMenu", "helpMenu", "quitMenu"));
+  EXPECT_THAT(names, ElementsAre("aboutMenu", "osdMenu", "switchMenu", "languages", "webMenu",
+                                 "helpMenu", "quitMenu"));
   view().applicationMenu().close();
 }
 

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include "Action/Service/DaemonMessages.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "Tests/Support/ViewTest.h"
 #include "View/Windows/Termination.h"
@@ -50,6 +51,34 @@ TEST_F(Menu, TheOsdItemIsBroughtUpToDateWhenTheMenuOpens) {
   view().applicationMenu().popup({0, 0});
   EXPECT_EQ(menuItem("osdMenu").text(), QStringLiteral("Enable the OSD"));
   view().applicationMenu().close();
+}
+
+TEST_F(Menu, TheSwitchForProgramsIsOnUntilItIsTakenAway) {
+  view().applicationMenu().popup({0, 0});
+  EXPECT_EQ(menuItem("switchMenu").text(), QStringLiteral("Switch slots for programs"));
+  EXPECT_TRUE(menuItem("switchMenu").isChecked());
+  view().applicationMenu().close();
+  menuItem("switchMenu").trigger();
+  EXPECT_FALSE(library().switchesSlots());
+  EXPECT_FALSE(NerinAction::daemonGetSwitchSlots());
+  EXPECT_FALSE(menuItem("switchMenu").isChecked());
+  menuItem("switchMenu").trigger();
+  EXPECT_TRUE(NerinAction::daemonGetSwitchSlots());
+}
+
+TEST_F(Menu, TheSwitchForProgramsIsBroughtUpToDateWhenTheMenuOpens) {
+  EXPECT_TRUE(library().setSwitchesSlots(false));
+  view().applicationMenu().popup({0, 0});
+  EXPECT_FALSE(menuItem("switchMenu").isChecked());
+  view().applicationMenu().close();
+}
+
+TEST_F(Menu, ASwitchThatCannotBeKeptStaysAsItWas) {
+  std::filesystem::remove(preferenceFile());
+  std::filesystem::create_directories(preferenceFile() / "in the way");
+  menuItem("switchMenu").trigger();
+  EXPECT_TRUE(menuItem("switchMenu").isChecked());
+  EXPECT_EQ(status(), "The settings could not be saved");
 }
 
 TEST_F(Menu, HelpAndWebPageAreOpened) {

@@ -202,7 +202,8 @@ TEST_F(LookedUp, InItsListsAndItsMenu) {
   EXPECT_THAT(notLookedUp(), IsEmpty());
   QApplication::activePopupWidget()->close();
   view().applicationMenu().popup({0, 0});
-  for (const char* name : {"aboutMenu", "osdMenu", "helpMenu", "webMenu", "quitMenu"}) {
+  for (const char* name :
+       {"aboutMenu", "osdMenu", "switchMenu", "helpMenu", "webMenu", "quitMenu"}) {
     const QString text = menuItem(name).text();
     EXPECT_TRUE(text.contains(openMark)) << name;
     EXPECT_TRUE(strangers(text).isEmpty()) << text.toStdString();

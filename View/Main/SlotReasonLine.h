@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QObject>
+#include <optional>
+#include <string>
+
+#include "Action/Service/SlotReason.h"
+
+class StatusLine;
+
+// Shows in a line why the mouse has its slot, as the background service tells it, while nothing
+// else is said there.
+class SlotReasonLine : public QObject {
+  Q_OBJECT
+
+ public:
+  // Asks the service at once. The line must outlive this.
+  explicit SlotReasonLine(StatusLine& line, QObject* parent = nullptr);
+  ~SlotReasonLine() override;
+
+  // In the language of now.
+  void showText();
+
+ private:
+  StatusLine& m_line;
+  std::optional<SlotReason> m_reason;
+};
