@@ -1,6 +1,5 @@
 #include "App/DemoPanel.h"
 
-#include <QApplication>
 #include <QComboBox>
 #include <QFontDatabase>
 #include <QHBoxLayout>
@@ -8,6 +7,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QThread>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -21,6 +21,7 @@ constexpr std::int32_t attached = 101;
 
 constexpr int bytesPerLine = 8;
 constexpr int refreshMilliseconds = 250;
+constexpr int waitMilliseconds = 20;
 constexpr int gap = 16;
 constexpr QSize panelSize(344, 720);
 
@@ -105,18 +106,18 @@ void DemoPanel::pressSlotButton() {
   refresh();
 }
 
-void DemoPanel::showAfterFirstWindow() {
+// Not while the mouse is read: Qt loses track of the focus on Wayland if it changes before a time
+// in which no event is handled, and its lists then open beside the wrong window.
+void DemoPanel::showWhenProgramWaits() {
   setAttribute(Qt::WA_ShowWithoutActivating);
-  qApp->installEventFilter(this);
-}
-
-bool DemoPanel::eventFilter(QObject* watched, QEvent* event) {
-  const auto* widget = qobject_cast<QWidget*>(watched);
-  if (event->type() == QEvent::Show && widget != nullptr && widget->isWindow()) {
-    qApp->removeEventFilter(this);
-    QMetaObject::invokeMethod(this, &QWidget::show, Qt::QueuedConnection);
-  }
-  return QWidget::eventFilter(watched, event);
+  auto* timer = new QTimer(this);
+  connect(timer, &QTimer::timeout, this, [this, timer] {
+    if (QThread::currentThread()->loopLevel() > 0) {
+      timer->deleteLater();
+      show();
+    }
+  });
+  timer->start(waitMilliseconds);
 }
 
 void DemoPanel::standBeside(const QWidget& window) {

@@ -22,16 +22,14 @@ class DemoPanel : public QWidget {
 
   DemoPanel(std::shared_ptr<VirtualMouse> mouse, Report report);
 
-  // Shows the panel as soon as another window of the program is there, which keeps the keyboard. A
-  // desktop that places windows itself puts a later one beside the others or in front of them.
-  void showAfterFirstWindow();
+  // Shows the panel when the program waits for its user, in its event loop or in a question of the
+  // start. By then its window is there: a desktop that places windows itself puts a later one
+  // beside it or in front of it. The window keeps the keyboard where a program has a say in it.
+  void showWhenProgramWaits();
   // Right of the window, or overlapping its edge if the screen ends there.
   void standBeside(const QWidget& window);
   // What the slot (0..9) holds, in words and bytes.
   QString describe(int slot) const;
-
- protected:
-  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void unplug();

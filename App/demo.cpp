@@ -51,7 +51,7 @@ int run(QApplication& application) {
       receiver->report("NerinDevStatus", userInfo);
     }
   });
-  panel.showAfterFirstWindow();
+  panel.showWhenProgramWaits();
   delegate.start();
   if (termination::isTerminating()) {
     return 0;

@@ -27,8 +27,8 @@ for_window [app_id=".*"] floating enable
 %s
 """
 RUN_COMMAND, GET_TREE = 0, 4
-# A window gets its place a moment after it is there.
-SETTLE_SECONDS = 0.03
+# How long a screen without changes counts as quiet.
+REST_SECONDS = 0.15
 
 
 class WaylandSession(PrivateSession):
@@ -91,6 +91,14 @@ class WaylandSession(PrivateSession):
             if not result["success"]:
                 raise RuntimeError("%s: %s" % (words, result.get("error")))
 
+    def addScreen(self, scale):
+        """Adds a screen of the same size to the right of the first, in pixels at 1x. The hands do
+        not reach it."""
+        self.command("create_output")
+        width, height = self.size
+        self.command("output HEADLESS-2 resolution %dx%d scale %g position %d 0" % (
+            round(width * scale), round(height * scale), scale, width))
+
     # Windows ------------------------------------------------------------------------------------
 
     def _nodes(self):
@@ -114,16 +122,19 @@ class WaylandSession(PrivateSession):
                       place["height"])
 
     def window(self, title, timeout=30, size=None):
-        """As on any desktop, once the compositor has placed the window."""
+        """As on any desktop, once the compositor has placed the window and it is drawn."""
         found = super().window(title, timeout, size)
-        places = [None]
-
-        def isPlaced():
-            places.append(self.geometry(found))
-            time.sleep(SETTLE_SECONDS)
-            return places[-1] == places[-2] == self.geometry(found)
-        wait_until(isPlaced, timeout, "a place for the window \"%s\"" % title)
+        self.rest()
         return found
+
+    def rest(self):
+        """Waits until nothing on the screen moves. The toolkit loses a change of the focus that
+        comes while the program still works off another one, faster than any hands are."""
+        def isQuiet():
+            before = self.picture()
+            time.sleep(REST_SECONDS)
+            return self.picture() == before
+        wait_until(isQuiet, 30, "a quiet screen")
 
     def _node(self, window):
         for node in self._nodes():
@@ -146,6 +157,7 @@ class WaylandSession(PrivateSession):
         """Gives a window the keyboard focus, as when the user switches between windows."""
         self.command("[con_id=%d] focus" % window)
         wait_until(lambda: self.activeWindow() == window, 30, "a window to get the keyboard")
+        self.rest()
 
     def place(self, window, x, y):
         """Moves a window, as its user can; it cannot move itself."""

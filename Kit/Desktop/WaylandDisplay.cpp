@@ -3,8 +3,8 @@
 #ifdef NERIN_WAYLAND
 #include <QGuiApplication>
 #include <QWindow>
-#include <qpa/qplatformnativeinterface.h>
 
+#include <qpa/qplatformnativeinterface.h>
 #include <wayland-client-core.h>
 
 namespace {

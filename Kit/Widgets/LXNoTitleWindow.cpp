@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QScreen>
 #include <QScrollBar>
+#include <QTimer>
 #include <QWindow>
 
 #include "Kit/Widgets/BGHUDScrollView.h"
@@ -47,9 +48,13 @@ bool LXNoTitleWindow::event(QEvent* event) {
   } else if (QWidget* blocker = QApplication::activeModalWidget();
              event->type() == QEvent::WindowActivate && m_shade->isVisible() &&
              blocker != nullptr && blocker != this) {
-    // The user clicked a window that takes no input: the one to answer comes to the front.
-    blocker->raise();
-    blocker->activateWindow();
+    // The user clicked a window that takes no input: the one to answer comes to the front. Later,
+    // because Qt gives the focus to this window's own widget first, which on Wayland asks for this
+    // window again.
+    QTimer::singleShot(0, blocker, [blocker] {
+      blocker->raise();
+      blocker->activateWindow();
+    });
   }
   return QWidget::event(event);
 }

@@ -6,7 +6,7 @@ from wayland_session import WaylandSession
 # Where the user puts the two windows.
 PANEL_LEFT = MAIN_SIZE[0] + 16
 # The height of the strip below a list's button by which an open list is recognized.
-STRIP = 16
+STRIP = 8
 
 
 class OnWayland(DemoTest):
