@@ -29,9 +29,10 @@ nerinoption ($version) unstable; urgency=medium
  -- $(sed -n 's/^Maintainer: //p' debian/control)  $(LC_ALL=C date -u -R -d "@$epoch")
 END
 cd "$copy"
-# Every permission that git does not keep, and that the user's umask would decide.
+# What git does not keep and each tree has in its own way: the permissions and the dates of files.
 umask 022
 chmod -R go=u-w .
+find . -exec touch --no-dereference --date="@$epoch" {} +
 # The symbols for debuggers are packages of their own, which nobody needs who does not ask for them.
 options=${DEB_BUILD_OPTIONS-noautodbgsym}
 exec env SOURCE_DATE_EPOCH="$epoch" DEB_BUILD_OPTIONS="parallel=$(nproc) $options" \

@@ -154,6 +154,10 @@ class Machine:
                 (self.folder / name).mkdir(exist_ok=True)
                 subprocess.run(["mount", "-t", kind, *options, kind, self.folder / name], check=True)
                 mounts.append(self.folder / name)
+            # As on every Debian; only root may make it.
+            sockets = self.folder / "tmp" / ".X11-unix"
+            sockets.mkdir()
+            sockets.chmod(0o1777)
             yield self
         finally:
             for place in reversed(mounts):
@@ -168,7 +172,8 @@ class Machine:
         words = ["chroot", str(self.folder)]
         if user:
             environment.update(HOME="/home/" + user, USER=user)
-            words = ["chroot", "--userspec=%s:%s" % (user, user), str(self.folder)]
+            # Displays listen on addresses that all folders share, but not all networks.
+            words = ["unshare", "--net", "chroot", "--userspec=%s:%s" % (user, user), str(self.folder)]
         options.setdefault("check", True)
         options.setdefault("cwd", "/")
         return subprocess.run([*words, *map(str, command)], env=environment, text=True,
@@ -338,25 +343,28 @@ def tryLibraries(machine):
 
 def tryCompanion(machine):
     say("the bus starts the companion")
-    machine.run("dbus-run-session", "--", "gdbus", "wait", "--session", "--activate",
-                "com.corvex.NerinOption.Companion", "20", user=USER, timeout=60)
+    machine.run("dbus-run-session", "--", "gdbus", "wait", "--session", "--timeout=20",
+                "--activate=com.corvex.NerinOption.Companion",
+                "com.corvex.NerinOption.Companion", user=USER, timeout=60)
 
 
 # Starts a display, then each program on it, and asks until the window is there.
 UNDER_X = """
 set -e
 export XDG_RUNTIME_DIR=/tmp/runtime-player
-mkdir -p -m 0700 "$XDG_RUNTIME_DIR/screen"
-Xvfb :17 -screen 0 1600x1000x24 -nolisten tcp -fbdir "$XDG_RUNTIME_DIR/screen" & server=$!
+mkdir -p -m 0700 "$XDG_RUNTIME_DIR"
+mkdir -p "$XDG_RUNTIME_DIR/screen"
+Xvfb :17 -screen 0 1600x1000x24 -nolisten tcp -noreset -fbdir "$XDG_RUNTIME_DIR/screen" & server=$!
 trap 'kill $program $server 2>/dev/null' EXIT
 export DISPLAY=:17
 for try in $(seq 200); do xwininfo -root >/dev/null 2>&1 && break; sleep 0.1; done
 %(program)s & program=$!
 for try in $(seq 300); do
-  if xwininfo -root -tree | grep -q '"%(title)s": ("%(program)s"'; then
+  id=$(xwininfo -root -tree | sed -n 's/^ *\(0x[0-9a-f]*\) "%(title)s": ("%(program)s" .*/\\1/p' | head -1)
+  if [ -n "$id" ]; then
     sleep 3
     kill -0 $program
-    xwininfo -name '%(title)s' | grep -q 'Map State: IsViewable'
+    xwininfo -id $id | grep -q 'Map State: IsViewable'
     cp "$XDG_RUNTIME_DIR/screen/Xvfb_screen0" ~/shown.xwd
     exit 0
   fi
@@ -444,7 +452,7 @@ def liveWithDependenciesAlone(archives, packages):
     with machine.running():
         before = machine.files()
         say("installing the packages with nothing but what they depend on")
-        told = install(machine, packages, "--no-install-recommends", "--no-download")
+        told = install(machine, packages, "--no-install-recommends")
         new = re.findall(r"^Setting up (\S+)", told, re.MULTILINE)
         require(set(new) <= set(PACKAGES), "more is needed than the packages say: %s" % new)
         tryLibraries(machine)
@@ -460,7 +468,7 @@ def liveWithAll(archives, packages, work):
     with machine.running():
         before = machine.files()
         say("installing the packages beside a desktop")
-        install(machine, packages, "--no-download")
+        install(machine, packages)
         tryCommandLine(machine)
         tryCompanion(machine)
         tryWindows(machine, work)
@@ -469,7 +477,7 @@ def liveWithAll(archives, packages, work):
         kept = userData(machine)
         say("upgrading them over themselves")
         installed = machine.files()
-        install(machine, packages, "--no-download")
+        install(machine, packages)
         requireSame(installed, machine.files(), "an upgrade changed")
         require(userData(machine) == kept, "an upgrade changed the user's data")
         require("Hidden=true" in settings.read_text(), "an upgrade undid what the user had set")
@@ -477,10 +485,11 @@ def liveWithAll(archives, packages, work):
         say("removing them")
         machine.apt("remove", *PACKAGES)
         left = sorted({*machine.files()} - {*before})
-        require(not [path for path in left if not path.startswith(("etc/xdg", "var/lib/systemd"))],
+        require(not [path for path in left if not path.startswith(("etc/", "var/lib/systemd/"))],
                 "a removal left: " + ", ".join(left))
         require("Hidden=true" in settings.read_text(), "a removal took the user's settings away")
-        machine.apt("purge", *PACKAGES)
+        # apt does not know those of them any more that left nothing.
+        machine.run("dpkg", "--purge", *PACKAGES)
         requireSame(before, machine.files(), "a purge left or took away")
         require(userData(machine) == kept, "a purge changed the user's data")
 
