@@ -105,9 +105,9 @@ def count_lines(name, build):
             check=True, capture_output=True).stdout)
     lines = {}
     for file in summary["data"][0]["files"]:
-        # Sources are named from the top of the tree or by their whole path.
-        path = os.path.relpath(os.path.join(ROOT, file["filename"]), ROOT)
-        if not path.startswith(("..", "Fuzz/", "build/")):
+        # The top of the tree is cut off, after which sources seem to lie in the build folder.
+        path = file["filename"].removeprefix("build/fuzz-lines/")
+        if not path.startswith(("/", "..", "Fuzz/", "build/")):
             lines[path] = file["summary"]["lines"]
     readers = [f"{path} {lines[path]['covered']}/{lines[path]['count']}"
                for path in READERS.get(name, []) if path in lines]
