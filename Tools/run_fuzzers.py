@@ -3,16 +3,21 @@
 
     cmake --preset fuzz && cmake --build --preset fuzz
     Tools/run_fuzzers.py --minutes 10 [TARGET...]
+    cmake --preset fuzz-lines && cmake --build --preset fuzz-lines
+    Tools/run_fuzzers.py --lines [TARGET...]
 
+The second form runs what the first one found through programs that count lines.
 What a target finds new stays in build/fuzz/found/TARGET, so that the next run begins where this one
 ended. An input that ends the program lies beside it as crash-*, timeout-* or oom-*.
 """
 
 import argparse
 import concurrent.futures
+import json
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -21,6 +26,32 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 LARGEST_INPUT = 1 << 16
 SECONDS_PER_INPUT = 10
 MEGABYTES = 2048
+# The files that read the input of each target; the rest of what it reaches works on what was read.
+READERS = {
+    "BroadcastFuzzer": ["Kit/Bus/BusNotification.cpp", "Companion/Policy/WindowMessage.cpp"],
+    "BusAddressFuzzer": ["Kit/Bus/SessionBusAddress.cpp"],
+    "CatalogueUpdateFuzzer": ["Action/Texts/CatalogueUpdate.cpp"],
+    "CommandLineFuzzer": ["CommandLine/CommandLine.cpp", "CommandLine/Grammar.cpp"],
+    "DeviceByteFuzzer": ["Action/Device/DeviceLink.cpp"],
+    "ImageReportFuzzer": ["Action/Wire/ProfileImage.cpp"],
+    "MacroArchiveFuzzer": ["Kit/Core/KeyedArchive.cpp"],
+    "MacroDraftFuzzer": ["Action/Edit/MacroDraft.cpp"],
+    "MacroReportFuzzer": ["Action/Wire/MacroImage.cpp"],
+    "MenuInfoFuzzer": ["Action/Catalogue/CatalogueFile.cpp", "Action/Catalogue/MacroCatalogue.cpp"],
+    "MouseMemoryFuzzer": ["VirtualMouse/MouseMemoryFile.cpp"],
+    "MouseTransferFuzzer": ["VirtualMouse/MouseFirmware.cpp"],
+    "NameReportFuzzer": ["Action/Wire/ProfileName.cpp"],
+    "ProfileFileFuzzer": ["Action/Library/ProfileValue.cpp"],
+    "ProgramNameFuzzer": ["Companion/Policy/AppMatcher.cpp", "Action/Service/LearnedButtons.cpp"],
+    "PropertyListFuzzer": ["Kit/Core/PropertyList.cpp", "Kit/Core/BinaryPropertyListGuard.cpp",
+                           "Kit/Core/XmlPropertyListGuard.cpp"],
+    "ReportDescriptorFuzzer": ["Kit/Device/ReportDescriptor.cpp"],
+    "ShortTextFuzzer": ["Kit/Core/Utf8.cpp", "Kit/Core/Transliteration.cpp",
+                        "VirtualMouse/MouseScenario.cpp"],
+    "SlotDraftFuzzer": ["Action/Edit/SlotDraft.cpp"],
+    "SlotFileFuzzer": ["Action/Wire/SlotReports.cpp"],
+    "TooltipFuzzer": ["Action/Texts/TooltipManager.cpp"],
+}
 
 
 def targets_of(build):
@@ -49,16 +80,56 @@ def run(name, build, minutes):
             "none" if code == 0 else f"exit code {code}, see {log}")
 
 
+def llvm(tool):
+    for name in (tool, tool + "-14"):
+        if shutil.which(name):
+            return name
+    sys.exit(f"{tool} is not installed")
+
+
+def count_lines(name, build):
+    """Returns the lines that the corpus and what was found reach, as a row of the table."""
+    replay = ROOT / "build" / "fuzz-lines" / "bin" / (name + "Replay")
+    folders = [ROOT / "Fuzz" / "corpus" / name, build / "found" / name]
+    with tempfile.TemporaryDirectory(prefix="nerin-fuzz-") as home:
+        profiles = []
+        for folder in filter(lambda one: one.is_dir() and any(one.iterdir()), folders):
+            profiles.append(f"{home}/{len(profiles)}.profraw")
+            subprocess.run([replay, folder], check=True, stdout=subprocess.DEVNULL,
+                           stderr=subprocess.DEVNULL,
+                           env={**os.environ, "TMPDIR": home, "LLVM_PROFILE_FILE": profiles[-1]})
+        whole = f"{home}/whole.profdata"
+        subprocess.run([llvm("llvm-profdata"), "merge", "-o", whole, *profiles], check=True)
+        summary = json.loads(subprocess.run(
+            [llvm("llvm-cov"), "export", "-summary-only", f"-instr-profile={whole}", replay],
+            check=True, capture_output=True).stdout)
+    lines = {}
+    for file in summary["data"][0]["files"]:
+        # The top of the tree is cut off, after which sources seem to lie in the build folder.
+        path = file["filename"].removeprefix("build/fuzz-lines/")
+        if not path.startswith(("/", "..", "Fuzz/", "build/")):
+            lines[path] = file["summary"]["lines"]
+    readers = [f"{path} {lines[path]['covered']}/{lines[path]['count']}"
+               for path in READERS.get(name, []) if path in lines]
+    return name, ", ".join(readers), str(sum(one["covered"] for one in lines.values()))
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("targets", nargs="*", metavar="TARGET", help="all, if none is named")
     parser.add_argument("--minutes", type=float, default=10, help="for each target")
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="targets at a time")
     parser.add_argument("--build", type=pathlib.Path, default=ROOT / "build" / "fuzz")
+    parser.add_argument("--lines", action="store_true", help="count the lines that were reached")
     options = parser.parse_args()
     names = options.targets or targets_of(options.build)
     if not names:
         sys.exit(f"no targets in {options.build}/bin: build the preset fuzz first")
+    if options.lines:
+        print("| target | lines of what reads | lines in all |\n|---|---|---|")
+        for name in names:
+            print("| " + " | ".join(count_lines(name, options.build)) + " |", flush=True)
+        return
     print("| target | inputs | edges | features | corpus | findings |\n|---|---|---|---|---|---|")
     has_findings = False
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
