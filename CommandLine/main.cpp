@@ -46,7 +46,8 @@ int run(int argc, char** argv) {
   bool isJson = false;
   program
       .addOption("--virtual", options.virtualFile,
-                 "Use a virtual mouse whose memory is this file, made when missing")
+                 "Use a virtual mouse whose memory is this file, made when missing, or one that "
+                 "answers as in this report or trace")
       .typeName("FILE");
   program
       .addOption("--scenario", options.scenario,
