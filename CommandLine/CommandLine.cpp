@@ -19,7 +19,8 @@ std::optional<ExitCode> CommandLine::parse(int argc, const char* const* argv) {
       "nerinctl", exitCodes);
   program
       .addOption("--virtual", options.virtualFile,
-                 "Use a virtual mouse whose memory is this file, made when missing")
+                 "Use a virtual mouse whose memory is this file, made when missing, or one that "
+                 "answers as in this report or trace")
       .typeName("FILE");
   program
       .addOption("--scenario", options.scenario,

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "Action/Library/ProfieController.h"
 #include "CommandLine/Grammar.h"
@@ -22,6 +23,16 @@ void addCompanionCommands(GrammarCommand program, Command& chosen);
 
 // A text of the companion (Kit/Bus/CompanionAddress.h); nothing if it does not run.
 std::optional<std::string> askCompanion(const char* property);
+
+// One thing that was looked at.
+struct Finding {
+  std::string subject;
+  bool isFine = false;
+  std::string text;  // what is so, and what to do about it
+};
+// What keeps things from working, and what works.
+std::vector<Finding> findingsOf(Session& session);
+void addReportCommand(GrammarCommand program, Command& chosen);
 
 // Adds a command with one or two arguments.
 void addWithWord(GrammarCommand group, Command& chosen, const std::string& name,

@@ -124,12 +124,6 @@ void learn(Session& session, int button) {
 
 // --- What keeps things from working --------------------------------------------------------------
 
-struct Finding {
-  std::string subject;
-  bool isFine = false;
-  std::string text;  // what is so, and what to do about it
-};
-
 std::string variable(const char* name) {
   const char* value = std::getenv(name);
   return value != nullptr ? value : "";
@@ -266,10 +260,7 @@ void addCompanion(std::vector<Finding>& findings) {
 }
 
 void doctor(Session& session) {
-  std::vector<Finding> findings;
-  addMouse(session, findings);
-  addFiles(findings);
-  addCompanion(findings);
+  const std::vector<Finding> findings = findingsOf(session);
   std::vector<std::vector<std::string>> rows;
   Json document = Json::array();
   rows.reserve(findings.size());
@@ -282,6 +273,14 @@ void doctor(Session& session) {
 }
 
 }  // namespace
+
+std::vector<Finding> findingsOf(Session& session) {
+  std::vector<Finding> findings;
+  addMouse(session, findings);
+  addFiles(findings);
+  addCompanion(findings);
+  return findings;
+}
 
 std::optional<std::string> askCompanion(const char* property) {
   return askSessionBus(
@@ -299,4 +298,5 @@ void addCompanionCommands(GrammarCommand program, Command& chosen) {
       [&chosen, button] { chosen = [=](Session& session) { learn(session, *button); }; });
   program.addCommand("doctor", "What is there, what is missing, and what to do about it", "doctor")
       .onGiven([&chosen] { chosen = doctor; });
+  addReportCommand(program, chosen);
 }

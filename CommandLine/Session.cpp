@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <iterator>
 #include <system_error>
 #include <thread>
 
@@ -20,6 +21,7 @@
 #include "Kit/Core/HostEnvironment.h"
 #include "Kit/Core/LXPlatform.h"
 #include "Kit/Core/ObservedDeviceRequester.h"
+#include "VirtualMouse/ReplayedMouse.h"
 #include "VirtualMouse/VirtualDeviceRequester.h"
 
 namespace {
@@ -31,6 +33,24 @@ bool isWrite(const LXDeviceRequest& request) {
   return (request.bmRequestType & 0x80U) == 0;
 }
 
+// The mouse of a report or a trace; null if the file is something else.
+std::shared_ptr<LXDeviceRequester> replayedMouse(const std::string& path) {
+  constexpr std::size_t longestReport = 16U << 20U;
+  std::ifstream file(path, std::ios::binary);
+  std::string text(64, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<std::size_t>(file.gcount()));
+  if (!ReplayedMouse::isReplayable(text)) {
+    return nullptr;
+  }
+  std::error_code error;
+  if (std::filesystem::file_size(path, error) > longestReport) {
+    throw CommandError(ExitCode::Failed, "the report is too long: " + printable(path));
+  }
+  text.append(std::istreambuf_iterator<char>(file), {});
+  return std::make_shared<ReplayedMouse>(text);
+}
+
 std::shared_ptr<LXDeviceRequester> virtualMouse(const SessionOptions& options) {
   MouseScenario scenario;
   if (options.scenario) {
@@ -39,6 +59,12 @@ std::shared_ptr<LXDeviceRequester> virtualMouse(const SessionOptions& options) {
       throw CommandError(ExitCode::Usage, "no such scenario: " + printable(*options.scenario));
     }
     scenario = *parsed;
+  }
+  if (auto replayed = replayedMouse(*options.virtualFile)) {
+    if (options.scenario) {
+      throw CommandError(ExitCode::Usage, "a report has its own scenario");
+    }
+    return replayed;
   }
   try {
     auto mouse = std::make_shared<VirtualMouse>(std::filesystem::path(*options.virtualFile));
@@ -230,16 +256,21 @@ void Session::didSend(const LXDeviceRequest& request, bool isDone) {
   if (!isDone || request.wLenDone < request.data.size()) {
     ++m_failedTransfers;
   }
-  if (m_trace.is_open()) {
-    char head[32];
-    std::snprintf(head, sizeof head, "%s %04x %u ", isWrite(request) ? "SET" : "GET",
-                  static_cast<unsigned>(request.wValue), static_cast<unsigned>(request.wIndex));
-    m_trace << head << hexText(request.data) << (isDone ? "" : " failed") << std::endl;
-  }
+  char head[32];
+  std::snprintf(head, sizeof head, "%s %04x %u ", isWrite(request) ? "SET" : "GET",
+                static_cast<unsigned>(request.wValue), static_cast<unsigned>(request.wIndex));
+  trace(head + hexText(request.data) + (isDone ? "" : " failed"));
 }
 
 void Session::traceSleep(std::int64_t milliseconds) {
+  trace("SLEEP " + std::to_string(milliseconds));
+}
+
+void Session::trace(const std::string& line) {
   if (m_trace.is_open()) {
-    m_trace << "SLEEP " << milliseconds << std::endl;
+    m_trace << line << std::endl;
+  }
+  if (m_tracer) {
+    m_tracer(line);
   }
 }

@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "Action/Device/DeviceLink.h"
 #include "Action/Library/LibraryLock.h"
@@ -53,6 +55,10 @@ class Session {
   void end();
   // Prints each long report to a terminal; `macros` is the number of macros to write.
   void showProgress(std::size_t macros);
+  // From now on also gives every line of the trace to `tracer`; an empty one ends that.
+  void setTracer(std::function<void(const std::string& line)> tracer) {
+    m_tracer = std::move(tracer);
+  }
 
   bool isVirtual() const { return m_isVirtual; }
   // The whole path of the virtual mouse's file; empty for the USB mouse.
@@ -64,6 +70,7 @@ class Session {
   void willSend(const LXDeviceRequest& request);
   void didSend(const LXDeviceRequest& request, bool isDone);
   void traceSleep(std::int64_t milliseconds);
+  void trace(const std::string& line);
 
   librarylock::Handle m_libraryLock;
   std::unique_ptr<NerinAction::MouseHold> m_mouseHold;
@@ -72,6 +79,7 @@ class Session {
   std::shared_ptr<HidDeviceRequester> m_usbMouse;
   std::ofstream m_trace;
   std::string m_traceFile;
+  std::function<void(const std::string& line)> m_tracer;
   std::size_t m_failedTransfers = 0;
   bool m_isShowingProgress = false;
   std::size_t m_macros = 0;

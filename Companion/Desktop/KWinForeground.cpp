@@ -136,12 +136,13 @@ void KWinForeground::take(sd_bus_message* call) {
   }
   m_silence.stop();
   std::optional<AppIdentity> identity;
-  if (*windowClass != '\0' || *desktopFile != '\0') {
+  const int process = std::atoi(pid);
+  if (*windowClass != '\0' || *desktopFile != '\0' || process > 0) {
     identity.emplace();
     // The desktop file is what KWin itself found out about the window.
     identity->appId = *desktopFile != '\0' ? desktopFile : windowClass;
     identity->instance = *desktopFile != '\0' ? windowClass : instance;
-    identity->pid = std::atoi(pid);
+    identity->pid = process;
     foreground::describeProcess(*identity);
   }
   m_changed(identity);

@@ -168,10 +168,7 @@ void WlrForeground::State::take() {
 void WlrForeground::State::tell() {
   const auto front = std::find_if(windows.begin(), windows.end(),
                                   [](const Window& window) { return window.isInFront; });
-  // A window without an id says nothing.
-  const auto id = front != windows.end() && !front->shownAppId.empty()
-                      ? std::optional(front->shownAppId)
-                      : std::nullopt;
+  const auto id = front != windows.end() ? std::optional(front->shownAppId) : std::nullopt;
   if (std::exchange(hasTold, true) && told == id) {
     return;
   }

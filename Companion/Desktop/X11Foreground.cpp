@@ -118,9 +118,10 @@ void X11Foreground::State::look() {
     return;
   }
   const AppIdentity identity = identityOf(window);
-  // A window that closes while it is asked says nothing.
-  const bool isKnown = !identity.appId.empty() || !identity.executable.empty();
-  changed(isKnown ? std::optional(identity) : std::nullopt);
+  // A window that says nothing of itself belongs to some program, unless it closed meanwhile.
+  const bool isThere = !identity.appId.empty() || !identity.executable.empty() ||
+                       property(window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING) != nullptr;
+  changed(isThere ? std::optional(identity) : std::nullopt);
 }
 
 void X11Foreground::State::takeEvents() {

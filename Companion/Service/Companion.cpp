@@ -30,6 +30,9 @@ constexpr auto reopenLimit = 60s;
 constexpr auto resumePause = 2s;
 // A held button may send its report again.
 constexpr auto launchPause = 500ms;
+// After a write, the mouse is read once more at the doorbell's time. It is free before its
+// profile's name is asked for, so that others wait for one of these at most.
+constexpr auto showPause = 150ms;
 // The window that asked for it has to end first.
 constexpr auto reopenPause = 500ms;
 
@@ -55,6 +58,7 @@ Companion::Companion(EventLoop& loop, BusConnection& bus, Settings settings)
                .heard = [this](const HidInputReport& one) { return launch(one); }}),
       m_foregroundTimer(loop, [this] { openForeground(); }),
       m_decideTimer(loop, [this] { decide(); }),
+      m_showTimer(loop, [this] { showSlot(); }),
       m_reopenTimer(loop, [this] { reopenWindow(); }),
       m_resumeTimer(loop, [this] {
         m_mouse.look();
@@ -352,7 +356,7 @@ void Companion::decide() {
             "NerinDevStatus", "",
             LXUserInfo{{"type", static_cast<std::int32_t>(DeviceReport::SlotChanged)},
                        {"value", written}});
-        showSlot();
+        m_showTimer.startIn(showPause);
       }
     }
   }

@@ -86,6 +86,7 @@ class Companion {
   std::chrono::seconds m_foregroundPause{1};
   EventLoop::Timer m_foregroundTimer;
   EventLoop::Timer m_decideTimer;
+  EventLoop::Timer m_showTimer;
   UserWords m_words;
   bool m_isOn = true;
   std::optional<SlotReason> m_reason;  // nothing before the first one

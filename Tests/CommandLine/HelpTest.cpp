@@ -37,6 +37,7 @@ const std::vector<Words> everyCommand{
     {"backup"},
     {"learn"},
     {"doctor"},
+    {"report"},
     {"macros", "import"},
     {"restore"},
     {"macros", "export"},

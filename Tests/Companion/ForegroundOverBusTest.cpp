@@ -271,6 +271,8 @@ TEST_F(ForegroundOverBus, AScriptInKWinTellsTheWindows) {
   EXPECT_FALSE(seen.back()->executable.empty());
   kwin.bring("xterm", "", 0);
   EXPECT_TRUE(comes("xterm"));
+  kwin.bring("", "", getpid());
+  EXPECT_TRUE(comes("")) << "it says nothing of itself";
   kwin.bring("", "", 0);
   EXPECT_TRUE(comes(std::nullopt));
 }

@@ -64,6 +64,15 @@ TEST_F(WlrForegroundTest, FollowsTheWindows) {
   EXPECT_EQ(lost, 0);
 }
 
+TEST_F(WlrForegroundTest, AWindowThatSaysNothingOfItselfIsAnotherProgram) {
+  const PrivateSway sway;
+  const auto foreground = open();
+  const WaylandWindow known("known");
+  ASSERT_TRUE(comes("known"));
+  const WaylandWindow silent("");
+  EXPECT_TRUE(comes(""));
+}
+
 TEST_F(WlrForegroundTest, TellsOnceThatTheCompositorIsGone) {
   PrivateSway sway;
   const auto foreground = open();

@@ -73,6 +73,15 @@ TEST_F(X11ForegroundTest, SaysWhoseProcessItIs) {
   EXPECT_EQ(seen.back()->executable.filename(), "X11Test");
 }
 
+TEST_F(X11ForegroundTest, AWindowThatSaysNothingOfItselfIsAnotherProgram) {
+  const PrivateDisplay display;
+  const auto foreground = open();
+  const ProgramWindow known("known", "Known");
+  ASSERT_TRUE(comes("Known"));
+  const ProgramWindow silent("", "");
+  EXPECT_TRUE(comes(""));
+}
+
 TEST_F(X11ForegroundTest, TellsThatNoWindowIsInFront) {
   const PrivateDisplay display(false);
   ProgramWindow window("only", "Only");
