@@ -24,7 +24,7 @@ KINDS = {
     ("/macros/show", "name"): "macro", ("/macros/import", "file"): "file",
     ("/macros/export", "name"): "macro", ("/macros/export", "file"): "file",
     ("/macros/rename", "old"): "macro", ("/macros/delete", "name"): "macro",
-    ("/backup", "folder"): "folder", ("/restore", "folder"): "folder",
+    ("/backup", "folder"): "folder", ("/restore", "folder"): "folder", ("/report", "file"): "file",
     ("/rate", "hz"): "125 250 500 1000",
     ("/learn", "button"): " ".join(str(number) for number in range(1, 17)),
     # What nobody but the user can know.
