@@ -38,7 +38,7 @@ fs::path hostenvironment::homeFolder() {
 
 UserFolders hostenvironment::userFolders(const std::string& name) {
   const fs::path home = homeFolder();
-  const UserFolders library = UserFolders::inLibrary(home, name);
+  UserFolders library = UserFolders::inLibrary(home, name);
   if (mayBeThere(library.support)) {
     return library;
   }

@@ -118,7 +118,7 @@ def lookInto(packages, work):
             "the rule gives the mouse to others, or others to the user")
     for path in filesOf(unpacked):
         require(path.stat().st_mode & 0o7022 == 0, "%s may be changed by others" % path)
-    version = re.search(r"VERSION ([0-9.]+)", (TREE / "CMakeLists.txt").read_text())[1]
+    version = re.search(r"project\(NerinOption VERSION ([0-9.]+)", (TREE / "CMakeLists.txt").read_text())[1]
     for program in PROGRAMS:
         path = unpacked / "usr/bin" / program
         dynamic = output("readelf", "--wide", "--dynamic", "--program-headers", path)
