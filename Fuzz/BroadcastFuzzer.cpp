@@ -121,7 +121,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (const auto told = windowMessageOf(notification->object, notification->userInfo)) {
     const auto slot = told->chosenSlot();
     fuzz::require(!slot || (*slot >= 0 && *slot < 10));
-    static_cast<void>(displayOf(*told));
+    static_cast<void>(displayOf(*told, [](const std::string& name) { return name; }));
   }
   return 0;
 }
