@@ -13,6 +13,7 @@
 #include <limits>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -23,12 +24,16 @@
 #include "Kit/Core/LXLogger.h"
 
 using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
 
 namespace {
 
 constexpr milliseconds maximumSlice{20};
 // How long the destructor waits for the worker after the flush.
 constexpr milliseconds endLimit{200};
+// How long a worker that is to stop waits for an answer that is on its way: Qt loses the memory of
+// a call whose connection goes first.
+constexpr milliseconds answerLimit{100};
 
 // A request to receive the notifications of other processes.
 struct Listen {};
@@ -170,11 +175,17 @@ class SessionBusNotificationCenter::Worker {
     const QDBusPendingCall call =
         connection.asyncCall(callToTheBus(method), std::numeric_limits<int>::max());
     std::unique_lock lock(m_state.mutex);
+    std::optional<Clock::time_point> lastMoment;
     for (milliseconds slice(1); !call.isFinished(); slice = std::min(2 * slice, maximumSlice)) {
       if (m_state.isStopping) {
-        return false;
+        lastMoment = lastMoment.value_or(Clock::now() + answerLimit);
+        if (Clock::now() >= *lastMoment) {
+          return false;
+        }
+        m_state.changed.wait_for(lock, slice);
+      } else {
+        m_state.changed.wait_for(lock, slice, [this] { return m_state.isStopping; });
       }
-      m_state.changed.wait_for(lock, slice, [this] { return m_state.isStopping; });
     }
     return !call.isError();
   }
