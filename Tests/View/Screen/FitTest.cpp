@@ -13,14 +13,10 @@
 
 #include <gmock/gmock.h>
 
-#include "Action/Catalogue/FunctionCatalogue.h"
-#include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Texts/Language.h"
 #include "Action/Texts/TooltipManager.h"
-#include "Tests/Support/EditorTest.h"
-#include "View/Macros/MacroView.h"
+#include "Tests/View/Screen/EveryWindow.h"
 #include "View/Main/LanguageMenu.h"
-#include "View/Windows/ProgramPanel.h"
 
 namespace {
 
@@ -45,7 +41,7 @@ QRect inWindow(const QWidget& widget, const QRect& place) {
   return {widget.mapTo(widget.window(), place.topLeft()), place.size()};
 }
 
-class Fit : public AssignTest, public testing::WithParamInterface<language::Language> {
+class Fit : public EveryWindow, public testing::WithParamInterface<language::Language> {
  protected:
   Fit() {
     EXPECT_TRUE(language::choose(GetParam().code));
@@ -54,7 +50,7 @@ class Fit : public AssignTest, public testing::WithParamInterface<language::Lang
     library().setCurrFWProfileIndex(0);
     const QWidgetList older = QApplication::allWidgets();
     m_older = {older.begin(), older.end()};
-    addMacro(1, "Combo", {{0, 0, 10}, {0, 1, 20}, {120, 3, 5}, {121, 4, 5}, {122, 3, 5}});
+    addCombo();
   }
 
   // What cannot be read on the open windows: type that is too small, words that are cut, and words
@@ -188,98 +184,31 @@ TEST_P(Fit, InTheChosenLanguage) {
 }
 
 TEST_P(Fit, OnTheMainWindow) {
-  start();
-  EXPECT_THAT(misfits(), IsEmpty());
-  typeName("Game");
-  click("battleModeBtn");
-  click("goRightBtn");
-  EXPECT_THAT(misfits(), IsEmpty());
-  click("goLeftBtn");
-  view().findChild<QAbstractButton*>(QStringLiteral("changesBtn"))->click();
-  EXPECT_THAT(misfits(), IsEmpty());
+  throughTheMainWindow([&](const char* state) { EXPECT_THAT(misfits(), IsEmpty()) << state; });
 }
 
 TEST_P(Fit, InTheFooterOfEachEnd) {
-  start();
-  for (const char* name : {"applyBtn", "reDefBtn", "profileNewBtn", "profileDelBtn"}) {
-    click(name);
-    EXPECT_THAT(misfits(), IsEmpty()) << name;
-  }
+  throughTheFooterOfEachEnd([&](const char* state) { EXPECT_THAT(misfits(), IsEmpty()) << state; });
 }
 
 TEST_P(Fit, InTheChildWindows) {
-  start();
-  for (const char* name : {"lightOptionBtn", "preformanceBtn", "MacroSettingBtn", "rightBtn"}) {
-    click(name);
-    ASSERT_TRUE(child()) << name;
-    EXPECT_THAT(misfits(), IsEmpty()) << name;
-    child()->close();
-    process();
-  }
+  throughTheChildWindows([&](const char* state) { EXPECT_THAT(misfits(), IsEmpty()) << state; });
 }
 
 TEST_P(Fit, InTheAssignmentOfEachKind) {
-  for (const _BTN_INFO& info :
-       {macroButton(1), button(1, {6}), button(2, {0}), button(1, {}, ButtonTypeSensitivity),
-        button(15, {}, ButtonTypeLaunch), button(6, {}, ButtonTypeDisabled)}) {
-    openPanel(3, info);
-    EXPECT_THAT(misfits(), IsEmpty()) << info.btnType;
-  }
+  throughTheAssignmentOfEachKind(
+      [&](const char* state) { EXPECT_THAT(misfits(), IsEmpty()) << state; });
 }
 
 TEST_P(Fit, InTheListsOfFunctions) {
-  const auto openAll = [&](std::initializer_list<const char*> names) {
-    for (const char* name : names) {
-      for (auto* opener : panel().findChildren<LXButton*>(QString::fromLatin1(name))) {
-        if (opener->isVisible()) {
-          clickThroughWindow(*opener);
-          break;
-        }
-      }
-      QWidget* list = QApplication::activePopupWidget();
-      ASSERT_TRUE(list) << name;
-      EXPECT_THAT(misfits(), IsEmpty()) << name;
-      list->close();
-      process();
-    }
-  };
-  openPanel(3, macroButton(1));
-  openAll({"comSelBtn", "tkeySelBtn", "repeatSelBtn"});
-  _BTN_INFO scroll = button(1, {6});
-  scroll.FuncID = 1;
-  scroll.MacroID = 1;
-  openPanel(3, scroll);
-  openAll({"comSelBtn", "selBtn"});
-  _BTN_INFO dpi = button(1, {}, ButtonTypeSensitivity);
-  dpi.FuncID = 1;
-  openPanel(3, dpi);
-  openAll({"comSelBtn", "selBtn"});
+  throughTheListsOfFunctions(
+      [&](const char* state) { EXPECT_THAT(misfits(), IsEmpty()) << state; });
 }
 
 TEST_P(Fit, InTheMacroEditor) {
-  auto* editor = new MacroView;
-  editor->construct();
-  show(editor);
-  editor->setSelMacroByNode(NerinAction::macroStore->macroNode->children().front());
-  editor->selectComByIndex(1);
-  EXPECT_THAT(misfits(), IsEmpty());
-  control("toolsBtn").click();
-  EXPECT_THAT(misfits(), IsEmpty());
-  if (QWidget* tools = QApplication::activePopupWidget()) {
-    tools->close();
-  }
-  control("testBtn").click();
-  EXPECT_THAT(misfits(), IsEmpty());
-  if (QWidget* pane = QApplication::activePopupWidget()) {
-    pane->close();
-  }
-  control("recordBtn").click();
-  EXPECT_THAT(misfits(), IsEmpty());
-  control("stopBtn").click();
+  throughTheMacroEditor([&](const char* state) { EXPECT_THAT(misfits(), IsEmpty()) << state; });
 }
 
 TEST_P(Fit, OnThePanelOfPrograms) {
-  ProgramPanel panel({{"Chess", "/apps/chess.desktop", {}, true}}, {}, nullptr);
-  panel.show();
-  EXPECT_THAT(misfits(), IsEmpty());
+  throughThePanelOfPrograms([&](const char* state) { EXPECT_THAT(misfits(), IsEmpty()) << state; });
 }

@@ -18,13 +18,10 @@
 #include <gmock/gmock.h>
 #include <pugixml.hpp>
 
-#include "Action/Catalogue/MacroCatalogue.h"
 #include "Action/Texts/Language.h"
 #include "Kit/Core/LXKey.h"
-#include "Tests/Support/EditorTest.h"
-#include "View/Macros/MacroView.h"
+#include "Tests/View/Screen/EveryWindow.h"
 #include "View/Windows/PlainMessage.h"
-#include "View/Windows/ProgramPanel.h"
 
 namespace {
 
@@ -94,7 +91,7 @@ QStringList strangers(QString text, bool mayBeKey = false) {
   return found;
 }
 
-class LookedUp : public AssignTest {
+class LookedUp : public EveryWindow {
  protected:
   LookedUp() {
     pugi::xml_document catalogue;
@@ -115,7 +112,7 @@ class LookedUp : public AssignTest {
     // What lasts as long as the process has the texts of an earlier test.
     const QWidgetList older = QApplication::allWidgets();
     m_older = {older.begin(), older.end()};
-    addMacro(1, "Combo", {{0, 0, 10}, {0, 1, 20}, {120, 3, 5}, {121, 4, 5}, {122, 3, 5}});
+    addCombo();
   }
 
   // The texts of all widgets that were not looked up, with the widgets' names.
@@ -186,14 +183,7 @@ TEST_F(LookedUp, AWordOfItsOwnIsFound) {
 }
 
 TEST_F(LookedUp, InTheMainWindow) {
-  start();
-  typeName("Game");
-  click("battleModeBtn");
-  click("goRightBtn");
-  EXPECT_THAT(notLookedUp(), IsEmpty());
-  click("goLeftBtn");
-  view().findChild<QAbstractButton*>(QStringLiteral("changesBtn"))->click();
-  EXPECT_THAT(notLookedUp(), IsEmpty());
+  throughTheMainWindow([&](const char* state) { EXPECT_THAT(notLookedUp(), IsEmpty()) << state; });
 }
 
 TEST_F(LookedUp, InItsListsAndItsMenu) {
@@ -211,86 +201,35 @@ TEST_F(LookedUp, InItsListsAndItsMenu) {
 }
 
 TEST_F(LookedUp, InTheFooterOfEachEnd) {
-  start();
-  for (const char* name : {"applyBtn", "reDefBtn", "profileNewBtn", "profileDelBtn"}) {
-    click(name);
-    EXPECT_THAT(notLookedUp(), IsEmpty()) << name;
-  }
+  throughTheFooterOfEachEnd(
+      [&](const char* state) { EXPECT_THAT(notLookedUp(), IsEmpty()) << state; });
   for (const auto& message : m_shown) {
     EXPECT_THAT(strangers(QString::fromStdString(message)), IsEmpty()) << message;
   }
 }
 
 TEST_F(LookedUp, InTheChildWindows) {
-  start();
-  for (const char* name : {"lightOptionBtn", "preformanceBtn", "MacroSettingBtn", "rightBtn"}) {
-    click(name);
-    ASSERT_TRUE(child()) << name;
-    EXPECT_THAT(notLookedUp(), IsEmpty()) << name;
-    child()->close();
-    process();
-  }
+  throughTheChildWindows(
+      [&](const char* state) { EXPECT_THAT(notLookedUp(), IsEmpty()) << state; });
 }
 
 TEST_F(LookedUp, InTheAssignmentOfEachKind) {
-  for (const _BTN_INFO& info :
-       {macroButton(1), button(1, {6}), button(2, {0}), button(1, {}, ButtonTypeSensitivity),
-        button(15, {}, ButtonTypeLaunch), button(6, {}, ButtonTypeDisabled)}) {
-    openPanel(3, info);
-    EXPECT_THAT(notLookedUp(), IsEmpty()) << info.btnType;
-  }
+  throughTheAssignmentOfEachKind(
+      [&](const char* state) { EXPECT_THAT(notLookedUp(), IsEmpty()) << state; });
 }
 
 TEST_F(LookedUp, InTheListsOfFunctions) {
-  const auto openAll = [&](std::initializer_list<const char*> names) {
-    for (const char* name : names) {
-      // The parts for the other kinds have one of the same name, and are hidden.
-      for (auto* opener : panel().findChildren<LXButton*>(QString::fromLatin1(name))) {
-        if (opener->isVisible()) {
-          clickThroughWindow(*opener);
-          break;
-        }
-      }
-      QWidget* list = QApplication::activePopupWidget();
-      ASSERT_TRUE(list) << name;
-      EXPECT_THAT(notLookedUp(), IsEmpty()) << name;
-      list->close();
-      process();
-    }
-  };
-  openPanel(3, macroButton(1));
-  openAll({"comSelBtn", "tkeySelBtn", "repeatSelBtn"});
-  _BTN_INFO scroll = button(1, {6});
-  scroll.FuncID = 1;
-  scroll.MacroID = 1;
-  openPanel(3, scroll);
-  openAll({"comSelBtn", "selBtn"});
-  _BTN_INFO dpi = button(1, {}, ButtonTypeSensitivity);
-  dpi.FuncID = 1;
-  openPanel(3, dpi);
-  openAll({"comSelBtn", "selBtn"});
+  throughTheListsOfFunctions(
+      [&](const char* state) { EXPECT_THAT(notLookedUp(), IsEmpty()) << state; });
 }
 
 TEST_F(LookedUp, InTheMacroEditor) {
-  auto* editor = new MacroView;
-  editor->construct();
-  show(editor);
-  editor->setSelMacroByNode(NerinAction::macroStore->macroNode->children().front());
-  editor->selectComByIndex(1);
-  EXPECT_THAT(notLookedUp(), IsEmpty());
-  control("toolsBtn").click();
-  EXPECT_THAT(notLookedUp(), IsEmpty());
-  if (QWidget* tools = QApplication::activePopupWidget()) {
-    tools->close();
-  }
-  control("recordBtn").click();
-  EXPECT_THAT(notLookedUp(), IsEmpty());
-  control("stopBtn").click();
+  throughTheMacroEditor([&](const char* state) { EXPECT_THAT(notLookedUp(), IsEmpty()) << state; });
 }
 
 TEST_F(LookedUp, OnThePanelOfPrograms) {
-  const ProgramPanel panel({{"Chess", "/apps/chess.desktop", {}, true}}, {}, nullptr);
-  EXPECT_THAT(notLookedUp(), IsEmpty());
+  throughThePanelOfPrograms(
+      [&](const char* state) { EXPECT_THAT(notLookedUp(), IsEmpty()) << state; });
 }
 
 TEST_F(LookedUp, OnAMessage) {
