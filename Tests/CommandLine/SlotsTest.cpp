@@ -43,10 +43,10 @@ TEST(NerinctlSlots, TellsTheStateOfAMouseAsDelivered) {
                           {"macros", 0},
                           {"why", nullptr},
                           {"unfinished", json::array()}}));
-  EXPECT_THAT(user.lines({"status"}),
-              ElementsAre("mouse           virtual", "active slot     1 Profile#1",
-                          "in the library  no", "profiles        0", "macros          0",
-                          StartsWith("files           ")));
+  EXPECT_THAT(
+      user.lines({"status"}),
+      ElementsAre("mouse           virtual", "active slot     1 Profile#1", "in the library  no",
+                  "profiles        0", "macros          0", StartsWith("files           ")));
 }
 
 TEST(NerinctlSlots, ListsTenSlots) {
