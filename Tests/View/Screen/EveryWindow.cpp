@@ -3,7 +3,10 @@
 #include <QApplication>
 
 #include "Action/Catalogue/MacroCatalogue.h"
+#include "View/Assign/TkeyRepeatView.h"
+#include "View/Dpi/LevelSettingView.h"
 #include "View/Macros/MacroView.h"
+#include "View/Windows/ModalWindow.h"
 #include "View/Windows/ProgramPanel.h"
 
 void EveryWindow::addCombo() {
@@ -98,6 +101,26 @@ void EveryWindow::throughTheMacroEditor(const Look& look) {
   control("recordBtn").click();
   look("recordBtn");
   control("stopBtn").click();
+}
+
+void EveryWindow::throughTheInnerWindows(const Look& look) {
+  int seen = 0;
+  const auto run = [&]<typename View>(View* content, const char* state) {
+    QWidget over;
+    over.resize(700, 600);
+    over.show();
+    content->construct();
+    ModalWindow window(content, 0, QString(), &over);
+    onModal<View>([&](LXNoTitleWindow& shown, View&) {
+      ++seen;
+      look(state);
+      shown.close();
+    });
+    window.run();
+  };
+  run(new LevelSettingView, "DPI levels");
+  run(new TkeyRepeatView, "repeat count");
+  EXPECT_EQ(seen, 2);
 }
 
 void EveryWindow::throughThePanelOfPrograms(const Look& look) {

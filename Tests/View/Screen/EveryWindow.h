@@ -21,6 +21,8 @@ class EveryWindow : public AssignTest {
   void throughTheListsOfFunctions(const Look& look);
   void throughTheMacroEditor(const Look& look);
   void throughThePanelOfPrograms(const Look& look);
+  // The windows over child windows.
+  void throughTheInnerWindows(const Look& look);
 
  private:
   void openLists(std::initializer_list<const char*> openers, const Look& look);

@@ -209,6 +209,10 @@ TEST_P(Fit, InTheMacroEditor) {
   throughTheMacroEditor([&](const char* state) { EXPECT_THAT(misfits(), IsEmpty()) << state; });
 }
 
+TEST_P(Fit, InTheInnerWindows) {
+  throughTheInnerWindows([&](const char* state) { EXPECT_THAT(misfits(), IsEmpty()) << state; });
+}
+
 TEST_P(Fit, OnThePanelOfPrograms) {
   throughThePanelOfPrograms([&](const char* state) { EXPECT_THAT(misfits(), IsEmpty()) << state; });
 }

@@ -227,6 +227,11 @@ TEST_F(LookedUp, InTheMacroEditor) {
   throughTheMacroEditor([&](const char* state) { EXPECT_THAT(notLookedUp(), IsEmpty()) << state; });
 }
 
+TEST_F(LookedUp, InTheInnerWindows) {
+  throughTheInnerWindows(
+      [&](const char* state) { EXPECT_THAT(notLookedUp(), IsEmpty()) << state; });
+}
+
 TEST_F(LookedUp, OnThePanelOfPrograms) {
   throughThePanelOfPrograms(
       [&](const char* state) { EXPECT_THAT(notLookedUp(), IsEmpty()) << state; });
