@@ -296,7 +296,10 @@ void MainView::changeLanguage(const std::optional<std::string>& code) {
                 ? std::nullopt
                 : std::optional(m_currProfileBtn->title().toStdString()));
   showDraftMarks();
-  m_slotReason->showText();
+  // It is there as long as the window listens to the service.
+  if (m_slotReason) {
+    m_slotReason->showText();
+  }
   statusline::clear();
   statusline::tell(Outcome::of(SlotStep::SavePreferences, isKept));
   update();

@@ -125,3 +125,11 @@ TEST_F(LanguageChoice, LettersThatNoFontHasAreNoticed) {
   EXPECT_TRUE(LanguageMenu::hasLettersOf("English"));
   EXPECT_FALSE(LanguageMenu::hasLettersOf("\xF3\xB0\x80\x80"));
 }
+
+TEST_F(LanguageChoice, WorksBeforeTheWindowListensToTheService) {
+  MainView alone;
+  alone.construct();
+  alone.applicationMenu().findChild<QAction*>(QStringLiteral("language_de"))->trigger();
+  EXPECT_EQ(alone.findChild<LXButton*>(QStringLiteral("applyBtn"))->accessibleName(),
+            QStringLiteral("Anwenden"));
+}
