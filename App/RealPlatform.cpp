@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "App/Relaunch.h"
-#include "Kit/Bus/SingleInstance.h"
+#include "Kit/Bus/BusQuestion.h"
 #include "Kit/Core/HostEnvironment.h"
 #include "Kit/Desktop/DesktopServices.h"
 #include "Kit/Desktop/InstalledPrograms.h"

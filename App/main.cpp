@@ -34,7 +34,7 @@ int main(int argc, char** argv) {
     LXPlatform::install(std::move(platform));
     code = runApplication(delegate);
   }
-  // The bus connection must be closed before Qt shuts down.
+  // Sends what is still to be sent.
   LXPlatform::install({});
   relaunch::carryOut();
   return code;

@@ -80,7 +80,7 @@ std::shared_ptr<LXDeviceRequester> virtualMouse(const SessionOptions& options) {
 
 Session::~Session() {
   m_mouseHold.reset();
-  // The platform refers to this session, and the bus must close before Qt destroys its globals.
+  // The platform refers to this session.
   NerinAction::sysDeviceReq->reset();
   LXPlatform::install({});
 }

@@ -93,8 +93,8 @@ int work(const Options& options) {
   int code = Done;
   {
     Companion companion(loop, *bus, std::move(settings));
-    bus->requestName(companionaddress::service, [&](bool isOurs) {
-      if (isOurs) {
+    bus->requestName(companionaddress::service, [&](std::optional<bool> isOurs) {
+      if (isOurs.value_or(false)) {
         companion.begin();
       } else {
         // Another one works already.

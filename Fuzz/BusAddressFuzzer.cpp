@@ -1,15 +1,11 @@
-#include <sys/socket.h>
-#include <sys/un.h>
-
 #include "Fuzz/FuzzInput.h"
-#include "Kit/Bus/SessionBusAddress.h"
+#include "Kit/Bus/SessionBus.h"
 
 // Any text as the address of the session bus.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  for (const auto& address : SessionBusAddress::parse(fuzz::textOf(data, size))) {
-    fuzz::require(address.text.starts_with("unix:"));
-    fuzz::require(!address.socketName.empty());
-    fuzz::require(address.socketName.size() <= sizeof(sockaddr_un::sun_path));
-  }
+  const std::string sockets = sessionbus::socketsOf(fuzz::textOf(data, size));
+  fuzz::require(sockets.empty() || sockets.starts_with("unix:"));
+  fuzz::require(sockets.find(";;") == std::string::npos);
+  fuzz::require(sessionbus::socketsOf(sockets) == sockets);
   return 0;
 }

@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <limits>
 #include <list>
-#include <optional>
 #include <variant>
 
 #include <systemd/sd-bus.h>
 
 #include "Kit/Bus/BusNotification.h"
 #include "Kit/Bus/NotificationAddress.h"
+#include "Kit/Bus/SessionBus.h"
 #include "Kit/Core/LXLogger.h"
 
 namespace {
@@ -144,16 +144,20 @@ void BusConnection::State::hear(sd_bus_message* signal) {
 BusConnection::BusConnection(std::unique_ptr<State> state) : m_state(std::move(state)) {}
 
 std::unique_ptr<BusConnection> BusConnection::open(sd_event* loop, Kind kind,
-                                                   std::function<void()> lost) {
+                                                   std::function<void()> lost, int* failure) {
   sd_bus* opened = nullptr;
-  const int result =
-      kind == Kind::Session ? sd_bus_open_user(&opened) : sd_bus_open_system(&opened);
+  const int result = kind == Kind::Session ? sessionbus::open(opened) : sd_bus_open_system(&opened);
   if (result < 0) {
+    if (failure != nullptr) {
+      *failure = -result;
+    }
     return nullptr;
   }
   auto state = std::make_unique<State>();
   state->bus.reset(opened);
   state->lost = std::move(lost);
+  // At the end of the loop the library would wait for a bus that has not answered yet.
+  sd_bus_set_close_on_exit(opened, 0);
   if (sd_bus_attach_event(opened, loop, 0) < 0) {
     return nullptr;
   }
@@ -184,7 +188,7 @@ void BusConnection::forgetEverybody() {
 }
 
 void BusConnection::requestName(const std::string& name,
-                                std::function<void(bool isOurs)> answered) {
+                                std::function<void(std::optional<bool> isOurs)> answered) {
   constexpr std::uint32_t doNotQueue = 4;
   constexpr std::uint32_t isOwner = 1;
   constexpr std::uint32_t isOwnerAlready = 4;
@@ -195,15 +199,21 @@ void BusConnection::requestName(const std::string& name,
       },
       [answered = std::move(answered)](sd_bus_message* answer) {
         std::uint32_t result = 0;
-        answered(answer != nullptr && sd_bus_message_read(answer, "u", &result) > 0 &&
-                 (result == isOwner || result == isOwnerAlready));
+        if (answer == nullptr || sd_bus_message_read(answer, "u", &result) <= 0) {
+          answered(std::nullopt);
+        } else {
+          answered(result == isOwner || result == isOwnerAlready);
+        }
       });
 }
 
 void BusConnection::postNotificationName(const std::string& name, const std::string& object,
                                          const std::optional<LXUserInfo>& userInfo) {
   sd_bus_message* raw = nullptr;
-  if (sd_bus_message_new_signal(m_state->bus.get(), &raw, notificationaddress::path,
+  // The library would let a digit begin the name, for which the bus ends the connection.
+  const bool beginsWithDigit = !name.empty() && name.front() >= '0' && name.front() <= '9';
+  if (beginsWithDigit ||
+      sd_bus_message_new_signal(m_state->bus.get(), &raw, notificationaddress::path,
                                 notificationaddress::interface, name.c_str()) < 0) {
     LXLogger::warning("not a valid name of a notification: \"" + name + "\"");
     return;

@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,15 +34,19 @@ class BusConnection final : public LXNotificationCenter {
   // A text that other programs can read.
   using Property = std::pair<std::string, std::function<std::string()>>;
 
-  // Null without such a bus. `lost` is called once if the bus ends the connection or never accepts
-  // it. `loop` must outlive the connection.
-  static std::unique_ptr<BusConnection> open(sd_event* loop, Kind kind, std::function<void()> lost);
+  // Null without such a bus; then `failure` is the error number, EAGAIN if too many programs wait
+  // for the bus already. `lost` is called once if the bus ends the connection or never accepts it.
+  // `loop` must outlive the connection.
+  static std::unique_ptr<BusConnection> open(sd_event* loop, Kind kind, std::function<void()> lost,
+                                             int* failure = nullptr);
   ~BusConnection() override;
   BusConnection(const BusConnection&) = delete;
   BusConnection& operator=(const BusConnection&) = delete;
 
-  // Asks for a name, without waiting in a queue for it. `answered` gets whether it is ours.
-  void requestName(const std::string& name, std::function<void(bool isOurs)> answered);
+  // Asks for a name, without waiting in a queue for it. `answered` gets whether it is ours; nothing
+  // if the bus did not say.
+  void requestName(const std::string& name,
+                   std::function<void(std::optional<bool> isOurs)> answered);
 
   void postNotificationName(const std::string& name, const std::string& object,
                             const std::optional<LXUserInfo>& userInfo) override;

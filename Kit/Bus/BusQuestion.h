@@ -4,7 +4,9 @@
 #include <optional>
 #include <string>
 
-// A text property of an object on the session bus, asked by a program without an event loop.
+// What a program without an event loop asks on the session bus.
+
+// A text property of an object.
 struct BusQuestion {
   std::string service;  // not started if it does not run
   std::string path;
@@ -15,3 +17,7 @@ struct BusQuestion {
 // The property's text. Nothing without a bus, a service or an answer within `limit`.
 std::optional<std::string> askSessionBus(const BusQuestion& question,
                                          std::chrono::milliseconds limit);
+
+// Whether some program on the session bus has this name. Waits up to `limit`; false without an
+// answer.
+bool isOnTheSessionBus(const std::string& name, std::chrono::milliseconds limit);

@@ -4,16 +4,16 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 
+#include "Kit/Bus/BusThread.h"
 #include "Kit/Core/LXNotificationCenter.h"
 
-// Broadcast notifications as signals on the session bus. The connection is made on a separate
-// thread, because a bus that accepts but never answers would block the caller. Posts made before
-// that are sent once it is connected. Without a session bus posts are silently lost.
+// Broadcast notifications as signals on the session bus, on a thread of its own, so that they come
+// and go while the caller waits for a transfer. Posts made before the bus has answered are sent
+// once it has. Without a session bus posts are silently lost.
 //
-// Observers are called on a thread of the center. A program with its own QCoreApplication must
-// create it first: the center creates one if it has to observe and finds none.
+// Observers are called on the thread of the center. Those of one center are never called at the
+// same time, and a removed one not after its removal.
 class SessionBusNotificationCenter final : public LXNotificationCenter {
  public:
   SessionBusNotificationCenter();
@@ -33,9 +33,10 @@ class SessionBusNotificationCenter final : public LXNotificationCenter {
 
  private:
   struct State;
-  class Worker;
 
-  // Shared with the worker, which is detached if it does not end in time.
+  // The work on the thread refers to it.
   std::shared_ptr<State> m_state;
-  std::thread m_worker;
+  BusThread m_thread;
+
+  void give(BusThread::Work work);
 };

@@ -4,12 +4,11 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <thread>
 
 // Makes sure that a program runs once in a session: the first start owns the name on the session
 // bus, a later one asks it to come to the front. Without a bus every start is the first.
 //
-// The bus is asked on a thread, because one that accepts but never answers would block the start.
+// The bus is asked on a thread, while the program prepares itself.
 class SingleInstance {
  public:
   // Begins to ask for `name`, such as "com.corvex.NerinOption". `token` is the desktop's permission
@@ -28,12 +27,5 @@ class SingleInstance {
 
  private:
   struct State;
-
-  // Shared with the thread, which is detached if the bus does not answer.
-  std::shared_ptr<State> m_state;
-  std::thread m_worker;
+  std::unique_ptr<State> m_state;
 };
-
-// Whether some program on the session bus has this name. Waits up to `limit`; false without an
-// answer.
-bool isOnTheSessionBus(const std::string& name, std::chrono::milliseconds limit);

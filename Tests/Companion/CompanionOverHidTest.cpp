@@ -65,8 +65,8 @@ class CompanionOverHid : public testing::Test {
                                                         .runtimeFolder = {},
                                                         .mouseFile = {}});
     bool isAnswered = false;
-    m_bus->requestName(companionaddress::service, [&](bool isOurs) {
-      EXPECT_TRUE(isOurs);
+    m_bus->requestName(companionaddress::service, [&](std::optional<bool> isOurs) {
+      EXPECT_EQ(isOurs, true);
       m_companion->begin();
       isAnswered = true;
     });

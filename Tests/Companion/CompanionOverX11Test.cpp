@@ -57,7 +57,7 @@ class CompanionOverX11 : public testing::Test {
                                                         .runtimeFolder = {},
                                                         .mouseFile = mouse->memoryFile()});
     bool isAnswered = false;
-    m_bus->requestName(companionaddress::service, [&](bool) {
+    m_bus->requestName(companionaddress::service, [&](std::optional<bool>) {
       m_companion->begin();
       isAnswered = true;
     });
@@ -197,7 +197,7 @@ TEST_F(CompanionOverX11, WaitsUntilTheWindowHasNoEdits) {
   start();
   // Somebody is the window.
   const auto window = BusConnection::open(loop.handle(), BusConnection::Kind::Session, [] {});
-  window->requestName("com.corvex.NerinOption", [](bool) {});
+  window->requestName("com.corvex.NerinOption", [](std::optional<bool>) {});
   ASSERT_TRUE(draftfiles::write("slot-1.xml", documentOf(NerinAction::currentDraft(0))));
   ASSERT_TRUE(NerinAction::isAnyDraftOnDisk());
   const ProgramWindow blender("blender", "Blender");

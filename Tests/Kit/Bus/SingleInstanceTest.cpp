@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Kit/Bus/BusQuestion.h"
 #include "Kit/Bus/SingleInstance.h"
 #include "Tests/Support/ChildProcess.h"
 #include "Tests/Support/PrivateBus.h"
