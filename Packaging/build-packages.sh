@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Packaging/build-packages.sh [FOLDER]: builds the Debian packages into FOLDER (build/packages without
-# one) from the files of this tree as they are now, in a copy. The same commit is meant to give
-# the same bytes in every folder; docs/packaging.md says how far it does.
+# one) from the files of this tree as they are now, in a copy. The same commit gives the same bytes in
+# every folder; docs/packaging.md says what makes sure of it.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source Packaging/setup.sh

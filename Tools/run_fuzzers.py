@@ -29,7 +29,7 @@ MEGABYTES = 2048
 # The files that read the input of each target; the rest of what it reaches works on what was read.
 READERS = {
     "BroadcastFuzzer": ["Kit/Bus/BusNotification.cpp", "Companion/Policy/WindowMessage.cpp"],
-    "BusAddressFuzzer": ["Kit/Bus/SessionBusAddress.cpp"],
+    "BusAddressFuzzer": ["Kit/Bus/SessionBus.cpp"],
     "CatalogueUpdateFuzzer": ["Action/Texts/CatalogueUpdate.cpp"],
     "CommandLineFuzzer": ["CommandLine/CommandLine.cpp", "CommandLine/Grammar.cpp"],
     "DeviceByteFuzzer": ["Action/Device/DeviceLink.cpp"],
