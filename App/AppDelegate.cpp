@@ -14,6 +14,7 @@
 
 #include "Action/Texts/CatalogueUpdate.h"
 #include "App/AboutConnortller.h"
+#include "Kit/Desktop/LastFrame.h"
 #include "Kit/Widgets/ButtonAccessibility.h"
 #include "View/Main/MainView.h"
 #include "View/Screen/Pictures.h"
@@ -166,6 +167,7 @@ void prepareApplication(QApplication& application) {
       &application, &QGuiApplication::saveStateRequest, &application,
       [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); });
   buttonaccessibility::install();
+  LastFrame::waitFor(application);
 }
 
 int runApplication(AppDelegate& delegate) {
