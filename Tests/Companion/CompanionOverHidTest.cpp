@@ -332,6 +332,36 @@ TEST_F(LaunchOverHid, AnotherSlotIsShownInOneNotification) {
   EXPECT_EQ(desktop.shown[1].replaced, 41U);
 }
 
+TEST_F(LaunchOverHid, TheDisplayWaitsForTheNameWhileAnotherProgramHasTheMouse) {
+  emulated.plugWithVendorInput();
+  MouseHost::write(emulated.mouse(), MouseHost::nameReport(4, "Games"));
+  start();
+  reports();
+  emulated.mouse().pressSlotButton(4);
+  auto other = FileLock::acquire(lockFile(), 1s);
+  ASSERT_TRUE(other);
+  tellSetting("111", "{'value1': <1>, 'value2': <4>}");
+  reports(600ms);
+  EXPECT_TRUE(desktop.shown.empty());
+  other.reset();
+  reports(600ms);
+  ASSERT_EQ(desktop.shown.size(), 1U);
+  EXPECT_EQ(desktop.shown[0].summary, "Slot 5: Games");
+}
+
+TEST_F(LaunchOverHid, TheDisplayDoesWithoutANameThatDoesNotCome) {
+  emulated.plugWithVendorInput();
+  start();
+  reports();
+  emulated.mouse().pressSlotButton(4);
+  const auto other = FileLock::acquire(lockFile(), 1s);
+  ASSERT_TRUE(other);
+  tellSetting("111", "{'value1': <1>, 'value2': <4>}");
+  reports(2500ms);
+  ASSERT_EQ(desktop.shown.size(), 1U);
+  EXPECT_EQ(desktop.shown[0].summary, "Slot 5");
+}
+
 TEST_F(LaunchOverHid, TheDisplaySpeaksTheLanguageThatTheUserChose) {
   PreferenceFile preferences(NerinAction::preferenceFilePath());
   ASSERT_TRUE(preferences.setValue(preferencekeys::language, "de"));
