@@ -1,6 +1,5 @@
 #include "Companion/Service/Companion.h"
 
-#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -26,8 +25,6 @@ constexpr std::chrono::seconds longestForegroundPause{30};
 constexpr auto reopenLimit = 60s;
 // After sleep, the bus needs a moment to find its devices.
 constexpr auto resumePause = 2s;
-// A held button may send its report again.
-constexpr auto launchPause = 500ms;
 // The window that asked for it has to end first.
 constexpr auto reopenPause = 500ms;
 
@@ -204,7 +201,7 @@ void Companion::setHasWindow(bool hasWindow) {
 
 void Companion::reloadLinks() {
   m_links.reload();
-  m_buttons = learnedbuttons::all();
+  m_buttons.learn(learnedbuttons::all());
   m_isOn = NerinAction::daemonGetSwitchSlots();
   m_policy.setIsOn(m_isOn);
   m_policy.setHasLinks(!m_links.isEmpty());
@@ -283,22 +280,16 @@ SwitchPolicy::Program Companion::programOf(const AppIdentity& identity) const {
 
 // True for a button that somebody taught, whether or not it launches something here.
 bool Companion::launch(const HidInputReport& report) {
-  const auto known = std::find_if(m_buttons.begin(), m_buttons.end(), [&](const auto& entry) {
-    return entry.second.fits(report.interfaceNumber, report.bytes);
-  });
-  if (known == m_buttons.end()) {
+  const auto press = m_buttons.heard(report.interfaceNumber, report.bytes, now());
+  if (!press) {
     return false;
   }
-  const int button = known->first;
-  const auto last = m_launches.find(button);
-  const bool isHeld = last != m_launches.end() && now() - last->second < launchPause;
-  m_launches[button] = now();
   const bool isClosed = m_session && m_session->isClosed();
-  if (isHeld || isClosed || !m_policy.slot()) {
+  if (!press->isNew || isClosed || !m_policy.slot()) {
     return true;
   }
   // Only what a person put there in this program: never a path out of somebody else's profile.
-  const auto path = NerinAction::daemonGetLaunchPath(*m_policy.slot(), button);
+  const auto path = NerinAction::daemonGetLaunchPath(*m_policy.slot(), press->button);
   if (path && !path->empty()) {
     m_launcher.launch(*path);
   }

@@ -2,16 +2,15 @@
 
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "Action/Service/LearnedButtons.h"
 #include "Companion/Desktop/Foreground.h"
 #include "Companion/Desktop/Launcher.h"
 #include "Companion/Desktop/SessionState.h"
 #include "Companion/Loop/EventLoop.h"
+#include "Companion/Policy/LaunchButtons.h"
 #include "Companion/Policy/SwitchPolicy.h"
 #include "Companion/Policy/WindowMessage.h"
 #include "Companion/Service/Links.h"
@@ -71,8 +70,7 @@ class Companion {
   Settings m_settings;
   Launcher m_launcher;
   std::unique_ptr<SessionState> m_session;
-  std::map<int, ButtonPattern> m_buttons;
-  std::map<int, EventLoop::Time> m_launches;
+  LaunchButtons m_buttons;
   MouseWatch m_mouse;
   SwitchPolicy m_policy;
   Links m_links;
