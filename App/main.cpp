@@ -1,12 +1,14 @@
 // NerinOption for the USB mouse.
 
 #include <memory>
+#include <utility>
 
 #include "App/AppDelegate.h"
 #include "App/FontList.h"
 #include "App/PresenceWatch.h"
 #include "App/RealPlatform.h"
 #include "App/Relaunch.h"
+#include "App/ServiceWatch.h"
 #include "Kit/Bus/SessionBusNotificationCenter.h"
 #include "Kit/Bus/SingleInstance.h"
 #include "Kit/Core/HostEnvironment.h"
@@ -30,6 +32,9 @@ int main(int argc, char** argv) {
                                        std::make_shared<SessionBusNotificationCenter>());
     platform.watchPresence = [](const std::function<void()>& whenChanged) {
       return std::make_shared<PresenceWatch>(whenChanged);
+    };
+    platform.watchService = [](std::function<void(bool)> changed) {
+      return std::make_shared<ServiceWatch>(std::move(changed));
     };
     LXPlatform::install(std::move(platform));
     code = runApplication(delegate);

@@ -138,6 +138,46 @@ class Listener:
         self._connection.close_sync()
 
 
+class NotificationServer:
+    """Stands for the desktop's display of notifications on a bus. It answers when it is looked at."""
+
+    NAME = "org.freedesktop.Notifications"
+    PATH = "/org/freedesktop/Notifications"
+    INTERFACE = """<node><interface name="org.freedesktop.Notifications"><method name="Notify">
+        <arg type="s" direction="in"/><arg type="u" direction="in"/><arg type="s" direction="in"/>
+        <arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="as" direction="in"/>
+        <arg type="a{sv}" direction="in"/><arg type="i" direction="in"/>
+        <arg type="u" direction="out"/></method></interface></node>"""
+    NUMBER = 41
+
+    def __init__(self, address):
+        self._shown = []
+        self._context = GLib.MainContext()
+        self._context.push_thread_default()
+        try:
+            self._connection = connect(address)
+            interface = Gio.DBusNodeInfo.new_for_xml(self.INTERFACE).interfaces[0]
+            self._connection.register_object(self.PATH, interface, self._show, None, None)
+            callBus(self._connection, "RequestName",
+                    arguments=GLib.Variant("(su)", (self.NAME, 0)))
+        finally:
+            self._context.pop_thread_default()
+
+    def _show(self, _connection, _sender, _path, _interface, _method, arguments, call):
+        self._shown.append(arguments.unpack()[3:5])
+        call.return_value(GLib.Variant("(u)", (self.NUMBER,)))
+
+    @property
+    def shown(self):
+        """The summary and the body of each notification so far."""
+        while self._context.pending():
+            self._context.iteration(False)
+        return self._shown
+
+    def close(self):
+        self._connection.close_sync()
+
+
 def connect(address):
     connection = Gio.DBusConnection.new_for_address_sync(
         address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT |
@@ -351,6 +391,11 @@ class PrivateSession:
     def own(self, name):
         """Owns a name on the bus until the end, as a running service does."""
         callBus(self._connection, "RequestName", arguments=GLib.Variant("(su)", (name, 0)))
+
+    def property(self, name, path, interface, member):
+        """What a program on the bus tells of itself. A GLib.Error if it is not there."""
+        return callBus(self._connection, "Get", path, "org.freedesktop.DBus.Properties",
+                       GLib.Variant("(ss)", (interface, member)), name)[0]
 
     def listen(self):
         listener = Listener(self.address)

@@ -1,13 +1,10 @@
 #include "Companion/Service/Companion.h"
 
-#include <algorithm>
-#include <functional>
 #include <system_error>
 #include <utility>
 
 #include <systemd/sd-bus.h>
 
-#include "Action/Device/SlotTransfer.h"
 #include "Action/Edit/DraftFiles.h"
 #include "Action/Edit/Drafts.h"
 #include "Action/Library/SupportFolder.h"
@@ -28,11 +25,6 @@ constexpr std::chrono::seconds longestForegroundPause{30};
 constexpr auto reopenLimit = 60s;
 // After sleep, the bus needs a moment to find its devices.
 constexpr auto resumePause = 2s;
-// A held button may send its report again.
-constexpr auto launchPause = 500ms;
-// After a write, the mouse is read once more at the doorbell's time. It is free before its
-// profile's name is asked for, so that others wait for one of these at most.
-constexpr auto showPause = 150ms;
 // The window that asked for it has to end first.
 constexpr auto reopenPause = 500ms;
 
@@ -47,7 +39,6 @@ Companion::Companion(EventLoop& loop, BusConnection& bus, Settings settings)
       m_bus(bus),
       m_settings(std::move(settings)),
       m_launcher(bus),
-      m_display(bus, m_settings.hasOwnDisplay),
       m_mouse(loop, m_settings.udevControl,
               {.reported = [this](const DeviceReport& one) { report(one); },
                .came =
@@ -58,7 +49,7 @@ Companion::Companion(EventLoop& loop, BusConnection& bus, Settings settings)
                .heard = [this](const HidInputReport& one) { return launch(one); }}),
       m_foregroundTimer(loop, [this] { openForeground(); }),
       m_decideTimer(loop, [this] { decide(); }),
-      m_showTimer(loop, [this] { showSlot(); }),
+      m_display(loop, bus, m_settings.hasOwnDisplay, m_policy, m_mouse),
       m_reopenTimer(loop, [this] { reopenWindow(); }),
       m_resumeTimer(loop, [this] {
         m_mouse.look();
@@ -110,11 +101,9 @@ void Companion::obey(const WindowMessage& message) {
   if (const auto slot = message.chosenSlot()) {
     m_policy.personChose(*slot, now());
     m_mouse.note(*slot);
-    showSlot();
+    m_display.showSlot();
   }
-  if (const auto text = displayOf(message, std::ref(m_words))) {
-    show(*text);
-  }
+  m_display.showSetting(message);
   switch (message.code) {
     case NerinAction::MessageProfileApplied:
       reloadLinks();
@@ -144,7 +133,7 @@ void Companion::report(const DeviceReport& one) {
   switch (one.type) {
     case DeviceReport::SlotChanged:
       m_policy.personChose(one.value, now());
-      showSlot();
+      m_display.showSlot();
       break;
     case DeviceReport::Removed:
       m_policy.mouseGone();
@@ -153,7 +142,7 @@ void Companion::report(const DeviceReport& one) {
       reopenWindow();
       break;
     case DeviceReport::DpiChanged:
-      show(levelDisplay(one.value, std::ref(m_words)));
+      m_display.showLevel(one.value);
       break;
   }
   decide();
@@ -168,7 +157,7 @@ void Companion::watchFiles() {
   m_draftWatch = m_loop.watchFolder(drafts, [this] { decide(); });
   // Other programs have their files beside the preferences.
   m_preferenceWatch = m_loop.watchFile(preferences, [this] {
-    m_words.forget();
+    m_display.forgetWords();
     reloadLinks();
     decide();
   });
@@ -212,7 +201,7 @@ void Companion::setHasWindow(bool hasWindow) {
 
 void Companion::reloadLinks() {
   m_links.reload();
-  m_buttons = learnedbuttons::all();
+  m_buttons.learn(learnedbuttons::all());
   m_isOn = NerinAction::daemonGetSwitchSlots();
   m_policy.setIsOn(m_isOn);
   m_policy.setHasLinks(!m_links.isEmpty());
@@ -291,42 +280,20 @@ SwitchPolicy::Program Companion::programOf(const AppIdentity& identity) const {
 
 // True for a button that somebody taught, whether or not it launches something here.
 bool Companion::launch(const HidInputReport& report) {
-  const auto known = std::find_if(m_buttons.begin(), m_buttons.end(), [&](const auto& entry) {
-    return entry.second.fits(report.interfaceNumber, report.bytes);
-  });
-  if (known == m_buttons.end()) {
+  const auto press = m_buttons.heard(report.interfaceNumber, report.bytes, now());
+  if (!press) {
     return false;
   }
-  const int button = known->first;
-  const auto last = m_launches.find(button);
-  const bool isHeld = last != m_launches.end() && now() - last->second < launchPause;
-  m_launches[button] = now();
   const bool isClosed = m_session && m_session->isClosed();
-  if (isHeld || isClosed || !m_policy.slot()) {
+  if (!press->isNew || isClosed || !m_policy.slot()) {
     return true;
   }
   // Only what a person put there in this program: never a path out of somebody else's profile.
-  const auto path = NerinAction::daemonGetLaunchPath(*m_policy.slot(), button);
+  const auto path = NerinAction::daemonGetLaunchPath(*m_policy.slot(), press->button);
   if (path && !path->empty()) {
     m_launcher.launch(*path);
   }
   return true;
-}
-
-void Companion::showSlot() {
-  if (!m_policy.slot() || !NerinAction::daemonGetOsd()) {
-    return;
-  }
-  const auto name = NerinAction::getFWProfileName(static_cast<std::uint8_t>(*m_policy.slot()));
-  m_mouse.noteTransfer();
-  const std::string profile = name.outcome.isDone() ? name.value.value_or("") : "";
-  m_display.show(slotDisplay(m_policy.reason(), profile, std::ref(m_words)));
-}
-
-void Companion::show(const DisplayText& text) {
-  if (NerinAction::daemonGetOsd()) {
-    m_display.show(text);
-  }
 }
 
 void Companion::decide() {
@@ -356,7 +323,7 @@ void Companion::decide() {
             "NerinDevStatus", "",
             LXUserInfo{{"type", static_cast<std::int32_t>(DeviceReport::SlotChanged)},
                        {"value", written}});
-        m_showTimer.startIn(showPause);
+        m_display.showWrittenSlot();
       }
     }
   }

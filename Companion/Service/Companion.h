@@ -2,22 +2,20 @@
 
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "Action/Service/LearnedButtons.h"
 #include "Companion/Desktop/Foreground.h"
 #include "Companion/Desktop/Launcher.h"
-#include "Companion/Desktop/ScreenDisplay.h"
 #include "Companion/Desktop/SessionState.h"
 #include "Companion/Loop/EventLoop.h"
+#include "Companion/Policy/LaunchButtons.h"
 #include "Companion/Policy/SwitchPolicy.h"
 #include "Companion/Policy/WindowMessage.h"
 #include "Companion/Service/Links.h"
+#include "Companion/Service/MouseDisplay.h"
 #include "Companion/Service/MouseWatch.h"
-#include "Companion/Service/UserWords.h"
 #include "Kit/Bus/BusConnection.h"
 
 // The background program: it tells the others what the mouse does, and gives the mouse the slot of
@@ -61,8 +59,6 @@ class Companion {
   void takeForeground(const std::optional<AppIdentity>& identity);
   SwitchPolicy::Program programOf(const AppIdentity& identity) const;
   bool launch(const HidInputReport& report);
-  void showSlot();
-  void show(const DisplayText& text);
   void decide();
   void explain();
   void tellReason();
@@ -73,10 +69,8 @@ class Companion {
   BusConnection& m_bus;
   Settings m_settings;
   Launcher m_launcher;
-  ScreenDisplay m_display;
   std::unique_ptr<SessionState> m_session;
-  std::map<int, ButtonPattern> m_buttons;
-  std::map<int, EventLoop::Time> m_launches;
+  LaunchButtons m_buttons;
   MouseWatch m_mouse;
   SwitchPolicy m_policy;
   Links m_links;
@@ -86,8 +80,7 @@ class Companion {
   std::chrono::seconds m_foregroundPause{1};
   EventLoop::Timer m_foregroundTimer;
   EventLoop::Timer m_decideTimer;
-  EventLoop::Timer m_showTimer;
-  UserWords m_words;
+  MouseDisplay m_display;
   bool m_isOn = true;
   std::optional<SlotReason> m_reason;  // nothing before the first one
   std::string m_explanation;

@@ -37,6 +37,9 @@ LXPlatform withHarmlessDefaults(LXPlatform platform) {
   if (!platform.hasService) {
     platform.hasService = [] { return false; };
   }
+  if (!platform.watchService) {
+    platform.watchService = [](const std::function<void(bool)>&) { return nullptr; };
+  }
   if (!platform.relaunch) {
     platform.relaunch = [] {};
   }

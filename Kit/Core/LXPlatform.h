@@ -35,6 +35,9 @@ struct LXPlatform {
   std::function<std::shared_ptr<void>(std::function<void()>)> watchPresence;
   // Whether the background service runs, which starts the program anew when asked.
   std::function<bool()> hasService;
+  // Calls back on the main thread whenever the background service came (true) or went, however it
+  // went, as long as the result lives. A null result: nobody watches.
+  std::function<std::shared_ptr<void>(std::function<void(bool)>)> watchService;
   // Starts the program anew, with the same arguments, as soon as this one has ended.
   std::function<void()> relaunch;
   // How long to wait for another program that uses the mouse. A window must not stand still longer.

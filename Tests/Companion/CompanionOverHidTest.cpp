@@ -5,24 +5,17 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
-#include <sys/file.h>
 #include <systemd/sd-bus.h>
 
-#include "Action/Edit/Drafts.h"
 #include "Action/Library/PreferenceKeys.h"
 #include "Action/NerinAction.h"
-#include "Companion/Service/Companion.h"
-#include "Kit/Bus/BusQuestion.h"
 #include "Kit/Bus/CompanionAddress.h"
 #include "Kit/Core/FileLock.h"
-#include "Kit/Core/LXPlatform.h"
 #include "Kit/Core/PreferenceFile.h"
 #include "Kit/Device/HidDeviceRequester.h"
 #include "Tests/Companion/FakeDesktop.h"
+#include "Tests/Companion/RunningCompanion.h"
 #include "Tests/Support/EmulatedMouse.h"
-#include "Tests/Support/PrivateBus.h"
-#include "Tests/Support/Scratch.h"
 #include "Tests/VirtualMouse/MouseHost.h"
 
 // The whole companion over emulated nodes and a bus of its own. Each test needs its own process.
@@ -33,49 +26,18 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using Reports = std::vector<std::string>;
 
-class CompanionOverHid : public testing::Test {
+class CompanionOverHid : public RunningCompanion {
  protected:
   CompanionOverHid() {
-    setenv("XDG_RUNTIME_DIR", m_runtime.folder().c_str(), 1);
-    unsetenv("DISPLAY");
-    unsetenv("WAYLAND_DISPLAY");
-    m_bus = BusConnection::open(m_loop.handle(), BusConnection::Kind::Session, [] {});
-    LXPlatform platform;
-    platform.homeFolder = m_home.folder();
-    platform.resourceFolder = NERIN_RESOURCES;
-    platform.runtimeFolder = m_runtime.folder();
-    platform.notificationCenter = m_bus;
-    platform.deviceRequester = std::make_shared<HidDeviceRequester>(emulated.udevControl());
-    platform.mouseWait = 0ms;
-    LXPlatform::install(platform);
-    NerinAction::leaveDraftsAlone();
-  }
-  ~CompanionOverHid() override {
-    m_companion.reset();
-    NerinAction::sysDeviceReq->reset();
-    LXPlatform::install({});
-    m_bus.reset();
-  }
-
-  void start() {
-    m_companion =
-        std::make_unique<Companion>(m_loop, *m_bus,
-                                    Companion::Settings{.udevControl = emulated.udevControl(),
-                                                        .windowProgram = {},
-                                                        .runtimeFolder = {},
-                                                        .mouseFile = {}});
-    bool isAnswered = false;
-    m_bus->requestName(companionaddress::service, [&](std::optional<bool> isOurs) {
-      EXPECT_EQ(isOurs, true);
-      m_companion->begin();
-      isAnswered = true;
-    });
-    ASSERT_TRUE(m_loop.runUntil([&] { return isAnswered; }, 20s));
+    use({.requester = std::make_shared<HidDeviceRequester>(emulated.udevControl()),
+         .udevControl = emulated.udevControl(),
+         .memoryFile = {},
+         .sleep = {}});
   }
 
   // What others hear within the time: "101/0".
   Reports reports(std::chrono::milliseconds time = 300ms) {
-    m_loop.runUntil([] { return false; }, time);
+    wait(time);
     Reports result;
     while (const auto message = bus.nextNotification(50ms)) {
       if (message->member == "NerinDevStatus") {
@@ -90,9 +52,7 @@ class CompanionOverHid : public testing::Test {
 
   // The words of the object on the bus, as another connection reads them.
   std::string explanation() {
-    EventLoop own;
-    const auto connection =
-        BusConnection::open(m_loop.handle(), BusConnection::Kind::Session, [] {});
+    const auto connection = BusConnection::open(loop.handle(), BusConnection::Kind::Session, [] {});
     std::string text;
     bool isAnswered = false;
     connection->call(
@@ -108,7 +68,7 @@ class CompanionOverHid : public testing::Test {
           }
           isAnswered = true;
         });
-    EXPECT_TRUE(m_loop.runUntil([&] { return isAnswered; }, 20s));
+    EXPECT_TRUE(loop.runUntil([&] { return isAnswered; }, 20s));
     return text;
   }
 
@@ -118,20 +78,9 @@ class CompanionOverHid : public testing::Test {
                           {"'" + code + "'", values});
   }
 
-  PrivateBus bus;
+  std::filesystem::path lockFile() const { return runtimeFolder() / "mouse-1-4.lock"; }
+
   EmulatedMouse emulated;
-
- private:
-  Scratch m_home;
-  Scratch m_runtime;
-
- protected:
-  std::filesystem::path lockFile() const { return m_runtime / "mouse-1-4.lock"; }
-  EventLoop m_loop;
-
- private:
-  std::shared_ptr<BusConnection> m_bus;
-  std::unique_ptr<Companion> m_companion;
 };
 
 TEST_F(CompanionOverHid, TellsThatTheMouseCameAndWent) {
@@ -246,12 +195,12 @@ class LaunchOverHid : public CompanionOverHid {
     const auto end = std::chrono::steady_clock::now() + limit;
     const auto started = files / "program.started";
     while (!std::filesystem::exists(started) && std::chrono::steady_clock::now() < end) {
-      m_loop.runUntil([] { return false; }, 10ms);
+      wait(10ms);
     }
     return std::filesystem::exists(started);
   }
 
-  FakeDesktop desktop{m_loop};
+  FakeDesktop desktop{loop};
   Scratch files;
 };
 
@@ -330,6 +279,36 @@ TEST_F(LaunchOverHid, AnotherSlotIsShownInOneNotification) {
   EXPECT_EQ(desktop.shown[0].summary, "Slot 7: Games");
   EXPECT_EQ(desktop.shown[0].body, "");
   EXPECT_EQ(desktop.shown[1].replaced, 41U);
+}
+
+TEST_F(LaunchOverHid, TheDisplayWaitsForTheNameWhileAnotherProgramHasTheMouse) {
+  emulated.plugWithVendorInput();
+  MouseHost::write(emulated.mouse(), MouseHost::nameReport(4, "Games"));
+  start();
+  reports();
+  emulated.mouse().pressSlotButton(4);
+  auto other = FileLock::acquire(lockFile(), 1s);
+  ASSERT_TRUE(other);
+  tellSetting("111", "{'value1': <1>, 'value2': <4>}");
+  reports(600ms);
+  EXPECT_TRUE(desktop.shown.empty());
+  other.reset();
+  reports(600ms);
+  ASSERT_EQ(desktop.shown.size(), 1U);
+  EXPECT_EQ(desktop.shown[0].summary, "Slot 5: Games");
+}
+
+TEST_F(LaunchOverHid, TheDisplayDoesWithoutANameThatDoesNotCome) {
+  emulated.plugWithVendorInput();
+  start();
+  reports();
+  emulated.mouse().pressSlotButton(4);
+  const auto other = FileLock::acquire(lockFile(), 1s);
+  ASSERT_TRUE(other);
+  tellSetting("111", "{'value1': <1>, 'value2': <4>}");
+  reports(2500ms);
+  ASSERT_EQ(desktop.shown.size(), 1U);
+  EXPECT_EQ(desktop.shown[0].summary, "Slot 5");
 }
 
 TEST_F(LaunchOverHid, TheDisplaySpeaksTheLanguageThatTheUserChose) {

@@ -4,20 +4,15 @@
 #include <string>
 #include <thread>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include "Action/Edit/DraftFiles.h"
 #include "Action/Edit/Drafts.h"
 #include "Action/Library/PreferenceKeys.h"
 #include "Action/NerinAction.h"
-#include "Companion/Service/Companion.h"
-#include "Kit/Bus/CompanionAddress.h"
-#include "Kit/Core/LXPlatform.h"
 #include "Kit/Core/PreferenceFile.h"
 #include "Tests/Companion/PrivateDisplay.h"
-#include "Tests/Support/PrivateBus.h"
+#include "Tests/Companion/RunningCompanion.h"
 #include "Tests/Support/Scratch.h"
 #include "VirtualMouse/VirtualDeviceRequester.h"
 
@@ -28,45 +23,19 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-class CompanionOverX11 : public testing::Test {
+class CompanionOverX11 : public RunningCompanion {
  protected:
   CompanionOverX11() {
-    m_bus = BusConnection::open(loop.handle(), BusConnection::Kind::Session, [] {});
-    LXPlatform platform;
-    platform.homeFolder = m_home.folder();
-    platform.notificationCenter = m_bus;
-    platform.deviceRequester = std::make_shared<VirtualDeviceRequester>(mouse);
-    platform.mouseWait = 0ms;
-    // As the mouse needs it: the times are measured.
-    platform.sleep = [](std::chrono::microseconds time) { std::this_thread::sleep_for(time); };
-    LXPlatform::install(platform);
-    NerinAction::leaveDraftsAlone();
-  }
-  ~CompanionOverX11() override {
-    m_companion.reset();
-    NerinAction::sysDeviceReq->reset();
-    LXPlatform::install({});
-    m_bus.reset();
-  }
-
-  void start() {
-    m_companion =
-        std::make_unique<Companion>(loop, *m_bus,
-                                    Companion::Settings{.udevControl = {},
-                                                        .windowProgram = {},
-                                                        .runtimeFolder = {},
-                                                        .mouseFile = mouse->memoryFile()});
-    bool isAnswered = false;
-    m_bus->requestName(companionaddress::service, [&](std::optional<bool>) {
-      m_companion->begin();
-      isAnswered = true;
-    });
-    ASSERT_TRUE(loop.runUntil([&] { return isAnswered; }, 20s));
+    use({.requester = std::make_shared<VirtualDeviceRequester>(mouse),
+         .udevControl = {},
+         .memoryFile = mouse->memoryFile(),
+         // As the mouse needs it: the times are measured.
+         .sleep = [](std::chrono::microseconds time) { std::this_thread::sleep_for(time); }});
   }
 
   // A desktop entry for windows of that class, linked to the slot (from 0) as the window does it.
   void link(int slot, const std::string& windowClass, bool isActive = true) {
-    const auto entry = m_home / (windowClass + ".desktop");
+    const auto entry = m_files / (windowClass + ".desktop");
     std::ofstream(entry) << "[Desktop Entry]\nName=" << windowClass
                          << "\nStartupWMClass=" << windowClass << "\n";
     ASSERT_TRUE(
@@ -87,27 +56,14 @@ class CompanionOverX11 : public testing::Test {
   bool getsSlot(int slot, std::chrono::milliseconds limit = 20s) {
     return loop.runUntil([&] { return mouse->activeSlot() == slot; }, limit);
   }
-  bool says(const std::string& text) {
-    return loop.runUntil([&] { return m_companion->explanation() == text; }, 20s);
-  }
-  void wait(std::chrono::milliseconds time) {
-    loop.runUntil([] { return false; }, time);
-  }
 
-  PrivateBus bus;
   PrivateDisplay display;
-  EventLoop loop;
 
  private:
-  Scratch m_home;
-  Scratch m_mouseFolder;
+  Scratch m_files;
 
  protected:
-  std::shared_ptr<VirtualMouse> mouse = std::make_shared<VirtualMouse>(m_mouseFolder / "mouse");
-
- private:
-  std::shared_ptr<BusConnection> m_bus;
-  std::unique_ptr<Companion> m_companion;
+  std::shared_ptr<VirtualMouse> mouse = std::make_shared<VirtualMouse>(m_files / "mouse");
 };
 
 TEST_F(CompanionOverX11, ALinkedProgramGetsItsSlotAndAnotherOneGivesItBack) {

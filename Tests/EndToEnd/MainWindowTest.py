@@ -74,16 +74,7 @@ class MainJob(DemoTest):
         game = os.path.join(self.folder, "game.desktop")
         with open(game, "w", encoding="utf-8") as file:
             file.write("[Desktop Entry]\n")
-        self.click("linkProChk")
-        self.click("linkProBtn")
-        self.desktop.activate(self.desktop.window("Choose a program"))
-        self.desktop.key("ctrl+o")
-        panel = self.desktop.window("Open")
-        self.desktop.activate(panel)
-        self.desktop.type(game)
-        self.desktop.key("Return")
-        # Includes the completion list of the field, which would swallow a click.
-        self.waitForNoOther()
+        self.linkProgram(game)
         self.assertTold()
         unapplied = self.fileOf("Day watch")
         self.click("applyBtn")

@@ -6,10 +6,11 @@ import signal
 import time
 import unittest
 
+import CompanionRoadTest
 import KeyAssignTest
 import MacroRecordingTest
 import MainWindowTest
-from wayland_test import OnWayland
+from wayland_test import OnSway, OnWayland
 from window_test import BINARIES, DEMO, DESKTOP_SIZE, FRAMES, MAIN_SIZE, PANEL, crop, wait_until
 from wayland_session import WaylandSession
 
@@ -21,6 +22,12 @@ PRESS, RELEASE = 0, 1
 
 class MainJob(OnWayland, MainWindowTest.MainJob):
     pass
+
+
+class Road(OnSway, CompanionRoadTest.Road):
+    def standApart(self):
+        self.desktop.place(self.window, 0, 0)
+        self.desktop.activate(self.window)
 
 
 class RecordedMacro(OnWayland, KeyAssignTest.RecordedMacro):

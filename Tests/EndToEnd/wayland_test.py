@@ -9,13 +9,17 @@ PANEL_LEFT = MAIN_SIZE[0] + 16
 STRIP = 8
 
 
-class OnWayland(DemoTest):
+class OnSway:
+    """Makes a test of windows one on this desktop."""
+
     # Lines of the compositor's configuration.
     bindings = ""
 
     def newDesktop(self):
         return WaylandSession(self.folder, DESKTOP_SIZE, bindings=self.bindings)
 
+
+class OnWayland(OnSway, DemoTest):
     def standApart(self):
         # A program cannot place its windows.
         self.desktop.place(self.window, 0, 0)

@@ -112,6 +112,8 @@ class ChildWindow:
 
 class WindowTest(unittest.TestCase):
     maxDiff = None
+    # The windows that stay beside the main window.
+    others = ()
 
     def setUp(self):
         self.folder = self.enterContext(tempfile.TemporaryDirectory(prefix="nerin-window-"))
@@ -167,33 +169,10 @@ class WindowTest(unittest.TestCase):
         return any((window.width, window.height) == DIALOG_SIZE
                    for window in self.desktop.windows())
 
-
-class DemoTest(WindowTest):
-    title = DEMO
-
-    def setUp(self):
-        super().setUp()
-        self.mouse = Mouse(self.support(DEMO, "mouse"), self.folder)
-        self.start()
-
-    def start(self):
-        self.program = self.desktop.start(os.path.join(BINARIES, DEMO))
-        self.window = self.desktop.window(DEMO, size=MAIN_SIZE)
-        self.panel = self.desktop.window(PANEL)
-        self.standApart()
-        wait_until(lambda: self.desktop.isHearing(self.program), 30, "the program on the bus")
-
-    def standApart(self):
-        # The panel gets its place once the mouse has been read.
-        right = self.desktop.geometry(self.window)[0] + MAIN_SIZE[0]
-        wait_until(lambda: self.desktop.geometry(self.panel)[0] >= right, 30,
-                   "the panel to stand beside the window")
+    # The main window, which is `self.window`.
 
     def click(self, control):
         self.desktop.click(self.window, *middle(FRAMES["MainView"][control]))
-
-    def clickPanel(self, place):
-        self.desktop.click(self.panel, *place)
 
     def picture(self, *controls):
         picture = self.desktop.picture(self.window)
@@ -214,6 +193,50 @@ class DemoTest(WindowTest):
         self.desktop.key("ctrl+a")
         self.desktop.type(name)
         self.desktop.key("Return")
+
+    def linkProgram(self, entry):
+        """Has the slot follow the program of this desktop entry."""
+        self.click("linkProChk")
+        self.click("linkProBtn")
+        self.desktop.activate(self.desktop.window("Choose a program"))
+        self.desktop.key("ctrl+o")
+        panel = self.desktop.window("Open")
+        self.desktop.activate(panel)
+        self.desktop.type(entry)
+        self.desktop.key("Return")
+        # Includes the completion list of the field, which would swallow a click.
+        self.waitForNoOther()
+
+    def waitForNoOther(self, *children):
+        kept = {self.window, *self.others, *(child.id for child in children)}
+        wait_until(lambda: {one.id for one in self.desktop.windows()} == kept, 30,
+                   "all other windows to go")
+
+
+class DemoTest(WindowTest):
+    title = DEMO
+
+    def setUp(self):
+        super().setUp()
+        self.mouse = Mouse(self.support(DEMO, "mouse"), self.folder)
+        self.start()
+
+    def start(self):
+        self.program = self.desktop.start(os.path.join(BINARIES, DEMO))
+        self.window = self.desktop.window(DEMO, size=MAIN_SIZE)
+        self.panel = self.desktop.window(PANEL)
+        self.others = (self.panel,)
+        self.standApart()
+        wait_until(lambda: self.desktop.isHearing(self.program), 30, "the program on the bus")
+
+    def standApart(self):
+        # The panel gets its place once the mouse has been read.
+        right = self.desktop.geometry(self.window)[0] + MAIN_SIZE[0]
+        wait_until(lambda: self.desktop.geometry(self.panel)[0] >= right, 30,
+                   "the panel to stand beside the window")
+
+    def clickPanel(self, place):
+        self.desktop.click(self.panel, *place)
 
     def chooseProfile(self, row, count):
         """Clicks a row, counted from 0, of the list of `count` profiles."""
@@ -251,11 +274,6 @@ class DemoTest(WindowTest):
         state = editor.picture("recordStateTxt")
         editor.click("stopBtn")
         wait_until(lambda: editor.picture("recordStateTxt") != state, 30, "the recording to end")
-
-    def waitForNoOther(self, *children):
-        kept = {self.window, self.panel, *(child.id for child in children)}
-        wait_until(lambda: {one.id for one in self.desktop.windows()} == kept, 30,
-                   "all other windows to go")
 
     def unplug(self):
         self.clickPanel(UNPLUG)

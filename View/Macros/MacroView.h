@@ -11,10 +11,10 @@
 #include "Action/Record/Limits.h"
 #include "Kit/Core/LXTreeNode.h"
 #include "Kit/Core/ProcessWide.h"
-#include "Kit/Desktop/KeyTracker.h"
 #include "Kit/Widgets/LXButton.h"
 #include "Kit/Widgets/LXMenulist.h"
 #include "Kit/Widgets/LXSetpPanelObj.h"
+#include "View/Macros/RecordedKeys.h"
 #include "View/Macros/RigthMouseTBView.h"
 #include "View/Windows/ChildView.h"
 
@@ -213,16 +213,13 @@ class MacroView : public ChildView,
   void startRecording();
   void startInsertRecording();
   void endRecording();
-  bool isStopShortcut(const QKeyEvent& event) const;
   void startByShortcut();
   void stopByShortcut();
   void takeKeyboard();
-  void forgetKeys();
   // Adds the releases of the keys that are down, as far as the macro has room.
   void releaseHeldKeys();
   // Removes the last command of the recording if it is the press of such a key.
   void dropLastPress(bool (*isSuchKey)(std::int32_t keyCode));
-  bool belongsToMacro(const QKeyEvent& event, std::uint16_t keyCode);
   void takeKey(const QKeyEvent& event);
   bool takeMouse(const QMouseEvent& event, bool isDown);
   LXButton& activeStop() const;
@@ -283,7 +280,6 @@ class MacroView : public ChildView,
   bool m_isInsert = false;
   bool m_isInsertRecord = false;
   bool m_isAddDelay = false;
-  bool m_isShortcutDown = false;
   bool m_isExtending = false;
   bool m_isInfoShown = false;
   // The event clock in milliseconds; no value before the first event of a recording.
@@ -295,12 +291,10 @@ class MacroView : public ChildView,
   std::int32_t m_currInsertType = 1;
   int m_currDelayType = 1;
   int m_currInsertDelayType = 1;
-  KeyTracker m_keys;
+  RecordedKeys m_keys;
   std::unique_ptr<KeyboardHold> m_keyboard;
   bool m_isKeyElsewhere = false;
-  // The keys (Mac key codes) that were pressed during the recording and are still down, in the
-  // order of their presses, and the mouse buttons, by where they were pressed.
-  std::vector<std::uint16_t> m_pressedKeys;
+  // The mouse buttons that were pressed during the recording, by where that was.
   Qt::MouseButtons m_buttonsOnStop;
   Qt::MouseButtons m_buttonsElsewhere;
 };

@@ -16,7 +16,6 @@
 #include "Kit/Core/LXAction.h"
 #include "Kit/Core/LXLogger.h"
 #include "Kit/Desktop/KeyboardHold.h"
-#include "Kit/Desktop/NativeKeys.h"
 #include "Kit/Widgets/LXNumberTextField.h"
 #include "Kit/Widgets/LXTextField.h"
 #include "View/Macros/MacroView.h"
@@ -85,27 +84,6 @@ class MessageKeys : public QObject {
   bool m_isOver = false;
 };
 
-bool isControl(std::int32_t keyCode) {
-  constexpr std::int32_t leftControl = 59;
-  constexpr std::int32_t rightControl = 62;
-  return keyCode == leftControl || keyCode == rightControl;
-}
-
-bool isOption(std::int32_t keyCode) {
-  constexpr std::int32_t leftOption = 58;
-  constexpr std::int32_t rightOption = 61;
-  return keyCode == leftOption || keyCode == rightOption;
-}
-
-// A layout without Latin letters has the shortcut on the same physical key.
-bool isLetterR(const QKeyEvent& event) {
-  constexpr std::uint16_t physicalR = 15;
-  constexpr int lastLatin = 0xFF;
-  const bool isLatin = event.key() > 0 && event.key() <= lastLatin;
-  const auto code = nativekeys::macKeyCode(event);
-  return isLatin ? event.key() == Qt::Key_R : code == physicalR;
-}
-
 std::uint64_t clockMilliseconds() {
   return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(
                                         std::chrono::steady_clock::now().time_since_epoch())
@@ -172,7 +150,7 @@ void MacroView::setRecState(bool isRecord, bool isInsert) {
     m_oldTime.reset();
     m_buttonsOnStop = {};
     m_buttonsElsewhere = {};
-    forgetKeys();
+    m_keys.forgetKeys();
     m_isKeyElsewhere = false;
     qApp->installEventFilter(this);
     m_table->setFocus(Qt::OtherFocusReason);
@@ -192,11 +170,6 @@ void MacroView::takeKeyboard() {
   }
 }
 
-void MacroView::forgetKeys() {
-  m_keys.forgetAll();
-  m_pressedKeys.clear();
-}
-
 void MacroView::endRecording() {
   m_isRecord = false;
   qApp->removeEventFilter(this);
@@ -208,20 +181,19 @@ bool MacroView::staysOpen() {
   if (!m_isRecord) {
     return m_workbench->endKeyChoice();
   }
-  dropLastPress(isOption);
+  dropLastPress(RecordedKeys::isOption);
   releaseHeldKeys();
   activeStop().click();
   return true;
 }
 
-// The other window gets their releases. They are let go in the opposite order, as hands do.
+// The other window gets their releases.
 void MacroView::releaseHeldKeys() {
   m_eventTime += clockMilliseconds() - m_seenTime;
   m_seenTime = clockMilliseconds();
-  const std::vector<std::uint16_t> held = std::exchange(m_pressedKeys, {});
-  for (auto key = held.rbegin(); key != held.rend(); ++key) {
+  for (const std::uint16_t key : m_keys.letGo()) {
     if (keyArrs() != nullptr && keyArrs()->size() < maximumCommands) {
-      AddNewKey(*key, MacroKeyInfo::KeyRelease);
+      AddNewKey(key, MacroKeyInfo::KeyRelease);
     }
   }
 }
@@ -247,37 +219,9 @@ void MacroView::rememberTime(const QInputEvent& event) {
   m_eventTime = event.timestamp() != 0 ? event.timestamp() : m_seenTime;
 }
 
-// A key that was already down, such as the one that pressed the Record button, neither repeats nor
-// releases in the macro.
-bool MacroView::belongsToMacro(const QKeyEvent& event, std::uint16_t keyCode) {
-  if (event.type() == QEvent::KeyRelease) {
-    return std::erase(m_pressedKeys, keyCode) != 0;
-  }
-  const bool isDown =
-      std::find(m_pressedKeys.begin(), m_pressedKeys.end(), keyCode) != m_pressedKeys.end();
-  if (event.isAutoRepeat() && !isDown) {
-    return false;
-  }
-  if (!isDown) {
-    m_pressedKeys.push_back(keyCode);
-  }
-  return true;
-}
-
-bool MacroView::isStopShortcut(const QKeyEvent& event) const {
-  if (!m_isRecord || event.type() != QEvent::KeyPress || !isLetterR(event)) {
-    return false;
-  }
-  const std::uint32_t held = m_keys.modifierFlags();
-  const auto others = Qt::ShiftModifier | Qt::AltModifier | Qt::MetaModifier;
-  return ((held & KeyModifierControl) != 0 || event.modifiers().testFlag(Qt::ControlModifier)) &&
-         (held & (KeyModifierShift | KeyModifierOption | KeyModifierCommand)) == 0 &&
-         !event.modifiers().testAnyFlags(others);
-}
-
 // The Control key of the shortcut was recorded before anybody could know what it was for.
 void MacroView::stopByShortcut() {
-  dropLastPress(isControl);
+  dropLastPress(RecordedKeys::isControl);
   activeStop().click();
 }
 
@@ -290,7 +234,7 @@ void MacroView::dropLastPress(bool (*isSuchKey)(std::int32_t keyCode)) {
   MacroInfo::Events& events = *keyArrs();
   const std::int32_t row = indexOf(m_lastKeyInfo.get());
   events.erase(events.begin() + row);
-  std::erase(m_pressedKeys, m_lastKeyInfo->keyCode());
+  m_keys.drop(m_lastKeyInfo->keyCode());
   m_lastKeyInfo = nullptr;
   --m_currInsertIndex;
   if (static_cast<std::size_t>(row) > m_recordedFrom) {
@@ -302,25 +246,22 @@ void MacroView::dropLastPress(bool (*isSuchKey)(std::int32_t keyCode)) {
   selectComByIndex(std::max(0, row - 1));
 }
 
-// Held keys repeat as presses, and must neither start nor stop again.
 void MacroView::startByShortcut() {
-  if (!std::exchange(m_isShortcutDown, true)) {
+  if (m_keys.startsByShortcut()) {
     m_recordBtn->click();
   }
 }
 
 void MacroView::takeKey(const QKeyEvent& event) {
-  if (isStopShortcut(event)) {
-    if (!std::exchange(m_isShortcutDown, true)) {
-      stopByShortcut();
-    }
+  const auto [meaning, key] = m_keys.take(event, m_isRecord);
+  if (meaning == RecordedKeys::Meaning::Stop) {
+    stopByShortcut();
     return;
   }
-  if (event.type() == QEvent::KeyRelease && isLetterR(event)) {
-    m_isShortcutDown = false;
+  if (meaning == RecordedKeys::Meaning::Shortcut) {
+    return;
   }
   rememberTime(event);
-  const auto key = m_keys.take(event);
   if (!key) {
     return;
   }
@@ -336,15 +277,9 @@ void MacroView::takeKey(const QKeyEvent& event) {
       LXLogger::debug("flagsChanged", place);
       break;
   }
-  if (!m_isRecord || key->isRepeat || !belongsToMacro(event, key->keyCode)) {
-    return;
-  }
-  if (key->kind == TrackedKey::Kind::FlagsChanged) {
-    const bool isDown = (key->modifierFlags & keyModifierFlag(key->keyCode)) != 0;
-    AddNewKey(key->keyCode, isDown ? MacroKeyInfo::KeyPress : MacroKeyInfo::KeyRelease);
-  } else {
-    AddNewKey(key->keyCode, key->kind == TrackedKey::Kind::KeyDown ? MacroKeyInfo::KeyPress
-                                                                   : MacroKeyInfo::KeyRelease);
+  if (meaning != RecordedKeys::Meaning::None) {
+    AddNewKey(key->keyCode, meaning == RecordedKeys::Meaning::Press ? MacroKeyInfo::KeyPress
+                                                                    : MacroKeyInfo::KeyRelease);
   }
 }
 
@@ -385,7 +320,7 @@ void MacroView::AddNewKey(std::uint32_t keyCode, std::uint32_t flag) {
   }
   if (events->size() >= maximumCommands) {
     // Control may be the beginning of the shortcut that stops the recording.
-    if (!m_isInfoShown && !(keyFlag <= MacroKeyInfo::KeyRelease && isControl(code))) {
+    if (!m_isInfoShown && !(keyFlag <= MacroKeyInfo::KeyRelease && RecordedKeys::isControl(code))) {
       m_isInfoShown = true;
       // The user may answer with a key, which the table must not grab.
       m_keyboard.reset();
@@ -466,10 +401,10 @@ bool MacroView::eventFilter(QObject* watched, QEvent* event) {
 // Keys that are typed or held in another window do not belong to the macro.
 bool MacroView::event(QEvent* event) {
   if (event->type() == QEvent::WindowDeactivate) {
-    m_isShortcutDown = false;
+    m_keys.forgetShortcut();
   }
   if (m_isRecord && event->type() == QEvent::WindowActivate) {
-    forgetKeys();
+    m_keys.forgetKeys();
     takeKeyboard();
   } else if (m_isRecord && event->type() == QEvent::WindowDeactivate) {
     releaseHeldKeys();

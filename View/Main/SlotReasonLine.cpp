@@ -4,28 +4,47 @@
 #include "View/Screen/ControlFactory.h"
 #include "View/Windows/StatusLine.h"
 
+namespace {
+
+void askService() {
+  LXPlatform::current().notificationCenter->postNotificationName(slotreason::question, "",
+                                                                 std::nullopt);
+}
+
+}  // namespace
+
 SlotReasonLine::SlotReasonLine(StatusLine& line, QObject* parent) : QObject(parent), m_line(line) {
-  auto& center = *LXPlatform::current().notificationCenter;
+  const LXPlatform& platform = LXPlatform::current();
   // Arrives on any thread.
-  center.addObserver(slotreason::notification,
-                     [this](const std::string& object, const LXUserInfo& userInfo) {
-                       const auto reason = slotreason::reasonOf(object, userInfo);
-                       if (!reason) {
-                         return;
-                       }
-                       QMetaObject::invokeMethod(
-                           this,
-                           [this, reason] {
-                             m_reason = reason;
-                             showText();
-                           },
-                           Qt::QueuedConnection);
-                     });
-  center.postNotificationName(slotreason::question, "", std::nullopt);
+  platform.notificationCenter->addObserver(
+      slotreason::notification, [this](const std::string& object, const LXUserInfo& userInfo) {
+        const auto reason = slotreason::reasonOf(object, userInfo);
+        if (!reason) {
+          return;
+        }
+        QMetaObject::invokeMethod(
+            this,
+            [this, reason] {
+              m_reason = reason;
+              showText();
+            },
+            Qt::QueuedConnection);
+      });
+  m_serviceWatch = platform.watchService([this](bool isThere) { follow(isThere); });
+  askService();
 }
 
 SlotReasonLine::~SlotReasonLine() {
   LXPlatform::current().notificationCenter->removeObserver(slotreason::notification);
+}
+
+void SlotReasonLine::follow(bool isServiceThere) {
+  m_reason.reset();
+  showText();
+  if (isServiceThere) {
+    // What it tells of itself may have arrived before the news that it is there.
+    askService();
+  }
 }
 
 void SlotReasonLine::showText() {

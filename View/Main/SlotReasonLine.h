@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -9,7 +10,7 @@
 class StatusLine;
 
 // Shows in a line why the mouse has its slot, as the background service tells it, while nothing
-// else is said there.
+// else is said there. What a service told is true as long as it runs.
 class SlotReasonLine : public QObject {
   Q_OBJECT
 
@@ -22,6 +23,9 @@ class SlotReasonLine : public QObject {
   void showText();
 
  private:
+  void follow(bool isServiceThere);
+
   StatusLine& m_line;
   std::optional<SlotReason> m_reason;
+  std::shared_ptr<void> m_serviceWatch;
 };

@@ -41,6 +41,11 @@ class SlotReasonInFooter : public ViewTest {
   void SetUp() override {
     LXPlatform platform = LXPlatform::current();
     platform.notificationCenter = center;
+    platform.watchService = [this](std::function<void(bool)> changed) {
+      service = std::move(changed);
+      return std::shared_ptr<void>(
+          this, [](void* test) { static_cast<SlotReasonInFooter*>(test)->service = nullptr; });
+    };
     LXPlatform::install(platform);
     start();
   }
@@ -53,6 +58,8 @@ class SlotReasonInFooter : public ViewTest {
   }
 
   std::shared_ptr<ReasonCenter> center = std::make_shared<ReasonCenter>();
+  // Tells the window that the service came or went; empty while it does not want to know.
+  std::function<void(bool isThere)> service;
   const SlotReason blender{SlotReason::InFront, 2, 0, "Blender"};
 };
 
@@ -96,10 +103,39 @@ TEST_F(SlotReasonInFooter, WhatIsNoReasonIsLeftOut) {
   EXPECT_EQ(shown(), "Slot 3, because Blender is in front");
 }
 
+TEST_F(SlotReasonInFooter, IsTakenAwayWhenTheServiceGoesWithoutAWord) {
+  tell(blender);
+  service(false);
+  EXPECT_EQ(shown(), "");
+  view().changeLanguage("de");
+  EXPECT_EQ(shown(), "") << "and is not remembered";
+}
+
+TEST_F(SlotReasonInFooter, AServiceThatIsBackIsAskedAnew) {
+  tell(blender);
+  service(false);
+  center->posted.clear();
+  service(true);
+  EXPECT_THAT(center->posted, testing::Contains("NerinSlotReasonAsked"));
+  EXPECT_EQ(shown(), "");
+  tell({SlotReason::ByHand, 0, 0, ""});
+  EXPECT_EQ(shown(), "Slot 1, the last one chosen by hand");
+}
+
+TEST_F(SlotReasonInFooter, WhatIsSaidStaysWhenTheServiceGoes) {
+  tell(blender);
+  statusline::say(QStringLiteral("Something failed"), StatusLine::Tone::Failure);
+  service(false);
+  EXPECT_EQ(shown(), "Something failed");
+  statusline::clear();
+  EXPECT_EQ(shown(), "");
+}
+
 TEST_F(SlotReasonInFooter, NothingArrivesAfterTheEnd) {
   endProgram();
   destroyWindow();
   EXPECT_FALSE(center->observers.contains("NerinSlotReason"));
+  EXPECT_FALSE(service);
 }
 
 // A sentence in the language, with the longest names that fit a desktop entry in practice.
