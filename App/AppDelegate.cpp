@@ -88,9 +88,12 @@ AppDelegate::AppDelegate() = default;
 AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::start() {
+  // In the order in which they are drawn.
   pictures::prefetch({QStringLiteral("MainView_Normal.png"), QStringLiteral("MainView_Active.png"),
                       QStringLiteral("MainViewSub1_Normal.png"),
-                      QStringLiteral("MainView_Disable.png")});
+                      QStringLiteral("MainView_Disable.png"), QStringLiteral("TopLight1.png"),
+                      QStringLiteral("TopLight2.png"), QStringLiteral("TopLight3.png"),
+                      QStringLiteral("TopLight4.png")});
   m_mainView = new MainView;
   m_window = std::make_unique<LXNoTitleWindow>(m_mainView->size());
   m_window->setObjectName(QStringLiteral("window"));
