@@ -6,7 +6,8 @@
 #include "Kit/Widgets/LXImage.h"
 
 // A light of a drawing: the part of its picture that is not transparent, and where in the picture
-// that is. The picture is as large as the drawing and the light small, so that nothing else is kept.
+// that is. The picture is as large as the drawing and the light small, so that nothing else is
+// kept.
 struct LitPart {
   LXImage picture;
   QRect place;
