@@ -16,8 +16,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   }
   const QRect whole(QPoint(), picture->size);
   for (const DecodedPicture::Piece& piece : picture->pieces) {
-    const auto count =
-        static_cast<std::size_t>(piece.rect.width()) * static_cast<std::size_t>(piece.rect.height());
+    const auto count = static_cast<std::size_t>(piece.rect.width()) *
+                       static_cast<std::size_t>(piece.rect.height());
     fuzz::require(whole.contains(piece.rect) && piece.pixels >= bytes &&
                   piece.pixels + count * sizeof(std::uint32_t) <= bytes + size);
   }
