@@ -214,8 +214,12 @@ LXImage::Loaded loadNow(const QString& path, const QString& screen, const QStrin
   }
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::TextAntialiasing);
-  for (const auto& word : words) {
-    drawWord(painter, picture, word.toObject(), state);
+  for (const auto& each : words) {
+    const QJsonObject word = each.toObject();
+    // Only the words of controls are seen in the pictures of other states.
+    if (state.isEmpty() || word[u"colors"].toObject().contains(state)) {
+      drawWord(painter, picture, word, state);
+    }
   }
   painter.end();
   return {picture, ground.size};
