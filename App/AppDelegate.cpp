@@ -14,6 +14,7 @@
 
 #include "Action/Texts/CatalogueUpdate.h"
 #include "App/AboutConnortller.h"
+#include "ArtworkFrames.h"
 #include "Kit/Desktop/LastFrame.h"
 #include "Kit/Widgets/ButtonAccessibility.h"
 #include "View/Main/MainView.h"
@@ -70,6 +71,15 @@ class HouseStyle : public QProxyStyle {
   }
 };
 
+QStringList startUpPictures() {
+  QStringList names;
+  for (const std::string_view name : Artwork::startUpPictures) {
+    names += QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())) +
+             QStringLiteral(".png");
+  }
+  return names;
+}
+
 // Lets the window appear with its picture before the first transfer.
 void waitForFirstPicture(const QWidget& window) {
   QElapsedTimer time;
@@ -89,9 +99,7 @@ AppDelegate::AppDelegate() = default;
 AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::start() {
-  pictures::prefetch({QStringLiteral("MainView_Normal.png"), QStringLiteral("MainView_Active.png"),
-                      QStringLiteral("MainViewSub1_Normal.png"),
-                      QStringLiteral("MainView_Disable.png")});
+  pictures::prefetch(startUpPictures());
   m_mainView = new MainView;
   m_window = std::make_unique<LXNoTitleWindow>(m_mainView->size());
   m_window->setObjectName(QStringLiteral("window"));

@@ -1,13 +1,17 @@
 #include "App/PresenceWatch.h"
 
+#include <utility>
+
 namespace {
 
-constexpr const char* udevControl = "/run/udev/control";
 constexpr int lookMilliseconds = 500;
 
 }  // namespace
 
-PresenceWatch::PresenceWatch(const std::function<void()>& whenChanged) : m_monitor(udevControl) {
+PresenceWatch::PresenceWatch(const std::function<void()>& whenChanged,
+                             std::filesystem::path udevControl,
+                             const std::filesystem::path& nodeFolder)
+    : m_monitor(std::move(udevControl), nodeFolder) {
   if (m_monitor.descriptor() >= 0) {
     m_notifier = std::make_unique<QSocketNotifier>(m_monitor.descriptor(), QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),

@@ -141,7 +141,7 @@ class Screen:
     """One master or one variant of it: the drawing and its parsed contents."""
 
     def __init__(self, name, fileName, root, theme, expectedControls, expectedLines=(),
-                 isSingle=False):
+                 isSingle=False, startUp=()):
         self.name = name
         self.fileName = fileName
         self.root = root
@@ -167,6 +167,9 @@ class Screen:
         self.controls = self.readControls(expectedControls)
         self.lines = self.readLines(expectedLines)
         self.words = self.readWords()
+        # The names of those of its pictures that the program starts with.
+        pictureNames = [self.pictureName(state) for state in self.states]
+        self.startUp = [name for name in pictureNames if name in startUp]
 
     # Reading ------------------------------------------------------------------------------------
 
@@ -451,13 +454,20 @@ def readScreens(folder):
         fileName = stem + ".svg"
         root = parseSvg(os.path.join(folder, fileName))
         variants = content.get("variants")
+        isSingle, startUp = content.get("single", False), content.get("startUp", ())
         if variants is None:
-            screens.append(Screen(stem, fileName, root, theme, content["controls"],
-                                  content.get("lines", ()), content.get("single", False)))
+            ofMaster = [Screen(stem, fileName, root, theme, content["controls"],
+                               content.get("lines", ()), isSingle, startUp)]
         else:
+            ofMaster = []
             for variant, controls in variants.items():
                 copied = copy.deepcopy(root)
                 keepVariant(copied, variant)
-                screens.append(Screen(variant, "%s (%s)" % (fileName, variant), copied, theme,
-                                      controls, isSingle=content.get("single", False)))
+                ofMaster.append(Screen(variant, "%s (%s)" % (fileName, variant), copied, theme,
+                                       controls, isSingle=isSingle, startUp=startUp))
+        for name in startUp:
+            if not any(name in screen.startUp for screen in ofMaster):
+                raise ArtworkError("%s: there is no picture \"%s\" to start with" %
+                                   (fileName, name))
+        screens += ofMaster
     return theme, screens

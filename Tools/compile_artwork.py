@@ -2,8 +2,9 @@
 """Compiles the artwork masters into what the program loads.
 
 Writes the state pictures of each master at 1x and 2x, the pictures of the connecting lines, a C++
-header with the frames, and a JSON file with the words, which are not rendered because they depend
-on the user's language.
+header with the frames, and a JSON file for each screen with its words, which are not rendered
+because they depend on the user's language. The pictures that the program starts with are also
+written decoded.
 """
 
 import argparse
@@ -86,19 +87,32 @@ def header(theme, screens):
         if screen.lines:
             table("lines", [(name, braces(frame)) for name, frame in screen.lines])
         lines.append("};")
-    lines += ["", "}  // namespace Artwork", ""]
+    startUp = [name for screen in screens for name in screen.startUp]
+    lines += ["", "/// The pictures that the program starts with.",
+              "inline constexpr std::array<std::string_view, %d> startUpPictures{" % len(startUp)]
+    lines += ["    \"%s\"," % name for name in startUp]
+    lines += ["};", "", "}  // namespace Artwork", ""]
     return "\n".join(lines)
 
 
-def wordsJson(screens):
-    content = {screen.name: {"width": screen.width, "height": screen.height,
-                             "states": screen.states, "words": screen.words}
-               for screen in screens}
-    return json.dumps(content, indent=1, ensure_ascii=False) + "\n"
+def wordsJson(screen):
+    return json.dumps({"states": screen.states, "words": screen.words}, ensure_ascii=False) + "\n"
+
+
+def writeWords(folder, screens):
+    """A file for each screen with words: the program reads those of one screen at a time."""
+    os.makedirs(folder, exist_ok=True)
+    contents = {screen.name + ".json": wordsJson(screen) for screen in screens if screen.words}
+    for name in os.listdir(folder):
+        if name not in contents:
+            os.remove(os.path.join(folder, name))
+    for name, content in contents.items():
+        writeIfChanged(os.path.join(folder, name), content.encode())
 
 
 def writeIfChanged(path, content):
-    """Does not touch a file that is already right, to avoid needless builds."""
+    """Does not touch a file that is already right, to avoid needless builds. Another one is
+    replaced, because a program that runs may have mapped it."""
     os.makedirs(os.path.dirname(os.path.abspath(path)), exist_ok=True)
     try:
         with open(path, "rb") as file:
@@ -106,8 +120,9 @@ def writeIfChanged(path, content):
                 return
     except OSError:
         pass
-    with open(path, "wb") as file:
+    with open(path + ".new", "wb") as file:
         file.write(content)
+    os.replace(path + ".new", path)
 
 
 def piped(command, content, what):
@@ -123,12 +138,14 @@ def piped(command, content, what):
 
 
 def render(root, path, scale, pngFilter=None):
+    """Writes a picture and returns its PNG."""
     what = os.path.basename(path)
     picture = piped(["rsvg-convert", "--zoom", str(scale), "--format", "png"],
                     ElementTree.tostring(root, encoding="utf-8"), what)
     if pngFilter:
         picture = piped([pngFilter], picture, what)
     writeIfChanged(path, picture)
+    return picture
 
 
 def pictures(screens):
@@ -140,12 +157,17 @@ def pictures(screens):
             yield name, screen.linePicture, (name,)
 
 
-def renderAll(screens, folder, jobs, only=None, pngFilter=None):
+def renderAll(screens, folder, jobs, only=None, pngFilter=None, decoder=None):
+    startUp = {name for screen in screens for name in screen.startUp}
+
     def one(item):
         name, draw, arguments = item
         root = draw(*arguments)
+        path = os.path.join(folder, name)
         for scale, suffix in SCALES:
-            render(root, os.path.join(folder, name + suffix + ".png"), scale, pngFilter)
+            picture = render(root, path + suffix + ".png", scale, pngFilter)
+            if decoder and scale == 1 and name in startUp:
+                writeIfChanged(path + ".decoded", piped([decoder], picture, name))
 
     chosen = [item for item in pictures(screens)
               if only is None or re.fullmatch(only, item[0])]
@@ -158,9 +180,10 @@ def main(arguments=None):
     parser.add_argument("artwork", help="folder with screens.json, theme.css and the masters")
     parser.add_argument("--pictures", help="folder for the pictures")
     parser.add_argument("--header", help="C++ header with the frames")
-    parser.add_argument("--words", help="JSON file with the words")
+    parser.add_argument("--words", help="folder for the JSON files with the words")
     parser.add_argument("--catalogue", help="Tooltip.xml that must have every word")
     parser.add_argument("--png-filter", help="program that every picture is piped through")
+    parser.add_argument("--decoder", help="program that decodes the pictures of the start")
     parser.add_argument("--list", action="store_true", help="print the names of the pictures")
     parser.add_argument("--only", help="render only pictures whose name matches this expression")
     parser.add_argument("--preview", help="folder for pictures with English words, for people")
@@ -173,14 +196,14 @@ def main(arguments=None):
         if options.header:
             writeIfChanged(options.header, header(theme, screens).encode())
         if options.words:
-            writeIfChanged(options.words, wordsJson(screens).encode())
+            writeWords(options.words, screens)
         if options.list:
             for name, _, _ in pictures(screens):
                 for _, suffix in SCALES:
                     print(name + suffix + ".png")
         if options.pictures:
             renderAll(screens, options.pictures, options.jobs, options.only,
-                      options.png_filter)
+                      options.png_filter, options.decoder)
         if options.preview:
             for screen in screens:
                 for state in screen.states:

@@ -7,6 +7,7 @@
 #include "Action/Texts/TooltipData.h"
 
 struct LanData {
-  std::optional<std::string> name;  // the name in "Tooltip.xml": "US", "German"
-  std::vector<TooltipData> tooltips;
+  std::optional<std::string> name;    // the name in "Tooltip.xml": "US", "German"
+  std::vector<TooltipData> tooltips;  // empty until the language is selected
+  bool isRead = false;
 };

@@ -41,9 +41,32 @@ const TooltipData* firstIn(const LanData* language, Matches matches) {
   return found != language->tooltips.end() ? &*found : nullptr;
 }
 
-pugi::xml_parse_result parse(pugi::xml_document& document, const std::string& bytes) {
-  return document.load_buffer(bytes.data(), bytes.size(),
-                              pugi::parse_default | pugi::parse_ws_pcdata);
+// The document keeps these bytes and changes them.
+pugi::xml_parse_result parse(pugi::xml_document& document, std::string& bytes) {
+  return document.load_buffer_inplace(bytes.data(), bytes.size());
+}
+
+void readTexts(LanData& language, const pugi::xml_node& section) {
+  language.isRead = true;
+  for (const pugi::xml_node& item : section.children("Item")) {
+    language.tooltips.push_back(tooltipOf(item));
+  }
+}
+
+// The same for a language of the list, whose section is looked for.
+void readTexts(LanData& language) {
+  language.isRead = true;
+  pugi::xml_document document;
+  auto bytes = usercatalogue::bytesOf(catalogueFile);
+  if (!bytes || !parse(document, *bytes)) {
+    return;
+  }
+  for (const pugi::xml_node& section : document.document_element().children("Lan")) {
+    if (LXAction::getNodeAtrValue(section, "name") == language.name) {
+      readTexts(language, section);
+      return;
+    }
+  }
 }
 
 }  // namespace
@@ -62,8 +85,7 @@ void TooltipManager::releaseTooltipManager() {
 
 TooltipManager::TooltipManager() {
   initData();
-  const auto chosen = language::chosen();
-  setLanByname(chosen ? language::ofCode(*chosen)->name : getSysLanName());
+  setLanByname(usersLanName());
 }
 
 void TooltipManager::initData() {
@@ -78,7 +100,8 @@ void TooltipManager::initData() {
   pugi::xml_document document;
   auto result = parse(document, *bytes);
   if (!result) {
-    bytes = usercatalogue::repaired(catalogueFile, *bytes);
+    bytes =
+        usercatalogue::repaired(catalogueFile, usercatalogue::bytesOf(catalogueFile).value_or(""));
     if (bytes) {
       result = parse(document, *bytes);
     }
@@ -87,16 +110,22 @@ void TooltipManager::initData() {
     LXLogger::error(std::string(catalogueFile) + " is damaged: " + result.description());
     return;
   }
+  const auto users = usersLanName();
   for (const pugi::xml_node& section : document.document_element().children("Lan")) {
     auto& language = m_infoList.emplace_back(std::make_unique<LanData>());
     language->name = LXAction::getNodeAtrValue(section, "name");
-    for (const pugi::xml_node& item : section.children("Item")) {
-      language->tooltips.push_back(tooltipOf(item));
+    if (m_infoList.size() == 1 || language->name == users) {
+      readTexts(*language, section);
     }
   }
   if (!m_infoList.empty()) {
     m_engLan = m_infoList.front().get();
   }
+}
+
+std::optional<std::string> TooltipManager::usersLanName() {
+  const auto chosen = language::chosen();
+  return chosen ? language::ofCode(*chosen)->name : getSysLanName();
 }
 
 std::optional<std::string> TooltipManager::getSysLanName() {
@@ -117,6 +146,9 @@ void TooltipManager::setLanByname(const std::optional<std::string>& name) {
     return name && language->name == name;
   });
   m_currLan = found != m_infoList.end() ? found->get() : m_engLan;
+  if (found != m_infoList.end() && !(*found)->isRead) {
+    readTexts(**found);
+  }
 }
 
 template <typename Matches>

@@ -17,7 +17,7 @@ class TooltipManager {
   // Destroys the manager; the next call loads the file again.
   static void releaseTooltipManager();
 
-  // Loads the file and chooses the user's language, see Language.h, or else the system's.
+  // Loads the file and chooses the user's language.
   TooltipManager();
   TooltipManager(const TooltipManager&) = delete;
   TooltipManager& operator=(const TooltipManager&) = delete;
@@ -25,12 +25,15 @@ class TooltipManager {
   // A file that is not XML is repaired, see UserCatalogue.h. One without languages leaves the
   // catalogue empty.
   void initData();
+  // The user's choice, see Language.h, or else the system's language.
+  static std::optional<std::string> usersLanName();
   // The catalogue's name for the system's language; no value for an unknown language.
   static std::optional<std::string> getSysLanName();
   // The selected language as the system names it: "en", "pt-BR", "zh-Hant". English for a language
   // that only the user's file has.
   std::string languageCode() const;
-  // Selects the first language of that exact name, or the fallback.
+  // Selects the first language of that exact name, or the fallback. Reads the file again for a
+  // language that was never selected: most users have one language, and the file has fifteen.
   void setLanByname(const std::optional<std::string>& name);
 
   // The text of a key, or of a view's control; no value when no language has it.
@@ -40,6 +43,7 @@ class TooltipManager {
   static std::optional<std::string> getBtnIdBy(const LanData& language, const std::string& name,
                                                const std::string& text, std::int32_t vid);
 
+  // All languages of the file.
   const std::vector<std::unique_ptr<LanData>>& infoList() const { return m_infoList; }
   // The selected language and the fallback; null in an empty catalogue.
   const LanData* currLan() const { return m_currLan; }

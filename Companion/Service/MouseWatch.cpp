@@ -15,7 +15,7 @@ constexpr int slotCount = 10;
 constexpr auto retryTime = 250ms;
 constexpr int failureLimit = 5;
 constexpr auto failurePause = 1s;
-// Where udevd does not run, as in many containers, the nodes are looked for.
+// Where neither udevd nor the folder of the nodes tells of them, they are looked for.
 constexpr auto lookInterval = 2s;
 // In the memory of a slot: the low half is the active level.
 constexpr std::uint32_t levelAddress = 258;

@@ -360,6 +360,8 @@ std::optional<std::string> durable::readFile(const fs::path& path, std::size_t l
   }
   std::string bytes;
   constexpr std::size_t blockSize = std::size_t{64} * 1024;
+  // With the block that finds the end.
+  bytes.reserve(std::min(static_cast<std::size_t>(status.st_size), limit) + blockSize);
   while (bytes.size() <= limit) {
     const std::size_t before = bytes.size();
     bytes.resize(before + blockSize);

@@ -144,8 +144,9 @@ struct HidDeviceRequester::State {
     bool operator==(const Absence&) const = default;
   };
 
-  State(std::filesystem::path udevControl, std::vector<std::filesystem::path> folders)
-      : monitor(std::move(udevControl)), ruleFolders(std::move(folders)) {}
+  State(std::filesystem::path udevControl, std::vector<std::filesystem::path> folders,
+        const std::filesystem::path& nodeFolder)
+      : monitor(std::move(udevControl), nodeFolder), ruleFolders(std::move(folders)) {}
 
   bool isOn() const { return absence.reason == Absence::Reason::None; }
   void refresh();
@@ -346,8 +347,10 @@ std::string HidDeviceRequester::State::explanation() const {
 }
 
 HidDeviceRequester::HidDeviceRequester(std::filesystem::path udevControl,
-                                       std::vector<std::filesystem::path> ruleFolders)
-    : m_state(std::make_unique<State>(std::move(udevControl), std::move(ruleFolders))) {}
+                                       std::vector<std::filesystem::path> ruleFolders,
+                                       const std::filesystem::path& nodeFolder)
+    : m_state(std::make_unique<State>(std::move(udevControl), std::move(ruleFolders), nodeFolder)) {
+}
 
 HidDeviceRequester::~HidDeviceRequester() = default;
 

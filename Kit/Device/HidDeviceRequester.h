@@ -16,13 +16,15 @@
 class HidDeviceRequester final : public LXDeviceRequester {
  public:
   // udevd reports arrivals and removals; it listens on `udevControl` while it runs. Without udevd
-  // the requester looks for itself, no more than every half second.
+  // the folder of the nodes does. Without both the requester looks for itself, no more than every
+  // half second.
   // `ruleFolders` are where udev reads its rules.
   explicit HidDeviceRequester(std::filesystem::path udevControl = "/run/udev/control",
-                              std::vector<std::filesystem::path> ruleFolders = {
-                                  "/etc/udev/rules.d", "/run/udev/rules.d",
-                                  "/usr/local/lib/udev/rules.d", "/usr/lib/udev/rules.d",
-                                  "/lib/udev/rules.d"});
+                              std::vector<std::filesystem::path> ruleFolders =
+                                  {"/etc/udev/rules.d", "/run/udev/rules.d",
+                                   "/usr/local/lib/udev/rules.d", "/usr/lib/udev/rules.d",
+                                   "/lib/udev/rules.d"},
+                              const std::filesystem::path& nodeFolder = "/dev");
   ~HidDeviceRequester() override;
   HidDeviceRequester(const HidDeviceRequester&) = delete;
   HidDeviceRequester& operator=(const HidDeviceRequester&) = delete;

@@ -1,12 +1,15 @@
 #include "Kit/Device/HidPresenceMonitor.h"
 
 #include <cerrno>
+#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include <libudev.h>
 #include <poll.h>
+
+#include "Kit/Device/HidNodeWatch.h"
 
 namespace {
 
@@ -38,32 +41,46 @@ std::unique_ptr<udev_monitor, UdevUnref> openMonitor(udev* context) {
 }  // namespace
 
 struct HidPresenceMonitor::State {
+  bool isUdevRunning() const {
+    std::error_code ignored;
+    return std::filesystem::exists(udevControl, ignored);
+  }
+
   std::filesystem::path udevControl;
   std::unique_ptr<udev, UdevUnref> context;
+  // One of them, or none. Without udevd the monitor would open, but stay silent.
   std::unique_ptr<udev_monitor, UdevUnref> monitor;
+  std::optional<HidNodeWatch> nodes;
 };
 
-HidPresenceMonitor::HidPresenceMonitor(std::filesystem::path udevControl)
+HidPresenceMonitor::HidPresenceMonitor(std::filesystem::path udevControl,
+                                       const std::filesystem::path& nodeFolder)
     : m_state(std::make_unique<State>()) {
   m_state->udevControl = std::move(udevControl);
-  m_state->context.reset(udev_new());
-  m_state->monitor = openMonitor(m_state->context.get());
+  if (m_state->isUdevRunning()) {
+    m_state->context.reset(udev_new());
+    m_state->monitor = openMonitor(m_state->context.get());
+  }
+  if (!m_state->monitor) {
+    m_state->nodes.emplace(nodeFolder);
+  }
 }
 
 HidPresenceMonitor::~HidPresenceMonitor() = default;
 
 bool HidPresenceMonitor::isReliable() const {
-  std::error_code ignored;
-  return m_state->monitor && std::filesystem::exists(m_state->udevControl, ignored);
+  return m_state->nodes ? m_state->nodes->descriptor() >= 0 : m_state->isUdevRunning();
 }
 
 int HidPresenceMonitor::descriptor() const {
-  return m_state->monitor ? udev_monitor_get_fd(m_state->monitor.get()) : -1;
+  return m_state->nodes ? m_state->nodes->descriptor()
+                        : udev_monitor_get_fd(m_state->monitor.get());
 }
 
 HidPresenceMonitor::News HidPresenceMonitor::takeNews() {
   News news;
-  if (!m_state->monitor) {
+  if (m_state->nodes) {
+    news.isAny = m_state->nodes->takeNews();
     return news;
   }
   pollfd ready{.fd = udev_monitor_get_fd(m_state->monitor.get()), .events = POLLIN, .revents = 0};

@@ -124,6 +124,13 @@ struct LXImage::Source {
     }
   }
 
+  void keepOnly(const QRect& rect) {
+    if (!whole.isNull()) {
+      parts = {{rect, partOf(whole, rect)}};
+      whole = QPixmap();
+    }
+  }
+
   QPixmap getPart(const QRect& rect) {
     if (!whole.isNull()) {
       return partOf(whole, rect);
@@ -183,6 +190,14 @@ LXImage LXImage::slice(const QRect& rect, bool isExpected) const {
     if (isExpected) {
       part.expect();
     }
+  }
+  return part;
+}
+
+LXImage LXImage::cropped(const QRect& rect) const {
+  LXImage part = slice(rect);
+  if (!part.isNull()) {
+    m_source->keepOnly(part.m_rect);
   }
   return part;
 }

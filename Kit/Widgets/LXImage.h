@@ -38,6 +38,8 @@ class LXImage {
   // A rectangle of this picture; none of no picture. An unexpected slice is not kept in advance, so
   // drawing it may load the picture again.
   LXImage slice(const QRect& rect, bool isExpected = true) const;
+  // The same, of a picture of which nothing else is needed: what is loaded of the rest is let go.
+  LXImage cropped(const QRect& rect) const;
   // Marks the slice as one that will be drawn after all.
   void expect() const;
   // Lets all pictures be loaded again when they are next drawn: their words have changed.

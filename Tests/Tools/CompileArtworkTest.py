@@ -333,6 +333,105 @@ class Pictures(CompilerTest):
         self.assertEqual(os.stat(path).st_mtime, 1000)
 
 
+    def testThatAreReplacedStayWholeForAProgramThatMappedThem(self):
+        self.compile()
+        with open(os.path.join(self.output, "Panel_Normal.png"), "rb") as mapped:
+            before = os.fstat(mapped.fileno()).st_size
+            self.change("rx=\"3\"", "rx=\"1\"")
+            self.compile()
+            self.assertEqual(os.fstat(mapped.fileno()).st_size, before)
+            self.assertNotEqual(mapped.read(), self.read("output/Panel_Normal.png"))
+        self.assertEqual([name for name in os.listdir(self.output) if "new" in name], [])
+
+
+class WordFiles(CompilerTest):
+    def compile(self):
+        self.assertEqual(compiler.main([self.folder, "--words", self.output]), 0)
+        return sorted(os.listdir(self.output))
+
+    def testAreThereForEachScreenWithWords(self):
+        self.assertEqual(self.compile(), ["Panel.json"])
+        content = json.loads(self.read("output/Panel.json"))
+        self.assertEqual([word["text"] for word in content["words"]], ["OK", "Title"])
+        self.assertEqual(content["states"], list(masters.STATES))
+
+    def testOfAScreenThatLostItsWordsAreGone(self):
+        self.compile()
+        without = ElementTree.fromstring(MASTER)
+        for element in without.findall(masters.svgTag("text")):
+            without.remove(element)
+        self.write("Panel.svg", ElementTree.tostring(without, encoding="unicode"))
+        self.assertEqual(self.compile(), [])
+
+
+class DecodedPictures(CompilerTest):
+    """What the program maps instead of decoding a PNG."""
+
+    def startWith(self, *names):
+        self.write("screens.json", json.dumps(
+            {"Panel": dict(SCREENS["Panel"], startUp=list(names))}))
+
+    def compile(self):
+        self.assertEqual(compiler.main([self.folder, "--pictures", self.output, "--decoder",
+                                        os.environ["DECODE_PICTURE"]]), 0)
+
+    def pixels(self, name):
+        """Width, height, whether some are transparent, the pieces and rows of RGBA pixels."""
+        content = self.read("output/" + name)
+        numbers = memoryview(content).cast("I")
+        self.assertEqual(content[:4], b"NPX1")
+        width, height, hasAlpha, count = numbers[1:5]
+        rows = [[(0, 0, 0, 0)] * width for _ in range(height)]
+        pieces, at = [], 5 + 4 * count
+        for index in range(count):
+            x, y, pieceWidth, pieceHeight = piece = tuple(numbers[5 + 4 * index:9 + 4 * index])
+            pieces.append(piece)
+            for row in rows[y:y + pieceHeight]:
+                for column, pixel in enumerate(numbers[at:at + pieceWidth], x):
+                    row[column] = (pixel >> 16 & 255, pixel >> 8 & 255, pixel & 255, pixel >> 24)
+                at += pieceWidth
+        self.assertEqual(at, len(numbers))
+        return width, height, hasAlpha, pieces, rows
+
+    def testAreThoseOfTheStart(self):
+        self.startWith("Panel_Normal", "Panel_Over")
+        self.compile()
+        self.assertEqual(sorted(name for name in os.listdir(self.output) if "decoded" in name),
+                         ["Panel_Normal.decoded", "Panel_Over.decoded"])
+
+    def testHoldThePixelsOfTheirPngs(self):
+        self.startWith("Panel_Normal", "Panel_Over")
+        self.compile()
+        for name in ("Panel_Normal", "Panel_Over"):
+            width, height, _, _, rows = self.pixels(name + ".decoded")
+            multiplied = [[tuple((channel * pixel[3] * 2 + 255) // 510 for channel in pixel[:3]) +
+                           (pixel[3],) for pixel in row]
+                          for row in decoded(os.path.join(self.output, name + ".png"))[2]]
+            self.assertEqual((width, height), (40, 30))
+            self.assertEqual(rows, multiplied, name)
+
+    def testLeaveOutWhatIsTransparent(self):
+        self.startWith("Panel_Over")
+        self.compile()
+        _, _, hasAlpha, pieces, _ = self.pixels("Panel_Over.decoded")
+        self.assertEqual(hasAlpha, 1)
+        # The button and the bar stand less than eight pixels apart.
+        self.assertEqual(pieces, [(4, 2, 28, 10)])
+        self.change("x=\"24\" y=\"2\" width=\"8\"", "x=\"32\" y=\"2\" width=\"8\"")
+        self.compile()
+        self.assertEqual(self.pixels("Panel_Over.decoded")[3], [(4, 2, 16, 10), (32, 2, 8, 8)])
+
+    def testOfAPictureThatIsNotThereAreRefused(self):
+        self.startWith("Panel_Normal", "Panel_Hovered")
+        self.assertRefused("Panel.svg", "\"Panel_Hovered\"")
+
+    def testAreInTheHeader(self):
+        self.startWith("Panel_Over")
+        self.assertEqual(compiler.main([self.folder, "--header",
+                                        os.path.join(self.folder, "Frames.h")]), 0)
+        self.assertIn(b"startUpPictures{\n    \"Panel_Over\",\n};", self.read("Frames.h"))
+
+
 class ShippedArtwork(unittest.TestCase):
     """The masters of this tree."""
 

@@ -10,9 +10,6 @@
 
 class QPainter;
 
-// The picture of a light, which is white on transparent, in a color.
-LXImage tinted(const LXImage& light, const QColor& color);
-
 // The four lights in the drawing of the LED window. Keeps each in the color that was drawn last:
 // tinting takes longer than all the rest, and every control over the drawing paints it too.
 class TintedLights {

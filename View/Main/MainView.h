@@ -282,6 +282,8 @@ class MainView : public TavImageView,
   std::atomic<bool> m_isAskingForMouse = false;
   // Tells when to look for the mouse; null where only the background service can.
   std::shared_ptr<void> m_presenceWatch;
+  // Called when it tells; empty while nothing follows.
+  std::function<void()> m_whenPresenceTold;
   bool m_isMouseSeen = false;
   // The mouse was seen to go, and has not been read anew since.
   bool m_hasGone = false;

@@ -3,6 +3,7 @@
 #include <QClipboard>
 #include <QFile>
 #include <QGuiApplication>
+#include <utility>
 
 #include "Action/Device/DeviceSettings.h"
 #include "Action/NerinAction.h"
@@ -81,7 +82,12 @@ void MainView::initNotify() {
   notifications.observe(NerinAction::notifyOutPlusEnd, this, [this] { subWindowEndOutplus(); });
   connect(new LibraryWatch(this), &LibraryWatch::libraryChanged, this, &MainView::followLibrary);
   m_isMouseSeen = NerinAction::checkListenDev();
-  m_presenceWatch = LXPlatform::current().watchPresence([this] { lookForMouse(); });
+  m_presenceWatch = LXPlatform::current().watchPresence([this] {
+    lookForMouse();
+    if (m_whenPresenceTold) {
+      m_whenPresenceTold();
+    }
+  });
   checkDevPro();
   m_isFirstOpen = false;
 }
@@ -238,8 +244,16 @@ bool MainView::waitForMouse() {
       dialog.removeLink();
     }
   };
+  const auto setWhenChanged = [this](std::function<void()> whenChanged) {
+    m_whenPresenceTold = std::move(whenChanged);
+  };
+  // Nobody tells that another program lets the mouse go, or that it was given to this user.
+  const auto mayChangeUntold = [this] {
+    return !m_presenceWatch || NerinAction::mouseAbsence() != LXDeviceAbsence::NotFound;
+  };
   m_isAskingForMouse = true;
-  const bool waits = NerinAction::showPopView("WarningNoDevice", true, {update, isMouseUsable});
+  const bool waits = NerinAction::showPopView(
+      "WarningNoDevice", true, {update, isMouseUsable, setWhenChanged, mayChangeUntold});
   m_isAskingForMouse = false;
   if (!waits || termination::isTerminating()) {
     return false;

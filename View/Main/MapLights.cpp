@@ -2,9 +2,9 @@
 
 #include <QPaintEvent>
 #include <QPainter>
+#include <utility>
 
 #include "View/Lights/LightColor.h"
-#include "View/Lights/TintedLights.h"
 #include "View/Screen/Pictures.h"
 
 MapLights::MapLights(const QString& stem, const QPoint& place, QWidget* parent)
@@ -12,7 +12,7 @@ MapLights::MapLights(const QString& stem, const QPoint& place, QWidget* parent)
   setObjectName(QStringLiteral("mapLights"));
   setAttribute(Qt::WA_TransparentForMouseEvents);
   for (std::size_t zone = 0; zone < zoneCount; ++zone) {
-    m_lights[zone] = pictures::load(stem + QStringLiteral("%1.png").arg(zone + 1));
+    m_pictures[zone] = pictures::load(stem + QStringLiteral("%1.png").arg(zone + 1));
   }
 }
 
@@ -31,32 +31,39 @@ void MapLights::show(const _Nerin_PROFILE& profile) {
   }
 }
 
-LXImage::Loaded MapLights::drawn(qreal ratio) const {
-  QPixmap all;
-  QSize size;
+void MapLights::findLitParts() {
   for (std::size_t zone = 0; zone < zoneCount; ++zone) {
-    if (m_lights[zone].isNull()) {
+    if (!m_pictures[zone].isNull()) {
+      m_lights[zone] = litPartOf(std::exchange(m_pictures[zone], {}));
+      m_lit |= m_lights[zone].place;
+    }
+  }
+}
+
+LXImage::Loaded MapLights::drawn(qreal ratio) const {
+  QPixmap all((QSizeF(m_lit.size()) * ratio).toSize());
+  all.setDevicePixelRatio(ratio);
+  all.fill(Qt::transparent);
+  QPainter painter(&all);
+  for (std::size_t zone = 0; zone < zoneCount; ++zone) {
+    const auto& [picture, place] = m_lights[zone];
+    if (picture.isNull()) {
       continue;
     }
-    const QPixmap light = tinted(m_lights[zone], (*m_colors)[zone]).pixmap(ratio);
-    if (all.isNull()) {
-      size = m_lights[zone].size();
-      all = QPixmap(light.size());
-      all.setDevicePixelRatio(light.devicePixelRatio());
-      all.fill(Qt::transparent);
-    }
-    QPainter painter(&all);
+    const LXImage light = tinted(picture, (*m_colors)[zone]);
     const int times = m_isBattle ? 3 : 1;
     for (int i = 0; i < times; ++i) {
       // The soft edges add up, the light itself is full already.
-      painter.drawPixmap(QPointF(), light);
+      light.draw(painter, place.topLeft() - m_lit.topLeft());
     }
   }
-  return {all, size};
+  painter.end();
+  return {all, m_lit.size()};
 }
 
 void MapLights::paintEvent(QPaintEvent* event) {
+  findLitParts();
   QPainter painter(this);
   painter.setClipRegion(event->region());
-  m_drawn.draw(painter, m_place);
+  m_drawn.draw(painter, m_place + m_lit.topLeft());
 }

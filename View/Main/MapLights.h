@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "Action/Record/Records.h"
-#include "Kit/Widgets/LXImage.h"
+#include "View/Lights/LitPart.h"
 
 // The lights of the mouse in a drawing of it, in the colors of a profile. In Battle mode they glow
 // stronger. Lies over the whole drawing and lets the pointer through.
@@ -25,11 +25,15 @@ class MapLights : public QWidget {
  private:
   using Colors = std::array<QColor, zoneCount>;
 
+  // Finds the parts at the first painting, because a drawing may never be shown.
+  void findLitParts();
   LXImage::Loaded drawn(qreal ratio) const;
 
   QPoint m_place;
-  std::array<LXImage, zoneCount> m_lights;  // in white
+  std::array<LXImage, zoneCount> m_pictures;  // empty once the parts are found
+  std::array<LitPart, zoneCount> m_lights;    // in white
+  QRect m_lit;                                // holds all parts
   std::optional<Colors> m_colors;
   bool m_isBattle = false;
-  LXImage m_drawn;
+  LXImage m_drawn;  // what m_lit holds
 };

@@ -20,6 +20,7 @@
 
 #include "Action/Texts/TooltipManager.h"
 #include "Kit/Core/LXPlatform.h"
+#include "Kit/Widgets/DecodedPicture.h"
 #include "View/Screen/FullStops.h"
 
 namespace {
@@ -73,7 +74,19 @@ struct Read {
   QSize size;
 };
 
+// Pictures of the start lie on the disk as their pixels too.
+QString decodedPathOf(const QString& path) {
+  return path.left(path.lastIndexOf(u'.')) + QStringLiteral(".decoded");
+}
+
 Read readScaled(const QString& path, qreal ratio) {
+  if (qFuzzyCompare(ratio, 1)) {
+    QImage image = readDecodedPicture(decodedPathOf(path));
+    if (!image.isNull()) {
+      const QSize size = image.size();
+      return {std::move(image), size};
+    }
+  }
   const QImage image = readNow(scaledPathOf(path, ratio));
   return {scaled(image, ratio), image.deviceIndependentSize().toSize()};
 }
@@ -105,11 +118,10 @@ const QJsonObject& wordsOf(const QString& screen) {
   if (found != words.end()) {
     return found->second;
   }
-  QFile file(pathOf(QStringLiteral("ArtworkWords.json")));
-  const QJsonObject all = file.open(QIODevice::ReadOnly)
-                              ? QJsonDocument::fromJson(file.readAll()).object()
-                              : QJsonObject();
-  return words[screen] = all[screen].toObject();
+  QFile file(pathOf(QStringLiteral("Words/") + screen + QStringLiteral(".json")));
+  return words[screen] = file.open(QIODevice::ReadOnly)
+                             ? QJsonDocument::fromJson(file.readAll()).object()
+                             : QJsonObject();
 }
 
 // The word in the user's language.
@@ -190,8 +202,9 @@ void drawWord(QPainter& painter, const QPixmap& picture, const QJsonObject& word
 
 LXImage::Loaded loadNow(const QString& path, const QString& screen, const QString& state,
                         qreal ratio) {
-  const Read ground = read(path, ratio);
-  QPixmap picture = QPixmap::fromImage(ground.image);
+  Read ground = read(path, ratio);
+  // Moved, so that drawing the words makes no copy.
+  QPixmap picture = QPixmap::fromImage(std::move(ground.image));
   const QJsonObject& drawing = wordsOf(screen);
   const QJsonArray words = drawing[u"words"].toArray();
   // An unknown state belongs to the name of another picture, which has no words.
@@ -201,8 +214,12 @@ LXImage::Loaded loadNow(const QString& path, const QString& screen, const QStrin
   }
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::TextAntialiasing);
-  for (const auto& word : words) {
-    drawWord(painter, picture, word.toObject(), state);
+  for (const auto& each : words) {
+    const QJsonObject word = each.toObject();
+    // Only the words of controls are seen in the pictures of other states.
+    if (state.isEmpty() || word[u"colors"].toObject().contains(state)) {
+      drawWord(painter, picture, word, state);
+    }
   }
   painter.end();
   return {picture, ground.size};

@@ -4,6 +4,7 @@
 #include <QEventLoop>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QScopeGuard>
 #include <QTimer>
 #include <utility>
 
@@ -182,7 +183,10 @@ bool NerinAction::showPopView(const std::string& key, bool isChoose, const PopFo
     loop.quit();
   });
   QObject::connect(&window, &LXNoTitleWindow::closed, &loop, &QEventLoop::quit);
-  const auto follow = [&] {
+  QTimer timer;
+  timer.setSingleShot(true);
+  timer.setInterval(followMilliseconds);
+  const std::function<void()> follow = [&] {
     if (follower.update) {
       follower.update(*view);
     }
@@ -190,13 +194,18 @@ bool NerinAction::showPopView(const std::string& key, bool isChoose, const PopFo
     window.setAccessibleDescription(view->accessibleDescription());
     if (follower.isSettled && follower.isSettled()) {
       emit view->ended(1);
+    } else if (follower.mayChangeUntold && follower.mayChangeUntold()) {
+      timer.start();
     }
   };
-  QTimer timer;
   QObject::connect(&timer, &QTimer::timeout, &loop, follow);
-  if (follower.update || follower.isSettled) {
-    timer.start(followMilliseconds);
-  }
+  const auto tellMe = [&follower](const std::function<void()>& whenChanged) {
+    if (follower.setWhenChanged) {
+      follower.setWhenChanged(whenChanged);
+    }
+  };
+  tellMe(follow);
+  const auto tellNobody = qScopeGuard([&tellMe] { tellMe({}); });
   follow();
   window.center(parent);
   window.show();

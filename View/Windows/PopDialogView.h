@@ -79,8 +79,14 @@ struct PopFollower {
   std::function<void(PopDialogView&)> update;
   // Whether the message has become pointless; it then ends as with OK.
   std::function<bool()> isSettled;
+  // Gets a function to call whenever something has happened; it is replaced by an empty one when
+  // the message ends.
+  std::function<void(std::function<void()>)> setWhenChanged;
+  // Whether what happens may go untold, so that the follower must look now and then.
+  std::function<bool()> mayChangeUntold;
 };
-// Like the other one, and asks the follower at once and every fifth of a second.
+// Like the other one, and asks the follower at once, whenever it is told, and twice a second while
+// something may go untold.
 bool showPopView(const std::string& key, bool isChoose, const PopFollower& follower);
 
 // For tests: answers every message from now on without showing it. An empty function ends that.

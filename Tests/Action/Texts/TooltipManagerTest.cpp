@@ -85,6 +85,37 @@ TEST_F(Tooltips, FallBackToTheFirstLanguage) {
   EXPECT_EQ(manager().getTooltip("empty"), "");
 }
 
+TEST_F(Tooltips, OfALanguageAreReadWhenItIsSelected) {
+  begin(texts);
+  const LanData* german = nullptr;
+  for (const auto& language : manager().infoList()) {
+    if (language->name == "German") {
+      german = language.get();
+    }
+  }
+  ASSERT_NE(german, nullptr);
+  EXPECT_THAT(german->tooltips, IsEmpty());
+  manager().setLanByname("German");
+  EXPECT_EQ(manager().currLan(), german);
+  EXPECT_EQ(manager().getTooltip("save"), "Einstellungen sichern");
+  const std::size_t count = german->tooltips.size();
+  manager().setLanByname("US");
+  EXPECT_EQ(manager().getTooltip("save"), "Save settings");
+  manager().setLanByname("German");
+  EXPECT_EQ(german->tooltips.size(), count);
+}
+
+TEST_F(Tooltips, OfALanguageThatCannotBeReadAnyMoreAreThoseOfTheFirst) {
+  for (const char* now : {"", "<Tooltip", "<Tooltip><Lan name='US'/></Tooltip>"}) {
+    begin(texts);
+    EXPECT_EQ(manager().getTooltip("save"), "Save settings");
+    writeText(supportFolder() / "Tooltip.xml", now);
+    manager().setLanByname("German");
+    EXPECT_EQ(manager().currLan()->name, "German");
+    EXPECT_EQ(manager().getTooltip("save"), "Save settings") << now;
+  }
+}
+
 TEST_F(Tooltips, OfAControlAreFoundByItsTagAsText) {
   begin(texts);
   EXPECT_EQ(manager().getTooltip(3, "8"), std::nullopt);

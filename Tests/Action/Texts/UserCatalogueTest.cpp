@@ -208,7 +208,9 @@ TEST_F(UserCatalogue, AnOlderOneAnswersEveryTextInEveryLanguage) {
   start();
   const auto answers = [] {
     std::set<std::tuple<std::string, std::string, std::int32_t, std::string, std::string>> all;
-    for (const auto& language : TooltipManager::shareTooltipManager().infoList()) {
+    auto& manager = TooltipManager::shareTooltipManager();
+    for (const auto& language : manager.infoList()) {
+      manager.setLanByname(language->name);
       for (const TooltipData& text : language->tooltips) {
         all.emplace(language->name.value_or(""), text.name.value_or(""), text.viewId,
                     text.btnTag.value_or(""), text.text.value_or(""));

@@ -42,7 +42,10 @@ class ReasonedRequester final : public LXDeviceRequester {
   void listenDevWithVid(std::uint16_t vid, std::uint16_t pid) override {
     m_mouse.listenDevWithVid(vid, pid);
   }
-  bool isDevOn() override { return reason == LXDeviceAbsence::None && m_mouse.isDevOn(); }
+  bool isDevOn() override {
+    ++looks;
+    return reason == LXDeviceAbsence::None && m_mouse.isDevOn();
+  }
   LXDeviceAbsence absence() override { return reason; }
   std::uint64_t connection() const override { return opened; }
   Claim claim(std::chrono::milliseconds, std::error_code& error) override {
@@ -63,6 +66,7 @@ class ReasonedRequester final : public LXDeviceRequester {
   bool isTaken = false;
   bool isSilent = false;
   int transfers = 0;
+  int looks = 0;
   std::uint64_t opened = 1;
 
  private:
@@ -206,6 +210,34 @@ TEST_F(MainViewAbsence, TheQuestionNamesTheReasonAndFollowsIt) {
   });
   start();
   EXPECT_EQ(shown, 4);
+  EXPECT_FALSE(termination::isTerminating());
+  EXPECT_TRUE(button("profile1Btn").isChecked());
+}
+
+TEST_F(MainViewAbsence, TheQuestionSleepsUntilItIsToldOfAMouse) {
+  std::function<void()> tell;
+  LXPlatform platform = LXPlatform::current();
+  platform.watchPresence = [&tell](std::function<void()> whenChanged) {
+    tell = std::move(whenChanged);
+    return std::make_shared<int>();
+  };
+  LXPlatform::install(platform);
+  requester->reason = LXDeviceAbsence::NotFound;
+  bool wasShown = false;
+  whenShown([&](PopDialogView& dialog) {
+    requester->looks = 0;
+    QTest::qWait(1200);
+    EXPECT_EQ(requester->looks, 0);
+    requester->reason = LXDeviceAbsence::NoPermission;
+    tell();
+    EXPECT_EQ(dialog.accessibleName().toStdString(),
+              *TooltipManager::shareTooltipManager().getTooltip("WarningNoPermission"));
+    // Nobody tells of the permission.
+    requester->reason = LXDeviceAbsence::None;
+    wasShown = true;
+  });
+  start();
+  EXPECT_TRUE(wasShown);
   EXPECT_FALSE(termination::isTerminating());
   EXPECT_TRUE(button("profile1Btn").isChecked());
 }

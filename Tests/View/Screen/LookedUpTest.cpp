@@ -3,10 +3,6 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -20,6 +16,7 @@
 
 #include "Action/Texts/Language.h"
 #include "Kit/Core/LXKey.h"
+#include "Tests/View/Screen/DrawnWords.h"
 #include "Tests/View/Screen/EveryWindow.h"
 #include "View/Windows/PlainMessage.h"
 
@@ -254,16 +251,12 @@ TEST_F(LookedUp, OnAMessage) {
 
 // The words of the pictures are drawn from the catalogue if the drawing names a key.
 TEST_F(LookedUp, InThePictures) {
-  QFile file(QStringLiteral(NERIN_RESOURCES "/ArtworkWords.json"));
-  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-  const QJsonObject drawings = QJsonDocument::fromJson(file.readAll()).object();
   int words = 0;
-  for (const auto& screen : drawings.keys()) {
-    const QJsonArray drawn = drawings[screen][u"words"].toArray();
+  for (const auto& [screen, drawn] : drawnWords()) {
     for (const auto& each : drawn) {
       const QJsonObject word = each.toObject();
       if (word[u"key"].toString().isEmpty()) {
-        EXPECT_THAT(strangers(word[u"text"].toString()), IsEmpty()) << screen.toStdString();
+        EXPECT_THAT(strangers(word[u"text"].toString()), IsEmpty()) << screen;
         ++words;
       }
     }

@@ -1,14 +1,11 @@
 // The words that are drawn into the pictures, measured in every language.
 
-#include <QFile>
 #include <QFontMetricsF>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QPixmap>
 
 #include "Action/Texts/TooltipManager.h"
 #include "Tests/Support/ViewTest.h"
+#include "Tests/View/Screen/DrawnWords.h"
 #include "View/Screen/Pictures.h"
 
 namespace {
@@ -41,12 +38,8 @@ INSTANTIATE_TEST_SUITE_P(Languages, WordFit,
 
 TEST_P(WordFit, EveryWordOfThePicturesFitsAtItsOwnSize) {
   texts().setLanByname(GetParam());
-  QFile file(QStringLiteral(NERIN_RESOURCES "/ArtworkWords.json"));
-  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-  const QJsonObject drawings = QJsonDocument::fromJson(file.readAll()).object();
   int measured = 0;
-  for (const auto& screen : drawings.keys()) {
-    const QJsonArray words = drawings[screen][u"words"].toArray();
+  for (const auto& [screen, words] : drawnWords()) {
     for (const auto& each : words) {
       const QJsonObject word = each.toObject();
       const std::string key = word[u"key"].toString().toStdString();
@@ -55,8 +48,7 @@ TEST_P(WordFit, EveryWordOfThePicturesFitsAtItsOwnSize) {
       }
       const auto text = texts().getTooltip(key);
       ASSERT_TRUE(text) << key;
-      EXPECT_TRUE(fitsAtItsOwnSize(word, QString::fromStdString(*text)))
-          << screen.toStdString() << ": " << *text;
+      EXPECT_TRUE(fitsAtItsOwnSize(word, QString::fromStdString(*text))) << screen << ": " << *text;
       ++measured;
     }
   }
