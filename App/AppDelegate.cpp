@@ -80,6 +80,13 @@ QStringList startUpPictures() {
   return names;
 }
 
+// Reading the fonts, the texts and the pictures took memory that nothing needs any more.
+void returnMemory() {
+#ifdef __GLIBC__
+  malloc_trim(0);
+#endif
+}
+
 // Lets the window appear with its picture before the first transfer.
 void waitForFirstPicture(const QWidget& window) {
   QElapsedTimer time;
@@ -116,6 +123,7 @@ void AppDelegate::start() {
   m_window->center();
   m_window->show();
   waitForFirstPicture(*m_window);
+  returnMemory();
   m_mainView->finishConstruction();
   applicationDidFinishLaunching();
 }

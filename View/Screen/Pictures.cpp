@@ -69,9 +69,9 @@ QImage scaled(const QImage& image, qreal ratio) {
   return result;
 }
 
-struct Read {
+struct Picture {
   QImage image;
-  QSize size;
+  QSize size;  // its place, in device-independent pixels
 };
 
 // Pictures of the start lie on the disk as their pixels too.
@@ -79,7 +79,7 @@ QString decodedPathOf(const QString& path) {
   return path.left(path.lastIndexOf(u'.')) + QStringLiteral(".decoded");
 }
 
-Read readScaled(const QString& path, qreal ratio) {
+Picture readScaled(const QString& path, qreal ratio) {
   if (qFuzzyCompare(ratio, 1)) {
     QImage image = readDecodedPicture(decodedPathOf(path));
     if (!image.isNull()) {
@@ -91,20 +91,38 @@ Read readScaled(const QString& path, qreal ratio) {
   return {scaled(image, ratio), image.deviceIndependentSize().toSize()};
 }
 
-std::map<QString, std::future<Read>>& prefetched() {
-  static std::map<QString, std::future<Read>> images;
-  return images;
+// The typeface of the words. Each thread needs one of its own.
+struct Typeface {
+  QFont plain;
+  int dotsPerInch;
+
+  QFont font(qreal pixels, int weight) const {
+    QFont sized = plain;
+    // Sizes are in half pixels; Qt takes fractions only in points.
+    sized.setPointSizeF(pixels * pointsPerInch / dotsPerInch);
+    sized.setWeight(static_cast<QFont::Weight>(weight));
+    return sized;
+  }
+};
+
+Typeface typeface() {
+  QFont plain;
+  plain.setFamilies({QStringLiteral("Inter"), plain.family()});
+  return {plain, QPixmap(1, 1).logicalDpiY()};
 }
 
-// A picture that is being read ahead is found by its path and its scale.
-QString prefetchKey(const QString& path, qreal ratio) {
-  return path + u'@' + QString::number(ratio);
-}
+// A word of a picture as it is drawn.
+struct Word {
+  QString text;
+  bool isOriginal;  // it is known to fit
+  QRectF room;
+  qreal size;
+  int weight;
+  int flags;
+  QColor color;
 
-Read read(const QString& path, qreal ratio) {
-  auto found = prefetched().extract(prefetchKey(path, ratio));
-  return found ? found.mapped().get() : readScaled(path, ratio);
-}
+  bool wraps() const { return (flags & Qt::TextWordWrap) != 0; }
+};
 
 std::map<QString, QJsonObject>& loadedWords() {
   static std::map<QString, QJsonObject> words;
@@ -135,11 +153,6 @@ QString textOf(const QJsonObject& word) {
   return word[u"text"].toString();
 }
 
-QColor colorOf(const QJsonObject& word, const QString& state) {
-  const QJsonObject colors = word[u"colors"].toObject();
-  return {colors[colors.contains(state) ? state : QStringLiteral("Normal")].toString()};
-}
-
 Qt::Alignment alignmentOf(const QJsonObject& word) {
   const QString name = word[u"align"].toString();
   if (name == u"center") {
@@ -152,118 +165,178 @@ Qt::Alignment alignmentOf(const QJsonObject& word) {
   return Qt::AlignLeft | (word[u"wrap"].toBool() ? Qt::AlignTop : Qt::AlignVCenter);
 }
 
-bool fits(const QFontMetricsF& metrics, const QString& text, const QRectF& room, int flags) {
-  if ((flags & Qt::TextSingleLine) != 0) {
-    return metrics.horizontalAdvance(text) <= room.width();
+Word wordOf(const QJsonObject& word, const QString& state) {
+  const QString text = textOf(word);
+  const bool wraps = word[u"wrap"].toBool();
+  const QJsonObject colors = word[u"colors"].toObject();
+  return {.text = text,
+          .isOriginal = !wraps && text == word[u"text"].toString(),
+          .room = QRectF(word[u"x"].toDouble(), word[u"y"].toDouble(), word[u"width"].toDouble(),
+                         word[u"height"].toDouble()),
+          .size = word[u"fontSize"].toDouble(),
+          .weight = word[u"fontWeight"].toInt(QFont::Normal),
+          .flags =
+              static_cast<int>(alignmentOf(word)) | (wraps ? Qt::TextWordWrap : Qt::TextSingleLine),
+          .color =
+              QColor(colors[colors.contains(state) ? state : QStringLiteral("Normal")].toString())};
+}
+
+// The words of one picture of a drawing.
+std::vector<Word> wordsOf(const QString& screen, const QString& state) {
+  const QJsonObject& drawing = wordsOf(screen);
+  // An unknown state belongs to the name of another picture, which has no words.
+  if (!state.isEmpty() && !drawing[u"states"].toArray().contains(state)) {
+    return {};
   }
-  const QRectF needed = metrics.boundingRect(room, flags, text);
-  return needed.width() <= room.width() && needed.height() <= room.height();
+  std::vector<Word> words;
+  const QJsonArray all = drawing[u"words"].toArray();
+  for (const auto& each : all) {
+    const QJsonObject word = each.toObject();
+    // Only the words of controls are seen in the pictures of other states.
+    if (state.isEmpty() || word[u"colors"].toObject().contains(state)) {
+      words.push_back(wordOf(word, state));
+    }
+  }
+  return words;
+}
+
+bool fits(const QFontMetricsF& metrics, const Word& word) {
+  if (!word.wraps()) {
+    return metrics.horizontalAdvance(word.text) <= word.room.width();
+  }
+  const QRectF needed = metrics.boundingRect(word.room, word.flags, word.text);
+  return needed.width() <= word.room.width() && needed.height() <= word.room.height();
 }
 
 // Other languages may need more room: reduces the type size until the words fit.
-QFont fittingFont(const QPixmap& picture, const QJsonObject& word, const QString& text,
-                  const QRectF& room, int flags) {
-  const auto weight = word[u"fontWeight"].toInt(QFont::Normal);
+QFont fittingFont(const QImage& picture, const Typeface& face, const Word& word) {
   QFont font;
   // In half pixels.
-  for (int size = qRound(word[u"fontSize"].toDouble() * 2); size >= smallestType * 2; --size) {
-    font = pictures::font(size / 2.0, weight);
-    if (fits(QFontMetricsF(font, &picture), text, room, flags)) {
+  for (int size = qRound(word.size * 2); size >= smallestType * 2; --size) {
+    font = face.font(size / 2.0, word.weight);
+    if (fits(QFontMetricsF(font, &picture), word)) {
       break;
     }
   }
   return font;
 }
 
-void drawWord(QPainter& painter, const QPixmap& picture, const QJsonObject& word,
-              const QString& state) {
-  const QRectF room(word[u"x"].toDouble(), word[u"y"].toDouble(), word[u"width"].toDouble(),
-                    word[u"height"].toDouble());
-  const bool wraps = word[u"wrap"].toBool();
-  const int flags =
-      static_cast<int>(alignmentOf(word)) | (wraps ? Qt::TextWordWrap : Qt::TextSingleLine);
-  QString text = textOf(word);
-  painter.setPen(colorOf(word, state));
+void drawWord(QPainter& painter, const QImage& picture, const Typeface& face, const Word& word) {
+  painter.setPen(word.color);
   // The original words always fit in the drawing.
-  if (!wraps && text == word[u"text"].toString()) {
-    painter.setFont(
-        pictures::font(word[u"fontSize"].toDouble(), word[u"fontWeight"].toInt(QFont::Normal)));
-    painter.drawText(room, flags, text);
+  if (word.isOriginal) {
+    painter.setFont(face.font(word.size, word.weight));
+    painter.drawText(word.room, word.flags, word.text);
     return;
   }
-  const QFont font = fittingFont(picture, word, text, room, flags);
+  const QFont font = fittingFont(picture, face, word);
   const QFontMetricsF metrics(font, &picture);
-  if (!wraps && !fits(metrics, text, room, flags)) {
-    text = metrics.elidedText(text, Qt::ElideRight, room.width());
-  }
   painter.setFont(font);
-  painter.drawText(room, flags, text);
+  painter.drawText(word.room, word.flags,
+                   word.wraps() || fits(metrics, word)
+                       ? word.text
+                       : metrics.elidedText(word.text, Qt::ElideRight, word.room.width()));
 }
 
-LXImage::Loaded loadNow(const QString& path, const QString& screen, const QString& state,
-                        qreal ratio) {
-  Read ground = read(path, ratio);
-  // Moved, so that drawing the words makes no copy.
-  QPixmap picture = QPixmap::fromImage(std::move(ground.image));
-  const QJsonObject& drawing = wordsOf(screen);
-  const QJsonArray words = drawing[u"words"].toArray();
-  // An unknown state belongs to the name of another picture, which has no words.
-  const bool isOfDrawing = state.isEmpty() || drawing[u"states"].toArray().contains(state);
-  if (picture.isNull() || words.isEmpty() || !isOfDrawing) {
-    return {picture, ground.size};
+// A picture with its words, for a screen of that scale. Runs on any thread.
+struct Order {
+  QString path;
+  qreal ratio;
+  std::vector<Word> words;
+  Typeface face;
+
+  Picture make() const {
+    Picture picture = readScaled(path, ratio);
+    if (!picture.image.isNull() && !words.empty()) {
+      QPainter painter(&picture.image);
+      painter.setRenderHint(QPainter::TextAntialiasing);
+      for (const Word& word : words) {
+        drawWord(painter, picture.image, face, word);
+      }
+    }
+    return picture;
   }
-  QPainter painter(&picture);
-  painter.setRenderHint(QPainter::TextAntialiasing);
-  for (const auto& each : words) {
-    const QJsonObject word = each.toObject();
-    // Only the words of controls are seen in the pictures of other states.
-    if (state.isEmpty() || word[u"colors"].toObject().contains(state)) {
-      drawWord(painter, picture, word, state);
+};
+
+// Names the picture of a file: the state is the part behind the first "_", if there is one.
+struct PictureName {
+  QString path;
+  QString screen;
+  QString state;
+
+  explicit PictureName(const QString& fileName) : path(pathOf(fileName)) {
+    const QString stem = QFileInfo(fileName).completeBaseName();
+    const qsizetype underscore = stem.indexOf(u'_');
+    screen = stem.left(underscore < 0 ? stem.size() : underscore);
+    state = underscore < 0 ? QString() : stem.mid(underscore + 1);
+  }
+
+  Order order(qreal ratio) const { return {path, ratio, wordsOf(screen, state), typeface()}; }
+};
+
+// A picture that is being made ahead is found by its path and its scale.
+struct Ahead {
+  std::future<Picture> picture;
+  std::string language;
+};
+
+std::map<QString, Ahead>& prefetched() {
+  static std::map<QString, Ahead> pictures;
+  return pictures;
+}
+
+QString prefetchKey(const QString& path, qreal ratio) {
+  return path + u'@' + QString::number(ratio);
+}
+
+std::string languageNow() {
+  return TooltipManager::shareTooltipManager().languageCode();
+}
+
+Picture bring(const PictureName& name, qreal ratio) {
+  if (auto found = prefetched().extract(prefetchKey(name.path, ratio))) {
+    Ahead& ahead = found.mapped();
+    // No installed font may have the letters of the user's language.
+    if (ahead.language == languageNow()) {
+      return ahead.picture.get();
     }
   }
-  painter.end();
-  return {picture, ground.size};
+  return name.order(ratio).make();
 }
 
 }  // namespace
 
 LXImage pictures::load(const QString& fileName) {
-  const QString path = pathOf(fileName);
-  if (fileName.isEmpty() || !QFileInfo::exists(path)) {
+  const PictureName name(fileName);
+  if (fileName.isEmpty() || !QFileInfo::exists(name.path)) {
     return {};
   }
-  const QString stem = QFileInfo(fileName).completeBaseName();
-  const qsizetype underscore = stem.indexOf(u'_');
-  const QString screen = stem.left(underscore < 0 ? stem.size() : underscore);
-  const QString state = underscore < 0 ? QString() : stem.mid(underscore + 1);
-  return LXImage(
-      [path, screen, state](qreal ratio) { return loadNow(path, screen, state, ratio); });
+  return LXImage([name](qreal ratio) {
+    Picture picture = bring(name, ratio);
+    return LXImage::Loaded{QPixmap::fromImage(std::move(picture.image)), picture.size};
+  });
 }
 
 void pictures::prefetch(const QStringList& fileNames) {
   const qreal ratio = qGuiApp->devicePixelRatio();
-  std::vector<std::pair<QString, std::promise<Read>>> wanted;
+  std::vector<std::pair<Order, std::promise<Picture>>> orders;
   for (const QString& fileName : fileNames) {
-    const QString path = pathOf(fileName);
-    wanted.emplace_back(path, std::promise<Read>());
-    prefetched()[prefetchKey(path, ratio)] = wanted.back().second.get_future();
+    const PictureName name(fileName);
+    orders.emplace_back(name.order(ratio), std::promise<Picture>());
+    prefetched()[prefetchKey(name.path, ratio)] = {orders.back().second.get_future(),
+                                                   languageNow()};
   }
   // One thread, so that the window keeps a processor for itself.
-  static std::future<void> reader;
-  reader = std::async(std::launch::async, [images = std::move(wanted), ratio]() mutable {
-    for (auto& [path, image] : images) {
-      image.set_value(readScaled(path, ratio));
+  static std::future<void> maker;
+  maker = std::async(std::launch::async, [orders = std::move(orders)]() mutable {
+    for (auto& [order, picture] : orders) {
+      picture.set_value(order.make());
     }
   });
 }
 
 QFont pictures::font(qreal pixels, int weight) {
-  QFont font;
-  font.setFamilies({QStringLiteral("Inter"), font.family()});
-  // Sizes are in half pixels; Qt takes fractions only in points.
-  font.setPointSizeF(pixels * pointsPerInch / QPixmap(1, 1).logicalDpiY());
-  font.setWeight(static_cast<QFont::Weight>(weight));
-  return font;
+  return typeface().font(pixels, weight);
 }
 
 void pictures::releaseWords() {

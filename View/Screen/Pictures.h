@@ -14,7 +14,8 @@ namespace pictures {
 // The picture is made for the scale of the screen, and its words are drawn at that scale.
 LXImage load(const QString& fileName);
 
-// Starts reading these pictures in a thread, so that the windows can be created meanwhile.
+// Starts making these pictures in a thread, with their words, so that the windows can be created
+// meanwhile.
 void prefetch(const QStringList& fileNames);
 
 // The program's font, with a size in pixels.
