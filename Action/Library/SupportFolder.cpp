@@ -6,11 +6,15 @@
 
 const std::string& NerinAction::getSysPath() {
   if (sysPath->empty()) {
-    *sysPath = LXPlatform::current().userFolders.support.string();
+    const UserFolders& folders = LXPlatform::current().userFolders;
+    *sysPath = folders.support.string();
     if (!UserFolders::make(*sysPath)) {
       LXLogger::error("the folder cannot be made: " + *sysPath);
     }
-    durable::sweepTemporaries(*sysPath);
+    for (const auto& folder :
+         {folders.support, folders.drafts, folders.preferences.parent_path()}) {
+      durable::sweepTemporaries(folder);
+    }
     LXLogger::debug("sysPath=" + *sysPath);
   }
   return *sysPath;

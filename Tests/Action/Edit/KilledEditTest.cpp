@@ -402,7 +402,9 @@ class KilledEdit : public testing::Test {
     settleRename(expected);
     EXPECT_EQ(library().currFWProfileName(), workName(m_world.name));
     for (const auto& name : namesIn(supportFolder() / "Drafts")) {
-      EXPECT_EQ(name, "macros.xml");
+      // What a kill left of a write is removed once it is an hour old.
+      const bool isLeftOver = name.starts_with(".nerin-") && name.ends_with(".new");
+      EXPECT_TRUE(isLeftOver || name == "macros.xml") << name;
     }
     m_world.lastRename = std::max(m_world.lastRename, m_world.name);
     m_world.number = expected.mostNumber + 1;

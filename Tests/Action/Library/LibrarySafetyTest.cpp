@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -6,6 +7,7 @@
 #include "Action/Library/ProfieController.h"
 #include "Kit/Core/DurableFile.h"
 #include "Kit/Core/LXLogger.h"
+#include "Kit/Core/LXPlatform.h"
 #include "Tests/Support/ActionTest.h"
 
 // A library that cannot be saved, and one whose save was interrupted.
@@ -32,6 +34,25 @@ class LibrarySafety : public ActionTest {
   fs::path newFolder() const { return supportFolder() / ".Profiles.new"; }
   fs::path oldFolder() const { return supportFolder() / ".Profiles.old"; }
 };
+
+TEST_F(LibrarySafety, AStartRemovesWhatKillsLeftLongAgoInEveryFolder) {
+  const auto& folders = LXPlatform::current().userFolders;
+  const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(2);
+  for (const fs::path& folder :
+       {folders.support, folders.drafts, folders.preferences.parent_path()}) {
+    fs::create_directories(folder);
+    writeText(folder / ".nerin-7-old.new", "half");
+    fs::last_write_time(folder / ".nerin-7-old.new", longAgo);
+    writeText(folder / ".nerin-8-young.new", "half");
+  }
+  endProgram();
+  EXPECT_THAT(names(), ElementsAre("a", "b"));
+  for (const fs::path& folder :
+       {folders.support, folders.drafts, folders.preferences.parent_path()}) {
+    EXPECT_FALSE(fs::exists(folder / ".nerin-7-old.new")) << folder;
+    EXPECT_TRUE(fs::exists(folder / ".nerin-8-young.new")) << folder;
+  }
+}
 
 TEST_F(LibrarySafety, AFailureAtAnyStepLeavesTheOldLibraryOrTheNewOne) {
   library().delProByName("a");
