@@ -32,6 +32,7 @@ READERS = {
     "BusAddressFuzzer": ["Kit/Bus/SessionBus.cpp"],
     "CatalogueUpdateFuzzer": ["Action/Texts/CatalogueUpdate.cpp"],
     "CommandLineFuzzer": ["CommandLine/CommandLine.cpp", "CommandLine/Grammar.cpp"],
+    "DecodedPictureFuzzer": ["Kit/Widgets/DecodedPicture.cpp"],
     "DeviceByteFuzzer": ["Action/Device/DeviceLink.cpp"],
     "ImageReportFuzzer": ["Action/Wire/ProfileImage.cpp"],
     "MacroArchiveFuzzer": ["Kit/Core/KeyedArchive.cpp"],
