@@ -289,6 +289,18 @@ QString prefetchKey(const QString& path, qreal ratio) {
   return path + u'@' + QString::number(ratio);
 }
 
+// The thread that makes them.
+std::future<void>& maker() {
+  static std::future<void> running;
+  return running;
+}
+
+void awaitMaker() {
+  if (maker().valid()) {
+    maker().wait();
+  }
+}
+
 std::string languageNow() {
   return TooltipManager::shareTooltipManager().languageCode();
 }
@@ -327,8 +339,10 @@ void pictures::prefetch(const QStringList& fileNames) {
                                                    languageNow()};
   }
   // One thread, so that the window keeps a processor for itself.
-  static std::future<void> maker;
-  maker = std::async(std::launch::async, [orders = std::move(orders)]() mutable {
+  // Drawing words needs the application, also when that ends right after its start.
+  qRemovePostRoutine(awaitMaker);
+  qAddPostRoutine(awaitMaker);
+  maker() = std::async(std::launch::async, [orders = std::move(orders)]() mutable {
     for (auto& [order, picture] : orders) {
       picture.set_value(order.make());
     }

@@ -53,3 +53,10 @@ TEST_F(MadeAhead, PicturesInTheWordsOfAnotherLanguageAreMadeAnew) {
   texts().setLanByname("German");
   EXPECT_TRUE(image(name) == german) << "what was made ahead is given out once";
 }
+
+// The last one: the program ends while they are being made, which must not draw without it.
+TEST_F(MadeAhead, TheEndOfTheProgramWaitsForPicturesThatNobodyTook) {
+  texts().setLanByname("Japanese");
+  pictures::prefetch(names());
+  SUCCEED();
+}
