@@ -3,7 +3,6 @@
 import contextlib
 import io
 import os
-import re
 import struct
 import sys
 import tempfile
